@@ -1,0 +1,75 @@
+# How every target of ours is made, in one place.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+# Linked to our own targets alone: warnings of other people's headers are not ours to fix.
+add_library(brimwatch_build_flags INTERFACE)
+target_compile_options(brimwatch_build_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Werror)
+target_compile_definitions(brimwatch_build_flags INTERFACE
+    QT_NO_CAST_FROM_ASCII
+    QT_NO_CAST_TO_ASCII
+    QT_NO_KEYWORDS
+    QT_NO_FOREACH
+    QT_STRICT_ITERATORS
+    QT_USE_QSTRINGBUILDER
+    QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+if(BRIMWATCH_SANITIZE)
+    target_compile_options(brimwatch_build_flags INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    target_link_options(brimwatch_build_flags INTERFACE -fsanitize=address,undefined)
+endif()
+
+# What generated QML code trips over is left out of this one.
+add_library(brimwatch_strict_flags INTERFACE)
+target_link_libraries(brimwatch_strict_flags INTERFACE brimwatch_build_flags)
+target_compile_options(brimwatch_strict_flags INTERFACE -Wshadow)
+
+function(_brimwatch_target name)
+    target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+endfunction()
+
+# brimwatch_library(NAME [SHARED] SOURCES... [LINKS...] [PRIVATE_LINKS...]): a folder of src/ as a library. LINKS are what
+# its headers use, PRIVATE_LINKS what only its sources do.
+function(brimwatch_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "SHARED" "" "SOURCES;LINKS;PRIVATE_LINKS")
+    set(kind STATIC)
+    if(arg_SHARED)
+        set(kind SHARED)
+    endif()
+    add_library(${name} ${kind} ${arg_SOURCES})
+    _brimwatch_target(${name})
+    target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS} brimwatch_strict_flags)
+endfunction()
+
+# brimwatch_executable(NAME SOURCES... LINKS...)
+function(brimwatch_executable name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+    add_executable(${name} ${arg_SOURCES})
+    _brimwatch_target(${name})
+    target_link_libraries(${name} PRIVATE ${arg_LINKS} brimwatch_strict_flags)
+endfunction()
+
+# brimwatch_test(NAME SOURCES... LINKS... [DBUS] [LABELS...] [ENVIRONMENT...]): a Qt Test program known to ctest under
+# NAME. It sees no display and its own empty home; with DBUS it runs on a session bus of its own.
+function(brimwatch_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "DBUS" "" "SOURCES;LINKS;LABELS;ENVIRONMENT")
+    add_executable(${name} ${arg_SOURCES})
+    _brimwatch_target(${name})
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_link_libraries(${name} PRIVATE ${arg_LINKS} Qt6::Test brimwatch_strict_flags)
+    set(home "${CMAKE_CURRENT_BINARY_DIR}/${name}.home")
+    set(command "$<TARGET_FILE:${name}>")
+    if(arg_DBUS)
+        set(command dbus-run-session -- ${command})
+    endif()
+    add_test(NAME ${name}
+        COMMAND "${PROJECT_SOURCE_DIR}/tests/support/in-empty-home.sh" "${home}" ${command})
+    set_tests_properties(${name} PROPERTIES
+        LABELS "${arg_LABELS}"
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_FATAL_WARNINGS=1;LC_ALL=C.UTF-8;TZ=UTC;ASAN_OPTIONS=detect_leaks=0;${arg_ENVIRONMENT}")
+endfunction()

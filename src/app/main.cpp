@@ -1,0 +1,112 @@
+#include "app/app_delegate.h"
+#include "app/command_line.h"
+#include "app/toolkit_setup.h"
+#include "app/views_library.h"
+#include "core/clock.h"
+#include "discovery/daemon_discovery_service.h"
+#include "platform/linux/desktop_appearance.h"
+#include "platform/linux/desktop_opener.h"
+#include "platform/linux/label_painter.h"
+#include "platform/linux/panel_status_item.h"
+#include "platform/linux/qt_application_presence.h"
+#include "platform/linux/symbols/svg_symbols.h"
+#include "platform/linux/x11_popover.h"
+#include "platform/linux/x_connection.h"
+#include "platform/linux/xsettings.h"
+#include "service/quota_fetch_client.h"
+#include "service/settings.h"
+
+#include <QDBusConnection>
+#include <QGuiApplication>
+#include <QPointer>
+#include <QStandardPaths>
+
+using namespace brimwatch;
+
+namespace {
+
+/// Everything that lives as long as the program, put together in the order in which one stands on
+/// the other.
+class Program {
+public:
+    Program()
+        : m_discovery(qEnvironmentVariable("HOME"))
+        , m_fetchClient(m_discovery, m_clock)
+        , m_bus(QDBusConnection::sessionBus())
+        , m_xSettings(m_xConnection)
+        , m_appearance(m_bus, m_xConnection.isValid() ? &m_xSettings : nullptr,
+              QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation))
+        , m_labelPainter(m_symbols)
+        , m_delegate(
+              m_presence, [this] { return makeQuotaService(); },
+              [this](service::QuotaService &service) { return makeController(service); })
+    {
+    }
+
+    void launch() { m_delegate.applicationDidFinishLaunching(); }
+
+private:
+    std::unique_ptr<service::QuotaService> makeQuotaService()
+    {
+        return std::make_unique<service::QuotaService>(service::QuotaService::Dependencies{
+            .clock = m_clock, .fetching = m_fetchClient, .settings = m_settings});
+    }
+
+    std::unique_ptr<app::StatusBarController> makeController(service::QuotaService &quotaService)
+    {
+        auto factory = app::viewsFromLibrary({.quotaService = quotaService,
+            .appearance = m_appearance,
+            .symbols = m_symbols,
+            .opener = m_opener,
+            .terminate = [this] { m_presence.terminate(); },
+            .close = [this] { closePopover(); }});
+        auto popover = std::make_unique<platform::X11Popover>(std::move(factory));
+        m_popover = popover.get();
+        auto controller = std::make_unique<app::StatusBarController>(
+            app::StatusBarController::Dependencies{.quotaService = quotaService,
+                .clock = m_clock,
+                .statusItem = std::make_unique<platform::PanelStatusItem>(
+                    m_xConnection, m_bus, m_labelPainter, m_appearance),
+                .popover = std::move(popover),
+                .symbolExists = [this](const QString &name) { return m_symbols.has(name); }});
+        QObject::connect(controller.get(), &app::StatusBarController::quitRequested,
+            controller.get(), [this] { m_presence.terminate(); });
+        return controller;
+    }
+
+    void closePopover()
+    {
+        if (m_popover)
+            m_popover->performClose();
+    }
+
+    SystemClock m_clock;
+    service::SettingsStore m_settings;
+    discovery::DaemonDiscoveryService m_discovery;
+    service::QuotaFetchClient m_fetchClient;
+    QDBusConnection m_bus;
+    platform::XConnection m_xConnection;
+    platform::XSettings m_xSettings;
+    platform::DesktopAppearance m_appearance;
+    platform::DesktopOpener m_opener;
+    platform::SvgSymbols m_symbols;
+    platform::LabelPainter m_labelPainter;
+    platform::QtApplicationPresence m_presence;
+    QPointer<platform::Popover> m_popover;
+    app::AppDelegate m_delegate;
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (const auto answered = app::answerCommandLine(argc, argv))
+        return *answered;
+    if (!app::displayIsThere())
+        return 1;
+    const auto application = app::makeApplication(argc, argv);
+    Program program;
+    QMetaObject::invokeMethod(
+        application.get(), [&program] { program.launch(); }, Qt::QueuedConnection);
+    return QGuiApplication::exec();
+}

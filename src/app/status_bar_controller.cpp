@@ -1,0 +1,77 @@
+#include "app/status_bar_controller.h"
+
+#include "app/item_description.h"
+#include "service/quota_service.h"
+
+namespace brimwatch::app {
+
+StatusBarController::StatusBarController(Dependencies dependencies)
+    : m_quotaService(dependencies.quotaService)
+    , m_clock(dependencies.clock)
+    , m_statusItem(std::move(dependencies.statusItem))
+    , m_popover(std::move(dependencies.popover))
+    , m_symbolExists(std::move(dependencies.symbolExists))
+{
+    connect(
+        m_popover.get(), &platform::Popover::didClose, this, &StatusBarController::popoverDidClose);
+    connect(m_statusItem.get(), &platform::StatusItem::clicked, this,
+        &StatusBarController::statusItemClicked);
+    connect(m_statusItem.get(), &platform::StatusItem::refreshRequested, &m_quotaService,
+        &service::QuotaService::refresh);
+    connect(m_statusItem.get(), &platform::StatusItem::quitRequested, this,
+        &StatusBarController::quitRequested);
+    setupSubscribers();
+    updateStatusItem();
+}
+
+StatusBarController::~StatusBarController()
+{
+    // Closing the popover reports to us: not while we are half gone.
+    m_popover->disconnect(this);
+}
+
+void StatusBarController::statusItemClicked(const platform::ItemAnchor &sender)
+{
+    togglePopover(sender);
+}
+
+void StatusBarController::togglePopover(const platform::ItemAnchor &sender)
+{
+    if (!m_statusItem->hasButton())
+        return;
+    if (m_popover->isShown()) {
+        m_popover->performClose();
+        return;
+    }
+    if (m_popoverCloseTime) {
+        const qint64 elapsed = m_popoverCloseTime->msecsTo(m_clock.now());
+        // A clock that was set back meanwhile must not lock the popover.
+        if (elapsed >= 0 && elapsed < reopenGuardMilliseconds)
+            return;
+    }
+    m_popover->show(sender);
+    m_popover->makeKey();
+}
+
+void StatusBarController::popoverDidClose()
+{
+    m_popoverCloseTime = m_clock.now();
+}
+
+void StatusBarController::setupSubscribers()
+{
+    // The signal comes before the value is stored; a turn of the event loop later it is.
+    connect(&m_quotaService, &service::QuotaService::objectWillChange, this,
+        &StatusBarController::updateStatusItem, Qt::QueuedConnection);
+}
+
+void StatusBarController::updateStatusItem()
+{
+    if (!m_statusItem->hasButton())
+        return;
+    m_label = model::composeLabel(m_quotaService.labelInput(), m_label, m_symbolExists);
+    m_statusItem->setLabel(m_label);
+    m_statusItem->setDescription(describeItem(m_quotaService));
+}
+
+} // namespace brimwatch::app

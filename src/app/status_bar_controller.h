@@ -1,0 +1,64 @@
+#pragma once
+
+#include "core/clock.h"
+#include "model/label_composition.h"
+#include "platform/popover.h"
+#include "platform/status_item.h"
+
+#include <QDateTime>
+#include <QObject>
+
+#include <memory>
+#include <optional>
+
+namespace brimwatch::service {
+class QuotaService;
+}
+
+namespace brimwatch::app {
+
+/// Owns the item in the panel and the popover under it: keeps the label current, and opens and
+/// closes the popover.
+class StatusBarController final : public QObject {
+    Q_OBJECT
+
+public:
+    /// After it has closed, the popover stays closed for this long: the click that closed it must
+    /// not open it again.
+    static constexpr qint64 reopenGuardMilliseconds = 250;
+
+    /// What it stands on. References outlive it.
+    struct Dependencies {
+        service::QuotaService &quotaService;
+        const Clock &clock;
+        std::unique_ptr<platform::StatusItem> statusItem;
+        std::unique_ptr<platform::Popover> popover;
+        model::SymbolExists symbolExists;
+    };
+
+    explicit StatusBarController(Dependencies dependencies);
+    ~StatusBarController() override;
+
+    /// Closes the popover when it is shown; else opens it, unless it closed just now.
+    void togglePopover(const platform::ItemAnchor &sender);
+
+Q_SIGNALS:
+    /// Chosen from the item's menu.
+    void quitRequested();
+
+private:
+    void statusItemClicked(const platform::ItemAnchor &sender);
+    void popoverDidClose();
+    void setupSubscribers();
+    void updateStatusItem();
+
+    service::QuotaService &m_quotaService;
+    const Clock &m_clock;
+    std::unique_ptr<platform::StatusItem> m_statusItem;
+    std::unique_ptr<platform::Popover> m_popover;
+    model::SymbolExists m_symbolExists;
+    model::LabelComposition m_label;
+    std::optional<QDateTime> m_popoverCloseTime; ///< Absent: in the distant past.
+};
+
+} // namespace brimwatch::app

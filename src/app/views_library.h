@@ -1,0 +1,11 @@
+#pragma once
+
+#include "platform/popover_content.h"
+#include "views/popover_views.h"
+
+namespace brimwatch::app {
+
+/// Loads the library of the views, which stays loaded, and lets it make the popover's content.
+platform::PopoverContentFactory viewsFromLibrary(const views::PopoverDependencies &dependencies);
+
+} // namespace brimwatch::app

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "core/result.h"
+#include "model/quota_json.h"
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+
+namespace brimwatch::discovery {
+
+/// One discovery file: how a language-server daemon announces itself.
+struct DaemonInfo {
+    std::optional<std::int64_t> pid = {};
+    std::optional<std::int64_t> httpsPort = {};
+    std::optional<std::int64_t> httpPort = {};
+    std::optional<QString> lsVersion = {};
+    std::optional<QString> csrfToken
+        = {}; ///< A secret: it goes into the request and the report, never into a log.
+    std::optional<QString> filePath = {}; ///< Where it was read.
+
+    bool operator==(const DaemonInfo &) const = default;
+};
+
+/// All keys are optional, but one of a wrong type (a port as text, a pid with a fraction) refuses
+/// the file whole.
+Result<DaemonInfo, model::DecodingError> decodeDaemonInfo(const QByteArray &json);
+QJsonObject encode(const DaemonInfo &info);
+
+} // namespace brimwatch::discovery

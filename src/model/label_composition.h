@@ -1,0 +1,124 @@
+#pragma once
+
+#include "model/color_token.h"
+#include "model/toolbar_stat_items.h"
+
+#include <QList>
+#include <QString>
+
+#include <functional>
+#include <optional>
+#include <variant>
+
+namespace brimwatch::model {
+
+enum class FontWeight { Medium, Semibold };
+
+/// A symbol in the label. Sizes are in points, device-independent pixels on Linux.
+struct LabelSymbol {
+    QString name;
+    double pointSize = 0;
+    FontWeight weight = FontWeight::Semibold;
+
+    bool operator==(const LabelSymbol &) const = default;
+};
+
+/// The image before the text: a symbol in a transparent frame, drawn in the colour of the panel's
+/// own texts.
+struct LabelImage {
+    LabelSymbol symbol;
+    QString accessibleName;
+    double paddingLeft = 0;
+    double paddingRight = 0;
+    double paddingVertical = 0; ///< Above and below, each.
+
+    bool operator==(const LabelImage &) const = default;
+};
+
+enum class ImagePosition { Leading, Only };
+
+/// A run of text in one colour, in the label's font. Without a colour it has no look of its own: it
+/// is a gap.
+struct TextRun {
+    QString text;
+    std::optional<ColorToken> color;
+
+    bool operator==(const TextRun &) const = default;
+};
+
+/// A symbol within the text, its middle at half the cap height of the label's font, in the colour
+/// of the panel's own texts.
+struct SymbolRun {
+    LabelSymbol symbol;
+
+    bool operator==(const SymbolRun &) const = default;
+};
+
+using LabelRun = std::variant<TextRun, SymbolRun>;
+
+/// What stands in the panel, whatever draws it. Texts are in the interface font at 12 points,
+/// medium, all digits of one width.
+struct LabelComposition {
+    static constexpr double fontSize = 12;
+
+    std::optional<LabelImage> image;
+    ImagePosition imagePosition = ImagePosition::Only; ///< Means nothing without an image.
+    QList<LabelRun> title;
+
+    /// The title's texts, a symbol as the object replacement character U+FFFC.
+    QString plainTitle() const;
+
+    bool operator==(const LabelComposition &) const = default;
+};
+
+/// What decides the label.
+struct LabelInput {
+    QList<ToolbarStatItem> items;
+    bool showPercentage = true;
+    bool showIcon = true;
+    bool colored = true;
+    QString labelStyle; ///< The stored text. "icon" and nothing else draws models as symbols.
+    ColorToken tint = ColorToken::SecondaryLabel; ///< For the icon of the declarative form.
+};
+
+/// Whether the desktop has a symbol of that name.
+using SymbolExists = std::function<bool(const QString &name)>;
+
+/// The label of the status item. Where the desktop lacks the sparkle the image stays that of
+/// `previous`; where it lacks a model's symbol, the item shows its text.
+LabelComposition composeLabel(
+    const LabelInput &input, const LabelComposition &previous, const SymbolExists &exists);
+
+/// One item of the declarative label.
+struct LabelViewItem {
+    Q_GADGET
+    Q_PROPERTY(QString symbolName MEMBER symbolName CONSTANT FINAL)
+    Q_PROPERTY(QString text MEMBER text CONSTANT FINAL)
+    Q_PROPERTY(brimwatch::model::ColorToken color MEMBER color CONSTANT FINAL)
+
+public:
+    QString symbolName = {}; ///< Empty: none, the text names the model.
+    QString text = {};
+    ColorToken color = ColorToken::Label;
+
+    bool operator==(const LabelViewItem &) const = default;
+};
+
+/// The same label for a view: an optional sparkle, then the items with a dot between them.
+struct LabelViewComposition {
+    Q_GADGET
+    Q_PROPERTY(bool showIcon MEMBER showIcon CONSTANT FINAL)
+    Q_PROPERTY(brimwatch::model::ColorToken iconColor MEMBER iconColor CONSTANT FINAL)
+    Q_PROPERTY(QList<brimwatch::model::LabelViewItem> items MEMBER items CONSTANT FINAL)
+
+public:
+    bool showIcon = true;
+    ColorToken iconColor = ColorToken::Label;
+    QList<LabelViewItem> items = {};
+
+    bool operator==(const LabelViewComposition &) const = default;
+};
+
+LabelViewComposition composeLabelView(const LabelInput &input);
+
+} // namespace brimwatch::model

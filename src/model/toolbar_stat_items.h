@@ -1,0 +1,63 @@
+#pragma once
+
+#include "model/color_token.h"
+#include "model/quota_records.h"
+#include "model/toolbar_models.h"
+
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+namespace brimwatch::model {
+
+/// One item of the panel's label.
+struct ToolbarStatItem {
+    ToolbarModel model = ToolbarModel::gemini;
+    QuotaBucket bucket;
+    QString text; ///< With the model's prefix: "G 5h: 80%".
+    QString
+        formattedValue; ///< Without it: "5h: 80%"; for the style that draws the model as a symbol.
+    ColorToken color = ColorToken::SystemRed; ///< Health, for views.
+    ColorToken nsColor = ColorToken::SystemRed; ///< Health, for the panel's label.
+
+    /// "gemini_" and the bucket's id. Two items of one list may share it.
+    QString id() const;
+
+    bool operator==(const ToolbarStatItem &) const = default;
+};
+
+/// What of the user's settings decides the items of the label.
+struct ToolbarSettings {
+    bool showGeminiInToolbar = true;
+    bool showArgonInToolbar = false;
+    bool showClaudeInToolbar = false;
+    bool showFiveHourInMenuBar = true;
+    bool showWeeklyInMenuBar = true;
+    QString toolbarLabelStyle; ///< A raw value; anything unknown counts as `letter`.
+};
+
+/// The items of the label, Gemini, Argon, Claude, within each the five-hour one before the weekly
+/// one. Empty without a summary.
+QList<ToolbarStatItem> toolbarStatItems(
+    const std::optional<QuotaSummary> &summary, const ToolbarSettings &settings);
+
+/// The bucket with least left among the items (the first of equals), without items Gemini's lowest
+/// one.
+std::optional<QuotaBucket> lowestSelectedBucket(
+    const std::optional<QuotaSummary> &summary, const QList<ToolbarStatItem> &items);
+
+enum class StarAtStart { No, Yes };
+enum class ConnectionPhase { Connecting, Settled };
+
+/// The label as one line of text.
+QString menuBarTitle(const std::optional<QuotaSummary> &summary,
+    const QList<ToolbarStatItem> &items, StarAtStart star, ConnectionPhase phase);
+
+/// The label's colour as a whole, for views: SecondaryLabel without a bucket, else its health (the
+/// system's green).
+ColorToken menuBarTint(const std::optional<QuotaBucket> &lowest);
+/// The same for native items: healthy is our adaptive green, and so is no bucket.
+ColorToken menuBarNSTint(const std::optional<QuotaBucket> &lowest);
+
+} // namespace brimwatch::model

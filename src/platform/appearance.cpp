@@ -1,0 +1,7 @@
+#include "platform/appearance.h"
+
+namespace brimwatch::platform {
+
+Appearance::~Appearance() = default;
+
+} // namespace brimwatch::platform

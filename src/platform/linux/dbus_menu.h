@@ -1,0 +1,125 @@
+#pragma once
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusVariant>
+#include <QList>
+#include <QMetaType>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+
+class DBusMenuAdaptor;
+
+namespace brimwatch::platform {
+
+/// One entry of a menu. A separator has neither label nor id that anybody can choose.
+struct DBusMenuEntry {
+    int id = 0; ///< Above 0, once per menu.
+    QString label; ///< As it is read: no character has a second meaning.
+    bool enabled = true;
+    bool separator = false;
+
+    bool operator==(const DBusMenuEntry &) const = default;
+};
+
+/// An entry with its children as the protocol carries them, `(ia{sv}av)`.
+struct DBusMenuLayout {
+    int id = 0;
+    QVariantMap properties;
+    QList<DBusMenuLayout> children;
+};
+
+/// `(ia{sv})`
+struct DBusMenuProperties {
+    int id = 0;
+    QVariantMap properties;
+};
+
+/// `(ias)`
+struct DBusMenuPropertyNames {
+    int id = 0;
+    QStringList names;
+};
+
+/// `(isvu)`
+struct DBusMenuEvent {
+    int id = 0;
+    QString name;
+    QDBusVariant data;
+    uint timestamp = 0;
+};
+
+/// A menu of one level that a panel draws for us, after the com.canonical.dbusmenu protocol. It is
+/// on the bus from its making to its end, or until another object takes its path.
+///
+/// Whoever asks for what is not there gets an error, and a group of ids or events longer than any
+/// panel's is refused.
+class DBusMenu : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_PROPERTY(uint Version READ version CONSTANT FINAL)
+    Q_PROPERTY(QString TextDirection READ textDirection CONSTANT FINAL)
+    Q_PROPERTY(QString Status READ status CONSTANT FINAL)
+    Q_PROPERTY(QStringList IconThemePath READ iconThemePath CONSTANT FINAL)
+
+public:
+    DBusMenu(QDBusConnection bus, QString path, QList<DBusMenuEntry> entries, QObject *parent);
+    ~DBusMenu() override;
+    DBusMenu(const DBusMenu &) = delete;
+    DBusMenu &operator=(const DBusMenu &) = delete;
+    DBusMenu(DBusMenu &&) = delete;
+    DBusMenu &operator=(DBusMenu &&) = delete;
+
+    /// The panel hears of it only when they differ.
+    void setEntries(QList<DBusMenuEntry> entries);
+
+    uint version() const;
+    QString textDirection() const;
+    QString status() const;
+    QStringList iconThemePath() const;
+
+    // The methods of the protocol, named as it names them. For callers on the bus: a wrong argument
+    // is answered there.
+    uint GetLayout(
+        int parentId, int recursionDepth, const QStringList &propertyNames, DBusMenuLayout &layout);
+    QList<DBusMenuProperties> GetGroupProperties(
+        const QList<int> &ids, const QStringList &propertyNames);
+    QDBusVariant GetProperty(int id, const QString &name);
+    void Event(int id, const QString &eventId, const QDBusVariant &data, uint timestamp);
+    QList<int> EventGroup(const QList<DBusMenuEvent> &events);
+    bool AboutToShow(int id);
+    QList<int> AboutToShowGroup(const QList<int> &ids, QList<int> &idErrors);
+
+Q_SIGNALS:
+    /// The entry was chosen. Entries that are disabled or separators never are.
+    void triggered(int id);
+
+private:
+    bool knows(int id) const;
+    void take(int id, const QString &eventId);
+    bool refuseLongGroup(qsizetype size);
+
+    QDBusConnection m_bus;
+    QString m_path;
+    DBusMenuAdaptor *m_adaptor;
+    QList<DBusMenuEntry> m_entries;
+    uint m_revision = 1;
+};
+
+QDBusArgument &operator<<(QDBusArgument &argument, const DBusMenuLayout &layout);
+const QDBusArgument &operator>>(const QDBusArgument &argument, DBusMenuLayout &layout);
+QDBusArgument &operator<<(QDBusArgument &argument, const DBusMenuProperties &properties);
+const QDBusArgument &operator>>(const QDBusArgument &argument, DBusMenuProperties &properties);
+QDBusArgument &operator<<(QDBusArgument &argument, const DBusMenuPropertyNames &names);
+const QDBusArgument &operator>>(const QDBusArgument &argument, DBusMenuPropertyNames &names);
+QDBusArgument &operator<<(QDBusArgument &argument, const DBusMenuEvent &event);
+const QDBusArgument &operator>>(const QDBusArgument &argument, DBusMenuEvent &event);
+
+} // namespace brimwatch::platform
+
+Q_DECLARE_METATYPE(brimwatch::platform::DBusMenuLayout)
+Q_DECLARE_METATYPE(brimwatch::platform::DBusMenuProperties)
+Q_DECLARE_METATYPE(brimwatch::platform::DBusMenuPropertyNames)
+Q_DECLARE_METATYPE(brimwatch::platform::DBusMenuEvent)

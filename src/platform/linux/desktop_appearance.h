@@ -1,0 +1,66 @@
+#pragma once
+
+#include "platform/appearance.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QFileSystemWatcher>
+#include <QHash>
+#include <QString>
+#include <QVariant>
+
+#include <memory>
+#include <optional>
+
+namespace brimwatch::platform {
+
+class XSettings;
+
+/// How the desktop looks, from what it announces: the settings portal first, then KDE's own file,
+/// then XSETTINGS. A desktop that says nothing is light.
+class DesktopAppearance final : public Appearance {
+    Q_OBJECT
+
+public:
+    /// `xSettings` may be null where there is no X server, and outlives this. `configHome` is where
+    /// kdeglobals stands.
+    DesktopAppearance(const QDBusConnection &bus, const XSettings *xSettings,
+        const QString &configHome, QObject *parent = nullptr);
+    ~DesktopAppearance() override;
+
+    bool isDark() const override { return m_look.dark; }
+    Rgba color(model::ColorToken token) const override;
+    QString fontFamily() const override { return m_look.fontFamily; }
+    double textScale() const override { return m_look.textScale; }
+
+private:
+    struct Look {
+        bool dark = false;
+        std::optional<Rgba> accent;
+        QString fontFamily;
+        double textScale = 1;
+
+        bool operator==(const Look &) const = default;
+    };
+
+    void askPortal();
+    void readKde();
+    void update();
+    Look look() const;
+
+    Q_SLOT void portalSettingChanged(const QDBusMessage &message);
+
+    QDBusConnection m_bus;
+    const XSettings *m_xSettings;
+    QString m_kdeFile;
+    std::unique_ptr<QFileSystemWatcher> m_kdeWatcher;
+    QHash<QString, QVariant> m_portal; ///< "namespace key" to value.
+    QHash<QString, QString> m_kde; ///< "Group/Key" to value.
+    Look m_look;
+};
+
+/// The family in a font description such as "Noto Sans Bold 10" (XSETTINGS, GNOME) or "Noto
+/// Sans,10,-1,5,50,0,0,0,0,0" (KDE).
+QString familyOfFontDescription(const QString &description);
+
+} // namespace brimwatch::platform

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+#include <optional>
+
+namespace brimwatch::platform {
+
+/// The ways of standing in a panel.
+enum class PresentationKind {
+    XembedWide, ///< The whole label in an embedded window.
+    XembedBadge, ///< Two numbers in an embedded window as wide as high.
+    SniWide, ///< The whole label as the pixmap of a StatusNotifierItem.
+    SniBadge, ///< Two numbers as its pixmap.
+    SniPortable, ///< What any StatusNotifierItem host understands: squares, texts and a menu.
+    None, ///< Nobody shows items.
+};
+
+/// The owner of org.kde.StatusNotifierWatcher.
+struct WatcherFacts {
+    QString executable; ///< The path of its program, as far as known.
+    /// Whether somebody shows what it watches. Absent while it has not answered.
+    std::optional<bool> hasHost;
+
+    bool operator==(const WatcherFacts &) const = default;
+};
+
+/// The owner of the system tray selection of the X screen.
+struct TrayManagerFacts {
+    QString executable; ///< The path of its program, or the name that its window has.
+
+    bool operator==(const TrayManagerFacts &) const = default;
+};
+
+/// Who could show the item.
+struct TrayFacts {
+    bool watcherKnown
+        = false; ///< Whether the bus has said who the watcher is, or that there is none.
+    std::optional<WatcherFacts> watcher;
+    std::optional<TrayManagerFacts> manager;
+};
+
+/// Who shall show the item, and how.
+struct HostChoice {
+    QString host; ///< For people: "xfce4-panel", "unknown".
+    PresentationKind wished = PresentationKind::None; ///< What suits the host best.
+    /// False while something missing may still come that would change the choice: an answer, or the
+    /// other half of a panel that brings a watcher and a tray manager one after the other.
+    bool settled = true;
+
+    bool operator==(const HostChoice &) const = default;
+};
+
+/// One presentation, never two: panels with both protocols would show the item twice. What is known
+/// of a host wins over what is not, and the wide label over a square.
+HostChoice chooseHost(const TrayFacts &facts);
+
+/// The nearest to `wished` of those that there are.
+constexpr PresentationKind implementedKind(PresentationKind wished)
+{
+    switch (wished) {
+    case PresentationKind::XembedWide:
+    case PresentationKind::XembedBadge: // It draws a square by itself where the panel gives it no
+                                        // more.
+        return PresentationKind::XembedWide;
+    case PresentationKind::SniWide:
+    case PresentationKind::SniBadge:
+    case PresentationKind::SniPortable:
+        return PresentationKind::SniPortable;
+    case PresentationKind::None:
+        break;
+    }
+    return PresentationKind::None;
+}
+
+constexpr bool isXembed(PresentationKind kind)
+{
+    return implementedKind(kind) == PresentationKind::XembedWide;
+}
+
+} // namespace brimwatch::platform

@@ -1,0 +1,32 @@
+#include "platform/linux/native_geometry.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+namespace brimwatch::platform {
+
+QScreen *screenAtNative(QPoint native)
+{
+    const auto screens = QGuiApplication::screens();
+    for (QScreen *screen : screens) {
+        const QRect geometry = screen->geometry();
+        const QSizeF size = QSizeF(geometry.size()) * screen->devicePixelRatio();
+        if (QRectF(geometry.topLeft(), size).contains(native))
+            return screen;
+    }
+    return QGuiApplication::primaryScreen();
+}
+
+QPoint fromNative(QPoint native, const QScreen *screen)
+{
+    const QPoint origin = screen->geometry().topLeft();
+    return origin + (QPointF(native - origin) / screen->devicePixelRatio()).toPoint();
+}
+
+QRect fromNative(const QRect &native, const QScreen *screen)
+{
+    const QSizeF size = QSizeF(native.size()) / screen->devicePixelRatio();
+    return {fromNative(native.topLeft(), screen), size.toSize()};
+}
+
+} // namespace brimwatch::platform

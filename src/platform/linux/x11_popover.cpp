@@ -1,0 +1,170 @@
+#include "platform/linux/x11_popover.h"
+
+#include "platform/linux/native_geometry.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QLoggingCategory>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QWindow>
+
+#include <algorithm>
+
+namespace brimwatch::platform {
+
+Q_LOGGING_CATEGORY(popoverLog, "brimwatch.platform", QtInfoMsg)
+
+namespace {
+
+// A panel may hold the pointer for a moment after it has told us of the click.
+constexpr int grabAttempts = 50;
+constexpr int grabInterval = 10;
+
+} // namespace
+
+QRect popoverPlace(const QRect &item, const QSize &size, const QRect &screen, const QRect &workArea)
+{
+    const bool below = item.center().y() < screen.center().y();
+    const int x = item.left() + item.width() / 2 - size.width() / 2;
+    const int y = below ? item.bottom() + 1 : item.top() - size.height();
+    // The left and the top win when there is not room enough.
+    const int left = std::max(workArea.left(), std::min(x, workArea.right() + 1 - size.width()));
+    const int top = std::max(workArea.top(), std::min(y, workArea.bottom() + 1 - size.height()));
+    return {QPoint(left, top), size};
+}
+
+X11Popover::X11Popover(PopoverContentFactory factory, QObject *parent)
+    : Popover(parent)
+    , m_factory(std::move(factory))
+{
+    m_grabTimer.setInterval(grabInterval);
+    connect(&m_grabTimer, &QTimer::timeout, this, &X11Popover::grab);
+}
+
+X11Popover::~X11Popover()
+{
+    if (m_window)
+        m_window->removeEventFilter(this);
+}
+
+bool X11Popover::isShown() const
+{
+    return m_shown;
+}
+
+void X11Popover::show(const ItemAnchor &anchor)
+{
+    if (m_shown || !load())
+        return;
+    m_shown = true;
+    m_content->setShown(true);
+    place(anchor);
+    m_window->show();
+}
+
+void X11Popover::makeKey()
+{
+    if (!m_shown)
+        return;
+    m_grabAttemptsLeft = grabAttempts;
+    grab();
+}
+
+void X11Popover::performClose()
+{
+    if (m_window)
+        m_window->hide();
+}
+
+bool X11Popover::load()
+{
+    if (m_window)
+        return true;
+    m_content = m_factory();
+    if (!m_content)
+        return false;
+    m_window = &m_content->window();
+    m_window->setFlags(Qt::Popup | Qt::FramelessWindowHint);
+    m_window->installEventFilter(this);
+    return true;
+}
+
+void X11Popover::place(const ItemAnchor &anchor)
+{
+    const QPoint pointer
+        = anchor.pointer.value_or(anchor.bounds ? anchor.bounds->center() : QPoint(-1, -1));
+    QRect item;
+    QScreen *screen = nullptr;
+    if (anchor.bounds || anchor.pointer) {
+        screen = screenAtNative(pointer);
+        item = anchor.bounds ? fromNative(*anchor.bounds, screen)
+                             : QRect(fromNative(pointer, screen), QSize(1, 1));
+    } else {
+        // The toolkit's idea of the pointer is right on every panel tried, also where the panel's
+        // is not.
+        const QPoint cursor = QCursor::pos();
+        screen = QGuiApplication::screenAt(cursor);
+        if (screen == nullptr)
+            screen = QGuiApplication::primaryScreen();
+        item = QRect(cursor, QSize(1, 1));
+    }
+    if (screen == nullptr)
+        return;
+    m_window->setScreen(screen);
+    m_window->setGeometry(
+        popoverPlace(item, m_window->size(), screen->geometry(), screen->availableGeometry()));
+}
+
+void X11Popover::grab()
+{
+    if (!m_shown || !m_window) {
+        m_grabTimer.stop();
+        return;
+    }
+    const bool pointer = m_window->setMouseGrabEnabled(true);
+    const bool keyboard = m_window->setKeyboardGrabEnabled(true);
+    if (pointer && keyboard) {
+        m_grabTimer.stop();
+        return;
+    }
+    if (--m_grabAttemptsLeft > 0) {
+        m_grabTimer.start();
+    } else {
+        m_grabTimer.stop();
+        qCDebug(popoverLog) << "pointer or keyboard stay with another program; a press elsewhere "
+                               "will not close the popover";
+    }
+}
+
+bool X11Popover::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_window)
+        return Popover::eventFilter(watched, event);
+    switch (event->type()) {
+    case QEvent::MouseButtonPress: {
+        const auto *press = static_cast<QMouseEvent *>(
+            event); // NOLINT(cppcoreguidelines-pro-type-static-cast-downcast): told by type()
+        if (!QRectF(QPointF(), m_window->size()).contains(press->position())) {
+            performClose();
+            return true;
+        }
+        break;
+    }
+    case QEvent::Hide:
+        if (m_shown) {
+            m_shown = false;
+            m_grabTimer.stop();
+            m_window->setMouseGrabEnabled(false);
+            m_window->setKeyboardGrabEnabled(false);
+            m_content->setShown(false);
+            Q_EMIT didClose();
+        }
+        break;
+    default:
+        break;
+    }
+    return Popover::eventFilter(watched, event);
+}
+
+} // namespace brimwatch::platform

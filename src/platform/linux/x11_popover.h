@@ -1,0 +1,51 @@
+#pragma once
+
+#include "platform/popover.h"
+#include "platform/popover_content.h"
+
+#include <QPointer>
+#include <QRect>
+#include <QTimer>
+
+class QScreen;
+class QWindow;
+
+namespace brimwatch::platform {
+
+/// Where a popover of `size` goes: below `item` when that stands in the upper half of `screen`,
+/// else above it, its middle at the item's, within `workArea`. All in one coordinate system. A
+/// popover larger than the work area keeps its top left in it.
+QRect popoverPlace(
+    const QRect &item, const QSize &size, const QRect &screen, const QRect &workArea);
+
+/// The popover as an X11 popup: no window manager in between, pointer and keyboard grabbed, so that
+/// any press elsewhere closes it, panels and bare desktops included.
+class X11Popover final : public Popover {
+    Q_OBJECT
+
+public:
+    explicit X11Popover(PopoverContentFactory factory, QObject *parent = nullptr);
+    ~X11Popover() override;
+
+    bool isShown() const override;
+    void show(const ItemAnchor &anchor) override;
+    void makeKey() override;
+    void performClose() override;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    bool load();
+    void place(const ItemAnchor &anchor);
+    void grab();
+
+    PopoverContentFactory m_factory;
+    std::unique_ptr<PopoverContent> m_content;
+    QPointer<QWindow> m_window;
+    bool m_shown = false;
+    QTimer m_grabTimer;
+    int m_grabAttemptsLeft = 0;
+};
+
+} // namespace brimwatch::platform

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "platform/linux/label_painter.h"
+#include "platform/linux/presentation.h"
+#include "platform/linux/system_colors.h"
+#include "platform/linux/x_image.h"
+
+#include <QImage>
+#include <QRect>
+#include <QSize>
+#include <QTimer>
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <optional>
+
+namespace brimwatch::platform {
+
+class Appearance;
+class HoverText;
+class XConnection;
+
+/// The whole label in a window of our own that the panel takes into its tray (the system tray
+/// protocol, which embeds by XEmbed). Transparent where the panel offers a visual for that,
+/// otherwise drawn over what the panel shows there. A slot that stays narrower than the label gets
+/// its square form.
+class XembedPresentation final : public Presentation {
+    Q_OBJECT
+
+public:
+    /// How long a panel may take to widen a slot before the square form is drawn.
+    static constexpr int settleMilliseconds = 300;
+
+    /// For the tray manager with that window. It is asked to take the item with the first
+    /// present().
+    XembedPresentation(XConnection &x, xcb_window_t manager, const LabelPainter &painter,
+        Appearance &appearance, QObject *parent = nullptr);
+    ~XembedPresentation() override;
+
+    void present(const PresentedItem &item) override;
+
+private:
+    void createWindow();
+    void requestDock();
+    void handle(const xcb_generic_event_t *event);
+    void buttonReleased(const xcb_button_release_event_t &release);
+    void resized(QSize size);
+    void reparented(xcb_window_t parent);
+    void lose();
+
+    LabelLook look() const;
+    void readPanelColors();
+    void askForWidth();
+    void writeSizeHints();
+    bool keepsProportions() const;
+    void readBehind();
+    void fitSlot();
+    QImage compose();
+    void draw();
+    QRect place() const;
+
+    XConnection &m_x;
+    xcb_window_t m_manager;
+    const LabelPainter &m_painter;
+    Appearance &m_appearance;
+    HoverText *m_hover;
+    PresentedItem m_item;
+
+    XPixelFormat m_format; // Of the window, when there is one.
+    xcb_window_t m_window = XCB_WINDOW_NONE;
+    xcb_colormap_t m_colormap = XCB_NONE;
+    xcb_gcontext_t m_gc = XCB_NONE;
+    bool m_docked = false;
+    bool m_lost = false;
+    QSize m_slot;
+    int m_askedWidth = 0;
+    int m_askedHeight = 0;
+    QTimer m_settle;
+    bool m_narrow = false; // The panel has had its time and gives less than the label needs.
+    std::optional<Ground> m_panelGround; // As the panel says.
+    Ground m_seenGround = Ground::Dark; // As the pixels behind the item say.
+    QImage m_behind; // What the panel shows where the item stands; null while not looked at, and
+                     // with transparency.
+    QImage m_drawn;
+    std::optional<std::uint8_t> m_pressed; // The button held down since it was pressed on the item.
+};
+
+} // namespace brimwatch::platform

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/status_item.h"
+
+#include <QObject>
+
+namespace brimwatch::platform {
+
+/// The popover that hangs from the status item. It is transient: a click elsewhere closes it.
+class Popover : public QObject {
+    Q_OBJECT
+
+public:
+    /// The content's size in points (device-independent pixels).
+    static constexpr int contentWidth = 380;
+    static constexpr int contentHeight = 490;
+
+    using QObject::QObject;
+    ~Popover() override;
+
+    virtual bool isShown() const = 0;
+    /// Shows it beside the item, below it where there is room. The content is loaded with the first
+    /// call.
+    virtual void show(const ItemAnchor &anchor) = 0;
+    /// Gives it the keyboard, without making the program the active one.
+    virtual void makeKey() = 0;
+    /// Closes it as a click elsewhere would.
+    virtual void performClose() = 0;
+
+Q_SIGNALS:
+    /// It has closed, whatever closed it.
+    void didClose();
+};
+
+} // namespace brimwatch::platform

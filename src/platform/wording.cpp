@@ -1,0 +1,14 @@
+#include "platform/wording.h"
+
+namespace brimwatch::platform {
+
+using namespace Qt::Literals::StringLiterals;
+
+const Wording &wording(DesktopFamily family)
+{
+    static const Wording macOS{.refreshToolTip = u"Refresh Quota (⌘R)"_s};
+    static const Wording linux_{.refreshToolTip = u"Refresh Quota (Ctrl+R)"_s};
+    return family == DesktopFamily::macOS ? macOS : linux_;
+}
+
+} // namespace brimwatch::platform

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+
+namespace brimwatch::platform {
+
+enum class DesktopFamily { macOS, Linux };
+
+/// The family that this program was built for.
+constexpr DesktopFamily thisDesktopFamily()
+{
+#ifdef Q_OS_MACOS
+    return DesktopFamily::macOS;
+#else
+    return DesktopFamily::Linux;
+#endif
+}
+
+/// The few texts that name the desktop, in its own words.
+struct Wording {
+    QString refreshToolTip; ///< "Refresh Quota (⌘R)"; Linux has Ctrl+R.
+};
+
+const Wording &wording(DesktopFamily family = thisDesktopFamily());
+
+} // namespace brimwatch::platform

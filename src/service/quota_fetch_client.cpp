@@ -1,0 +1,155 @@
+#include "service/quota_fetch_client.h"
+
+#include "service/quota_exchange.h"
+#include "service/quota_request.h"
+
+#include <QNetworkAccessManager>
+#include <QNetworkProxy>
+#include <QPromise>
+
+namespace brimwatch::service {
+
+using discovery::DaemonError;
+using discovery::DaemonInfo;
+
+/// One walk through the candidates. A child of the client, gone when it has its result.
+class QuotaFetchClient::Fetch final : public QObject {
+public:
+    Fetch(QuotaFetchClient &client, const std::optional<QDateTime> &lastUpdated)
+        : QObject(&client)
+        , m_client(client)
+        , m_lastUpdated(lastUpdated)
+    {
+        m_promise.start();
+    }
+
+    ~Fetch() override
+    {
+        if (!m_finished)
+            finish(failure(DaemonError::Kind::noDaemonFound));
+    }
+
+    Fetch(const Fetch &) = delete;
+    Fetch &operator=(const Fetch &) = delete;
+    Fetch(Fetch &&) = delete;
+    Fetch &operator=(Fetch &&) = delete;
+
+    QFuture<FetchResult> future() { return m_promise.future(); }
+
+    void start()
+    {
+        if (!m_client.m_discovery.directoryExists()) {
+            conclude(failure(DaemonError::Kind::directoryNotFound));
+            return;
+        }
+        m_candidates = m_client.m_discovery.discoverDaemons();
+        askNext();
+    }
+
+private:
+    void askNext()
+    {
+        while (!m_candidates.isEmpty()) {
+            m_asked = m_candidates.takeFirst();
+            const auto request = quotaRequest(m_asked, m_client.m_trusted);
+            if (!request)
+                continue;
+            auto *exchange = new QuotaExchange(m_client.network(), *request,
+                {.time = m_client.m_limits.attempt, .body = m_client.m_limits.body}, this);
+            connect(exchange, &QuotaExchange::finished, this,
+                [this, exchange](const QuotaExchange::Outcome &outcome) {
+                    exchange->deleteLater();
+                    take(outcome);
+                });
+            return;
+        }
+        // A daemon that answered something else counts as none, so that only what could not be
+        // reached has a reason.
+        conclude(m_transportError.isNull()
+                ? failure(DaemonError::Kind::noDaemonFound)
+                : failure(DaemonError::Kind::daemonUnreachable, m_transportError));
+    }
+
+    void take(const QuotaExchange::Outcome &outcome)
+    {
+        if (const auto *answer = std::get_if<QuotaExchange::Answered>(&outcome)) {
+            if (auto summary = model::decodeAnswer(answer->body)) {
+                m_client.m_discovery.setLastSuccessfulUpdate(m_client.m_clock.now());
+                conclude(FetchedQuota{.summary = *std::move(summary), .daemon = m_asked});
+                return;
+            }
+        } else if (const auto *failed = std::get_if<QuotaExchange::Failed>(&outcome)) {
+            m_transportError = failed->reason;
+        }
+        askNext();
+    }
+
+    FetchResult failure(DaemonError::Kind kind, const QString &message = {}) const
+    {
+        return fail(DaemonError{.kind = kind, .message = message, .lastUpdate = m_lastUpdated});
+    }
+
+    void conclude(FetchResult result)
+    {
+        finish(std::move(result));
+        deleteLater();
+    }
+
+    void finish(FetchResult result)
+    {
+        m_finished = true;
+        m_promise.addResult(std::move(result));
+        m_promise.finish();
+    }
+
+    QuotaFetchClient &m_client;
+    std::optional<QDateTime> m_lastUpdated;
+    QPromise<FetchResult> m_promise;
+    bool m_finished = false;
+    QList<DaemonInfo> m_candidates; ///< Still to be asked.
+    DaemonInfo m_asked;
+    QString m_transportError; ///< The latest one, null before the first.
+};
+
+QuotaFetchClient::QuotaFetchClient(discovery::DaemonDiscoveryService &discovery, const Clock &clock,
+    Limits limits, const QList<QSslCertificate> &trusted, QObject *parent)
+    : QObject(parent)
+    , m_discovery(discovery)
+    , m_clock(clock)
+    , m_limits(limits)
+    , m_trusted(trusted)
+{
+}
+
+QuotaFetchClient::QuotaFetchClient(
+    discovery::DaemonDiscoveryService &discovery, const Clock &clock, QObject *parent)
+    : QuotaFetchClient(discovery, clock, Limits{}, {}, parent)
+{
+}
+
+QuotaFetchClient::~QuotaFetchClient()
+{
+    // Before the network, which their requests belong to.
+    const QObjectList fetches = children();
+    qDeleteAll(fetches);
+}
+
+QFuture<FetchResult> QuotaFetchClient::fetchQuotaSummary(
+    const std::optional<QDateTime> &lastUpdated)
+{
+    auto *fetch = new Fetch(*this, lastUpdated);
+    auto future = fetch->future();
+    fetch->start();
+    return future;
+}
+
+QNetworkAccessManager &QuotaFetchClient::network()
+{
+    if (!m_network) {
+        m_network = std::make_unique<QNetworkAccessManager>();
+        m_network->setProxy(QNetworkProxy::NoProxy);
+    }
+    return *m_network;
+}
+
+} // namespace brimwatch::service

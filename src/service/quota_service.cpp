@@ -1,0 +1,319 @@
+#include "service/quota_service.h"
+
+#include "core/when_done.h"
+#include "service/launch_at_login.h"
+#include "service/low_quota_alerting.h"
+
+#include <QTimer>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace brimwatch::service {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr double shortestRefreshInterval = 10.0;
+// What a timer that counts milliseconds in 32 bits can hold, about 24 days.
+constexpr double longestRefreshInterval = std::numeric_limits<qint32>::max() / 1000.0;
+
+/// The port that the daemon was asked on.
+std::int64_t askedPort(const discovery::DaemonInfo &daemon)
+{
+    return daemon.httpPort.value_or(daemon.httpsPort.value_or(0));
+}
+
+} // namespace
+
+QuotaService::QuotaService(const Dependencies &dependencies, QObject *parent)
+    : QObject(parent)
+    , m_clock(dependencies.clock)
+    , m_fetching(dependencies.fetching)
+    , m_settings(dependencies.settings)
+    , m_alerts(dependencies.alerts)
+    , m_launchAtLogin(dependencies.launchAtLogin)
+    , m_currentTime(m_clock.now())
+{
+    startSecondTick();
+    startPeriodicRefresh();
+    if (m_alerts != nullptr)
+        m_alerts->requestNotificationPermission();
+    if (m_launchAtLogin != nullptr) {
+        connect(m_launchAtLogin, &LaunchAtLogin::objectWillChange, this,
+            &QuotaService::objectWillChange);
+        connect(
+            m_launchAtLogin, &LaunchAtLogin::changed, this, &QuotaService::launchAtLoginChanged);
+    }
+    QTimer::singleShot(0, this, &QuotaService::refresh);
+}
+
+QuotaService::~QuotaService() = default;
+
+template <typename T> void QuotaService::change(T QuotaService::*member, T value, Changed changed)
+{
+    if (this->*member == value)
+        return;
+    Q_EMIT objectWillChange();
+    this->*member = std::move(value);
+    Q_EMIT(this->*changed)();
+}
+
+template <typename T, typename Value>
+void QuotaService::changeSetting(const Setting<T> &setting, const Value &value, Changed changed)
+{
+    if (m_settings.value(setting) == value)
+        return;
+    Q_EMIT objectWillChange();
+    m_settings.setValue(setting, value);
+    Q_EMIT(this->*changed)();
+}
+
+void QuotaService::refresh()
+{
+    // Tested and set without a turn of the event loop in between: the only guard, and a sufficient
+    // one.
+    if (m_isRefreshing)
+        return;
+    change(&QuotaService::m_isRefreshing, true, &QuotaService::isRefreshingChanged);
+    // Cleared before the answer is known, so that an offline view without data shows that something
+    // is under way.
+    change(&QuotaService::m_errorMessage, std::optional<QString>(),
+        &QuotaService::errorMessageChanged);
+    whenDone(m_fetching.fetchQuotaSummary(m_lastUpdated), this,
+        [this](const FetchResult &result) { apply(result); });
+}
+
+void QuotaService::apply(const FetchResult &result)
+{
+    // The order of the assignments is part of the promise: observers read between them.
+    if (result) {
+        change(&QuotaService::m_quotaSummary, std::optional(result->summary),
+            &QuotaService::quotaSummaryChanged);
+        change(&QuotaService::m_activeDaemon, std::optional(result->daemon),
+            &QuotaService::activeDaemonChanged);
+        change(&QuotaService::m_connectionStatus,
+            ConnectionStatus::connected(askedPort(result->daemon)),
+            &QuotaService::connectionStatusChanged);
+        change(&QuotaService::m_lastUpdated, std::optional(m_clock.now()),
+            &QuotaService::lastUpdatedChanged);
+        change(&QuotaService::m_isRefreshing, false, &QuotaService::isRefreshingChanged);
+        if (m_alerts != nullptr)
+            m_alerts->checkLowQuotaNotifications(result->summary);
+        return;
+    }
+    const QString description = result.error().errorDescription();
+    change(&QuotaService::m_isRefreshing, false, &QuotaService::isRefreshingChanged);
+    change(&QuotaService::m_errorMessage, std::optional(description),
+        &QuotaService::errorMessageChanged);
+    change(&QuotaService::m_connectionStatus, ConnectionStatus::offline(description),
+        &QuotaService::connectionStatusChanged);
+}
+
+void QuotaService::updateRefreshInterval(double seconds)
+{
+    setRefreshInterval(seconds);
+    startPeriodicRefresh();
+}
+
+void QuotaService::startPeriodicRefresh()
+{
+    m_refreshTimer.reset();
+    const double seconds
+        = std::clamp(refreshInterval(), shortestRefreshInterval, longestRefreshInterval);
+    m_refreshTimer = m_clock.every(std::chrono::duration<double>(seconds), [this] { refresh(); });
+}
+
+void QuotaService::startSecondTick()
+{
+    m_secondTickTimer.reset();
+    m_secondTickTimer = m_clock.every(std::chrono::seconds(1), [this] {
+        change(&QuotaService::m_currentTime, m_clock.now(), &QuotaService::currentTimeChanged);
+    });
+}
+
+bool QuotaService::launchAtLogin() const
+{
+    return m_launchAtLogin != nullptr && m_launchAtLogin->isEnabled();
+}
+
+void QuotaService::setLaunchAtLogin(bool enabled)
+{
+    if (m_launchAtLogin != nullptr)
+        m_launchAtLogin->setEnabled(enabled);
+}
+
+double QuotaService::refreshInterval() const
+{
+    return m_settings.value(settings::refreshInterval);
+}
+
+void QuotaService::setRefreshInterval(double seconds)
+{
+    changeSetting(settings::refreshInterval,
+        std::isfinite(seconds) ? seconds : settings::refreshInterval.fallback,
+        &QuotaService::refreshIntervalChanged);
+}
+
+bool QuotaService::showPercentageInMenuBar() const
+{
+    return m_settings.value(settings::showPercentageInMenuBar);
+}
+
+void QuotaService::setShowPercentageInMenuBar(bool show)
+{
+    changeSetting(
+        settings::showPercentageInMenuBar, show, &QuotaService::showPercentageInMenuBarChanged);
+}
+
+bool QuotaService::showFiveHourInMenuBar() const
+{
+    return m_settings.value(settings::showFiveHourInMenuBar);
+}
+
+void QuotaService::setShowFiveHourInMenuBar(bool show)
+{
+    changeSetting(
+        settings::showFiveHourInMenuBar, show, &QuotaService::showFiveHourInMenuBarChanged);
+}
+
+bool QuotaService::showWeeklyInMenuBar() const
+{
+    return m_settings.value(settings::showWeeklyInMenuBar);
+}
+
+void QuotaService::setShowWeeklyInMenuBar(bool show)
+{
+    changeSetting(settings::showWeeklyInMenuBar, show, &QuotaService::showWeeklyInMenuBarChanged);
+}
+
+bool QuotaService::showIconInMenuBar() const
+{
+    return m_settings.value(settings::showIconInMenuBar);
+}
+
+void QuotaService::setShowIconInMenuBar(bool show)
+{
+    changeSetting(settings::showIconInMenuBar, show, &QuotaService::showIconInMenuBarChanged);
+}
+
+bool QuotaService::useColoredStatusIndicator() const
+{
+    return m_settings.value(settings::useColoredStatusIndicator);
+}
+
+void QuotaService::setUseColoredStatusIndicator(bool use)
+{
+    changeSetting(
+        settings::useColoredStatusIndicator, use, &QuotaService::useColoredStatusIndicatorChanged);
+}
+
+bool QuotaService::notifyOnLowQuota() const
+{
+    return m_settings.value(settings::notifyOnLowQuota);
+}
+
+void QuotaService::setNotifyOnLowQuota(bool notify)
+{
+    changeSetting(settings::notifyOnLowQuota, notify, &QuotaService::notifyOnLowQuotaChanged);
+}
+
+double QuotaService::lowQuotaThreshold() const
+{
+    return m_settings.value(settings::lowQuotaThreshold);
+}
+
+void QuotaService::setLowQuotaThreshold(double percent)
+{
+    changeSetting(settings::lowQuotaThreshold,
+        std::isfinite(percent) ? percent : settings::lowQuotaThreshold.fallback,
+        &QuotaService::lowQuotaThresholdChanged);
+}
+
+bool QuotaService::showGeminiInToolbar() const
+{
+    return m_settings.value(settings::showGeminiInToolbar);
+}
+
+void QuotaService::setShowGeminiInToolbar(bool show)
+{
+    changeSetting(settings::showGeminiInToolbar, show, &QuotaService::showGeminiInToolbarChanged);
+}
+
+bool QuotaService::showArgonInToolbar() const
+{
+    return m_settings.value(settings::showArgonInToolbar);
+}
+
+void QuotaService::setShowArgonInToolbar(bool show)
+{
+    changeSetting(settings::showArgonInToolbar, show, &QuotaService::showArgonInToolbarChanged);
+}
+
+bool QuotaService::showClaudeInToolbar() const
+{
+    return m_settings.value(settings::showClaudeInToolbar);
+}
+
+void QuotaService::setShowClaudeInToolbar(bool show)
+{
+    changeSetting(settings::showClaudeInToolbar, show, &QuotaService::showClaudeInToolbarChanged);
+}
+
+QString QuotaService::toolbarLabelStyle() const
+{
+    return m_settings.value(settings::toolbarLabelStyle);
+}
+
+void QuotaService::setToolbarLabelStyle(const QString &rawValue)
+{
+    changeSetting(settings::toolbarLabelStyle, rawValue, &QuotaService::toolbarLabelStyleChanged);
+}
+
+QList<model::ToolbarStatItem> QuotaService::toolbarStatItems() const
+{
+    return model::toolbarStatItems(m_quotaSummary,
+        {.showGeminiInToolbar = showGeminiInToolbar(),
+            .showArgonInToolbar = showArgonInToolbar(),
+            .showClaudeInToolbar = showClaudeInToolbar(),
+            .showFiveHourInMenuBar = showFiveHourInMenuBar(),
+            .showWeeklyInMenuBar = showWeeklyInMenuBar(),
+            .toolbarLabelStyle = toolbarLabelStyle()});
+}
+
+std::optional<model::QuotaBucket> QuotaService::lowestSelectedBucket() const
+{
+    return model::lowestSelectedBucket(m_quotaSummary, toolbarStatItems());
+}
+
+QString QuotaService::menuBarTitle() const
+{
+    return model::menuBarTitle(m_quotaSummary, toolbarStatItems(),
+        showIconInMenuBar() ? model::StarAtStart::Yes : model::StarAtStart::No,
+        m_connectionStatus.isConnecting() ? model::ConnectionPhase::Connecting
+                                          : model::ConnectionPhase::Settled);
+}
+
+model::ColorToken QuotaService::menuBarTint() const
+{
+    return model::menuBarTint(lowestSelectedBucket());
+}
+
+model::ColorToken QuotaService::menuBarNSTint() const
+{
+    return model::menuBarNSTint(lowestSelectedBucket());
+}
+
+model::LabelInput QuotaService::labelInput() const
+{
+    const auto items = toolbarStatItems();
+    return {.items = items,
+        .showPercentage = showPercentageInMenuBar(),
+        .showIcon = showIconInMenuBar(),
+        .colored = useColoredStatusIndicator(),
+        .labelStyle = toolbarLabelStyle(),
+        .tint = model::menuBarTint(model::lowestSelectedBucket(m_quotaSummary, items))};
+}
+
+} // namespace brimwatch::service

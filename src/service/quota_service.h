@@ -1,0 +1,185 @@
+#pragma once
+
+#include "core/clock.h"
+#include "discovery/daemon_info.h"
+#include "model/label_composition.h"
+#include "model/quota_records.h"
+#include "model/toolbar_stat_items.h"
+#include "service/connection_status.h"
+#include "service/quota_fetching.h"
+#include "service/settings.h"
+
+#include <QDateTime>
+#include <QObject>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+namespace brimwatch::service {
+
+class LaunchAtLogin;
+class LowQuotaAlerting;
+
+/// The one observable model of the program: the latest quota, the connection, the settings, and the
+/// refreshes that keep them current. Everything happens on the main thread.
+///
+/// Every change is announced twice: by objectWillChange just before it, and by the property's own
+/// signal just after. Setting what already holds is no change.
+class QuotaService final : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(brimwatch::service::ConnectionStatus connectionStatus READ connectionStatus NOTIFY
+            connectionStatusChanged FINAL)
+    Q_PROPERTY(bool isRefreshing READ isRefreshing NOTIFY isRefreshingChanged FINAL)
+    Q_PROPERTY(QDateTime currentTime READ currentTime NOTIFY currentTimeChanged FINAL)
+
+    Q_PROPERTY(double refreshInterval READ refreshInterval WRITE setRefreshInterval NOTIFY
+            refreshIntervalChanged FINAL)
+    Q_PROPERTY(bool showPercentageInMenuBar READ showPercentageInMenuBar WRITE
+            setShowPercentageInMenuBar NOTIFY showPercentageInMenuBarChanged FINAL)
+    Q_PROPERTY(bool showFiveHourInMenuBar READ showFiveHourInMenuBar WRITE setShowFiveHourInMenuBar
+            NOTIFY showFiveHourInMenuBarChanged FINAL)
+    Q_PROPERTY(bool showWeeklyInMenuBar READ showWeeklyInMenuBar WRITE setShowWeeklyInMenuBar NOTIFY
+            showWeeklyInMenuBarChanged FINAL)
+    Q_PROPERTY(bool showIconInMenuBar READ showIconInMenuBar WRITE setShowIconInMenuBar NOTIFY
+            showIconInMenuBarChanged FINAL)
+    Q_PROPERTY(bool useColoredStatusIndicator READ useColoredStatusIndicator WRITE
+            setUseColoredStatusIndicator NOTIFY useColoredStatusIndicatorChanged FINAL)
+    Q_PROPERTY(bool notifyOnLowQuota READ notifyOnLowQuota WRITE setNotifyOnLowQuota NOTIFY
+            notifyOnLowQuotaChanged FINAL)
+    Q_PROPERTY(double lowQuotaThreshold READ lowQuotaThreshold WRITE setLowQuotaThreshold NOTIFY
+            lowQuotaThresholdChanged FINAL)
+    Q_PROPERTY(bool showGeminiInToolbar READ showGeminiInToolbar WRITE setShowGeminiInToolbar NOTIFY
+            showGeminiInToolbarChanged FINAL)
+    Q_PROPERTY(bool showArgonInToolbar READ showArgonInToolbar WRITE setShowArgonInToolbar NOTIFY
+            showArgonInToolbarChanged FINAL)
+    Q_PROPERTY(bool showClaudeInToolbar READ showClaudeInToolbar WRITE setShowClaudeInToolbar NOTIFY
+            showClaudeInToolbarChanged FINAL)
+    Q_PROPERTY(QString toolbarLabelStyle READ toolbarLabelStyle WRITE setToolbarLabelStyle NOTIFY
+            toolbarLabelStyleChanged FINAL)
+
+public:
+    /// What the service stands on. The pointers may be null: a program without alerts or without a
+    /// login item has none. Everything outlives the service.
+    struct Dependencies {
+        Clock &clock;
+        QuotaFetching &fetching;
+        SettingsStore &settings;
+        LowQuotaAlerting *alerts = nullptr;
+        LaunchAtLogin *launchAtLogin = nullptr;
+    };
+
+    /// Starts the timers and a first refresh, which runs with the next turn of the event loop.
+    explicit QuotaService(const Dependencies &dependencies, QObject *parent = nullptr);
+    ~QuotaService() override;
+
+    const std::optional<model::QuotaSummary> &quotaSummary() const { return m_quotaSummary; }
+    const std::optional<discovery::DaemonInfo> &activeDaemon() const { return m_activeDaemon; }
+    const ConnectionStatus &connectionStatus() const { return m_connectionStatus; }
+    const std::optional<QDateTime> &lastUpdated() const { return m_lastUpdated; }
+    bool isRefreshing() const { return m_isRefreshing; }
+    const std::optional<QString> &errorMessage() const { return m_errorMessage; }
+    /// Set each second.
+    const QDateTime &currentTime() const { return m_currentTime; }
+
+    /// Fetches the quota, unless a fetch is under way: then the request is dropped.
+    Q_INVOKABLE void refresh();
+
+    /// Stores the interval in seconds and starts the refresh timer anew with it. Storing it by any
+    /// other way leaves the timer alone.
+    Q_INVOKABLE void updateRefreshInterval(double seconds);
+    void startPeriodicRefresh();
+    void startSecondTick();
+
+    /// The login item's state, false without one; writing changes it.
+    bool launchAtLogin() const;
+    void setLaunchAtLogin(bool enabled);
+
+    double refreshInterval() const;
+    void setRefreshInterval(double seconds);
+    bool showPercentageInMenuBar() const;
+    void setShowPercentageInMenuBar(bool show);
+    bool showFiveHourInMenuBar() const;
+    void setShowFiveHourInMenuBar(bool show);
+    bool showWeeklyInMenuBar() const;
+    void setShowWeeklyInMenuBar(bool show);
+    bool showIconInMenuBar() const;
+    void setShowIconInMenuBar(bool show);
+    bool useColoredStatusIndicator() const;
+    void setUseColoredStatusIndicator(bool use);
+    bool notifyOnLowQuota() const;
+    void setNotifyOnLowQuota(bool notify);
+    double lowQuotaThreshold() const;
+    void setLowQuotaThreshold(double percent);
+    bool showGeminiInToolbar() const;
+    void setShowGeminiInToolbar(bool show);
+    bool showArgonInToolbar() const;
+    void setShowArgonInToolbar(bool show);
+    bool showClaudeInToolbar() const;
+    void setShowClaudeInToolbar(bool show);
+    QString toolbarLabelStyle() const;
+    void setToolbarLabelStyle(const QString &rawValue);
+
+    // Derived anew on each read.
+    QList<model::ToolbarStatItem> toolbarStatItems() const;
+    std::optional<model::QuotaBucket> lowestSelectedBucket() const;
+    QString menuBarTitle() const;
+    model::ColorToken menuBarTint() const;
+    model::ColorToken menuBarNSTint() const;
+    /// All that decides the label.
+    model::LabelInput labelInput() const;
+
+Q_SIGNALS:
+    void objectWillChange();
+
+    void quotaSummaryChanged();
+    void activeDaemonChanged();
+    void connectionStatusChanged();
+    void lastUpdatedChanged();
+    void isRefreshingChanged();
+    void errorMessageChanged();
+    void currentTimeChanged();
+    void launchAtLoginChanged();
+
+    void refreshIntervalChanged();
+    void showPercentageInMenuBarChanged();
+    void showFiveHourInMenuBarChanged();
+    void showWeeklyInMenuBarChanged();
+    void showIconInMenuBarChanged();
+    void useColoredStatusIndicatorChanged();
+    void notifyOnLowQuotaChanged();
+    void lowQuotaThresholdChanged();
+    void showGeminiInToolbarChanged();
+    void showArgonInToolbarChanged();
+    void showClaudeInToolbarChanged();
+    void toolbarLabelStyleChanged();
+
+private:
+    using Changed = void (QuotaService::*)();
+
+    /// Sets a member, announced before and after; nothing when it holds that value already.
+    template <typename T> void change(T QuotaService::*member, T value, Changed changed);
+    template <typename T, typename Value>
+    void changeSetting(const Setting<T> &setting, const Value &value, Changed changed);
+    void apply(const FetchResult &result);
+
+    Clock &m_clock;
+    QuotaFetching &m_fetching;
+    SettingsStore &m_settings;
+    LowQuotaAlerting *m_alerts;
+    LaunchAtLogin *m_launchAtLogin;
+
+    std::optional<model::QuotaSummary> m_quotaSummary;
+    std::optional<discovery::DaemonInfo> m_activeDaemon;
+    ConnectionStatus m_connectionStatus;
+    std::optional<QDateTime> m_lastUpdated;
+    bool m_isRefreshing = false;
+    std::optional<QString> m_errorMessage;
+    QDateTime m_currentTime;
+
+    // Destroyed in this order's reverse: the refresh timer ends first.
+    std::unique_ptr<RepeatingTimer> m_secondTickTimer;
+    std::unique_ptr<RepeatingTimer> m_refreshTimer;
+};
+
+} // namespace brimwatch::service

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QString>
+#include <QVariant>
+
+#include <memory>
+
+class QSettings;
+
+namespace brimwatch::service {
+
+/// One setting: its key and what counts when the store has none or one that makes no sense.
+template <typename T> struct Setting {
+    const char *key;
+    T fallback;
+};
+
+namespace settings {
+
+inline constexpr Setting<double> refreshInterval{
+    "refreshInterval", 60.0}; ///< Seconds; applied with a floor of 10.
+inline constexpr Setting<bool> showPercentageInMenuBar{"showPercentageInMenuBar", true};
+inline constexpr Setting<bool> showFiveHourInMenuBar{"showFiveHourInMenuBar", true};
+inline constexpr Setting<bool> showWeeklyInMenuBar{"showWeeklyInMenuBar", true};
+inline constexpr Setting<bool> showIconInMenuBar{"showIconInMenuBar", true};
+inline constexpr Setting<bool> useColoredStatusIndicator{"useColoredStatusIndicator", true};
+inline constexpr Setting<bool> notifyOnLowQuota{"notifyOnLowQuota", true};
+inline constexpr Setting<double> lowQuotaThreshold{"lowQuotaThreshold", 20.0}; ///< Percent.
+inline constexpr Setting<bool> showGeminiInToolbar{"showGeminiInToolbar", true};
+inline constexpr Setting<bool> showArgonInToolbar{"showArgonInToolbar", false};
+inline constexpr Setting<bool> showClaudeInToolbar{"showClaudeInToolbar", false};
+inline constexpr Setting<const char *> toolbarLabelStyle{"toolbarLabelStyle", "letter"};
+
+} // namespace settings
+
+/// The user's settings, read on each access and written on each change. A value of the wrong type,
+/// one that is no finite number, or none counts as the default; a text that says a value ("true",
+/// "1", "20") is that value. A store that cannot be read or written costs what it held, never the
+/// program: what is set then holds until the program ends.
+class SettingsStore {
+public:
+    /// The user's own store: on Linux brimwatch/brimwatch.conf in the user's configuration folder.
+    SettingsStore();
+    /// A store in a file of its own, for tests.
+    explicit SettingsStore(const QString &iniFile);
+    ~SettingsStore();
+    SettingsStore(const SettingsStore &) = delete;
+    SettingsStore &operator=(const SettingsStore &) = delete;
+    SettingsStore(SettingsStore &&) = delete;
+    SettingsStore &operator=(SettingsStore &&) = delete;
+
+    bool value(const Setting<bool> &setting) const;
+    double value(const Setting<double> &setting) const;
+    QString value(const Setting<const char *> &setting) const;
+
+    void setValue(const Setting<bool> &setting, bool value);
+    /// What is no finite number is stored as the default.
+    void setValue(const Setting<double> &setting, double value);
+    void setValue(const Setting<const char *> &setting, const QString &value);
+
+    /// Where the settings are kept; empty when nowhere.
+    QString fileName() const;
+
+private:
+    QVariant stored(const char *key) const;
+    void store(const char *key, const QVariant &value);
+
+    std::unique_ptr<QSettings> m_store; ///< Null when the file is nothing that can hold settings.
+    QHash<QByteArray, QVariant> m_unsaved; ///< Used without a store.
+};
+
+} // namespace brimwatch::service

@@ -1,0 +1,67 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Brimwatch
+
+Item {
+    id: root
+
+    required property PopoverModel model
+
+    objectName: "loadingState"
+
+    Accessible.role: Accessible.ProgressBar
+    Accessible.name: label.text
+
+    Column {
+        anchors.centerIn: parent
+        spacing: 12
+
+        Item {
+            id: wheel
+
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: 24 * 1.2
+            height: width
+            objectName: "progress"
+
+            Repeater {
+                model: 8
+
+                Rectangle {
+                    id: spoke
+
+                    required property int index
+
+                    x: wheel.width / 2 - width / 2
+                    width: 3
+                    height: 8
+                    radius: 1.5
+                    color: Theme.secondaryLabel
+                    opacity: 0.2 + 0.8 * spoke.index / 7
+                    transform: Rotation {
+                        origin.x: 1.5
+                        origin.y: wheel.height / 2
+                        angle: spoke.index * 45
+                    }
+                }
+            }
+
+            Timer {
+                interval: 100
+                repeat: true
+                running: root.model.isShown
+                onTriggered: wheel.rotation = (wheel.rotation + 45) % 360
+            }
+        }
+
+        Label {
+            id: label
+
+            anchors.horizontalCenter: parent.horizontalCenter
+            text: "Fetching quota from Antigravity..."
+            color: Theme.secondaryLabel
+            font.pixelSize: 12
+        }
+    }
+}

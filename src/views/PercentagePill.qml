@@ -1,0 +1,42 @@
+import QtQuick
+import Brimwatch
+
+Item {
+    id: root
+
+    required property string text
+    required property color tint
+
+    implicitWidth: dot.width + 3 + label.width + 16
+    implicitHeight: label.height + 6
+
+    Rectangle {
+        anchors.fill: parent
+        radius: height / 2
+        color: root.tint
+        opacity: 0.12
+    }
+
+    Rectangle {
+        id: dot
+
+        x: 8
+        anchors.verticalCenter: parent.verticalCenter
+        width: 7
+        height: 7
+        radius: 3.5
+        color: root.tint
+    }
+
+    SteadyText {
+        id: label
+
+        objectName: "percentageText"
+        x: dot.x + dot.width + 3
+        y: 3
+        text: root.text
+        color: root.tint
+        pixelSize: 14
+        weight: Font.Bold
+    }
+}

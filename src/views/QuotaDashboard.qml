@@ -1,0 +1,180 @@
+import QtQuick
+import Brimwatch
+
+Item {
+    id: root
+
+    required property PopoverModel model
+    required property ToolTipBubble toolTip
+
+    function handleScrollKey(event: KeyEvent) {
+        if (!list.visible)
+            return;
+        const line = 40;
+        const page = list.height - line;
+        const steps = ({
+            [Qt.Key_Up]: list.contentY - line,
+            [Qt.Key_Down]: list.contentY + line,
+            [Qt.Key_PageUp]: list.contentY - page,
+            [Qt.Key_PageDown]: list.contentY + page,
+            [Qt.Key_Home]: 0,
+            [Qt.Key_End]: list.furthest
+        });
+        if (!(event.key in steps))
+            return;
+        list.scrollTo(steps[event.key]);
+        event.accepted = true;
+    }
+
+    Item {
+        id: header
+
+        width: parent.width
+        height: Math.max(28, titles.height) + 20
+
+        BrimwatchBadge {
+            id: badge
+
+            anchors.verticalCenter: parent.verticalCenter
+            x: 14
+        }
+
+        Column {
+            id: titles
+
+            anchors.verticalCenter: parent.verticalCenter
+            x: badge.x + badge.width + 8
+            width: refresh.x - x - 12
+            spacing: 2
+
+            Label {
+                text: "Brimwatch"
+                font.pixelSize: 14
+                font.weight: Font.Bold
+
+                Accessible.role: Accessible.Heading
+                Accessible.name: text
+            }
+
+            StatusLine {
+                width: parent.width
+                model: root.model
+                toolTip: root.toolTip
+            }
+        }
+
+        RefreshButton {
+            id: refresh
+
+            objectName: "refreshButton"
+            anchors.verticalCenter: parent.verticalCenter
+            x: parent.width - 14 - width
+            model: root.model
+            toolTip: root.toolTip
+        }
+    }
+
+    Rectangle {
+        id: headerLine
+
+        y: header.height
+        width: parent.width
+        height: 1
+        color: Theme.divider
+    }
+
+    Item {
+        id: body
+
+        objectName: "body"
+        y: headerLine.y + 1
+        width: parent.width
+        height: footerLine.y - y
+
+        QuotaGroupList {
+            id: list
+
+            anchors.fill: parent
+            model: root.model
+            visible: root.model.body === PopoverModel.Cards
+        }
+
+        ScrollMark {
+            anchors.right: parent.right
+            y: 2
+            height: parent.height - 4
+            list: list
+            visible: list.visible && part < 1
+        }
+
+        // What is seldom seen is made when it is.
+        Loader {
+            readonly property string file: list.visible ? ""
+                : root.model.body === PopoverModel.Loading ? "LoadingState.qml" : "OfflineState.qml"
+
+            function show() {
+                if (file === "")
+                    source = "";
+                else
+                    setSource(file, {"model": root.model});
+            }
+
+            anchors.fill: parent
+            onFileChanged: show()
+            Component.onCompleted: show()
+        }
+    }
+
+    Rectangle {
+        id: footerLine
+
+        y: footer.y - 1
+        width: parent.width
+        height: 1
+        color: Theme.divider
+    }
+
+    Rectangle {
+        id: footer
+
+        y: parent.height - height
+        width: parent.width
+        height: Math.max(updated.height, open.height) + 16
+        color: Theme.footerBackground
+
+        SteadyText {
+            id: updated
+
+            objectName: "updatedText"
+            anchors.verticalCenter: parent.verticalCenter
+            x: 14
+            width: Math.min(implicitWidth, open.x - x - 8)
+            text: root.model.updatedText
+            color: Theme.secondaryLabel
+            pixelSize: 10
+
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
+
+        TextButton {
+            id: open
+
+            objectName: "openButton"
+            anchors.verticalCenter: parent.verticalCenter
+            x: quit.x - 12 - width
+            text: "Open Antigravity"
+            onClicked: root.model.openAntigravity()
+        }
+
+        TextButton {
+            id: quit
+
+            objectName: "quitButton"
+            anchors.verticalCenter: parent.verticalCenter
+            x: parent.width - 14 - width
+            text: "Quit"
+            onClicked: root.model.quit()
+        }
+    }
+}

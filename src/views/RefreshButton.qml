@@ -1,0 +1,37 @@
+import QtQuick
+import Brimwatch
+
+// Turns its arrow as the model says: whole turns, the first one easing in and out.
+ButtonBase {
+    id: root
+
+    required property PopoverModel model
+
+    text: "Refresh Quota"
+    toolTipText: root.model.refreshToolTip
+    enabled: !root.model.isRefreshing
+    opacity: 1
+    overhang: 5
+
+    onClicked: root.model.performRefresh()
+
+    SymbolImage {
+        objectName: "refreshIcon"
+        name: "arrow.clockwise"
+        pointSize: 13
+        weight: SymbolImage.Weight.Semibold
+        color: Theme.label
+        opacity: root.enabled || root.model.spin.isSpinning ? 1 : 0.45
+        rotation: root.model.spin.rotationDegrees
+
+        Behavior on rotation {
+            enabled: root.model.isShown
+
+            NumberAnimation {
+                duration: root.model.spin.turnDuration
+                easing.type: root.model.spin.easesInOut ? Easing.BezierSpline : Easing.Linear
+                easing.bezierCurve: [0.42, 0, 0.58, 1, 1, 1]
+            }
+        }
+    }
+}

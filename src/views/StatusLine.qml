@@ -1,0 +1,55 @@
+import QtQuick
+import Brimwatch
+
+// The connection in a dot and words. A long error takes two lines, the rest of it is in the tool tip.
+Item {
+    id: root
+
+    required property PopoverModel model
+    required property ToolTipBubble toolTip
+
+    implicitHeight: label.height
+
+    Accessible.role: Accessible.StaticText
+    Accessible.name: root.model.statusText
+
+    Rectangle {
+        // Beside the first line's middle.
+        y: Math.round((metrics.height - height) / 2)
+        width: 6
+        height: 6
+        radius: 3
+        color: root.model.statusColor
+    }
+
+    FontMetrics {
+        id: metrics
+
+        font: label.font
+    }
+
+    Label {
+        id: label
+
+        objectName: "statusText"
+        x: 11
+        width: root.width - x
+        text: root.model.statusText
+        color: Theme.secondaryLabel
+        font.pixelSize: 10
+        font.weight: Font.Medium
+        wrapMode: Text.Wrap
+        maximumLineCount: 2
+        elide: Text.ElideRight
+
+        HoverHandler {
+            enabled: label.truncated
+            onHoveredChanged: {
+                if (hovered)
+                    root.toolTip.offer(root, root.model.statusText);
+                else
+                    root.toolTip.withdraw(root);
+            }
+        }
+    }
+}

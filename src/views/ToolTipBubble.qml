@@ -1,0 +1,68 @@
+import QtQuick
+import Brimwatch
+
+// The one tool tip of the popover, drawn in its own scene: a window of its own would close the popover on some desktops.
+Rectangle {
+    id: root
+
+    property Item target: null
+    property string text: ""
+
+    function offer(item: Item, text: string) {
+        root.target = item;
+        root.text = text;
+        delay.restart();
+    }
+
+    function withdraw(item: Item) {
+        if (root.target !== item)
+            return;
+        delay.stop();
+        root.visible = false;
+        root.target = null;
+    }
+
+    function place() {
+        const below = root.target.mapToItem(root.parent, 0, root.target.height);
+        const above = root.target.mapToItem(root.parent, 0, 0);
+        const middle = below.x + root.target.width / 2 - root.width / 2;
+        root.x = Math.round(Math.max(8, Math.min(middle, root.parent.width - root.width - 8)));
+        root.y = Math.round(below.y + 8 + root.height <= root.parent.height - 8
+                ? below.y + 8 : above.y - 8 - root.height);
+    }
+
+    objectName: "toolTip"
+    visible: false
+    width: Math.min(label.implicitWidth, root.parent.width - 32) + 16
+    height: label.height + 10
+    radius: 6
+    color: Theme.cardBackground
+    border.color: Theme.frame
+    border.width: 1
+
+    Accessible.role: Accessible.ToolTip
+    Accessible.name: root.text
+
+    Timer {
+        id: delay
+
+        interval: 600
+        onTriggered: {
+            root.visible = true;
+            root.place();
+        }
+    }
+
+    Label {
+        id: label
+
+        x: 8
+        y: 5
+        width: root.width - 16
+        text: root.text
+        font.pixelSize: 11
+        wrapMode: Text.Wrap
+        maximumLineCount: 20
+        elide: Text.ElideRight
+    }
+}

@@ -1,0 +1,48 @@
+#include "views/gradient_circle.h"
+
+#include <QLinearGradient>
+#include <QPainter>
+
+#include <cmath>
+
+namespace brimwatch::views {
+
+void GradientCircle::setStart(const QColor &color)
+{
+    if (m_start == color)
+        return;
+    m_start = color;
+    redraw();
+    Q_EMIT startChanged();
+}
+
+void GradientCircle::setEnd(const QColor &color)
+{
+    if (m_end == color)
+        return;
+    m_end = color;
+    redraw();
+    Q_EMIT endChanged();
+}
+
+QImage GradientCircle::draw(qreal scale) const
+{
+    QImage image(static_cast<int>(std::ceil(width() * scale)),
+        static_cast<int>(std::ceil(height() * scale)), QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull())
+        return image;
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::transparent);
+    const QRectF circle(0, 0, width(), height());
+    QLinearGradient gradient(circle.topLeft(), circle.bottomRight());
+    gradient.setColorAt(0, m_start);
+    gradient.setColorAt(1, m_end);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(gradient);
+    painter.drawEllipse(circle);
+    return image;
+}
+
+} // namespace brimwatch::views

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+
+namespace brimwatch {
+class Clock;
+namespace platform {
+class Appearance;
+class Opener;
+class PopoverContent;
+class SymbolSource;
+} // namespace platform
+namespace service {
+class QuotaService;
+}
+} // namespace brimwatch
+
+namespace brimwatch::views {
+
+/// What the views are given. Everything outlives the content.
+struct PopoverDependencies {
+    service::QuotaService &quotaService;
+    platform::Appearance &appearance;
+    const platform::SymbolSource &symbols;
+    platform::Opener &opener;
+    std::function<void()> terminate; ///< Ends the program.
+    std::function<void()> close; ///< Closes the popover, as Escape on the dashboard does.
+};
+
+} // namespace brimwatch::views
+
+/// The one door of the views' library: makes the popover's content. The caller owns it. Null when
+/// the views cannot be made.
+extern "C" brimwatch::platform::PopoverContent *brimwatch_make_popover_content(
+    const brimwatch::views::PopoverDependencies &dependencies);

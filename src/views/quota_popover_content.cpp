@@ -1,0 +1,108 @@
+#include "views/quota_popover_content.h"
+
+#include <QKeyEvent>
+#include <QKeySequence>
+#include <QLoggingCategory>
+#include <QQmlComponent>
+#include <QQuickItem>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace brimwatch::views {
+
+namespace {
+
+Q_LOGGING_CATEGORY(viewsLog, "brimwatch.views", QtInfoMsg)
+
+bool isCommand(const QKeyEvent &event, Qt::Key key)
+{
+    return event.key() == key && event.modifiers() == Qt::ControlModifier;
+}
+
+} // namespace
+
+PopoverWindow::PopoverWindow(PopoverModel &model)
+    : m_model(model)
+{
+}
+
+void PopoverWindow::keyPressEvent(QKeyEvent *event)
+{
+    QQuickWindow::keyPressEvent(event);
+    if (event->isAccepted())
+        return;
+    event->accept();
+    if (isCommand(*event, Qt::Key_R))
+        m_model.performRefresh();
+    else if (isCommand(*event, Qt::Key_Q))
+        m_model.quit();
+    else if (event->matches(QKeySequence::Cancel))
+        m_model.close();
+    else
+        event->ignore();
+}
+
+QuotaPopoverContent::QuotaPopoverContent(const PopoverDependencies &dependencies)
+    : m_theme(dependencies.appearance, dependencies.symbols)
+    , m_model({.quotaService = dependencies.quotaService,
+          .theme = m_theme,
+          .opener = dependencies.opener,
+          .terminate = dependencies.terminate,
+          .close = dependencies.close})
+    , m_window(m_model)
+{
+    QJSEngine::setObjectOwnership(&m_model, QJSEngine::CppOwnership);
+    m_theme.attachTo(m_engine);
+    m_engine.addImportPath(u"qrc:/qt/qml"_s);
+    QObject::connect(&m_theme, &Theme::changed, &m_window, [this] { followTheme(); });
+    followTheme();
+
+    QQmlComponent component(&m_engine, QUrl(u"qrc:/qt/qml/Brimwatch/QuotaPopoverView.qml"_s));
+    if (!component.isReady()) {
+        qCCritical(viewsLog).noquote() << "The popover cannot be made:" << component.errorString();
+        return;
+    }
+    std::unique_ptr<QObject> root(
+        component.createWithInitialProperties({{u"model"_s, QVariant::fromValue(&m_model)}}));
+    m_root.reset(qobject_cast<QQuickItem *>(root.get()));
+    if (!m_root) {
+        qCCritical(viewsLog).noquote() << "The popover cannot be made:" << component.errorString();
+        return;
+    }
+    static_cast<void>(root.release());
+    m_root->setParentItem(m_window.contentItem());
+    m_root->setSize(m_window.size());
+    QObject::connect(&m_window, &QQuickWindow::widthChanged, m_root.get(),
+        [this](int windowWidth) { m_root->setWidth(windowWidth); });
+    QObject::connect(&m_window, &QQuickWindow::heightChanged, m_root.get(),
+        [this](int windowHeight) { m_root->setHeight(windowHeight); });
+}
+
+QuotaPopoverContent::~QuotaPopoverContent() = default;
+
+void QuotaPopoverContent::setShown(bool shown)
+{
+    m_model.setShown(shown);
+    // A popup that grabs the keyboard is told of its keys, but not always that it has the focus.
+    if (shown)
+        m_window.contentItem()->setFocus(true, Qt::PopupFocusReason);
+}
+
+void QuotaPopoverContent::followTheme()
+{
+    m_window.setColor(m_theme.ground());
+    m_window.resize((QSizeF(width, height) * m_theme.textScale()).toSize());
+}
+
+} // namespace brimwatch::views
+
+brimwatch::platform::PopoverContent *brimwatch_make_popover_content(
+    const brimwatch::views::PopoverDependencies &dependencies)
+{
+    // No OpenGL: for a window of this size the software renderer is faster and needs no driver.
+    const QString software = u"software"_s;
+    if (QQuickWindow::sceneGraphBackend() != software)
+        QQuickWindow::setSceneGraphBackend(software);
+    auto content = std::make_unique<brimwatch::views::QuotaPopoverContent>(dependencies);
+    return content->isComplete() ? content.release() : nullptr;
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "platform/popover_content.h"
+#include "views/popover_model.h"
+#include "views/popover_views.h"
+#include "views/theme.h"
+
+#include <QQmlEngine>
+#include <QQuickWindow>
+
+#include <memory>
+
+namespace brimwatch::views {
+
+/// The popover's window. Keys that no control takes are its own: refresh, quit and close.
+class PopoverWindow final : public QQuickWindow {
+    Q_OBJECT
+
+public:
+    explicit PopoverWindow(PopoverModel &model);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    PopoverModel &m_model;
+};
+
+/// The quota popover in a window: 380 by 490, times the text scale.
+class QuotaPopoverContent final : public platform::PopoverContent {
+public:
+    static constexpr int width = 380;
+    static constexpr int height = 490;
+
+    explicit QuotaPopoverContent(const PopoverDependencies &dependencies);
+    ~QuotaPopoverContent() override;
+    QuotaPopoverContent(const QuotaPopoverContent &) = delete;
+    QuotaPopoverContent &operator=(const QuotaPopoverContent &) = delete;
+    QuotaPopoverContent(QuotaPopoverContent &&) = delete;
+    QuotaPopoverContent &operator=(QuotaPopoverContent &&) = delete;
+
+    /// Whether the views could be made.
+    bool isComplete() const { return m_root != nullptr; }
+
+    QWindow &window() override { return m_window; }
+    void setShown(bool shown) override;
+
+private:
+    void followTheme();
+
+    // Made in this order: what is below uses what is above.
+    Theme m_theme;
+    PopoverModel m_model;
+    QQmlEngine m_engine;
+    PopoverWindow m_window;
+    std::unique_ptr<QQuickItem> m_root;
+};
+
+} // namespace brimwatch::views

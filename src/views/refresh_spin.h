@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+#include <QtQml/qqmlregistration.h>
+
+#include <chrono>
+#include <functional>
+
+namespace brimwatch::views {
+
+/// The turning of the refresh icon: whole turns only, at least one, and another one as long as a
+/// refresh runs when a turn ends.
+class RefreshSpin final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Belongs to the popover's model.")
+    Q_PROPERTY(bool isSpinning READ isSpinning NOTIFY isSpinningChanged FINAL)
+    Q_PROPERTY(double rotationDegrees READ rotationDegrees NOTIFY rotationDegreesChanged FINAL)
+    Q_PROPERTY(bool easesInOut READ easesInOut NOTIFY easesInOutChanged FINAL)
+    Q_PROPERTY(int turnDuration READ turnDuration CONSTANT FINAL)
+
+public:
+    static constexpr std::chrono::milliseconds turn{700};
+
+    /// `goesOn` is asked at the end of each turn whether another one follows.
+    explicit RefreshSpin(std::function<bool()> goesOn, QObject *parent = nullptr);
+
+    /// Starts a spin, unless one runs.
+    void trigger();
+
+    bool isSpinning() const { return m_isSpinning; }
+    /// Where the turn that runs ends; it only grows, by 360 per turn.
+    double rotationDegrees() const { return m_rotationDegrees; }
+    /// How the turn that runs is animated: the first eases in and out, the others are linear.
+    bool easesInOut() const { return m_easesInOut; }
+    /// Milliseconds.
+    int turnDuration() const { return static_cast<int>(turn.count()); }
+
+Q_SIGNALS:
+    void isSpinningChanged();
+    void rotationDegreesChanged();
+    void easesInOutChanged();
+
+private:
+    void startTurn(bool easesInOut);
+    void endTurn();
+
+    std::function<bool()> m_goesOn;
+    QTimer m_timer;
+    bool m_isSpinning = false;
+    double m_rotationDegrees = 0;
+    bool m_easesInOut = true;
+};
+
+} // namespace brimwatch::views

@@ -1,0 +1,109 @@
+#pragma once
+
+#include "model/color_token.h"
+
+#include <QColor>
+#include <QFont>
+#include <QObject>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+
+class QJSEngine;
+class QQmlEngine;
+
+namespace brimwatch::platform {
+class Appearance;
+class SymbolSource;
+} // namespace brimwatch::platform
+
+namespace brimwatch::views {
+
+/// How everything looks: the desktop's colours, font and symbols, for bindings that follow the
+/// desktop live.
+///
+/// One per QML engine, made by whoever makes the engine.
+class Theme final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+    Q_PROPERTY(QColor label READ label NOTIFY changed FINAL)
+    Q_PROPERTY(QColor secondaryLabel READ secondaryLabel NOTIFY changed FINAL)
+    Q_PROPERTY(QColor separator READ separator NOTIFY changed FINAL)
+    Q_PROPERTY(QColor accent READ accent NOTIFY changed FINAL)
+    Q_PROPERTY(QColor onAccent READ onAccent NOTIFY changed FINAL)
+    Q_PROPERTY(QColor orange READ orange NOTIFY changed FINAL)
+    Q_PROPERTY(QColor ground READ ground NOTIFY changed FINAL)
+    Q_PROPERTY(QColor frame READ frame NOTIFY changed FINAL)
+    Q_PROPERTY(QColor divider READ divider NOTIFY changed FINAL)
+    Q_PROPERTY(QColor cardBackground READ cardBackground NOTIFY changed FINAL)
+    Q_PROPERTY(QColor cardOutline READ cardOutline NOTIFY changed FINAL)
+    Q_PROPERTY(QColor rowBackground READ rowBackground NOTIFY changed FINAL)
+    Q_PROPERTY(QColor rowOutline READ rowOutline NOTIFY changed FINAL)
+    Q_PROPERTY(QColor track READ track NOTIFY changed FINAL)
+    Q_PROPERTY(QColor countBackground READ countBackground NOTIFY changed FINAL)
+    Q_PROPERTY(QColor footerBackground READ footerBackground NOTIFY changed FINAL)
+    Q_PROPERTY(QColor badgeStart READ badgeStart NOTIFY changed FINAL)
+    Q_PROPERTY(QColor badgeEnd READ badgeEnd NOTIFY changed FINAL)
+    Q_PROPERTY(QColor hovered READ hovered NOTIFY changed FINAL)
+    Q_PROPERTY(QColor pressed READ pressed NOTIFY changed FINAL)
+    Q_PROPERTY(QString fontFamily READ fontFamily NOTIFY changed FINAL)
+    Q_PROPERTY(double textScale READ textScale NOTIFY changed FINAL)
+
+public:
+    /// Both outlive the theme.
+    Theme(platform::Appearance &appearance, const platform::SymbolSource &symbols,
+        QObject *parent = nullptr);
+    ~Theme() override;
+
+    /// Makes this the theme of an engine, which it outlives.
+    void attachTo(QQmlEngine &engine);
+    /// The theme of the engine that `object` lives in; null outside of one that has a theme.
+    static Theme *of(const QObject *object);
+    /// For the QML engine.
+    static Theme *create(QQmlEngine *engine, QJSEngine *scriptEngine);
+
+    QColor color(model::ColorToken token) const;
+    /// The same, more transparent: its own opacity times `opacity`.
+    QColor color(model::ColorToken token, double opacity) const;
+
+    QColor label() const { return color(model::ColorToken::Label); }
+    QColor secondaryLabel() const { return color(model::ColorToken::SecondaryLabel); }
+    QColor separator() const { return color(model::ColorToken::Separator); }
+    QColor accent() const { return color(model::ColorToken::Accent); }
+    /// Text on the accent colour: white, or black where white would be hard to read.
+    QColor onAccent() const;
+    QColor orange() const { return color(model::ColorToken::SystemOrange); }
+    /// What everything stands on: halfway between the desktop's window and control backgrounds, so
+    /// that cards and rows stand out from it on both sides. Opaque.
+    QColor ground() const;
+    /// The line around the popover.
+    QColor frame() const { return color(model::ColorToken::Separator, 0.5); }
+    QColor divider() const { return color(model::ColorToken::Separator, 0.5); }
+    QColor cardBackground() const { return color(model::ColorToken::WindowBackground); }
+    QColor cardOutline() const { return color(model::ColorToken::Separator, 0.2); }
+    QColor rowBackground() const { return color(model::ColorToken::ControlBackground, 0.5); }
+    QColor rowOutline() const { return color(model::ColorToken::Separator, 0.3); }
+    QColor track() const { return color(model::ColorToken::Separator, 0.4); }
+    QColor countBackground() const { return color(model::ColorToken::SecondaryLabel, 0.1); }
+    QColor footerBackground() const { return color(model::ColorToken::ControlBackground, 0.3); }
+    QColor badgeStart() const { return color(model::ColorToken::Blue, 0.8); }
+    QColor badgeEnd() const { return color(model::ColorToken::Purple, 0.8); }
+    QColor hovered() const { return color(model::ColorToken::SecondaryLabel, 0.12); }
+    QColor pressed() const { return color(model::ColorToken::SecondaryLabel, 0.24); }
+
+    /// The interface font's family; where the desktop names none, the toolkit's own.
+    QString fontFamily() const;
+    /// How much larger than drawn everything is shown, 1 for as drawn.
+    double textScale() const;
+
+    const platform::SymbolSource &symbols() const { return m_symbols; }
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    platform::Appearance &m_appearance;
+    const platform::SymbolSource &m_symbols;
+};
+
+} // namespace brimwatch::views

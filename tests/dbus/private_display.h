@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QByteArray>
+#include <QProcess>
+
+namespace brimwatch::test {
+
+/// An X server of the test's own, without a window manager. DISPLAY names it for this process. Make
+/// it before the application object for the toolkit to be on it.
+class PrivateDisplay {
+public:
+    PrivateDisplay()
+    {
+        using namespace Qt::Literals::StringLiterals;
+        m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_server.start(u"Xvfb"_s,
+            {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1280x720x24"_s, u"-nolisten"_s,
+                u"tcp"_s, u"-noreset"_s});
+        constexpr int startMilliseconds = 30000;
+        QByteArray number;
+        while (!number.contains('\n') && m_server.waitForReadyRead(startMilliseconds))
+            number += m_server.readAllStandardOutput();
+        if (!number.contains('\n'))
+            qFatal("Xvfb did not start: %s", qPrintable(m_server.errorString()));
+        qputenv("DISPLAY", ":" + number.trimmed());
+    }
+    ~PrivateDisplay() { stop(); }
+    PrivateDisplay(const PrivateDisplay &) = delete;
+    PrivateDisplay &operator=(const PrivateDisplay &) = delete;
+    PrivateDisplay(PrivateDisplay &&) = delete;
+    PrivateDisplay &operator=(PrivateDisplay &&) = delete;
+
+    void stop()
+    {
+        m_server.terminate();
+        m_server.waitForFinished();
+    }
+
+private:
+    QProcess m_server;
+};
+
+} // namespace brimwatch::test

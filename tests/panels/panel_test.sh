@@ -1,0 +1,345 @@
+#!/bin/bash
+# panel_test.sh PANEL   drives the program on a real panel with real clicks and looks at the screen.
+#
+# PANEL is a script of tools/panels: xfce4, trayer, mate, lxqt, sway, plasma, gnome. The program and the
+# sample daemon are those of $BRIMWATCH_BUILD (default build/dev). Logs and pictures stay in
+# $BRIMWATCH_PANEL_LOGS (default build/panels)/PANEL. Prints a line a check and `N passed, N failed` last.
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+PROGRAM=panel_test
+# shellcheck source=../../tools/lib/common.sh
+. "$root/tools/lib/common.sh"
+
+panel=${1:-}
+script=$root/tools/panels/$panel.sh
+if [ $# != 1 ] || [ ! -x "$script" ]; then
+    sed -n '2,6s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
+    exit 2
+fi
+
+# How the item is drawn there, and what its panel can do.
+case $panel in
+    xfce4 | trayer | mate) kind=wide right=opens restarts=yes ;;
+    gnome) kind=wide right=opens restarts=no ;;
+    lxqt | plasma) kind=square right=menu restarts=yes ;;
+    sway) kind=square right=- restarts=yes ;;
+    *) die "it is not known how $panel shows our item" ;;
+esac
+
+build=${BRIMWATCH_BUILD:-$root/build/dev}
+program=$build/src/app/brimwatch
+daemon=$build/tools/sample-daemon/brimwatch-sample-daemon
+for file in "$program" "$daemon"; do
+    [ -x "$file" ] || die "$file is not built"
+done
+out=${BRIMWATCH_PANEL_LOGS:-$root/build/panels}/$panel
+rm -rf "$out"
+mkdir -p "$out/pictures"
+out=$(cd "$out" && pwd)
+session=$out/session
+passed=0 failed=0 program_pid='' daemon_pid=''
+
+finish()
+{
+    local status=$?
+    trap - EXIT INT TERM
+    end_process "$program_pid"
+    end_process "$daemon_pid"
+    "$script" stop "$session"
+    if [ "$status" != 0 ] && [ "$failed" = 0 ]; then
+        failed=1
+    fi
+    echo "$passed passed, $failed failed"
+    [ "$failed" = 0 ] || echo "Logs and pictures of $panel: $out"
+    [ "$failed" = 0 ] && [ "$passed" -gt 0 ]
+    exit
+}
+trap finish EXIT
+trap 'exit 130' INT TERM
+
+# check SENTENCE COMMAND...: one result.
+check()
+{
+    local sentence=$1
+    shift
+    if "$@"; then
+        passed=$((passed + 1))
+        printf 'ok      %s: %s\n' "$panel" "$sentence"
+    else
+        failed=$((failed + 1))
+        printf 'FAILED  %s: %s\n' "$panel" "$sentence"
+        shot "failed-$failed"
+        return 1
+    fi
+}
+
+# needed SENTENCE COMMAND...: the same, and nothing that follows makes sense without it.
+needed() { check "$@" || exit 1; }
+
+shot() { "$root/tools/panels/shot.sh" "$out/pictures/$1.png" ${2:+"$2"} 2>>"$out/shot.log" || true; }
+click() { "$root/tools/panels/click.sh" "$@"; }
+key() { "$root/tools/panels/key.sh" "$@"; }
+
+start_program()
+{
+    "$program" >>"$out/program.log" 2>&1 &
+    program_pid=$!
+    disown
+}
+
+end_program()
+{
+    end_process "$program_pid"
+    program_pid=
+}
+
+program_runs() { alive "$program_pid"; }
+
+requests() { grep -c '^request ' "$out/daemon.log"; }
+asked_more_than() { [ "$(requests)" -gt "$1" ]; }
+
+# Where the item is -------------------------------------------------------------------------------
+# On panels that draw the item themselves, it is what changed on the screen since the picture `without`.
+drawn_item()
+{
+    shot now
+    largest_difference "$out/pictures/without.png" "$out/pictures/now.png" "$panel_strip"
+}
+
+# The same twice in a row: a panel may still be laying out.
+item_settled()
+{
+    local first second
+    first=$(item_place) && second=$(item_place) && [ -n "$first" ] && [ "$first" = "$second" ]
+}
+
+item_place()
+{
+    local place
+    if [ "$kind" = wide ] && [ "$panel" != gnome ]; then
+        place=$(embedded_items "$program_pid" | head -n 1)
+    else
+        place=$(drawn_item)
+    fi
+    # shellcheck disable=SC2086
+    set -- $place
+    [ $# = 4 ] && [ "$3" -ge 8 ] && [ "$4" -ge 8 ] && echo "$place"
+}
+
+# locate_item: remembers where it is. The pointer goes away first: a panel lights up what it is over.
+locate_item()
+{
+    click 40 $((screen_height - 60)) 0
+    wait_for 30 item_settled && place_of_item=$(item_place)
+}
+
+item_is_there_once()
+{
+    if [ "$kind" = wide ]; then
+        embedded_once "$program_pid"
+    else
+        registered_once
+    fi
+}
+
+item_is_gone()
+{
+    if [ "$kind" = wide ]; then
+        nothing_embedded "$program_pid"
+    else
+        [ -z "$(registered_items)" ]
+    fi
+}
+
+published_in_one_way_only()
+{
+    if [ "$kind" = wide ]; then
+        embedded_once "$program_pid" && [ -z "$(registered_items)" ]
+    else
+        registered_once && { [ "$panel" = sway ] || nothing_embedded "$program_pid"; }
+    fi
+}
+
+registered_under_its_own_name()
+{
+    dbus-send --session --print-reply=literal --dest=org.freedesktop.DBus / \
+        org.freedesktop.DBus.NameHasOwner "string:org.kde.StatusNotifierItem-$program_pid-1" | grep -q true
+}
+
+# The label --------------------------------------------------------------------------------------
+crop_item()
+{
+    # shellcheck disable=SC2086
+    shot item "$(geometry_of $place_of_item)"
+}
+
+label_has() { crop_item && [ "$(coloured_pixels "$out/pictures/item.png" "$1")" -ge 8 ]; }
+
+label_is_wide()
+{
+    # shellcheck disable=SC2086
+    set -- $place_of_item
+    [ "$3" -ge $((3 * $4)) ]
+}
+
+item_shows_something() { crop_item && [ "$(identify -format %k "$out/pictures/item.png")" -ge 4 ]; }
+
+# The popover ------------------------------------------------------------------------------------
+# Under sway it may be a window of the compositor's, which lists them by process, or one of Xwayland's.
+shown()
+{
+    popover_open "$program_pid" && return
+    [ "$panel" = sway ] && swaymsg -t get_tree | grep -qE "\"pid\": $program_pid,?$"
+}
+
+hidden() { ! shown; }
+
+click_item() # click_item BUTTON
+{
+    # shellcheck disable=SC2046,SC2086
+    click $(middle_of $place_of_item) "$1"
+}
+
+# For one second after it closed; a panel that sends the same click twice would open it again.
+stays_hidden()
+{
+    wait_for 30 hidden || return 1
+    ! wait_for 1 shown
+}
+
+on_the_screen()
+{
+    local x y width height
+    read -r x y width height < <(popover_places "$program_pid")
+    [ "$x" -ge 0 ] && [ "$y" -ge 0 ] && [ $((x + width)) -le "$screen_width" ] && [ $((y + height)) -le "$screen_height" ]
+}
+
+# It overlaps the item's columns, or touches the edge of the screen beside them, and begins at the panel.
+beside_the_item()
+{
+    local x y width height ix iy iw ih
+    read -r x y width height < <(popover_places "$program_pid")
+    read -r ix iy iw ih <<<"$place_of_item"
+    [ "$x" -le $((ix + iw)) ] && [ $((x + width)) -ge "$ix" ] && [ "$y" -ge $((iy - 2)) ] && [ "$y" -le $((iy + ih + 48)) ]
+}
+
+popover_is_drawn()
+{
+    local place
+    place=$(popover_places "$program_pid" | head -n 1)
+    # shellcheck disable=SC2046,SC2086
+    shot popover "$(geometry_of $place)"
+    [ "$(identify -format %k "$out/pictures/popover.png")" -ge 40 ] &&
+        [ "$(coloured_pixels "$out/pictures/popover.png" green)" -ge 40 ] &&
+        [ "$(coloured_pixels "$out/pictures/popover.png" orange)" -ge 40 ]
+}
+
+panel_windows() { windows_of "$(cat "$session/panel.pid")" toplevel | wc -l; }
+panel_shows_more_than() { [ "$(panel_windows)" -gt "$1" ]; }
+panel_shows_at_most() { [ "$(panel_windows)" -le "$1" ]; }
+
+# A click that closed the popover must not open it again, so the program is deaf for a quarter of a
+# second; a person's next click comes later than that.
+past_the_guard() { sleep 0.4; }
+
+# The play ---------------------------------------------------------------------------------------
+CLOCK=off "$script" start "$session" >/dev/null 2>"$out/session.log" || {
+    cat "$out/session.log" >&2
+    die "$panel does not start, logs in $session/log"
+}
+# shellcheck source=/dev/null
+. "$session/env"
+HELPERS=$("$root/tools/panels/helpers.sh")
+PANELS=$root/tools/panels
+# shellcheck source=../../tools/panels/item.sh
+. "$root/tools/panels/item.sh"
+
+shot screen
+read -r screen_width screen_height < <(identify -format '%w %h' "$out/pictures/screen.png")
+# Panels are at the top and hold the tray on their right; GNOME announces things in the middle.
+panel_strip=$((screen_width / 3))x40+$((screen_width - screen_width / 3))+0
+
+"$daemon" --speed 0 --log >"$out/daemon.log" 2>&1 &
+daemon_pid=$!
+disown
+wait_for 30 grep -q '^ready ' "$out/daemon.log" || die "the sample daemon did not start, see $out/daemon.log"
+
+shot without
+start_program
+needed "an item appears" wait_for 30 item_is_there_once
+needed "the item has a place on the panel" locate_item
+check "it is published in one way only" wait_for 30 published_in_one_way_only
+if [ "$kind" = wide ]; then
+    check "the label shows a healthy quota in green" wait_for 30 label_has green
+    check "the label shows a low quota in orange" wait_for 30 label_has orange
+    check "the label is drawn in its whole width" label_is_wide
+else
+    check "the item has its own name on the bus" registered_under_its_own_name
+    check "the item shows something" wait_for 30 item_shows_something
+fi
+shot label
+
+click_item 1
+if check "a left click opens the popover" wait_for 30 shown; then
+    shot open
+    if [ "$panel" != sway ]; then
+        check "the popover is on the screen as a whole" on_the_screen
+        check "the popover is beside the item" beside_the_item
+        check "the popover shows the quota" wait_for 30 popover_is_drawn
+        click 40 $((screen_height - 60))
+        check "a click elsewhere closes it" wait_for 30 hidden
+        past_the_guard
+        click_item 1
+        check "the next click opens it again" wait_for 30 shown
+        click_item 1
+        check "a click on the item closes it, and it stays closed" stays_hidden
+        past_the_guard
+        click_item 1
+        check "after that a click opens it" wait_for 30 shown
+    fi
+    key Escape
+    check "Escape closes it" wait_for 30 hidden
+    past_the_guard
+fi
+
+case $right in
+    opens)
+        click_item 3
+        check "a right click opens it too" wait_for 30 shown
+        key Escape
+        check "and Escape closes it" wait_for 30 hidden
+        ;;
+    menu)
+        before=$(panel_windows)
+        click_item 3
+        check "a right click shows the panel's menu for us" wait_for 30 panel_shows_more_than "$before"
+        shot menu
+        key Escape
+        check "and Escape closes the menu" wait_for 30 panel_shows_at_most "$before"
+        ;;
+esac
+needed "the program has run all the while" program_runs
+
+if [ "$restarts" = yes ]; then
+    "$script" unpanel "$session"
+    "$script" panel "$session"
+    check "the item is back, once, after the panel was restarted" wait_for 30 item_is_there_once
+    check "and has a place there again" locate_item
+    check "it is still published in one way only" wait_for 30 published_in_one_way_only
+    click_item 1
+    check "and a click opens the popover" wait_for 30 shown
+    key Escape
+    wait_for 30 hidden
+    shot restarted
+
+    end_program
+    check "the item goes with the program" wait_for 30 item_is_gone
+    "$script" unpanel "$session"
+    asked=$(requests)
+    start_program
+    needed "the program works without a panel" wait_for 30 asked_more_than "$asked"
+    check "and waits for one" program_runs
+    "$script" panel "$session"
+    check "the item appears on a panel that comes later" wait_for 30 item_is_there_once
+    check "and has a place there" locate_item
+fi

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/appearance.h"
+#include "platform/linux/system_colors.h"
+#include "platform/opener.h"
+
+#include <QList>
+#include <QUrl>
+
+namespace brimwatch::test {
+
+class FakeOpener final : public platform::Opener {
+public:
+    bool installed = false;
+    int started = 0;
+    QList<QUrl> opened;
+
+    bool openAntigravity() override;
+    void openUrl(const QUrl &url) override { opened.append(url); }
+};
+
+/// A desktop that is as the test says.
+class FakeAppearance final : public platform::Appearance {
+    Q_OBJECT
+
+public:
+    platform::Ground ground = platform::Ground::Light;
+    double scale = 1;
+    QString family;
+
+    bool isDark() const override { return ground == platform::Ground::Dark; }
+    platform::Rgba color(model::ColorToken token) const override
+    {
+        return platform::systemColor(token, ground);
+    }
+    QString fontFamily() const override { return family; }
+    double textScale() const override { return scale; }
+};
+
+} // namespace brimwatch::test

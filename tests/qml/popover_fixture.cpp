@@ -1,0 +1,140 @@
+#include "qml/popover_fixture.h"
+
+#include "qml/samples.h"
+#include "views/popover_views.h"
+
+#include <QTest>
+
+#include <algorithm>
+
+namespace brimwatch::test {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+void collect(QQuickItem *item, const QString &name, QList<QQuickItem *> &found)
+{
+    if (!item->isVisible())
+        return;
+    if (item->objectName() == name)
+        found.append(item);
+    const auto children = item->childItems();
+    for (QQuickItem *child : children)
+        collect(child, name, found);
+}
+
+} // namespace
+
+PopoverFixture::PopoverFixture()
+    : clock(sampleNow())
+    , settings(folder.filePath(u"settings.ini"_s))
+    , service({.clock = clock, .fetching = fetching, .settings = settings})
+{
+}
+
+PopoverFixture::~PopoverFixture() = default;
+
+void PopoverFixture::load()
+{
+    if (content)
+        return;
+    content.reset(brimwatch_make_popover_content({.quotaService = service,
+        .appearance = appearance,
+        .symbols = symbols,
+        .opener = opener,
+        .terminate = [this] { ++terminated; },
+        .close = [this] { ++closed; }}));
+    if (!content)
+        qFatal("the views cannot be made");
+}
+
+void PopoverFixture::show()
+{
+    load();
+    content->setShown(true);
+    window().show();
+    window().requestActivate();
+    if (!QTest::qWaitForWindowActive(&window()))
+        qFatal("the popover does not show");
+}
+
+void PopoverFixture::hide()
+{
+    window().hide();
+    content->setShown(false);
+}
+
+void PopoverFixture::answer(const model::QuotaSummary &summary)
+{
+    awaitRefresh();
+    fetching.answer(service::FetchedQuota{.summary = summary, .daemon = sampleDaemon()});
+    if (!QTest::qWaitFor([this] { return !service.isRefreshing(); }))
+        qFatal("the refresh does not end");
+}
+
+void PopoverFixture::fail(const QString &message)
+{
+    awaitRefresh();
+    fetching.answer(brimwatch::fail(discovery::DaemonError{
+        .kind = discovery::DaemonError::Kind::daemonUnreachable, .message = message}));
+    if (!QTest::qWaitFor([this] { return !service.isRefreshing(); }))
+        qFatal("the refresh does not end");
+}
+
+void PopoverFixture::awaitRefresh()
+{
+    if (!QTest::qWaitFor([this] { return service.isRefreshing() && fetching.isWaiting(); }))
+        qFatal("nobody asks for quota");
+}
+
+void PopoverFixture::awaitCards(qsizetype count)
+{
+    if (!QTest::qWaitFor([this, count] { return items(u"groupCard"_s).size() == count; }))
+        qFatal("the cards do not come");
+    // A picture needs all items in their places.
+    static_cast<void>(window().grabWindow());
+}
+
+QQuickWindow &PopoverFixture::window() const
+{
+    return static_cast<QQuickWindow &>(content->window()); // NOLINT(cppcoreguidelines-pro-type-static-cast-downcast):
+                                                           // the views are Qt Quick
+}
+
+views::PopoverModel &PopoverFixture::model() const
+{
+    const QQuickItem *root = window().contentItem()->childItems().constFirst();
+    return *root->property("model").value<views::PopoverModel *>();
+}
+
+QQuickItem *PopoverFixture::item(const QString &name) const
+{
+    return items(name).value(0);
+}
+
+QList<QQuickItem *> PopoverFixture::items(const QString &name) const
+{
+    QList<QQuickItem *> found;
+    const auto roots = window().contentItem()->childItems();
+    for (QQuickItem *root : roots)
+        collect(root, name, found);
+    std::stable_sort(found.begin(), found.end(), [](const QQuickItem *a, const QQuickItem *b) {
+        return a->mapToScene({}).y() < b->mapToScene({}).y();
+    });
+    return found;
+}
+
+QString PopoverFixture::text(const QString &name) const
+{
+    const QQuickItem *found = item(name);
+    return found ? found->property("text").toString() : QString();
+}
+
+QPoint PopoverFixture::middle(const QString &name) const
+{
+    const QQuickItem *found = item(name);
+    return found ? found->mapToScene(QRectF({}, found->size()).center()).toPoint() : QPoint();
+}
+
+} // namespace brimwatch::test

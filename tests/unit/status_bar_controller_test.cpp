@@ -1,0 +1,300 @@
+#include "app/app_delegate.h"
+#include "app/item_description.h"
+#include "app/status_bar_controller.h"
+#include "platform/application_presence.h"
+#include "service/quota_service.h"
+#include "support/fake_fetching.h"
+#include "support/test_clock.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace brimwatch;
+using namespace std::chrono_literals;
+
+namespace {
+
+class FakeStatusItem final : public platform::StatusItem {
+public:
+    bool hasButton() const override { return button; }
+    void setLabel(const model::LabelComposition &label) override { labels.append(label); }
+    void setDescription(const platform::ItemDescription &description) override
+    {
+        descriptions.append(description);
+    }
+
+    bool button = true;
+    QList<model::LabelComposition> labels;
+    QList<platform::ItemDescription> descriptions;
+};
+
+class FakePopover final : public platform::Popover {
+public:
+    bool isShown() const override { return shown; }
+    void show(const platform::ItemAnchor &anchor) override
+    {
+        shown = true;
+        calls.append(u"show"_s);
+        anchors.append(anchor);
+    }
+    void makeKey() override { calls.append(u"makeKey"_s); }
+    void performClose() override
+    {
+        calls.append(u"performClose"_s);
+        close();
+    }
+    void close()
+    {
+        shown = false;
+        Q_EMIT didClose();
+    }
+
+    bool shown = false;
+    QStringList calls;
+    QList<platform::ItemAnchor> anchors;
+};
+
+class FakePresence final : public platform::ApplicationPresence {
+public:
+    explicit FakePresence(QStringList &calls)
+        : m_calls(calls)
+    {
+    }
+    void becomeAccessory() override { m_calls.append(u"becomeAccessory"_s); }
+    void closeWindows() override { m_calls.append(u"closeWindows"_s); }
+    void terminate() override { m_calls.append(u"terminate"_s); }
+
+private:
+    QStringList &m_calls;
+};
+
+model::QuotaSummary summaryWith(double fiveHour, double weekly)
+{
+    return {.groups = {{.displayName = u"Gemini Models"_s,
+                .buckets = {{.bucketId = u"w"_s,
+                                .displayName = u"Weekly limit"_s,
+                                .window = u"weekly"_s,
+                                .remainingFraction = weekly},
+                    {.bucketId = u"f"_s,
+                        .displayName = u"Five hours"_s,
+                        .window = u"5h"_s,
+                        .remainingFraction = fiveHour}}}}};
+}
+
+} // namespace
+
+class StatusBarControllerTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_home = std::make_unique<QTemporaryDir>();
+        m_settings = std::make_unique<service::SettingsStore>(m_home->filePath(u"settings.ini"_s));
+        m_clock = std::make_unique<test::TestClock>(
+            QDateTime(QDate(2026, 11, 16), QTime(9, 0), Qt::UTC));
+        m_fetching = std::make_unique<test::FakeFetching>();
+        m_service = std::make_unique<service::QuotaService>(service::QuotaService::Dependencies{
+            .clock = *m_clock, .fetching = *m_fetching, .settings = *m_settings});
+        auto item = std::make_unique<FakeStatusItem>();
+        auto popover = std::make_unique<FakePopover>();
+        m_item = item.get();
+        m_popover = popover.get();
+        m_controller = std::make_unique<app::StatusBarController>(
+            app::StatusBarController::Dependencies{.quotaService = *m_service,
+                .clock = *m_clock,
+                .statusItem = std::move(item),
+                .popover = std::move(popover),
+                .symbolExists = [](const QString &) { return true; }});
+    }
+
+    void cleanup()
+    {
+        m_controller.reset();
+        m_service.reset();
+    }
+
+    void theLabelShowsAtOnceAsTheIconAlone()
+    {
+        QCOMPARE(m_item->labels.size(), 1);
+        QVERIFY(m_item->labels.first().image.has_value());
+        QCOMPARE(m_item->labels.first().imagePosition, model::ImagePosition::Only);
+        QVERIFY(m_item->labels.first().title.isEmpty());
+    }
+
+    void aChangeRebuildsTheLabelFromTheStoredValue()
+    {
+        QTRY_VERIFY(m_fetching->isWaiting());
+        m_fetching->answer(
+            service::FetchedQuota{.summary = summaryWith(0.8, 0.55), .daemon = {.httpPort = 1}});
+        QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 80% · W: 55%"_s);
+    }
+
+    void everyAnnouncedChangeRebuildsOnce()
+    {
+        QTRY_VERIFY(m_fetching->isWaiting());
+        QCoreApplication::processEvents();
+        const auto before = m_item->labels.size();
+        m_clock->advance(1s);
+        QCOMPARE(m_item->labels.size(), before); // Not before the value is stored.
+        QTRY_COMPARE(m_item->labels.size(), before + 1);
+    }
+
+    void aSettingRebuildsTheLabel()
+    {
+        QTRY_VERIFY(m_fetching->isWaiting());
+        m_fetching->answer(
+            service::FetchedQuota{.summary = summaryWith(0.8, 0.55), .daemon = {.httpPort = 1}});
+        m_service->setShowWeeklyInMenuBar(false);
+        QTRY_COMPARE(m_item->labels.last().plainTitle(), u" G: 80%"_s);
+        m_service->setShowIconInMenuBar(false);
+        QTRY_COMPARE(m_item->labels.last().plainTitle(), u"G: 80%"_s);
+        QVERIFY(!m_item->labels.last().image.has_value());
+    }
+
+    void aClickOpensThePopoverAtTheItemAndGivesItTheKeyboard()
+    {
+        const platform::ItemAnchor anchor{
+            .bounds = QRect(10, 0, 90, 22), .pointer = QPoint(20, 10)};
+        Q_EMIT m_item->clicked(anchor);
+        QCOMPARE(m_popover->calls, (QStringList{u"show"_s, u"makeKey"_s}));
+        QCOMPARE(m_popover->anchors.first().bounds, anchor.bounds);
+        QCOMPARE(m_popover->anchors.first().pointer, anchor.pointer);
+    }
+
+    void aClickWhileThePopoverIsOpenClosesItAndItStaysClosed()
+    {
+        Q_EMIT m_item->clicked({});
+        // The press of that click closes a transient popover; its release comes to us as a click.
+        m_popover->close();
+        m_clock->advance(120ms);
+        Q_EMIT m_item->clicked({});
+        QVERIFY(!m_popover->shown);
+    }
+
+    void twoClicksOpenAndCloseAndAThirdJustAfterDoesNothing()
+    {
+        Q_EMIT m_item->clicked({});
+        QVERIFY(m_popover->shown);
+        m_clock->advance(300ms);
+        Q_EMIT m_item->clicked({});
+        QVERIFY(!m_popover->shown);
+        m_clock->advance(100ms);
+        Q_EMIT m_item->clicked({});
+        QVERIFY(!m_popover->shown);
+        m_clock->advance(150ms);
+        Q_EMIT m_item->clicked({});
+        QVERIFY(m_popover->shown);
+    }
+
+    void aClockSetBackDoesNotLockThePopover()
+    {
+        Q_EMIT m_item->clicked({});
+        m_popover->close();
+        m_clock->setNow(m_clock->now().addSecs(-3600));
+        Q_EMIT m_item->clicked({});
+        QVERIFY(m_popover->shown);
+    }
+
+    void withoutAButtonNothingIsDrawnAndNothingOpens()
+    {
+        m_item->button = false;
+        const auto before = m_item->labels.size();
+        m_service->setShowIconInMenuBar(false);
+        QCoreApplication::processEvents();
+        QCOMPARE(m_item->labels.size(), before);
+        Q_EMIT m_item->clicked({});
+        QVERIFY(!m_popover->shown);
+    }
+
+    void theMenusRefreshRefreshes()
+    {
+        QTRY_VERIFY(m_fetching->isWaiting());
+        m_fetching->answer(tl::unexpected(discovery::DaemonError{}));
+        QTRY_VERIFY(!m_service->isRefreshing());
+        Q_EMIT m_item->refreshRequested();
+        QVERIFY(m_fetching->isWaiting());
+    }
+
+    void theMenusQuitIsPassedOn()
+    {
+        int asked = 0;
+        connect(m_controller.get(), &app::StatusBarController::quitRequested, this,
+            [&asked] { ++asked; });
+        Q_EMIT m_item->quitRequested();
+        QCOMPARE(asked, 1);
+    }
+
+    void theDescriptionHasALineForEachBucketInTheOrderOfThePopover()
+    {
+        QTRY_VERIFY(m_fetching->isWaiting());
+        m_fetching->answer(
+            service::FetchedQuota{.summary = summaryWith(0.8, 0.555), .daemon = {.httpPort = 1}});
+        QTRY_VERIFY(m_service->quotaSummary().has_value());
+        const auto description = app::describeItem(*m_service);
+        QCOMPARE(description.title, u"✦ 5h: 80% · W: 56%"_s);
+        QCOMPARE(description.lines,
+            (QStringList{
+                u"Gemini Models, Five hours: 80.0%"_s, u"Gemini Models, Weekly limit: 55.5%"_s}));
+    }
+
+    void theDescriptionSaysWhatIsWrong()
+    {
+        QCOMPARE(app::describeItem(*m_service).lines, (QStringList{u"Connecting..."_s}));
+        QTRY_VERIFY(m_fetching->isWaiting());
+        m_fetching->answer(tl::unexpected(
+            discovery::DaemonError{.kind = discovery::DaemonError::Kind::noDaemonFound}));
+        QTRY_VERIFY(m_service->connectionStatus().isOffline());
+        QCOMPARE(app::describeItem(*m_service).lines,
+            (QStringList{m_service->connectionStatus().displayText()}));
+    }
+
+    void launchingSetsThePolicyClosesWindowsThenMakesServiceAndController()
+    {
+        QStringList calls;
+        FakePresence presence(calls);
+        service::QuotaService *made = nullptr;
+        app::AppDelegate delegate(
+            presence,
+            [&] {
+                calls.append(u"service"_s);
+                auto service
+                    = std::make_unique<service::QuotaService>(service::QuotaService::Dependencies{
+                        .clock = *m_clock, .fetching = *m_fetching, .settings = *m_settings});
+                made = service.get();
+                return service;
+            },
+            [&](service::QuotaService &service) {
+                calls.append(u"controller"_s);
+                if (&service != made)
+                    qFatal("the controller was given another service");
+                return std::make_unique<app::StatusBarController>(
+                    app::StatusBarController::Dependencies{.quotaService = service,
+                        .clock = *m_clock,
+                        .statusItem = std::make_unique<FakeStatusItem>(),
+                        .popover = std::make_unique<FakePopover>(),
+                        .symbolExists = [](const QString &) { return true; }});
+            });
+        QVERIFY(delegate.quotaService() == nullptr);
+        QVERIFY(delegate.statusBarController() == nullptr);
+        delegate.applicationDidFinishLaunching();
+        QCOMPARE(calls,
+            (QStringList{u"becomeAccessory"_s, u"closeWindows"_s, u"service"_s, u"controller"_s}));
+        QCOMPARE(delegate.quotaService(), made);
+        QVERIFY(delegate.statusBarController() != nullptr);
+    }
+
+private:
+    std::unique_ptr<QTemporaryDir> m_home;
+    std::unique_ptr<service::SettingsStore> m_settings;
+    std::unique_ptr<test::TestClock> m_clock;
+    std::unique_ptr<test::FakeFetching> m_fetching;
+    std::unique_ptr<service::QuotaService> m_service;
+    FakeStatusItem *m_item = nullptr;
+    FakePopover *m_popover = nullptr;
+    std::unique_ptr<app::StatusBarController> m_controller;
+};
+
+QTEST_GUILESS_MAIN(StatusBarControllerTest)
+#include "status_bar_controller_test.moc"

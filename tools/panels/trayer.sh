@@ -1,0 +1,20 @@
+#!/bin/bash
+# trayer (XEmbed alone: nobody watches for SNI items on this bus) with openbox on Xvfb.
+# PANEL_SIZE=28
+NAME=trayer
+# shellcheck source=lib.sh
+. "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+session_start() { start_openbox; }
+
+panel_start()
+{
+    spawn panel trayer --edge top --align right --widthtype request --heighttype pixel \
+        --height "${PANEL_SIZE:-28}" --SetDockType true --SetPartialStrut true --tint 0x303030 \
+        --transparent true --alpha 0
+}
+
+# An empty trayer shows no window: what counts is who owns the tray.
+panel_ready() { tray_manager_runs; }
+
+panel_main "$@"

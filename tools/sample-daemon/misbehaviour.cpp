@@ -1,0 +1,151 @@
+#include "misbehaviour.h"
+
+#include <QTcpSocket>
+#include <QTimer>
+
+#define ZLIB_CONST // Else the library takes what it only reads as if it wrote there.
+#include <zlib.h>
+
+#include <algorithm>
+
+namespace brimwatch::sample {
+
+using namespace Qt::Literals::StringLiterals;
+
+const QList<MisbehaviourName> &misbehaviourNames()
+{
+    static const QList<MisbehaviourName> names{
+        {.name = u"refuse-token"_s,
+            .what = u"answer 401 whatever the token"_s,
+            .misbehaviour = Misbehaviour::RefuseToken},
+        {.name = u"status-500"_s,
+            .what = u"answer 500 with a Connect error"_s,
+            .misbehaviour = Misbehaviour::Status500},
+        {.name = u"status-500-hang"_s,
+            .what = u"answer 500 with a body that never ends"_s,
+            .misbehaviour = Misbehaviour::Status500Hang},
+        {.name = u"status-204"_s,
+            .what = u"answer 204 without a body"_s,
+            .misbehaviour = Misbehaviour::Status204},
+        {.name = u"redirect"_s,
+            .what = u"answer 302 to --redirect-to"_s,
+            .misbehaviour = Misbehaviour::Redirect},
+        {.name = u"hang"_s,
+            .what = u"read the request and never answer"_s,
+            .misbehaviour = Misbehaviour::Hang},
+        {.name = u"dribble"_s,
+            .what = u"answer 200, then a body of one byte a second that never ends"_s,
+            .misbehaviour = Misbehaviour::Dribble},
+        {.name = u"dribble-header"_s,
+            .what = u"send a header of one byte a second that never ends"_s,
+            .misbehaviour = Misbehaviour::DribbleHeader},
+        {.name = u"close-early"_s,
+            .what = u"close after reading the request"_s,
+            .misbehaviour = Misbehaviour::CloseEarly},
+        {.name = u"close-mid-body"_s,
+            .what = u"close after half of the body"_s,
+            .misbehaviour = Misbehaviour::CloseMidBody},
+        {.name = u"rubbish"_s,
+            .what = u"answer with what is not HTTP, and close"_s,
+            .misbehaviour = Misbehaviour::Rubbish},
+        {.name = u"rubbish-body"_s,
+            .what = u"answer 200 with what is not JSON"_s,
+            .misbehaviour = Misbehaviour::RubbishBody},
+        {.name = u"empty-body"_s,
+            .what = u"answer 200 with an empty body"_s,
+            .misbehaviour = Misbehaviour::EmptyBody},
+        {.name = u"connect-error-body"_s,
+            .what = u"answer 200 with a Connect error"_s,
+            .misbehaviour = Misbehaviour::ConnectErrorBody},
+        {.name = u"huge"_s,
+            .what = u"answer properly, with blanks behind it up to 64 MiB"_s,
+            .misbehaviour = Misbehaviour::Huge},
+        {.name = u"huge-header"_s,
+            .what = u"answer properly, with a header field of 8 MiB"_s,
+            .misbehaviour = Misbehaviour::HugeHeader},
+        {.name = u"gzip"_s,
+            .what = u"answer properly, in a gzip encoding that nobody asked for"_s,
+            .misbehaviour = Misbehaviour::Gzip},
+        {.name = u"move"_s,
+            .what = u"answer properly, then stop and come back on another port with another file"_s,
+            .misbehaviour = Misbehaviour::Move},
+    };
+    return names;
+}
+
+std::optional<Misbehaviour> misbehaviourNamed(const QString &name)
+{
+    const auto &names = misbehaviourNames();
+    const auto found = std::find_if(
+        names.cbegin(), names.cend(), [&name](const auto &known) { return known.name == name; });
+    return found == names.cend() ? std::nullopt : std::optional(found->misbehaviour);
+}
+
+void dribble(QTcpSocket *socket, const QByteArray &atOnce, const QByteArray &slowly, char filler,
+    std::chrono::milliseconds interval)
+{
+    socket->write(atOnce);
+    auto *timer = new QTimer(socket);
+    QObject::connect(timer, &QTimer::timeout, socket, [=, sent = qsizetype(0)]() mutable {
+        const char byte = sent < slowly.size() ? slowly.at(sent) : filler;
+        ++sent;
+        socket->write(&byte, 1);
+    });
+    QObject::connect(socket, &QTcpSocket::disconnected, timer, &QTimer::stop);
+    timer->start(interval);
+}
+
+void stream(
+    QTcpSocket *socket, const QByteArray &head, char filler, qint64 filling, const QByteArray &tail)
+{
+    constexpr qsizetype chunkSize = 256LL * 1024;
+
+    socket->write(head);
+    const auto pump = [=, chunk = QByteArray(chunkSize, filler), left = filling]() mutable {
+        // Writing may announce written bytes in its turn, which comes back here: hence the check
+        // each time round.
+        while (left > 0 && socket->bytesToWrite() < chunkSize && socket->isOpen()) {
+            const auto size = std::min(left, qint64(chunk.size()));
+            left -= size;
+            socket->write(chunk.constData(), size);
+            if (left == 0)
+                socket->write(tail);
+        }
+    };
+    // An object of its own, so that the answer to a later request on this connection finds no pump
+    // at work.
+    auto *work = new QObject(socket);
+    QObject::connect(socket, &QTcpSocket::bytesWritten, work, pump);
+}
+
+void sendAndClose(QTcpSocket *socket, const QByteArray &bytes)
+{
+    if (!bytes.isEmpty())
+        socket->write(bytes);
+    // Not at once: the server that is handing us the request still needs the socket.
+    QTimer::singleShot(0, socket, [socket] { socket->disconnectFromHost(); });
+}
+
+QByteArray gzipped(const QByteArray &bytes)
+{
+    constexpr int gzipWindow = MAX_WBITS + 16;
+    constexpr int defaultMemory = 8;
+
+    z_stream deflater{};
+    if (deflateInit2(&deflater, Z_DEFAULT_COMPRESSION, Z_DEFLATED, gzipWindow, defaultMemory,
+            Z_DEFAULT_STRATEGY)
+        != Z_OK)
+        qFatal("zlib gave no compressor");
+    QByteArray result(qsizetype(deflateBound(&deflater, uLong(bytes.size()))), '\0');
+    deflater.next_in = reinterpret_cast<const Bytef *>(bytes.constData());
+    deflater.avail_in = uInt(bytes.size());
+    deflater.next_out = reinterpret_cast<Bytef *>(result.data());
+    deflater.avail_out = uInt(result.size());
+    [[maybe_unused]] const int outcome = deflate(&deflater, Z_FINISH);
+    Q_ASSERT(outcome == Z_STREAM_END);
+    result.truncate(qsizetype(deflater.total_out));
+    deflateEnd(&deflater);
+    return result;
+}
+
+} // namespace brimwatch::sample

@@ -98,8 +98,9 @@ void PopoverFixture::awaitCards(qsizetype count)
 
 QQuickWindow &PopoverFixture::window() const
 {
-    return static_cast<QQuickWindow &>(content->window()); // NOLINT(cppcoreguidelines-pro-type-static-cast-downcast):
-                                                           // the views are Qt Quick
+    // The views are Qt Quick.
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-static-cast-downcast)
+    return static_cast<QQuickWindow &>(content->window());
 }
 
 views::PopoverModel &PopoverFixture::model() const

@@ -12,14 +12,14 @@ mkdir -p "$stamps"
 work=$(mktemp -d "$root/build/tidy/run.XXXXXX")
 trap 'rm -rf "$work"' EXIT
 
-# CMake writes one key a line: command, file, output. Generated sources are not ours.
+# CMake writes one key a line, the file last; what it compiles to stands in the command. Generated sources are not ours.
 awk -v root="$root" '
-    match($0, /^ *"command": "/) { command = substr($0, RLENGTH + 1) }
+    match($0, /^ *"command": "/) {
+        command = substr($0, RLENGTH + 1)
+        output = command; sub(/.* -o /, "", output); sub(/ .*/, "", output)
+    }
     match($0, /^ *"file": "/) {
         file = substr($0, RLENGTH + 1); sub(/",?$/, "", file)
-    }
-    match($0, /^ *"output": "/) {
-        output = substr($0, RLENGTH + 1); sub(/",?$/, "", output)
         if (index(file, root "/src/") == 1 || index(file, root "/tests/") == 1 || index(file, root "/tools/") == 1)
             if (!seen[file]++) print file "\t" output "\t" command
     }' "$build/compile_commands.json" >"$work/files"

@@ -28,7 +28,7 @@ Item {
             Repeater {
                 model: 8
 
-                Rectangle {
+                Capsule {
                     id: spoke
 
                     required property int index
@@ -36,7 +36,6 @@ Item {
                     x: wheel.width / 2 - width / 2
                     width: 3
                     height: 8
-                    radius: 1.5
                     color: Theme.secondaryLabel
                     opacity: 0.2 + 0.8 * spoke.index / 7
                     transform: Rotation {

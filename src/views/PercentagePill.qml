@@ -10,21 +10,19 @@ Item {
     implicitWidth: dot.width + 3 + label.width + 16
     implicitHeight: label.height + 6
 
-    Rectangle {
+    Capsule {
         anchors.fill: parent
-        radius: height / 2
         color: root.tint
         opacity: 0.12
     }
 
-    Rectangle {
+    Capsule {
         id: dot
 
         x: 8
         anchors.verticalCenter: parent.verticalCenter
         width: 7
         height: 7
-        radius: 3.5
         color: root.tint
     }
 

@@ -57,7 +57,7 @@ Rectangle {
         tint: root.bucket.color
     }
 
-    Rectangle {
+    Capsule {
         id: track
 
         objectName: "barTrack"
@@ -65,14 +65,12 @@ Rectangle {
         y: 10 + Math.max(names.height, pill.height) + 6
         width: root.width - 20
         height: 6
-        radius: 3
         color: Theme.track
 
-        Rectangle {
+        Capsule {
             objectName: "barFill"
             width: parent.width * root.bucket.fill
             height: 6
-            radius: Math.min(3, width / 2)
             color: root.bucket.color
             opacity: 0.8
         }

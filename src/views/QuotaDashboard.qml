@@ -107,6 +107,17 @@ Item {
             visible: list.visible && part < 1
         }
 
+        Rectangle {
+            objectName: "focusRing"
+            anchors.fill: parent
+            anchors.margins: 2
+            radius: 6
+            color: "transparent"
+            border.color: Theme.accent
+            border.width: 2
+            visible: list.activeFocus
+        }
+
         // What is seldom seen is made when it is.
         Loader {
             readonly property string file: list.visible ? ""

@@ -54,14 +54,13 @@ Rectangle {
                 maximumLineCount: 1
             }
 
-            Rectangle {
+            Capsule {
                 id: count
 
                 anchors.verticalCenter: parent.verticalCenter
                 anchors.right: parent.right
                 width: countText.width + 12
                 height: countText.height + 4
-                radius: height / 2
                 color: Theme.countBackground
 
                 Label {

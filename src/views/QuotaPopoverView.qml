@@ -33,6 +33,8 @@ Item {
 
         ToolTipBubble {
             id: bubble
+
+            allowed: root.model.isShown
         }
     }
 }

@@ -13,12 +13,11 @@ Item {
     Accessible.role: Accessible.StaticText
     Accessible.name: root.model.statusText
 
-    Rectangle {
+    Capsule {
         // Beside the first line's middle.
         y: Math.round((metrics.height - height) / 2)
         width: 6
         height: 6
-        radius: 3
         color: root.model.statusColor
     }
 

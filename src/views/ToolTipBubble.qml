@@ -5,6 +5,8 @@ import Brimwatch
 Rectangle {
     id: root
 
+    // Whether the popover can be seen: a tool tip does not wait for it to come back.
+    required property bool allowed
     property Item target: null
     property string text: ""
 
@@ -15,8 +17,11 @@ Rectangle {
     }
 
     function withdraw(item: Item) {
-        if (root.target !== item)
-            return;
+        if (root.target === item)
+            dismiss();
+    }
+
+    function dismiss() {
         delay.stop();
         root.visible = false;
         root.target = null;
@@ -39,6 +44,8 @@ Rectangle {
     color: Theme.cardBackground
     border.color: Theme.frame
     border.width: 1
+
+    onAllowedChanged: dismiss()
 
     Accessible.role: Accessible.ToolTip
     Accessible.name: root.text

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <utility>
 #include <vector>
 
 namespace brimwatch::views {
@@ -23,8 +24,8 @@ public:
 
     /// `role` is the name under which a view sees the entry; `make` makes one, which the list then
     /// owns.
-    EntryList(const QByteArray &role, Make make)
-        : m_role(role)
+    EntryList(QByteArray role, Make make)
+        : m_role(std::move(role))
         , m_make(std::move(make))
     {
     }

@@ -3,8 +3,6 @@
 #include <QLinearGradient>
 #include <QPainter>
 
-#include <cmath>
-
 namespace brimwatch::views {
 
 void GradientCircle::setStart(const QColor &color)
@@ -27,12 +25,9 @@ void GradientCircle::setEnd(const QColor &color)
 
 QImage GradientCircle::draw(qreal scale) const
 {
-    QImage image(static_cast<int>(std::ceil(width() * scale)),
-        static_cast<int>(std::ceil(height() * scale)), QImage::Format_ARGB32_Premultiplied);
+    QImage image = canvas(scale);
     if (image.isNull())
         return image;
-    image.setDevicePixelRatio(scale);
-    image.fill(Qt::transparent);
     const QRectF circle(0, 0, width(), height());
     QLinearGradient gradient(circle.topLeft(), circle.bottomRight());
     gradient.setColorAt(0, m_start);

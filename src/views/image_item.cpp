@@ -6,6 +6,7 @@
 #include <QSGImageNode>
 #include <QSGTexture>
 
+#include <cmath>
 #include <memory>
 
 namespace brimwatch::views {
@@ -18,6 +19,15 @@ ImageItem::ImageItem(QQuickItem *parent)
 
 ImageItem::~ImageItem() = default;
 
+QImage ImageItem::canvas(qreal scale) const
+{
+    QImage image(static_cast<int>(std::ceil(width() * scale)),
+        static_cast<int>(std::ceil(height() * scale)), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::transparent);
+    return image;
+}
+
 void ImageItem::redraw()
 {
     m_stale = true;
@@ -28,7 +38,7 @@ void ImageItem::componentComplete()
 {
     QQuickItem::componentComplete();
     m_theme = Theme::of(this);
-    if (!m_theme)
+    if (m_theme == nullptr)
         return;
     connect(m_theme, &Theme::changed, this, [this] { themeChanged(); });
     themeChanged();
@@ -50,11 +60,11 @@ void ImageItem::geometryChange(const QRectF &newGeometry, const QRectF &oldGeome
 
 QSGNode *ImageItem::updatePaintNode(QSGNode *node, UpdatePaintNodeData * /*data*/)
 {
-    if (node && !m_stale)
+    if (node != nullptr && !m_stale)
         return node;
     m_stale = false;
     delete node;
-    if (!m_theme || width() <= 0 || height() <= 0)
+    if (m_theme == nullptr || width() <= 0 || height() <= 0)
         return nullptr;
     const QImage image = draw(window()->effectiveDevicePixelRatio() * m_theme->textScale());
     if (image.isNull())

@@ -23,6 +23,8 @@ protected:
     /// The picture for this item's size, its device pixel ratio set to `scale`; null for none. It
     /// is shown from the top left corner at its own size.
     virtual QImage draw(qreal scale) const = 0;
+    /// A transparent picture of the item's size to draw on; null where it has none.
+    QImage canvas(qreal scale) const;
     /// The theme was found or looks different now.
     virtual void themeChanged() { redraw(); }
     void redraw();

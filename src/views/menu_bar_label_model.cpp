@@ -31,7 +31,7 @@ void MenuBarLabelModel::setQuotaService(service::QuotaService *service)
 
 QColor MenuBarLabelModel::iconColor() const
 {
-    return m_theme ? m_theme->color(m_composition.iconColor) : QColor();
+    return m_theme != nullptr ? m_theme->color(m_composition.iconColor) : QColor();
 }
 
 QVariantList MenuBarLabelModel::items() const
@@ -41,7 +41,7 @@ QVariantList MenuBarLabelModel::items() const
     for (const model::LabelViewItem &item : m_composition.items) {
         items.append(QVariant::fromValue(MenuBarLabelItem{.symbolName = item.symbolName,
             .text = item.text,
-            .color = m_theme ? m_theme->color(item.color) : QColor()}));
+            .color = m_theme != nullptr ? m_theme->color(item.color) : QColor()}));
     }
     return items;
 }
@@ -49,7 +49,7 @@ QVariantList MenuBarLabelModel::items() const
 void MenuBarLabelModel::componentComplete()
 {
     m_theme = Theme::of(this);
-    if (!m_theme)
+    if (m_theme == nullptr)
         return;
     connect(m_theme, &Theme::changed, this, &MenuBarLabelModel::changed);
     Q_EMIT changed();

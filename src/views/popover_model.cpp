@@ -94,8 +94,8 @@ void PopoverModel::catchUp()
 
 void PopoverModel::readGroups()
 {
-    m_sortedGroups = m_service.quotaSummary() ? m_service.quotaSummary()->sortedGroups()
-                                              : QList<model::QuotaGroup>{};
+    const auto &summary = m_service.quotaSummary();
+    m_sortedGroups = summary ? summary->sortedGroups() : QList<model::QuotaGroup>{};
     m_sortedGroups.resize(std::min(m_sortedGroups.size(), mostGroups));
     m_groups.update(m_sortedGroups.mid(0, m_groupsShown), m_service.currentTime());
     if (m_isShown && m_groupsShown < m_sortedGroups.size())
@@ -146,7 +146,7 @@ void PopoverModel::readRefreshing()
 void PopoverModel::readBody()
 {
     Body body = Body::Offline;
-    if (m_service.quotaSummary() && !m_service.quotaSummary()->groups.isEmpty())
+    if (const auto &summary = m_service.quotaSummary(); summary && !summary->groups.isEmpty())
         body = Body::Cards;
     else if (m_service.isRefreshing())
         body = Body::Loading;
@@ -205,13 +205,13 @@ void PopoverModel::openAntigravity()
         m_dependencies.opener.openUrl(page);
 }
 
-void PopoverModel::quit()
+void PopoverModel::quit() const
 {
     if (m_dependencies.terminate)
         m_dependencies.terminate();
 }
 
-void PopoverModel::close()
+void PopoverModel::close() const
 {
     if (m_dependencies.close)
         m_dependencies.close();

@@ -87,8 +87,8 @@ public:
     /// Opens the IDE; where none is installed, the daemon's own page. Without either nothing
     /// happens.
     Q_INVOKABLE void openAntigravity();
-    Q_INVOKABLE void quit();
-    Q_INVOKABLE void close();
+    Q_INVOKABLE void quit() const;
+    Q_INVOKABLE void close() const;
 
 Q_SIGNALS:
     void bodyChanged();

@@ -83,9 +83,10 @@ QuotaPopoverContent::~QuotaPopoverContent() = default;
 void QuotaPopoverContent::setShown(bool shown)
 {
     m_model.setShown(shown);
-    // A popup that grabs the keyboard is told of its keys, but not always that it has the focus.
+    // No control has the focus at first. And a popup that grabs the keyboard is told of its keys,
+    // but not always that it has the focus, so it takes it.
     if (shown)
-        m_window.contentItem()->setFocus(true, Qt::PopupFocusReason);
+        m_root->forceActiveFocus(Qt::PopupFocusReason);
 }
 
 void QuotaPopoverContent::followTheme()

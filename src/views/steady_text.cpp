@@ -42,8 +42,10 @@ qreal forEachPiece(const QFontMetricsF &metrics, const QString &text, Place plac
             ++begin;
             continue;
         }
-        const auto end = std::find_if(text.cbegin() + begin, text.cend(), isDigit);
-        const QString run = text.mid(begin, std::distance(text.cbegin() + begin, end));
+        qsizetype end = begin;
+        while (end < text.size() && !isDigit(text.at(end)))
+            ++end;
+        const QString run = text.mid(begin, end - begin);
         place(x, run);
         x += metrics.horizontalAdvance(run);
         begin += run.size();
@@ -122,13 +124,9 @@ qreal SteadyText::advance(const QFont &font, const QString &text)
 
 QImage SteadyText::draw(qreal scale) const
 {
-    const QSizeF pixels = QSizeF(width(), height()) * scale;
-    QImage image(static_cast<int>(std::ceil(pixels.width())),
-        static_cast<int>(std::ceil(pixels.height())), QImage::Format_ARGB32_Premultiplied);
+    QImage image = canvas(scale);
     if (image.isNull())
         return image;
-    image.setDevicePixelRatio(scale);
-    image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setFont(m_font);
     painter.setPen(m_color);
@@ -148,7 +146,7 @@ void SteadyText::themeChanged()
 
 void SteadyText::layOut()
 {
-    if (!theme())
+    if (theme() == nullptr)
         return;
     const QFontMetricsF metrics(m_font);
     setImplicitSize(

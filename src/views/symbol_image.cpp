@@ -75,7 +75,7 @@ void SymbolImage::themeChanged()
 
 void SymbolImage::resize()
 {
-    if (!theme())
+    if (theme() == nullptr)
         return;
     const QSizeF size = theme()->symbols().size(m_name, m_pointSize);
     setImplicitSize(size.width(), size.height());

@@ -59,7 +59,7 @@ void Theme::attachTo(QQmlEngine &engine)
 Theme *Theme::of(const QObject *object)
 {
     const QQmlEngine *engine = qmlEngine(object);
-    return engine ? engine->property(engineProperty).value<Theme *>() : nullptr;
+    return engine != nullptr ? engine->property(engineProperty).value<Theme *>() : nullptr;
 }
 
 Theme *Theme::create(QQmlEngine *engine, QJSEngine * /*scriptEngine*/)

@@ -88,6 +88,9 @@ private Q_SLOTS:
     void withoutIdeAndHttpPortNothingOpens();
     void aPortThatCannotBeOneOpensNothing();
     void tabGoesFromHeaderOverBodyToFooterAndShowsWhereItIs();
+    void aClickLeavesNoFocusRing();
+    void aPressThatIsReleasedElsewhereIsNoClick();
+    void aTooltipDoesNotWaitForThePopoverToComeBack();
     void returnAndSpacePressAButton();
     void everyControlCardAndRowHasRoleAndName();
     void accessibleNamesOfRowsChangeOnceAMinute();
@@ -558,12 +561,50 @@ void QuotaPopoverTest::tabGoesFromHeaderOverBodyToFooterAndShowsWhereItIs()
     fixture.show();
     const QStringList order{
         u"refreshButton"_s, u"groupList"_s, u"openButton"_s, u"quitButton"_s, u"refreshButton"_s};
+    QVERIFY(fixture.items(u"focusRing"_s).isEmpty());
     for (const QString &name : order) {
-        const QImage before = fixture.window().grabWindow();
         QTest::keyClick(&fixture.window(), Qt::Key_Tab);
         QCOMPARE(fixture.window().activeFocusItem(), fixture.item(name));
-        QVERIFY(fixture.window().grabWindow() != before);
+        const auto rings = fixture.items(u"focusRing"_s);
+        QCOMPARE(rings.size(), 1);
+        const auto *ring = rings.constFirst();
+        QVERIFY(ring->mapRectToScene(ring->boundingRect()).contains(fixture.middle(name)));
     }
+    fixture.hide();
+    fixture.show();
+    QVERIFY(fixture.items(u"focusRing"_s).isEmpty());
+}
+
+void QuotaPopoverTest::aClickLeavesNoFocusRing()
+{
+    PopoverFixture fixture;
+    fixture.answer(test::sampleSummary());
+    fixture.show();
+    QTest::mouseClick(&fixture.window(), Qt::LeftButton, {}, fixture.middle(u"quitButton"_s));
+    QVERIFY(fixture.items(u"focusRing"_s).isEmpty());
+}
+
+void QuotaPopoverTest::aPressThatIsReleasedElsewhereIsNoClick()
+{
+    PopoverFixture fixture;
+    fixture.answer(test::sampleSummary());
+    fixture.show();
+    QTest::mousePress(&fixture.window(), Qt::LeftButton, {}, fixture.middle(u"quitButton"_s));
+    QTest::mouseMove(&fixture.window(), QPoint(190, 200));
+    QTest::mouseRelease(&fixture.window(), Qt::LeftButton, {}, QPoint(190, 200));
+    QCOMPARE(fixture.terminated, 0);
+}
+
+void QuotaPopoverTest::aTooltipDoesNotWaitForThePopoverToComeBack()
+{
+    PopoverFixture fixture;
+    fixture.answer(test::sampleSummary());
+    fixture.show();
+    QTest::mouseMove(&fixture.window(), fixture.middle(u"refreshButton"_s));
+    QTRY_VERIFY(fixture.item(u"toolTip"_s));
+    fixture.hide();
+    fixture.show();
+    QVERIFY(!fixture.item(u"toolTip"_s));
 }
 
 void QuotaPopoverTest::returnAndSpacePressAButton()

@@ -123,7 +123,10 @@ item_place()
     fi
     # shellcheck disable=SC2086
     set -- $place
-    [ $# = 4 ] && [ "$3" -ge 8 ] && [ "$4" -ge 8 ] && echo "$place"
+    [ $# = 4 ] && [ "$3" -ge 8 ] && [ "$4" -ge 8 ] || return
+    # What is much wider than high on a panel of square icons is not ours alone.
+    [ "$kind" = wide ] || [ "$3" -le $((2 * $4)) ] || return
+    echo "$place"
 }
 
 # locate_item: remembers where it is. The pointer goes away first: a panel lights up what it is over.

@@ -104,9 +104,18 @@ session_start()
 
 panel_start() { spawn panel plasmashell --no-respawn; }
 
+# It takes items and shows windows well before it draws itself: the middle of its row is then still wallpaper.
+panel_is_drawn()
+{
+    local y=2
+    [ "${PANEL_POS:-3}" = 4 ] && y=$((${SIZE#*x} - 3))
+    [ "${PANEL_POS:-3}" -ge 5 ] ||
+        [ "$(inside import -silent -window root -crop "400x1+$((${SIZE%x*} / 2))+$y" +repage -format '%k %[fx:mean>0.8]' info:)" = "1 1" ]
+}
+
 panel_ready()
 {
-    sni_host_registered && [ -n "$(inside xdotool search --onlyvisible --class plasmashell)" ]
+    sni_host_registered && [ -n "$(inside xdotool search --onlyvisible --class plasmashell)" ] && panel_is_drawn
 }
 
 panel_main "$@"

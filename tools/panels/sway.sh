@@ -8,7 +8,7 @@ DISPLAY_KIND=none
 
 session_start()
 {
-    local config=$DIR/home/.config line clock=', "clock"' drop=()
+    local config=$DIR/home/.config line clock=', "clock"' preload=()
     [ "$CLOCK" = on ] || clock=
     mkdir -p "$config/sway" "$config/waybar"
     cat >"$config/sway/config" <<CONF
@@ -29,16 +29,9 @@ JSON
     env_set XDG_SESSION_TYPE wayland
     rm -f "$DIR/sway.vars"
     ENVV+=(WLR_BACKENDS=headless WLR_LIBINPUT_NO_DEVICES=1 WLR_RENDERER=pixman)
-    # sway refuses to run as root: a user namespace without root, or else the user nobody.
-    if [ "$(id -u)" = 0 ]; then
-        drop=(unshare --user --map-user=1000 --map-group=1000)
-        if ! "${drop[@]}" true 2>/dev/null; then
-            drop=(setpriv --reuid=nobody --regid=nogroup --clear-groups)
-            chown -R nobody:nogroup "$DIR/home" "$RUN"
-            chown nobody "$DIR"
-        fi
-    fi
-    spawn sway "${drop[@]}" sway -c "$config/sway/config"
+    # sway refuses to run as root.
+    [ "$(id -u)" != 0 ] || preload=("LD_PRELOAD=$HELPERS/stay-root")
+    spawn sway env "${preload[@]}" sway -c "$config/sway/config"
     wait_for 20 test -s "$DIR/sway.vars" || die "sway did not start, see $DIR/log/sway.log"
     while read -r line; do
         [ -z "${line#*=}" ] || env_set "${line%%=*}" "${line#*=}"

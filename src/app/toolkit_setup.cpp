@@ -70,12 +70,12 @@ bool displayIsThere()
 
 std::unique_ptr<QGuiApplication> makeApplication(int &argc, char **argv)
 {
-    // The popover must stand where we say, which only X11 lets it, Xwayland included.
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && qEnvironmentVariableIsSet("DISPLAY"))
-        qputenv("QT_QPA_PLATFORM", "xcb");
-    // A popover of this size is drawn faster and in far less memory without OpenGL.
-    if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND"))
-        qputenv("QT_QUICK_BACKEND", "software");
+    // The popover must stand where we say, which only X11 lets it, Xwayland included. Where
+    // Xwayland does not answer, the compositor's own way is better than none.
+    const bool usersChoice = qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+    if (!usersChoice && qEnvironmentVariableIsSet("DISPLAY"))
+        qputenv("QT_QPA_PLATFORM",
+            qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ? "xcb;wayland" : "xcb");
     QCoreApplication::setApplicationName(u"brimwatch"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(BRIMWATCH_VERSION));
     QGuiApplication::setApplicationDisplayName(u"Brimwatch"_s);
@@ -84,7 +84,11 @@ std::unique_ptr<QGuiApplication> makeApplication(int &argc, char **argv)
     // The toolkit chooses its theme plugin by these; on GNOME that is GTK, 10 MiB and 25 ms for
     // looks that we read ourselves. Programs that we start see them again.
     const Hidden hidden;
-    return std::make_unique<QGuiApplication>(argc, argv);
+    auto application = std::make_unique<QGuiApplication>(argc, argv);
+    // Nor is our choice that of the programs that we start.
+    if (!usersChoice)
+        qunsetenv("QT_QPA_PLATFORM");
+    return application;
 }
 
 } // namespace brimwatch::app

@@ -76,7 +76,7 @@ private:
 
     void closePopover()
     {
-        if (m_popover)
+        if (m_popover != nullptr)
             m_popover->performClose();
     }
 

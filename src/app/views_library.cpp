@@ -19,6 +19,7 @@ platform::PopoverContentFactory viewsFromLibrary(const views::PopoverDependencie
             : reinterpret_cast<decltype(&brimwatch_make_popover_content)>(
                   dlsym(library, "brimwatch_make_popover_content"));
         if (make == nullptr) {
+            // NOLINTNEXTLINE(concurrency-mt-unsafe): the C library keeps it for each thread.
             qCCritical(appLog, "The popover cannot be shown: %s", dlerror());
             return nullptr;
         }

@@ -20,18 +20,23 @@ template <typename T> struct Setting {
 namespace settings {
 
 inline constexpr Setting<double> refreshInterval{
-    "refreshInterval", 60.0}; ///< Seconds; applied with a floor of 10.
-inline constexpr Setting<bool> showPercentageInMenuBar{"showPercentageInMenuBar", true};
-inline constexpr Setting<bool> showFiveHourInMenuBar{"showFiveHourInMenuBar", true};
-inline constexpr Setting<bool> showWeeklyInMenuBar{"showWeeklyInMenuBar", true};
-inline constexpr Setting<bool> showIconInMenuBar{"showIconInMenuBar", true};
-inline constexpr Setting<bool> useColoredStatusIndicator{"useColoredStatusIndicator", true};
-inline constexpr Setting<bool> notifyOnLowQuota{"notifyOnLowQuota", true};
-inline constexpr Setting<double> lowQuotaThreshold{"lowQuotaThreshold", 20.0}; ///< Percent.
-inline constexpr Setting<bool> showGeminiInToolbar{"showGeminiInToolbar", true};
-inline constexpr Setting<bool> showArgonInToolbar{"showArgonInToolbar", false};
-inline constexpr Setting<bool> showClaudeInToolbar{"showClaudeInToolbar", false};
-inline constexpr Setting<const char *> toolbarLabelStyle{"toolbarLabelStyle", "letter"};
+    .key = "refreshInterval", .fallback = 60.0}; ///< Seconds; applied with a floor of 10.
+inline constexpr Setting<bool> showPercentageInMenuBar{
+    .key = "showPercentageInMenuBar", .fallback = true};
+inline constexpr Setting<bool> showFiveHourInMenuBar{
+    .key = "showFiveHourInMenuBar", .fallback = true};
+inline constexpr Setting<bool> showWeeklyInMenuBar{.key = "showWeeklyInMenuBar", .fallback = true};
+inline constexpr Setting<bool> showIconInMenuBar{.key = "showIconInMenuBar", .fallback = true};
+inline constexpr Setting<bool> useColoredStatusIndicator{
+    .key = "useColoredStatusIndicator", .fallback = true};
+inline constexpr Setting<bool> notifyOnLowQuota{.key = "notifyOnLowQuota", .fallback = true};
+inline constexpr Setting<double> lowQuotaThreshold{
+    .key = "lowQuotaThreshold", .fallback = 20.0}; ///< Percent.
+inline constexpr Setting<bool> showGeminiInToolbar{.key = "showGeminiInToolbar", .fallback = true};
+inline constexpr Setting<bool> showArgonInToolbar{.key = "showArgonInToolbar", .fallback = false};
+inline constexpr Setting<bool> showClaudeInToolbar{.key = "showClaudeInToolbar", .fallback = false};
+inline constexpr Setting<const char *> toolbarLabelStyle{
+    .key = "toolbarLabelStyle", .fallback = "letter"};
 
 } // namespace settings
 

@@ -16,10 +16,10 @@ void MenuBarLabelModel::setQuotaService(service::QuotaService *service)
 {
     if (m_service == service)
         return;
-    if (m_service)
+    if (m_service != nullptr)
         m_service->disconnect(this);
     m_service = service;
-    if (m_service) {
+    if (m_service != nullptr) {
         // The announcement comes before the change, so the new values are read a turn of the event
         // loop later.
         connect(m_service, &service::QuotaService::objectWillChange, this, &MenuBarLabelModel::read,
@@ -57,7 +57,7 @@ void MenuBarLabelModel::componentComplete()
 
 void MenuBarLabelModel::read()
 {
-    const model::LabelViewComposition composition = m_service
+    const model::LabelViewComposition composition = m_service != nullptr
         ? model::composeLabelView(m_service->labelInput())
         : model::LabelViewComposition{};
     if (m_composition == composition)

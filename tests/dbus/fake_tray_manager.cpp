@@ -31,7 +31,7 @@ FakeTrayManager::FakeTrayManager()
 FakeTrayManager::FakeTrayManager(Manners manners)
     : m_manners(std::move(manners))
 {
-    QObject::connect(&m_x, &platform::XConnection::event, &m_x,
+    QObject::connect(&m_x, &platform::XConnection::eventReceived, &m_x,
         [this](const xcb_generic_event_t *event) { handle(event); });
     xcb_connection_t *c = m_x.connection();
     const xcb_screen_t *screen = m_x.screen();

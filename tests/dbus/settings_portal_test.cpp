@@ -15,7 +15,7 @@ using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch::platform;
 using brimwatch::model::ColorToken;
 
-namespace {
+namespace accent {
 
 struct Accent {
     double red = 0;
@@ -36,10 +36,12 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, Accent &accent)
     argument.beginStructure();
     argument >> accent.red >> accent.green >> accent.blue;
     argument.endStructure();
+    // NOLINTNEXTLINE(bugprone-return-const-ref-from-parameter): the signature that Qt asks for
     return argument;
 }
 
-} // namespace
+} // namespace accent
+using accent::Accent;
 Q_DECLARE_METATYPE(Accent)
 
 namespace {
@@ -66,7 +68,7 @@ public:
     FakePortal(FakePortal &&) = delete;
     FakePortal &operator=(FakePortal &&) = delete;
 
-    QString introspect(const QString &) const override { return {}; }
+    QString introspect(const QString & /*path*/) const override { return {}; }
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override
     {
         if (message.member() != "ReadAll"_L1)

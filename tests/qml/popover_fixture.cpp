@@ -59,7 +59,7 @@ void PopoverFixture::show()
         qFatal("the popover does not show");
 }
 
-void PopoverFixture::hide()
+void PopoverFixture::hide() const
 {
     window().hide();
     content->setShown(false);
@@ -129,13 +129,14 @@ QList<QQuickItem *> PopoverFixture::items(const QString &name) const
 QString PopoverFixture::text(const QString &name) const
 {
     const QQuickItem *found = item(name);
-    return found ? found->property("text").toString() : QString();
+    return found != nullptr ? found->property("text").toString() : QString();
 }
 
 QPoint PopoverFixture::middle(const QString &name) const
 {
     const QQuickItem *found = item(name);
-    return found ? found->mapToScene(QRectF({}, found->size()).center()).toPoint() : QPoint();
+    return found != nullptr ? found->mapToScene(QRectF({}, found->size()).center()).toPoint()
+                            : QPoint();
 }
 
 } // namespace brimwatch::test

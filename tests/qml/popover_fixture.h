@@ -31,7 +31,7 @@ public:
     void load();
     /// Loads if need be, shows the window and waits for its first frame.
     void show();
-    void hide();
+    void hide() const;
     /// Lets the refresh run that is asked for, and answers it.
     void answer(const model::QuotaSummary &summary);
     void fail(const QString &message);

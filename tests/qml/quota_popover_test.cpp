@@ -25,9 +25,12 @@ struct Spoken {
 
 Spoken spoken(QQuickItem *item)
 {
-    const QAccessibleInterface *interface = item ? QAccessible::queryAccessibleInterface(item)
-                                                 : nullptr;
-    return interface ? Spoken{interface->role(), interface->text(QAccessible::Name)} : Spoken{};
+    const QAccessibleInterface *interface = item != nullptr
+        ? QAccessible::queryAccessibleInterface(item)
+        : nullptr;
+    return interface != nullptr
+        ? Spoken{.role = interface->role(), .name = interface->text(QAccessible::Name)}
+        : Spoken{};
 }
 
 double rotationOf(const PopoverFixture &fixture)

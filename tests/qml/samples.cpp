@@ -82,7 +82,7 @@ model::QuotaSummary manyGroups(int count)
         const QString name = u"Group %1"_s.arg(i);
         summary.groups.append({.displayName = name,
             .buckets = {sampleBucket(name, u"Bucket of group %1"_s.arg(i), u"5h"_s,
-                static_cast<double>(i % 11) / 10, i * 7 * minute)}});
+                static_cast<double>(i % 11) / 10, 7LL * i * minute)}});
     }
     return summary;
 }

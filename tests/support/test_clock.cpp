@@ -1,6 +1,7 @@
 #include "support/test_clock.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace brimwatch::test {
 
@@ -37,8 +38,8 @@ private:
     QDateTime m_next;
 };
 
-TestClock::TestClock(const QDateTime &now)
-    : m_now(now)
+TestClock::TestClock(QDateTime now)
+    : m_now(std::move(now))
 {
 }
 

@@ -14,7 +14,7 @@ namespace brimwatch::test {
 /// times.
 class TestClock final : public Clock {
 public:
-    explicit TestClock(const QDateTime &now);
+    explicit TestClock(QDateTime now);
     ~TestClock() override;
 
     QDateTime now() const override { return m_now; }

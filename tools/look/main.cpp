@@ -30,42 +30,52 @@ QList<Scenario> scenarios()
           u"come, "
           "and three further attempts with the other daemons that announce themselves failed too."_s;
     return {
-        {u"normal"_s, [](PopoverFixture &f) { f.answer(test::sampleSummary()); }},
-        {u"normal-end"_s,
-            [](PopoverFixture &f) {
-                f.answer(test::sampleSummary());
-                QTest::keyClick(&f.window(), Qt::Key_End);
-            }},
-        {u"later"_s,
-            [](PopoverFixture &f) {
-                f.answer(test::sampleSummary());
-                f.clock.advance(std::chrono::seconds(42));
-            }},
-        {u"loading"_s, [](PopoverFixture &f) { f.awaitRefresh(); }},
-        {u"offline"_s, [](PopoverFixture &f) { f.fail(u"Could not connect to the server."_s); }},
-        {u"offline-long"_s, [longError](PopoverFixture &f) { f.fail(longError); }},
-        {u"error-beside-data"_s,
-            [](PopoverFixture &f) {
-                f.answer(test::sampleSummary());
-                f.clock.advance(std::chrono::minutes(5));
-                f.fail(u"Could not connect to the server."_s);
-                QTest::keyClick(&f.window(), Qt::Key_End);
-            }},
-        {u"zero-groups"_s, [](PopoverFixture &f) { f.answer(model::QuotaSummary{}); }},
-        {u"fifty-groups"_s,
-            [](PopoverFixture &f) {
-                f.answer(test::manyGroups(50));
-                f.awaitCards(50);
-                QTest::keyClick(&f.window(), Qt::Key_PageDown);
-            }},
-        {u"long-names"_s, [](PopoverFixture &f) { f.answer(test::longNames()); }},
-        {u"odd-names"_s, [](PopoverFixture &f) { f.answer(test::oddNames()); }},
-        {u"low"_s, [](PopoverFixture &f) { f.answer(test::lowSummary()); }},
-        {u"focus"_s,
-            [](PopoverFixture &f) {
-                f.answer(test::sampleSummary());
-                QTest::keyClick(&f.window(), Qt::Key_Tab);
-            }},
+        {.name = u"normal"_s,
+            .prepare = [](PopoverFixture &f) { f.answer(test::sampleSummary()); }},
+        {.name = u"normal-end"_s,
+            .prepare =
+                [](PopoverFixture &f) {
+                    f.answer(test::sampleSummary());
+                    QTest::keyClick(&f.window(), Qt::Key_End);
+                }},
+        {.name = u"later"_s,
+            .prepare =
+                [](PopoverFixture &f) {
+                    f.answer(test::sampleSummary());
+                    f.clock.advance(std::chrono::seconds(42));
+                }},
+        {.name = u"loading"_s, .prepare = [](PopoverFixture &f) { f.awaitRefresh(); }},
+        {.name = u"offline"_s,
+            .prepare = [](PopoverFixture &f) { f.fail(u"Could not connect to the server."_s); }},
+        {.name = u"offline-long"_s,
+            .prepare = [longError](PopoverFixture &f) { f.fail(longError); }},
+        {.name = u"error-beside-data"_s,
+            .prepare =
+                [](PopoverFixture &f) {
+                    f.answer(test::sampleSummary());
+                    f.clock.advance(std::chrono::minutes(5));
+                    f.fail(u"Could not connect to the server."_s);
+                    QTest::keyClick(&f.window(), Qt::Key_End);
+                }},
+        {.name = u"zero-groups"_s,
+            .prepare = [](PopoverFixture &f) { f.answer(model::QuotaSummary{}); }},
+        {.name = u"fifty-groups"_s,
+            .prepare =
+                [](PopoverFixture &f) {
+                    f.answer(test::manyGroups(50));
+                    f.awaitCards(50);
+                    QTest::keyClick(&f.window(), Qt::Key_PageDown);
+                }},
+        {.name = u"long-names"_s,
+            .prepare = [](PopoverFixture &f) { f.answer(test::longNames()); }},
+        {.name = u"odd-names"_s, .prepare = [](PopoverFixture &f) { f.answer(test::oddNames()); }},
+        {.name = u"low"_s, .prepare = [](PopoverFixture &f) { f.answer(test::lowSummary()); }},
+        {.name = u"focus"_s,
+            .prepare =
+                [](PopoverFixture &f) {
+                    f.answer(test::sampleSummary());
+                    QTest::keyClick(&f.window(), Qt::Key_Tab);
+                }},
     };
 }
 

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace brimwatch::platform {
 
@@ -27,7 +28,7 @@ const auto portalInterface = u"org.freedesktop.portal.Settings"_s;
 const auto appearanceSpace = u"org.freedesktop.appearance"_s;
 const auto gnomeSpace = u"org.gnome.desktop.interface"_s;
 
-constexpr qint64 largestKdeFile = 1024 * 1024;
+constexpr qint64 largestKdeFile = 1024LL * 1024;
 
 /// "239,240,241" or "#eff0f1".
 std::optional<Rgba> kdeColor(const QString &text)
@@ -37,8 +38,10 @@ std::optional<Rgba> kdeColor(const QString &text)
         bool ok = false;
         const uint value = text.mid(1).toUInt(&ok, 16);
         if (ok)
-            return Rgba{((value >> 16) & 0xff) / full, ((value >> 8) & 0xff) / full,
-                (value & 0xff) / full, 1};
+            return Rgba{.red = ((value >> 16) & 0xff) / full,
+                .green = ((value >> 8) & 0xff) / full,
+                .blue = (value & 0xff) / full,
+                .alpha = 1};
         return {};
     }
     const auto parts = text.split(u',');
@@ -51,7 +54,7 @@ std::optional<Rgba> kdeColor(const QString &text)
         if (!ok || components[i] < 0 || components[i] > 1)
             return {};
     }
-    return Rgba{components[0], components[1], components[2], 1};
+    return Rgba{.red = components[0], .green = components[1], .blue = components[2], .alpha = 1};
 }
 
 /// As bright as the eye sees it, 0 to 1.
@@ -67,10 +70,13 @@ std::optional<Rgba> accentOf(const QVariantList &components)
         return {};
     for (const QVariant &component : components) {
         const double value = component.toDouble();
-        if (!(value >= 0 && value <= 1))
+        if (std::isnan(value) || value < 0 || value > 1)
             return {};
     }
-    return Rgba{components[0].toDouble(), components[1].toDouble(), components[2].toDouble(), 1};
+    return Rgba{.red = components[0].toDouble(),
+        .green = components[1].toDouble(),
+        .blue = components[2].toDouble(),
+        .alpha = 1};
 }
 
 /// A value out of its variants. A structure of three numbers becomes a list: a QDBusArgument can be
@@ -114,10 +120,10 @@ QString familyOfFontDescription(const QString &description)
     return words.join(u' ');
 }
 
-DesktopAppearance::DesktopAppearance(const QDBusConnection &bus, const XSettings *xSettings,
-    const QString &configHome, QObject *parent)
+DesktopAppearance::DesktopAppearance(
+    QDBusConnection bus, const XSettings *xSettings, const QString &configHome, QObject *parent)
     : Appearance(parent)
-    , m_bus(bus)
+    , m_bus(std::move(bus))
     , m_xSettings(xSettings)
     , m_kdeFile(configHome + "/kdeglobals"_L1)
 {

@@ -24,8 +24,8 @@ class DesktopAppearance final : public Appearance {
 public:
     /// `xSettings` may be null where there is no X server, and outlives this. `configHome` is where
     /// kdeglobals stands.
-    DesktopAppearance(const QDBusConnection &bus, const XSettings *xSettings,
-        const QString &configHome, QObject *parent = nullptr);
+    DesktopAppearance(QDBusConnection bus, const XSettings *xSettings, const QString &configHome,
+        QObject *parent = nullptr);
     ~DesktopAppearance() override;
 
     bool isDark() const override { return m_look.dark; }

@@ -26,7 +26,7 @@ constexpr std::array fixedPaths{
     "/Applications/Google Antigravity.app",
 };
 
-constexpr qint64 largestEntry = 256 * 1024;
+constexpr qint64 largestEntry = 256LL * 1024;
 
 /// The keys of the [Desktop Entry] group; empty when the file is no readable desktop entry.
 QHash<QString, QString> keysOf(const QString &path)

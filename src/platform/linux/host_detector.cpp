@@ -83,7 +83,7 @@ HostDetector::~HostDetector() = default;
 void HostDetector::start()
 {
     if (m_x.isValid()) {
-        connect(&m_x, &XConnection::event, this, &HostDetector::handle);
+        connect(&m_x, &XConnection::eventReceived, this, &HostDetector::handle);
         connect(&m_x, &XConnection::closed, this, &HostDetector::findTrayManager);
         const QByteArray selection = "_NET_SYSTEM_TRAY_S" + QByteArray::number(m_x.screenNumber());
         m_x.prefetchAtoms({selection.constData(), "MANAGER", "_NET_WM_PID"});

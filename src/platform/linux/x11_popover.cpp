@@ -44,7 +44,7 @@ X11Popover::X11Popover(PopoverContentFactory factory, QObject *parent)
 
 X11Popover::~X11Popover()
 {
-    if (m_window)
+    if (m_window != nullptr)
         m_window->removeEventFilter(this);
 }
 
@@ -73,13 +73,13 @@ void X11Popover::makeKey()
 
 void X11Popover::performClose()
 {
-    if (m_window)
+    if (m_window != nullptr)
         m_window->hide();
 }
 
 bool X11Popover::load()
 {
-    if (m_window)
+    if (m_window != nullptr)
         return true;
     m_content = m_factory();
     if (!m_content)
@@ -118,7 +118,7 @@ void X11Popover::place(const ItemAnchor &anchor)
 
 void X11Popover::grab()
 {
-    if (!m_shown || !m_window) {
+    if (!m_shown || m_window == nullptr) {
         m_grabTimer.stop();
         return;
     }
@@ -143,8 +143,8 @@ bool X11Popover::eventFilter(QObject *watched, QEvent *event)
         return Popover::eventFilter(watched, event);
     switch (event->type()) {
     case QEvent::MouseButtonPress: {
-        const auto *press = static_cast<QMouseEvent *>(
-            event); // NOLINT(cppcoreguidelines-pro-type-static-cast-downcast): told by type()
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-static-cast-downcast): told by type()
+        const auto *press = static_cast<QMouseEvent *>(event);
         if (!QRectF(QPointF(), m_window->size()).contains(press->position())) {
             performClose();
             return true;

@@ -155,7 +155,7 @@ void XConnection::readEvents()
         }
         if (!next)
             break;
-        Q_EMIT event(next.get());
+        Q_EMIT eventReceived(next.get());
     }
     // A receiver may have run an event loop of its own, in which the connection was found closed.
     if (!m_closed && xcb_connection_has_error(connection()) != 0) {

@@ -58,7 +58,7 @@ public:
 
 Q_SIGNALS:
     /// Each event and error, in order. The receiver does not keep the pointer.
-    void event(const xcb_generic_event_t *event);
+    void eventReceived(const xcb_generic_event_t *event);
     void closed();
 
 private:

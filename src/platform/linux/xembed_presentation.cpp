@@ -100,7 +100,7 @@ XembedPresentation::XembedPresentation(XConnection &x, xcb_window_t manager,
     m_settle.setSingleShot(true);
     m_settle.setInterval(settleMilliseconds);
     connect(&m_settle, &QTimer::timeout, this, &XembedPresentation::fitSlot);
-    connect(&m_x, &XConnection::event, this, &XembedPresentation::handle);
+    connect(&m_x, &XConnection::eventReceived, this, &XembedPresentation::handle);
     connect(&m_x, &XConnection::closed, this, &XembedPresentation::lose);
     connect(&m_appearance, &Appearance::changed, this, [this] {
         if (m_window == XCB_WINDOW_NONE)

@@ -106,7 +106,7 @@ XSettings::XSettings(XConnection &connection, QObject *parent)
 {
     if (!m_connection.isValid())
         return;
-    connect(&m_connection, &XConnection::event, this, &XSettings::handle);
+    connect(&m_connection, &XConnection::eventReceived, this, &XSettings::handle);
     m_selection = m_connection.atom(
         QByteArray("_XSETTINGS_S" + QByteArray::number(m_connection.screenNumber())).constData());
     // New managers announce themselves to the root window.

@@ -3,7 +3,7 @@
 # there are cores.
 #
 # The checks are run by clangd, which looks at one file's own lines; clang-tidy itself looks through every
-# header of Qt for each file too, at eight times the cost. The static analyzer, which clangd leaves out,
+# header of Qt for each file too, at several times the cost. The static analyzer, which clangd leaves out,
 # goes over the sources of the program and its tools after that.
 #
 # A file without findings leaves a stamp in build/tidy under a hash of all that its answer depends on: its

@@ -9,8 +9,9 @@
  * Those rows must also hold something. Prints `first MS` and `later MS` lines. The popover is closed
  * with a press of Escape each time.
  *
- * Requests: reads lines that begin with `request` from standard input (the sample daemon's log) and
- * prints `label MS` from each to the first change of the screen inside the item. */
+ * Requests: reads lines `request ... at MS` from standard input (the sample daemon's log, whose time
+ * is the monotonic clock's) and prints `label MS` from each to the first change of the screen inside
+ * the item that follows it. */
 #include <errno.h>
 #include <poll.h>
 #include <stdint.h>
@@ -277,28 +278,30 @@ static uint8_t escape_key(void)
 static void time_labels(const struct place *item, long times)
 {
     char line[512];
-    double asked = -1;
+    double asked = -1, drawn = -1;
     /* Unbuffered, so that poll() sees every line that waits. */
     setvbuf(stdin, NULL, _IONBF, 0);
     while (times > 0) {
         struct pollfd fds[2] = {{xcb_get_file_descriptor(x), POLLIN, 0}, {0, POLLIN, 0}};
-        const int came = changed(now(), item);
-        if (came && asked >= 0 && now() - asked < 2000) {
-            printf("label %.3f\n", now() - asked);
-            fflush(stdout);
-            times--;
-        }
-        if (came)
+        if (changed(now(), item))
+            drawn = now();
+        /* The line of a request may come after the label that it led to. */
+        if (asked >= 0 && drawn >= asked) {
+            if (drawn - asked < 2000) {
+                printf("label %.3f\n", drawn - asked);
+                fflush(stdout);
+                times--;
+            }
             asked = -1;
+        }
         if (poll(fds, 2, -1) < 0 && errno != EINTR)
             fail("cannot wait for requests");
         if (fds[1].revents) {
             if (!fgets(line, sizeof line, stdin))
                 return;
-            if (strncmp(line, "request", 7) == 0) {
-                changed(now(), item);
-                asked = now();
-            }
+            const char *at = strstr(line, " at ");
+            if (strncmp(line, "request", 7) == 0 && at)
+                asked = strtod(at + 4, NULL);
         }
     }
 }

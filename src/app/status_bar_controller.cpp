@@ -14,6 +14,9 @@ StatusBarController::StatusBarController(Dependencies dependencies)
 {
     connect(
         m_popover.get(), &platform::Popover::didClose, this, &StatusBarController::popoverDidClose);
+    // Between a press and its release most of the loading can be done.
+    connect(m_statusItem.get(), &platform::StatusItem::pressed, m_popover.get(),
+        &platform::Popover::prepare);
     connect(m_statusItem.get(), &platform::StatusItem::clicked, this,
         &StatusBarController::statusItemClicked);
     connect(m_statusItem.get(), &platform::StatusItem::refreshRequested, &m_quotaService,
@@ -60,13 +63,20 @@ void StatusBarController::popoverDidClose()
 
 void StatusBarController::setupSubscribers()
 {
-    // The signal comes before the value is stored; a turn of the event loop later it is.
-    connect(&m_quotaService, &service::QuotaService::objectWillChange, this,
-        &StatusBarController::updateStatusItem, Qt::QueuedConnection);
+    connect(&m_quotaService, &service::QuotaService::objectWillChange, this, [this] {
+        if (m_updatePending || m_quotaService.revision() == m_drawnRevision)
+            return;
+        m_updatePending = true;
+        // The signal comes before the value is stored; a turn of the event loop later it is.
+        QMetaObject::invokeMethod(
+            this, &StatusBarController::updateStatusItem, Qt::QueuedConnection);
+    });
 }
 
 void StatusBarController::updateStatusItem()
 {
+    m_updatePending = false;
+    m_drawnRevision = m_quotaService.revision();
     if (!m_statusItem->hasButton())
         return;
     m_label = model::composeLabel(m_quotaService.labelInput(), m_label, m_symbolExists);

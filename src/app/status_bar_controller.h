@@ -58,6 +58,8 @@ private:
     std::unique_ptr<platform::Popover> m_popover;
     model::SymbolExists m_symbolExists;
     model::LabelComposition m_label;
+    bool m_updatePending = false;
+    quint64 m_drawnRevision = 0; ///< Of the service, when the label was composed last.
     std::optional<QDateTime> m_popoverCloseTime; ///< Absent: in the distant past.
 };
 

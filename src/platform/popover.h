@@ -19,8 +19,10 @@ public:
     ~Popover() override;
 
     virtual bool isShown() const = 0;
-    /// Shows it beside the item, below it where there is room. The content is loaded with the first
-    /// call.
+    /// Loads the content, if it is not loaded yet: a show() is about to follow.
+    virtual void prepare() = 0;
+    /// Shows it beside the item, below it where there is room; loads the content first if nothing
+    /// has.
     virtual void show(const ItemAnchor &anchor) = 0;
     /// Gives it the keyboard, without making the program the active one.
     virtual void makeKey() = 0;

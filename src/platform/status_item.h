@@ -43,6 +43,8 @@ public:
     virtual void setDescription(const ItemDescription &description) = 0;
 
 Q_SIGNALS:
+    /// The left or right button went down on the item: a click is likely. Only on panels that tell.
+    void pressed();
     /// A left or right click, once per click, when the button is let go.
     void clicked(const brimwatch::platform::ItemAnchor &anchor);
     /// Chosen from the item's menu, on panels that keep the right click for one.

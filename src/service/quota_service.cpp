@@ -55,6 +55,8 @@ template <typename T> void QuotaService::change(T QuotaService::*member, T value
 {
     if (this->*member == value)
         return;
+    if (changed != &QuotaService::currentTimeChanged)
+        ++m_revision;
     Q_EMIT objectWillChange();
     this->*member = std::move(value);
     Q_EMIT(this->*changed)();
@@ -65,6 +67,7 @@ void QuotaService::changeSetting(const Setting<T> &setting, const Value &value, 
 {
     if (m_settings.value(setting) == value)
         return;
+    ++m_revision;
     Q_EMIT objectWillChange();
     m_settings.setValue(setting, value);
     Q_EMIT(this->*changed)();

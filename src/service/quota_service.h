@@ -120,6 +120,10 @@ public:
     QString toolbarLabelStyle() const;
     void setToolbarLabelStyle(const QString &rawValue);
 
+    /// Counts the changes of all that is stored here but the time: while it stays, so does all that
+    /// is derived below.
+    quint64 revision() const { return m_revision; }
+
     // Derived anew on each read.
     QList<model::ToolbarStatItem> toolbarStatItems() const;
     std::optional<model::QuotaBucket> lowestSelectedBucket() const;
@@ -176,6 +180,7 @@ private:
     bool m_isRefreshing = false;
     std::optional<QString> m_errorMessage;
     QDateTime m_currentTime;
+    quint64 m_revision = 0;
 
     // Destroyed in this order's reverse: the refresh timer ends first.
     std::unique_ptr<RepeatingTimer> m_secondTickTimer;

@@ -112,6 +112,7 @@ private:
     std::unique_ptr<FakeTrayManager> m_manager;
     std::unique_ptr<XembedPresentation> m_item;
     std::unique_ptr<QSignalSpy> m_registered;
+    std::unique_ptr<QSignalSpy> m_pressed;
     std::unique_ptr<QSignalSpy> m_clicked;
     std::unique_ptr<QSignalSpy> m_lost;
 };
@@ -127,6 +128,7 @@ void XembedPresentationTest::cleanup()
 {
     m_registered.reset();
     m_clicked.reset();
+    m_pressed.reset();
     m_lost.reset();
     m_item.reset();
     m_manager.reset();
@@ -139,6 +141,7 @@ void XembedPresentationTest::dock(const FakeTrayManager::Manners &manners)
     m_item
         = std::make_unique<XembedPresentation>(*m_x, m_manager->window(), m_painter, m_appearance);
     m_registered = std::make_unique<QSignalSpy>(m_item.get(), &Presentation::registered);
+    m_pressed = std::make_unique<QSignalSpy>(m_item.get(), &Presentation::pressed);
     m_clicked = std::make_unique<QSignalSpy>(m_item.get(), &Presentation::clicked);
     m_lost = std::make_unique<QSignalSpy>(m_item.get(), &Presentation::lost);
     m_item->present(sampleItem());
@@ -336,6 +339,8 @@ void XembedPresentationTest::leftAndRightClicksCountWhenTheButtonIsLetGo()
     m_pointer.moveTo(place);
     for (const int button : {left, right}) {
         m_pointer.press(button);
+        QTRY_COMPARE(m_pressed->count(), 1);
+        m_pressed->clear();
         settle();
         QCOMPARE(m_clicked->count(), 0);
         m_pointer.release(button);
@@ -356,6 +361,7 @@ void XembedPresentationTest::theMiddleButtonAndTheWheelDoNothing()
     m_pointer.click(middle);
     m_pointer.click(wheelUp);
     settle();
+    QCOMPARE(m_pressed->count(), 0);
     QCOMPARE(m_clicked->count(), 0);
     m_pointer.click(left);
     QTRY_COMPARE(m_clicked->count(), 1);

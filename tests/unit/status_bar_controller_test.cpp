@@ -32,6 +32,7 @@ public:
 class FakePopover final : public platform::Popover {
 public:
     bool isShown() const override { return shown; }
+    void prepare() override { calls.append(u"prepare"_s); }
     void show(const platform::ItemAnchor &anchor) override
     {
         shown = true;
@@ -131,14 +132,39 @@ private Q_SLOTS:
         QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 80% · W: 55%"_s);
     }
 
-    void everyAnnouncedChangeRebuildsOnce()
+    void theChangesOfOneTurnRebuildOnce()
+    {
+        QTRY_VERIFY(m_fetching->isWaiting());
+        m_fetching->answer(
+            service::FetchedQuota{.summary = summaryWith(0.8, 0.55), .daemon = {.httpPort = 1}});
+        QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 80% · W: 55%"_s);
+        const auto before = m_item->labels.size();
+        m_service->setShowIconInMenuBar(false);
+        m_service->setShowWeeklyInMenuBar(false);
+        QCOMPARE(m_item->labels.size(), before); // Not before the values are stored.
+        QTRY_COMPARE(m_item->labels.size(), before + 1);
+        QCoreApplication::processEvents();
+        QCOMPARE(m_item->labels.size(), before + 1);
+        QCOMPARE(m_item->labels.last().plainTitle(), u"G: 80%"_s);
+    }
+
+    void theTimeRebuildsNothing()
     {
         QTRY_VERIFY(m_fetching->isWaiting());
         QCoreApplication::processEvents();
         const auto before = m_item->labels.size();
-        m_clock->advance(1s);
-        QCOMPARE(m_item->labels.size(), before); // Not before the value is stored.
-        QTRY_COMPARE(m_item->labels.size(), before + 1);
+        const QDateTime earlier = m_service->currentTime();
+        m_clock->advance(5s);
+        QCOMPARE(m_service->currentTime(), earlier.addSecs(5));
+        QCoreApplication::processEvents();
+        QCOMPARE(m_item->labels.size(), before);
+    }
+
+    void aPressMakesThePopoverReady()
+    {
+        Q_EMIT m_item->pressed();
+        QCOMPARE(m_popover->calls, (QStringList{u"prepare"_s}));
+        QVERIFY(!m_popover->shown);
     }
 
     void aSettingRebuildsTheLabel()

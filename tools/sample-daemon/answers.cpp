@@ -9,6 +9,8 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <chrono>
+#include <iomanip>
 #include <iostream>
 
 namespace brimwatch::sample {
@@ -109,8 +111,11 @@ void Answers::remember(const QHttpServerRequest &request)
         {u"body"_s, QString::fromUtf8(request.body())},
     };
     if (m_options.log) {
+        const std::chrono::duration<double, std::milli> time
+            = std::chrono::steady_clock::now().time_since_epoch();
         std::cout << "request " << m_requests << ' ' << method.toStdString() << ' '
-                  << path.toStdString() << '\n'
+                  << path.toStdString() << " at " << std::fixed << std::setprecision(3)
+                  << time.count() << '\n'
                   << std::flush;
     }
 }

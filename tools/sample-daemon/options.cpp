@@ -107,7 +107,8 @@ struct CommandLine {
         u"Milliseconds between two bytes of what dribbles (default 1000)."_s, u"MS"_s};
     QCommandLineOption leave{
         u"leave"_s, u"Leave the discovery file behind, as a daemon does that dies."_s};
-    QCommandLineOption log{u"log"_s, u"Print \"request N METHOD PATH\" for each request."_s};
+    QCommandLineOption log{u"log"_s,
+        u"Print \"request N METHOD PATH at MS\" for each request, by the monotonic clock."_s};
     QCommandLineOption endWithStdin{u"end-with-stdin"_s,
         u"End when standard input does, so that the daemon does not outlive who started it."_s};
 };

@@ -99,6 +99,7 @@ void PanelStatusItem::stand()
         m_standing.start();
         Q_EMIT registered();
     });
+    connect(m_presentation.get(), &Presentation::pressed, this, &PanelStatusItem::pressed);
     connect(m_presentation.get(), &Presentation::clicked, this, &PanelStatusItem::clicked);
     connect(m_presentation.get(), &Presentation::refreshRequested, this,
         &PanelStatusItem::refreshRequested);

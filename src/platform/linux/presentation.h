@@ -30,6 +30,7 @@ public:
 Q_SIGNALS:
     /// The panel has taken the item.
     void registered();
+    void pressed();
     void clicked(const brimwatch::platform::ItemAnchor &anchor);
     void refreshRequested();
     void quitRequested();

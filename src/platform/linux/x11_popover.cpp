@@ -53,6 +53,11 @@ bool X11Popover::isShown() const
     return m_shown;
 }
 
+void X11Popover::prepare()
+{
+    load();
+}
+
 void X11Popover::show(const ItemAnchor &anchor)
 {
     if (m_shown || !load())

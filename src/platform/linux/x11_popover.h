@@ -28,6 +28,7 @@ public:
     ~X11Popover() override;
 
     bool isShown() const override;
+    void prepare() override;
     void show(const ItemAnchor &anchor) override;
     void makeKey() override;
     void performClose() override;

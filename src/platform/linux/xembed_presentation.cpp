@@ -274,8 +274,10 @@ void XembedPresentation::handle(const xcb_generic_event_t *event)
         if (press->event != m_window)
             break;
         m_hover->pressed();
-        if (isClick(press->detail))
+        if (isClick(press->detail)) {
             m_pressed = press->detail;
+            Q_EMIT pressed();
+        }
         break;
     }
     case XCB_BUTTON_RELEASE: {

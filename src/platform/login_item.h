@@ -1,0 +1,37 @@
+#pragma once
+
+#include "core/result.h"
+
+#include <QString>
+
+namespace brimwatch::platform {
+
+/// Whether the system starts this program at login. The system owns the answer, and the user may
+/// change it behind our back: it is asked each time and never kept.
+class LoginItem {
+public:
+    enum class Status {
+        notRegistered, ///< Nothing starts us.
+        enabled, ///< The next login starts us.
+        requiresApproval, ///< Registered, and switched off by the user in the system's settings.
+        notFound, ///< The system has no place where we could be registered.
+    };
+
+    LoginItem() = default;
+    virtual ~LoginItem() = default;
+    LoginItem(const LoginItem &) = delete;
+    LoginItem &operator=(const LoginItem &) = delete;
+    LoginItem(LoginItem &&) = delete;
+    LoginItem &operator=(LoginItem &&) = delete;
+
+    virtual Status status() const = 0;
+    /// Has the system start this program at each login. What may hold afterwards is for status() to
+    /// say: success does not mean that nobody's approval is missing. The error is a sentence.
+    virtual Result<void, QString> registerItem() = 0;
+    /// The opposite; not being registered is no error.
+    virtual Result<void, QString> unregisterItem() = 0;
+    /// Shows the user where the system keeps its list. Fails silently.
+    virtual void openSystemSettings() = 0;
+};
+
+} // namespace brimwatch::platform

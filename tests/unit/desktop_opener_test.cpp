@@ -20,30 +20,6 @@ private Q_SLOTS:
         QVERIFY(QDir(m_folder->path()).mkpath(u"system"_s));
     }
 
-    void execIsUnquotedAndLosesItsFieldCodes_data()
-    {
-        QTest::addColumn<QString>("exec");
-        QTest::addColumn<QStringList>("command");
-        QTest::newRow("plain") << u"ide"_s << QStringList{u"ide"_s};
-        QTest::newRow("arguments")
-            << u"ide --new-window"_s << QStringList{u"ide"_s, u"--new-window"_s};
-        QTest::newRow("field code") << u"ide %F --wait"_s << QStringList{u"ide"_s, u"--wait"_s};
-        QTest::newRow("percent") << u"ide 100%%"_s << QStringList{u"ide"_s, u"100%"_s};
-        QTest::newRow("quoted") << u"\"/opt/My IDE/ide\" \"a b\""_s
-                                << QStringList{u"/opt/My IDE/ide"_s, u"a b"_s};
-        QTest::newRow("escaped in quotes")
-            << u"ide \"a\\\"b\\\\c\\$d\""_s << QStringList{u"ide"_s, u"a\"b\\c$d"_s};
-        QTest::newRow("empty argument") << u"ide \"\""_s << QStringList{u"ide"_s, QString()};
-        QTest::newRow("broken quotes") << u"ide \"a"_s << QStringList();
-        QTest::newRow("nothing") << u"  "_s << QStringList();
-    }
-    void execIsUnquotedAndLosesItsFieldCodes()
-    {
-        QFETCH(QString, exec);
-        QFETCH(QStringList, command);
-        QCOMPARE(commandOfExec(exec), command);
-    }
-
     void theUsersOwnEntryComesBeforeTheSystems()
     {
         write(u"home/antigravity.desktop"_s, "Exec=true home\n");

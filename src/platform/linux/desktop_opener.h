@@ -20,10 +20,6 @@ struct DesktopEntry {
 /// or its program is missing.
 std::optional<DesktopEntry> readDesktopEntry(const QString &file);
 
-/// The program and arguments of an Exec key: quotes and backslashes undone as the Desktop Entry
-/// Specification says, field codes left out. Empty when the quoting is broken.
-QStringList commandOfExec(const QString &exec);
-
 /// Where desktop entries stand: XDG_DATA_HOME first, then XDG_DATA_DIRS.
 QStringList applicationDirectories();
 

@@ -4,6 +4,7 @@
 #include "app/views_library.h"
 #include "core/clock.h"
 #include "discovery/daemon_discovery_service.h"
+#include "platform/linux/autostart_login_item.h"
 #include "platform/linux/desktop_appearance.h"
 #include "platform/linux/desktop_opener.h"
 #include "platform/linux/label_painter.h"
@@ -13,6 +14,7 @@
 #include "platform/linux/x11_popover.h"
 #include "platform/linux/x_connection.h"
 #include "platform/linux/xsettings.h"
+#include "service/launch_at_login_service.h"
 #include "service/quota_fetch_client.h"
 #include "service/settings.h"
 
@@ -36,6 +38,12 @@ public:
         , m_xSettings(m_xConnection)
         , m_appearance(m_bus, m_xConnection.isValid() ? &m_xSettings : nullptr,
               QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation))
+        , m_loginItem({.configHome
+                          = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
+                          .program = QCoreApplication::applicationFilePath(),
+                          .currentDesktops = platform::currentDesktops()},
+              m_opener)
+        , m_launchAtLogin(m_loginItem)
         , m_labelPainter(m_symbols)
         , m_delegate(
               m_presence, [this] { return makeQuotaService(); },
@@ -48,8 +56,11 @@ public:
 private:
     std::unique_ptr<service::QuotaService> makeQuotaService()
     {
-        return std::make_unique<service::QuotaService>(service::QuotaService::Dependencies{
-            .clock = m_clock, .fetching = m_fetchClient, .settings = m_settings});
+        return std::make_unique<service::QuotaService>(
+            service::QuotaService::Dependencies{.clock = m_clock,
+                .fetching = m_fetchClient,
+                .settings = m_settings,
+                .launchAtLogin = &m_launchAtLogin});
     }
 
     std::unique_ptr<app::StatusBarController> makeController(service::QuotaService &quotaService)
@@ -89,6 +100,8 @@ private:
     platform::XSettings m_xSettings;
     platform::DesktopAppearance m_appearance;
     platform::DesktopOpener m_opener;
+    platform::AutostartLoginItem m_loginItem;
+    service::LaunchAtLoginService m_launchAtLogin;
     platform::SvgSymbols m_symbols;
     platform::LabelPainter m_labelPainter;
     platform::QtApplicationPresence m_presence;

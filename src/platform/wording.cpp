@@ -6,8 +6,10 @@ using namespace Qt::Literals::StringLiterals;
 
 const Wording &wording(DesktopFamily family)
 {
-    static const Wording macOS{.refreshToolTip = u"Refresh Quota (⌘R)"_s};
-    static const Wording linux_{.refreshToolTip = u"Refresh Quota (Ctrl+R)"_s};
+    static const Wording macOS{
+        .refreshToolTip = u"Refresh Quota (⌘R)"_s, .systemVersionLabel = u"macOS Version"_s};
+    static const Wording linux_{
+        .refreshToolTip = u"Refresh Quota (Ctrl+R)"_s, .systemVersionLabel = u"Linux Version"_s};
     return family == DesktopFamily::macOS ? macOS : linux_;
 }
 

@@ -19,6 +19,7 @@ constexpr DesktopFamily thisDesktopFamily()
 /// The few texts that name the desktop, in its own words.
 struct Wording {
     QString refreshToolTip; ///< "Refresh Quota (⌘R)"; Linux has Ctrl+R.
+    QString systemVersionLabel; ///< "macOS Version", of a line in the diagnostics.
 };
 
 const Wording &wording(DesktopFamily family = thisDesktopFamily());

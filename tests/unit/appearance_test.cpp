@@ -230,6 +230,8 @@ private Q_SLOTS:
     {
         QCOMPARE(wording(DesktopFamily::macOS).refreshToolTip, u"Refresh Quota (⌘R)"_s);
         QCOMPARE(wording(DesktopFamily::Linux).refreshToolTip, u"Refresh Quota (Ctrl+R)"_s);
+        QCOMPARE(wording(DesktopFamily::macOS).systemVersionLabel, u"macOS Version"_s);
+        QCOMPARE(wording(DesktopFamily::Linux).systemVersionLabel, u"Linux Version"_s);
     }
 
 private:

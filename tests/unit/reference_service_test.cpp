@@ -1,8 +1,10 @@
+#include "service/diagnostics.h"
 #include "service/quota_request.h"
 #include "support/json_cases.h"
 
 #include <QTest>
 #include <QUrl>
+#include <QUrlQuery>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch;
@@ -40,6 +42,28 @@ private Q_SLOTS:
                     + u"/exa.language_server_pb.LanguageServerService/RetrieveUserQuotaSummary"));
             QCOMPARE(url->port(), port);
         }
+    }
+
+    void aMailIsOpenedByItsAddress_data()
+    {
+        QTest::addColumn<QString>("body");
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<bool>("required");
+        for (const auto &one : test::referenceCases(u"mailto.json"_s)) {
+            const QString body = one["body"_L1].toString();
+            QTest::newRow(qPrintable(body))
+                << body << one["url"_L1].toString() << test::isRequired(one);
+        }
+    }
+    void aMailIsOpenedByItsAddress()
+    {
+        QFETCH(QString, body);
+        QFETCH(QString, address);
+        QFETCH(bool, required);
+        const QUrl url = service::mailUrl(u"support@brimwatch.example"_s, u"Brimwatch"_s, body);
+        if (required)
+            QCOMPARE(QString::fromLatin1(url.toEncoded()), address);
+        QCOMPARE(QUrlQuery(url).queryItemValue(u"body"_s, QUrl::FullyDecoded), body);
     }
 };
 

@@ -55,7 +55,8 @@ function(brimwatch_executable name)
 endfunction()
 
 # brimwatch_test(NAME SOURCES... LINKS... [DBUS] [LABELS...] [ENVIRONMENT...]): a Qt Test program known to ctest under
-# NAME. It sees no display and its own empty home; with DBUS it runs on a session bus of its own.
+# NAME. It sees no display and its own empty home; with DBUS it runs on a session bus of its own,
+# which starts only the services in that home.
 function(brimwatch_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "DBUS" "" "SOURCES;LINKS;LABELS;ENVIRONMENT")
     add_executable(${name} ${arg_SOURCES})
@@ -65,7 +66,9 @@ function(brimwatch_test name)
     set(home "${CMAKE_CURRENT_BINARY_DIR}/${name}.home")
     set(command "$<TARGET_FILE:${name}>")
     if(arg_DBUS)
-        set(command dbus-run-session -- ${command})
+        set(bus "${CMAKE_CURRENT_BINARY_DIR}/${name}.bus.conf")
+        configure_file("${PROJECT_SOURCE_DIR}/tests/support/session-bus.conf.in" "${bus}" @ONLY)
+        set(command dbus-run-session --config-file=${bus} -- ${command})
     endif()
     add_test(NAME ${name}
         COMMAND "${PROJECT_SOURCE_DIR}/tests/support/in-empty-home.sh" "${home}" ${command})

@@ -4,8 +4,10 @@
 #include "app/views_library.h"
 #include "core/clock.h"
 #include "discovery/daemon_discovery_service.h"
+#include "platform/linux/application_icon.h"
 #include "platform/linux/autostart_login_item.h"
 #include "platform/linux/desktop_appearance.h"
+#include "platform/linux/desktop_notifier.h"
 #include "platform/linux/desktop_opener.h"
 #include "platform/linux/label_painter.h"
 #include "platform/linux/panel_status_item.h"
@@ -15,6 +17,7 @@
 #include "platform/linux/x_connection.h"
 #include "platform/linux/xsettings.h"
 #include "service/launch_at_login_service.h"
+#include "service/low_quota_alerts.h"
 #include "service/quota_fetch_client.h"
 #include "service/settings.h"
 
@@ -24,8 +27,12 @@
 #include <QStandardPaths>
 
 using namespace brimwatch;
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
+
+// As large as servers show it, at twice the resolution.
+constexpr int notificationIconSide = 96;
 
 /// Everything that lives as long as the program, put together in the order in which one stands on
 /// the other.
@@ -45,6 +52,13 @@ public:
               m_opener)
         , m_launchAtLogin(m_loginItem)
         , m_labelPainter(m_symbols)
+        , m_notifier(m_bus,
+              {.name = u"Brimwatch"_s,
+                  .identifier = QStringLiteral(BRIMWATCH_IDENTIFIER),
+                  .icon
+                  = [this] { return platform::applicationIcon(m_symbols, notificationIconSide); }},
+              platform::DesktopNotifier::Patience())
+        , m_alerts(m_clock, m_settings, m_notifier)
         , m_delegate(
               m_presence, [this] { return makeQuotaService(); },
               [this](service::QuotaService &service) { return makeController(service); })
@@ -60,6 +74,7 @@ private:
             service::QuotaService::Dependencies{.clock = m_clock,
                 .fetching = m_fetchClient,
                 .settings = m_settings,
+                .alerts = &m_alerts,
                 .launchAtLogin = &m_launchAtLogin});
     }
 
@@ -82,6 +97,8 @@ private:
                 .symbolExists = [this](const QString &name) { return m_symbols.has(name); }});
         QObject::connect(controller.get(), &app::StatusBarController::quitRequested,
             controller.get(), [this] { m_presence.terminate(); });
+        QObject::connect(&m_notifier, &platform::Notifier::activated, controller.get(),
+            &app::StatusBarController::showPopover);
         return controller;
     }
 
@@ -104,6 +121,8 @@ private:
     service::LaunchAtLoginService m_launchAtLogin;
     platform::SvgSymbols m_symbols;
     platform::LabelPainter m_labelPainter;
+    platform::DesktopNotifier m_notifier;
+    service::LowQuotaAlerts m_alerts;
     platform::QtApplicationPresence m_presence;
     QPointer<platform::Popover> m_popover;
     app::AppDelegate m_delegate;

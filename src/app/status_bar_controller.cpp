@@ -56,6 +56,13 @@ void StatusBarController::togglePopover(const platform::ItemAnchor &sender)
     m_popover->makeKey();
 }
 
+void StatusBarController::showPopover()
+{
+    if (!m_popover->isShown())
+        m_popover->show({});
+    m_popover->makeKey();
+}
+
 void StatusBarController::popoverDidClose()
 {
     m_popoverCloseTime = m_clock.now();

@@ -42,6 +42,10 @@ public:
     /// Closes the popover when it is shown; else opens it, unless it closed just now.
     void togglePopover(const platform::ItemAnchor &sender);
 
+    /// Opens the popover without a click on the item, whose place is not known then; with or
+    /// without an item. One that is shown stays, and gets the keyboard.
+    void showPopover();
+
 Q_SIGNALS:
     /// Chosen from the item's menu.
     void quitRequested();

@@ -124,6 +124,39 @@ private Q_SLOTS:
         QVERIFY(m_item->labels.first().title.isEmpty());
     }
 
+    void thePopoverOpensWithoutAClickOnTheItem_data()
+    {
+        QTest::addColumn<bool>("hasItem");
+        QTest::newRow("with an item") << true;
+        QTest::newRow("without one") << false;
+    }
+
+    void thePopoverOpensWithoutAClickOnTheItem()
+    {
+        QFETCH(bool, hasItem);
+        m_item->button = hasItem;
+        m_controller->showPopover();
+        QCOMPARE(m_popover->calls, QStringList({u"show"_s, u"makeKey"_s}));
+        QVERIFY(!m_popover->anchors.constFirst().bounds);
+        QVERIFY(!m_popover->anchors.constFirst().pointer);
+    }
+
+    void aPopoverThatIsShownStaysWhenItIsToBeShown()
+    {
+        m_controller->showPopover();
+        m_controller->showPopover();
+        QCOMPARE(m_popover->calls, QStringList({u"show"_s, u"makeKey"_s, u"makeKey"_s}));
+        QVERIFY(m_popover->isShown());
+    }
+
+    void whatClosedThePopoverJustNowDoesNotKeepItFromBeingShown()
+    {
+        m_controller->showPopover();
+        m_popover->close();
+        m_controller->showPopover();
+        QVERIFY(m_popover->isShown());
+    }
+
     void aChangeRebuildsTheLabelFromTheStoredValue()
     {
         QTRY_VERIFY(m_fetching->isWaiting());

@@ -3,6 +3,8 @@
 set -eu
 # The keyboard of wtype lives only as long as the call: the compositor needs a moment to hand it on.
 if [ -n "${SWAYSOCK:-}" ]; then
-    exec wtype -s 300 -k "$1" -s 100
+    modifier=()
+    [[ $1 != *+* ]] || modifier=("${1%+*}")
+    exec wtype -s 300 ${modifier:+-M "${modifier[@]}"} -k "${1##*+}" ${modifier:+-m "${modifier[@]}"} -s 100
 fi
 exec xdotool key "$1"

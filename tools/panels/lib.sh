@@ -8,7 +8,7 @@
 #   PANEL.sh env [DIR]                  print the lines again
 #   PANEL.sh run [DIR] -- COMMAND...    start, run COMMAND inside, stop; the command's status
 #
-# A panel script sets NAME, [SERVICES], [DISPLAY_KIND=x11|none], [SIZE], [READY_S], and defines
+# A panel script sets NAME, [SERVICES], [DISPLAY_KIND=x11|none], [SIZE], [READY_S], [PURPOSE] (its packages), and defines
 #   session_start   window manager and the like
 #   panel_start     the panel: `spawn panel COMMAND...`
 #   panel_ready     whether a tray can be used now
@@ -102,6 +102,9 @@ sni_host_registered()
 # Somebody owns the tray for XEmbed icons: the selection cannot be asked from a shell, its helper can.
 tray_manager_runs() { inside "$HELPERS/x-windows" --tray-manager; }
 
+# A server of notifications counts as a panel here.
+notifications_served() { bus_has org.freedesktop.Notifications; }
+
 bus_has()
 {
     inside dbus-send --session --print-reply=literal --dest=org.freedesktop.DBus / \
@@ -170,7 +173,7 @@ session_start_all()
     local t0
     rm -rf "${DIR:?}/home" "$DIR/services" "$DIR/env.new" "$DIR/log"
     mkdir -p "$DIR/home" "$DIR/log"
-    [ -n "${BRIMWATCH_PACKAGES_CHECKED:-}" ] || "$PANELS/../lib/packages.sh" "panel-$PACKAGE_NAME"
+    [ -n "${BRIMWATCH_PACKAGES_CHECKED:-}" ] || "$PANELS/../lib/packages.sh" "${PURPOSE:-panel-$PACKAGE_NAME}"
     HELPERS=$("$PANELS/helpers.sh")
     t0=$(now_ms)
     ID=$NAME-$$-$RANDOM

@@ -5,19 +5,14 @@ NAME=sway
 DISPLAY_KIND=none
 # shellcheck source=lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+# shellcheck source=sway-session.sh
+. "$PANELS/sway-session.sh"
 
 session_start()
 {
-    local config=$DIR/home/.config line clock=', "clock"' preload=()
+    local config=$DIR/home/.config clock=', "clock"'
     [ "$CLOCK" = on ] || clock=
-    mkdir -p "$config/sway" "$config/waybar"
-    cat >"$config/sway/config" <<CONF
-xwayland enable
-output * mode ${SIZE} bg #000000 solid_color
-default_border none
-seat seat0 hide_cursor 0
-exec_always printf 'WAYLAND_DISPLAY=%s\nDISPLAY=%s\nSWAYSOCK=%s\n' "\$WAYLAND_DISPLAY" "\$DISPLAY" "\$SWAYSOCK" > $DIR/sway.vars.tmp && mv $DIR/sway.vars.tmp $DIR/sway.vars
-CONF
+    mkdir -p "$config/waybar"
     cat >"$config/waybar/config" <<JSON
 { "layer": "top", "position": "${BAR_POS:-top}", "height": ${BAR_HEIGHT:-28},
   "modules-left": ["sway/workspaces"], "modules-center": [], "modules-right": ["tray"$clock],
@@ -25,22 +20,7 @@ CONF
 JSON
     printf '* { font-family: "DejaVu Sans"; font-size: 13px; min-height: 0; }\nwindow#waybar { background: #303030; color: #fff; }\n' \
         >"$config/waybar/style.css"
-    env_set XDG_CURRENT_DESKTOP sway
-    env_set XDG_SESSION_TYPE wayland
-    rm -f "$DIR/sway.vars"
-    ENVV+=(WLR_BACKENDS=headless WLR_LIBINPUT_NO_DEVICES=1 WLR_RENDERER=pixman)
-    # sway refuses to run as root.
-    [ "$(id -u)" != 0 ] || preload=("LD_PRELOAD=$HELPERS/stay-root")
-    spawn sway env "${preload[@]}" sway -c "$config/sway/config"
-    wait_for 20 test -s "$DIR/sway.vars" || die "sway did not start, see $DIR/log/sway.log"
-    while read -r line; do
-        [ -z "${line#*=}" ] || env_set "${line%%=*}" "${line#*=}"
-    done <"$DIR/sway.vars"
-    env_set GDK_BACKEND wayland
-    env_set BRIMWATCH_PANEL_SIZE "$SIZE"
-    # A headless seat has no pointer at all until somebody brings one.
-    spawn vpointer python3 "$PANELS/vpointer.py" serve
-    wait_for 10 test -S "$RUN/vpointer" || die "no virtual pointer, see $DIR/log/vpointer.log"
+    start_sway
 }
 
 panel_start() { spawn panel waybar; }

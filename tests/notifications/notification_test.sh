@@ -1,0 +1,226 @@
+#!/bin/bash
+# notification_test.sh SERVER   lets quota fall low before a real notification server and looks at what it shows.
+#
+# SERVER is a script of tools/notifications: dunst, xfce4-notifyd, mako. The program and the sample daemon are
+# those of $BRIMWATCH_BUILD (default build/dev). Logs and pictures stay in $BRIMWATCH_NOTIFICATION_LOGS (default
+# build/notifications)/SERVER. Prints a line a check and `N passed, N failed` last.
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+PROGRAM=notification_test
+# shellcheck source=../../tools/lib/common.sh
+. "$root/tools/lib/common.sh"
+
+server=${1:-}
+script=$root/tools/notifications/$server.sh
+if [ $# != 1 ] || [ ! -x "$script" ]; then
+    sed -n '2,6s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
+    exit 2
+fi
+
+# click_alert X Y WIDTH HEIGHT: what a user does there to follow an alert.
+click_alert()
+{
+    case $server in
+        dunst) click $(($1 + $3 / 2)) $(($2 + 20)) 2 ;;
+        mako) click $(($1 + $3 / 2)) $(($2 + 20)) 1 ;;
+        # Up to 0.7 the default action is a button at the bottom, and a click elsewhere closes.
+        xfce4-notifyd) click $(($1 + $3 - 57)) $(($2 + $4 - 31)) 1 ;;
+        *) die "it is not known how $server is clicked" ;;
+    esac
+}
+
+build=${BRIMWATCH_BUILD:-$root/build/dev}
+program=$build/src/app/brimwatch
+daemon=$build/tools/sample-daemon/brimwatch-sample-daemon
+for file in "$program" "$daemon"; do
+    [ -x "$file" ] || die "$file is not built"
+done
+out=${BRIMWATCH_NOTIFICATION_LOGS:-$root/build/notifications}/$server
+rm -rf "$out"
+mkdir -p "$out/pictures"
+out=$(cd "$out" && pwd)
+session=$out/session
+passed=0 failed=0 program_pid='' daemon_pid='' monitor_pid=''
+
+finish()
+{
+    local status=$?
+    trap - EXIT INT TERM
+    end_process "$program_pid"
+    end_process "$daemon_pid"
+    end_process "$monitor_pid"
+    "$script" stop "$session"
+    if [ "$status" != 0 ] && [ "$failed" = 0 ]; then
+        failed=1
+    fi
+    echo "$passed passed, $failed failed"
+    [ "$failed" = 0 ] || echo "Logs and pictures of $server: $out"
+    [ "$failed" = 0 ] && [ "$passed" -gt 0 ]
+    exit
+}
+trap finish EXIT
+trap 'exit 130' INT TERM
+
+# check SENTENCE COMMAND...: one result.
+check()
+{
+    local sentence=$1
+    shift
+    if "$@"; then
+        passed=$((passed + 1))
+        printf 'ok      %s: %s\n' "$server" "$sentence"
+    else
+        failed=$((failed + 1))
+        printf 'FAILED  %s: %s\n' "$server" "$sentence"
+        shot "failed-$failed"
+        return 1
+    fi
+}
+
+# needed SENTENCE COMMAND...: the same, and nothing that follows makes sense without it.
+needed() { check "$@" || exit 1; }
+
+shot() { "$root/tools/panels/shot.sh" "$out/pictures/$1.png" ${2:+"$2"} 2>>"$out/shot.log" || true; }
+click() { "$root/tools/panels/click.sh" "$@"; }
+key() { "$root/tools/panels/key.sh" "$@"; }
+
+program_runs() { alive "$program_pid"; }
+
+requests() { grep -c '^request ' "$out/daemon.log"; }
+asked_more_than() { [ "$(requests)" -gt "$1" ]; }
+
+# Until the daemon was asked again: while a refresh shows, another one is not begun.
+refreshed()
+{
+    asked_more_than "$asked" && return
+    key ctrl+r
+    wait_for 1 asked_more_than "$asked"
+}
+
+# quota FIVE_HOURS WEEK: what the daemon answers from now on. The name shows what a server makes of markup.
+quota()
+{
+    cat >"$out/quota.part" <<JSON
+{ "response": { "groups": [ { "displayName": "Gemini Models", "buckets": [
+    { "bucketId": "gemini-5h", "displayName": "Five-hour limit", "window": "5h", "remainingFraction": $1 },
+    { "bucketId": "gemini-week", "displayName": "Weekly <b>&</b> shared limit", "window": "weekly", "remainingFraction": $2 } ] } ] } }
+JSON
+    mv "$out/quota.part" "$out/quota.json"
+}
+
+# What went over the bus -------------------------------------------------------------------------
+# alerts: one line a notification that the program sent: REPLACES ID TITLE. ID is what the server answered, 0 before.
+alerts()
+{
+    awk '
+        function field(name,    text) { text = $0; if (!sub(".* " name "=", "", text)) return ""; sub(/[ ;].*/, "", text); return text }
+        /^[a-z]/ { argument = 0; in_call = 0; answered = "" }
+        /^method call .*member=Notify$/ { in_call = 1; number = field("sender") " " field("serial"); order[++n] = number; next }
+        /^method return / { answered = field("destination") " " field("reply_serial"); next }
+        in_call && /^   [a-z]/ {
+            argument++
+            if (argument == 2) replaces[number] = $2
+            if (argument == 4) { text = $0; sub(/^ *string "/, "", text); sub(/"$/, "", text); title[number] = text }
+        }
+        answered in title && /^   uint32 / { id[answered] = $2 }
+        END { for (i = 1; i <= n; i++) print replaces[order[i]], id[order[i]] + 0, title[order[i]] }' "$out/bus.log"
+}
+
+# All that were sent have an answer.
+alerted() { [ "$(alerts | awk '$2 > 0' | wc -l)" -ge "$1" ]; }
+alerted_exactly() { [ "$(alerts | wc -l)" = "$1" ]; }
+
+has_alert() { alerts | grep -qE "$1"; }
+
+# one_took_the_older_ones_place: of the second pair, those not closed meanwhile carry the number of the first one.
+one_took_the_older_ones_place()
+{
+    alerts | awk '
+        NR <= 2 { first[NR] = $2 }
+        NR > 2 && $1 > 0 { if ($1 != first[1] && $1 != first[2]) bad = 1; replacing++; if ($2 != $1) bad = 1 }
+        END { exit !(NR == 4 && replacing == 1 && !bad) }'
+}
+
+# What is on the screen --------------------------------------------------------------------------
+# The place of the largest thing that the server shows.
+shown_alert()
+{
+    shot now
+    largest_difference "$out/pictures/without.png" "$out/pictures/now.png" "$screen"
+}
+
+# The same twice in a row, and large enough for a sentence.
+alert_settled()
+{
+    local first second
+    first=$(shown_alert) && second=$(shown_alert) && [ -n "$first" ] && [ "$first" = "$second" ] || return
+    # shellcheck disable=SC2086
+    set -- $first
+    [ "$3" -ge 150 ] && [ "$4" -ge 30 ] && place=$first
+}
+
+# Under sway it may be a window of the compositor's, which lists them by process, or one of Xwayland's.
+shown()
+{
+    popover_open "$program_pid" && return
+    [ -n "${SWAYSOCK:-}" ] && swaymsg -t get_tree | grep -qE "\"pid\": $program_pid,?$"
+}
+
+hidden() { ! shown; }
+
+# The play ---------------------------------------------------------------------------------------
+"$script" start "$session" >/dev/null 2>"$out/session.log" || {
+    cat "$out/session.log" >&2
+    die "$server does not start, logs in $session/log"
+}
+# shellcheck source=/dev/null
+. "$session/env"
+HELPERS=$("$root/tools/panels/helpers.sh")
+PANELS=$root/tools/panels
+# shellcheck source=../../tools/panels/item.sh
+. "$root/tools/panels/item.sh"
+
+dbus-monitor --session "interface='org.freedesktop.Notifications'" "type='method_return'" >"$out/bus.log" 2>"$out/monitor.log" &
+monitor_pid=$!
+disown
+# Its first line is about itself.
+wait_for 30 test -s "$out/bus.log" || die "nobody watches the bus, see $out/monitor.log"
+shot without
+screen=$(identify -format '%wx%h+0+0' "$out/pictures/without.png")
+
+quota 0.081 0.125
+"$daemon" --summary "$out/quota.json" --log >"$out/daemon.log" 2>&1 &
+daemon_pid=$!
+disown
+wait_for 30 grep -q '^ready ' "$out/daemon.log" || die "the sample daemon did not start, see $out/daemon.log"
+"$program" >"$out/program.log" 2>&1 &
+program_pid=$!
+disown
+
+needed "quota that is low is announced" wait_for 30 alerted 2
+check "each bucket on its own" has_alert '^0 [0-9]+ Brimwatch Alert: 8\.1% Remaining$'
+check "with its share" has_alert '^0 [0-9]+ Brimwatch Alert: 12\.5% Remaining$'
+needed "the server shows it" wait_for 30 alert_settled
+shot alerts
+# shellcheck disable=SC2046,SC2086
+shot alert "$(geometry_of $place)"
+
+# shellcheck disable=SC2086
+click_alert $place
+needed "a click on it opens the popover" wait_for 30 shown
+shot popover
+
+quota 0.9 0.9
+asked=$(requests)
+needed "the popover has the keyboard" wait_for 30 refreshed
+quota 0.031 0.042
+asked=$(requests)
+needed "and refreshes again" wait_for 30 refreshed
+check "the next fall is announced" wait_for 30 alerted 4
+check "in the place of the alert that was still shown" one_took_the_older_ones_place
+key Escape
+check "Escape closes the popover" wait_for 30 hidden
+check "the server shows the newer ones" wait_for 30 alert_settled
+shot again
+check "nothing else was announced" alerted_exactly 4
+check "the program has run all the while" program_runs

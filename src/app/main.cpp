@@ -10,12 +10,15 @@
 #include "platform/linux/desktop_notifier.h"
 #include "platform/linux/desktop_opener.h"
 #include "platform/linux/label_painter.h"
+#include "platform/linux/linux_app_information.h"
 #include "platform/linux/panel_status_item.h"
 #include "platform/linux/qt_application_presence.h"
+#include "platform/linux/qt_pasteboard.h"
 #include "platform/linux/symbols/svg_symbols.h"
 #include "platform/linux/x11_popover.h"
 #include "platform/linux/x_connection.h"
 #include "platform/linux/xsettings.h"
+#include "service/diagnostics.h"
 #include "service/launch_at_login_service.h"
 #include "service/low_quota_alerts.h"
 #include "service/quota_fetch_client.h"
@@ -25,6 +28,8 @@
 #include <QGuiApplication>
 #include <QPointer>
 #include <QStandardPaths>
+
+#include <optional>
 
 using namespace brimwatch;
 using namespace Qt::Literals::StringLiterals;
@@ -80,10 +85,15 @@ private:
 
     std::unique_ptr<app::StatusBarController> makeController(service::QuotaService &quotaService)
     {
+        m_diagnostics.emplace(
+            quotaService, platform::linuxAppInformation(), qEnvironmentVariable("HOME"));
         auto factory = app::viewsFromLibrary({.quotaService = quotaService,
             .appearance = m_appearance,
             .symbols = m_symbols,
             .opener = m_opener,
+            .pasteboard = m_pasteboard,
+            .launchAtLogin = m_launchAtLogin,
+            .diagnostics = *m_diagnostics,
             .terminate = [this] { m_presence.terminate(); },
             .close = [this] { closePopover(); }});
         auto popover = std::make_unique<platform::X11Popover>(std::move(factory));
@@ -123,6 +133,8 @@ private:
     platform::LabelPainter m_labelPainter;
     platform::DesktopNotifier m_notifier;
     service::LowQuotaAlerts m_alerts;
+    platform::QtPasteboard m_pasteboard;
+    std::optional<service::Diagnostics> m_diagnostics;
     platform::QtApplicationPresence m_presence;
     QPointer<platform::Popover> m_popover;
     app::AppDelegate m_delegate;

@@ -83,9 +83,9 @@ void StatusBarController::setupSubscribers()
 void StatusBarController::updateStatusItem()
 {
     m_updatePending = false;
-    m_drawnRevision = m_quotaService.revision();
     if (!m_statusItem->hasButton())
         return;
+    m_drawnRevision = m_quotaService.revision();
     m_label = model::composeLabel(m_quotaService.labelInput(), m_label, m_symbolExists);
     m_statusItem->setLabel(m_label);
     m_statusItem->setDescription(describeItem(m_quotaService));

@@ -31,6 +31,8 @@ public:
     virtual QString fontFamily() const = 0;
     /// How much larger than usual the user wants text, 1 for as usual, between 0.5 and 3.
     virtual double textScale() const = 0;
+    /// Whether the user wants no animations.
+    virtual bool reducesMotion() const = 0;
 
 Q_SIGNALS:
     /// Something of the above is different now.

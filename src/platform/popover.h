@@ -26,6 +26,8 @@ public:
     virtual void show(const ItemAnchor &anchor) = 0;
     /// Gives it the keyboard, without making the program the active one.
     virtual void makeKey() = 0;
+    /// Turns to the settings; nothing while the content is not loaded.
+    virtual void showSettings() = 0;
     /// Closes it as a click elsewhere would.
     virtual void performClose() = 0;
 

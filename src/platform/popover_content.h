@@ -22,6 +22,8 @@ public:
     virtual QWindow &window() = 0;
     /// Views stand still while they are not shown. Before it shows, everything is up to date.
     virtual void setShown(bool shown) = 0;
+    /// Turns to the settings.
+    virtual void showSettings() = 0;
 };
 
 /// Loads the views, which takes some time, and makes the content. Null when they cannot be loaded.

@@ -6,10 +6,12 @@ using namespace Qt::Literals::StringLiterals;
 
 const Wording &wording(DesktopFamily family)
 {
-    static const Wording macOS{
-        .refreshToolTip = u"Refresh Quota (⌘R)"_s, .systemVersionLabel = u"macOS Version"_s};
-    static const Wording linux_{
-        .refreshToolTip = u"Refresh Quota (Ctrl+R)"_s, .systemVersionLabel = u"Linux Version"_s};
+    static const Wording macOS{.refreshToolTip = u"Refresh Quota (⌘R)"_s,
+        .requiresApproval = u"Requires approval in macOS System Settings."_s,
+        .systemVersionLabel = u"macOS Version"_s};
+    static const Wording linux_{.refreshToolTip = u"Refresh Quota (Ctrl+R)"_s,
+        .requiresApproval = u"Switched off in the desktop's autostart settings."_s,
+        .systemVersionLabel = u"Linux Version"_s};
     return family == DesktopFamily::macOS ? macOS : linux_;
 }
 

@@ -19,7 +19,8 @@ constexpr DesktopFamily thisDesktopFamily()
 /// The few texts that name the desktop, in its own words.
 struct Wording {
     QString refreshToolTip; ///< "Refresh Quota (⌘R)"; Linux has Ctrl+R.
-    QString systemVersionLabel; ///< "macOS Version", of a line in the diagnostics.
+    QString requiresApproval; ///< "Requires approval in macOS System Settings."
+    QString systemVersionLabel; ///< "macOS Version", in the report.
 };
 
 const Wording &wording(DesktopFamily family = thisDesktopFamily());

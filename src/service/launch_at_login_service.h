@@ -24,16 +24,16 @@ public:
     /// Registered, whether or not the user still has to approve it.
     bool isEnabled() const override { return m_isEnabled; }
     /// Registered, and switched off in the system's settings until the user approves it there.
-    bool requiresApproval() const { return m_requiresApproval; }
+    bool requiresApproval() const override { return m_requiresApproval; }
 
     /// Reads the system's state.
-    Q_INVOKABLE void refresh();
+    Q_INVOKABLE void refresh() override;
     /// Registers or unregisters, unless that is done already. A failure is logged and goes no
     /// further; the state is what the system says afterwards. If the user's approval is missing
     /// then, the system's settings open.
     void setEnabled(bool enabled) override;
     /// Shows the system's list of what it starts at login.
-    Q_INVOKABLE void openSystemSettings();
+    Q_INVOKABLE void openSystemSettings() override;
 
 private:
     void publishRequiresApproval(bool requiresApproval);

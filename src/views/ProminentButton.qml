@@ -5,10 +5,12 @@ import Brimwatch
 ButtonBase {
     id: root
 
+    property string symbol: ""
+
     overhang: 2
 
     Rectangle {
-        width: label.width + 24
+        width: label.x + label.width + 12
         height: label.height + 8
         radius: 6
         color: Theme.accent
@@ -21,10 +23,21 @@ ButtonBase {
             visible: root.enabled && (root.down || root.hovered)
         }
 
+        SymbolImage {
+            id: mark
+
+            anchors.verticalCenter: parent.verticalCenter
+            x: 12
+            visible: root.symbol !== ""
+            name: root.symbol
+            pointSize: 11
+            color: Theme.onAccent
+        }
+
         Label {
             id: label
 
-            x: 12
+            x: root.symbol === "" ? 12 : mark.x + mark.width + 5
             y: 4
             text: root.text
             color: Theme.onAccent

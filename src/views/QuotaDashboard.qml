@@ -1,29 +1,22 @@
 import QtQuick
 import Brimwatch
 
-Item {
+FocusScope {
     id: root
 
     required property PopoverModel model
     required property ToolTipBubble toolTip
 
+    signal settingsWanted
+
+    // The control that opens the settings takes the keyboard back when they are left by it.
+    function takeFocus() {
+        gear.forceActiveFocus(Qt.TabFocusReason);
+    }
+
     function handleScrollKey(event: KeyEvent) {
-        if (!list.visible)
-            return;
-        const line = 40;
-        const page = list.height - line;
-        const steps = ({
-            [Qt.Key_Up]: list.contentY - line,
-            [Qt.Key_Down]: list.contentY + line,
-            [Qt.Key_PageUp]: list.contentY - page,
-            [Qt.Key_PageDown]: list.contentY + page,
-            [Qt.Key_Home]: 0,
-            [Qt.Key_End]: list.furthest
-        });
-        if (!(event.key in steps))
-            return;
-        list.scrollTo(steps[event.key]);
-        event.accepted = true;
+        if (list.visible)
+            list.handleScrollKey(event);
     }
 
     Item {
@@ -68,9 +61,29 @@ Item {
 
             objectName: "refreshButton"
             anchors.verticalCenter: parent.verticalCenter
-            x: parent.width - 14 - width
+            x: gear.x - 14 - width
             model: root.model
             toolTip: root.toolTip
+        }
+
+        ButtonBase {
+            id: gear
+
+            objectName: "settingsButton"
+            anchors.verticalCenter: parent.verticalCenter
+            x: parent.width - 14 - width
+            overhang: 5
+            text: "Preferences"
+            toolTip: root.toolTip
+            toolTipText: text
+            onClicked: root.settingsWanted()
+
+            SymbolImage {
+                name: "gearshape"
+                pointSize: 13
+                weight: SymbolImage.Weight.Semibold
+                color: Theme.label
+            }
         }
     }
 
@@ -97,25 +110,6 @@ Item {
             anchors.fill: parent
             model: root.model
             visible: root.model.body === PopoverModel.Cards
-        }
-
-        ScrollMark {
-            anchors.right: parent.right
-            y: 2
-            height: parent.height - 4
-            list: list
-            visible: list.visible && part < 1
-        }
-
-        Rectangle {
-            objectName: "focusRing"
-            anchors.fill: parent
-            anchors.margins: 2
-            radius: 6
-            color: "transparent"
-            border.color: Theme.accent
-            border.width: 2
-            visible: list.activeFocus
         }
 
         // What is seldom seen is made when it is.

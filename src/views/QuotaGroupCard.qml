@@ -104,5 +104,18 @@ Rectangle {
                 }
             }
         }
+
+        Label {
+            objectName: "moreRows"
+            width: parent.width
+            text: root.group.moreText
+            color: Theme.secondaryLabel
+            font.pixelSize: 10
+            horizontalAlignment: Text.AlignHCenter
+            visible: text !== ""
+
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
     }
 }

@@ -3,32 +3,16 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Brimwatch
 
-Flickable {
+ScrollArea {
     id: root
 
     required property PopoverModel model
 
-    readonly property real furthest: Math.max(0, contentHeight - height)
-
-    function scrollTo(position: real) {
-        root.contentY = Math.max(0, Math.min(position, root.furthest));
-    }
-
     objectName: "groupList"
-    contentWidth: width
     contentHeight: content.height + 24
-    boundsBehavior: Flickable.StopAtBounds
-    clip: true
-    activeFocusOnTab: furthest > 0
 
     Accessible.role: Accessible.List
     Accessible.name: "Quota"
-
-    // What goes away below takes the position with it.
-    onFurthestChanged: {
-        if (contentY > furthest)
-            scrollTo(furthest);
-    }
 
     Column {
         id: content
@@ -44,6 +28,19 @@ Flickable {
             QuotaGroupCard {
                 width: content.width
             }
+        }
+
+        Label {
+            objectName: "moreGroups"
+            width: parent.width
+            text: root.model.moreText
+            color: Theme.secondaryLabel
+            font.pixelSize: 10
+            horizontalAlignment: Text.AlignHCenter
+            visible: text !== ""
+
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
         }
 
         Item {

@@ -5,9 +5,12 @@ import Brimwatch
 ButtonBase {
     id: root
 
+    property color color: Theme.label
+
     overhang: 4
 
     Label {
+        color: root.color
         text: root.text
         font.pixelSize: 11
     }

@@ -33,6 +33,21 @@ QUrl daemonPage(std::int64_t port)
     return url;
 }
 
+/// The groups that get a card, each with the rows that are left for it.
+QList<ShownGroup> shownGroups(const QList<model::QuotaGroup> &groups)
+{
+    QList<ShownGroup> shown;
+    qsizetype rowsLeft = PopoverModel::mostRows;
+    for (const auto &group : groups) {
+        if (shown.size() == PopoverModel::mostGroups)
+            break;
+        const qsizetype rows = std::min<qsizetype>(group.bucketCount(), rowsLeft);
+        rowsLeft -= rows;
+        shown.append({.group = group, .rows = rows});
+    }
+    return shown;
+}
+
 } // namespace
 
 PopoverModel::PopoverModel(Dependencies dependencies, QObject *parent)
@@ -65,6 +80,14 @@ void PopoverModel::setShown(bool shown)
     Q_EMIT isShownChanged();
 }
 
+void PopoverModel::setShowingSettings(bool showing)
+{
+    if (m_showingSettings == showing)
+        return;
+    m_showingSettings = showing;
+    Q_EMIT showingSettingsChanged();
+}
+
 void PopoverModel::follow()
 {
     using service::QuotaService;
@@ -95,8 +118,13 @@ void PopoverModel::catchUp()
 void PopoverModel::readGroups()
 {
     const auto &summary = m_service.quotaSummary();
-    m_sortedGroups = summary ? summary->sortedGroups() : QList<model::QuotaGroup>{};
-    m_sortedGroups.resize(std::min(m_sortedGroups.size(), mostGroups));
+    const auto sorted = summary ? summary->sortedGroups() : QList<model::QuotaGroup>{};
+    m_sortedGroups = shownGroups(sorted);
+    const QString more = andMore(sorted.size() - m_sortedGroups.size());
+    if (m_moreText != more) {
+        m_moreText = more;
+        Q_EMIT moreTextChanged();
+    }
     m_groups.update(m_sortedGroups.mid(0, m_groupsShown), m_service.currentTime());
     if (m_isShown && m_groupsShown < m_sortedGroups.size())
         QMetaObject::invokeMethod(this, &PopoverModel::addGroups, Qt::QueuedConnection);

@@ -34,6 +34,7 @@ class PopoverModel final : public QObject {
     QML_UNCREATABLE("Made by the popover's content.")
     Q_PROPERTY(Body body READ body NOTIFY bodyChanged FINAL)
     Q_PROPERTY(QAbstractItemModel *groups READ groups CONSTANT FINAL)
+    Q_PROPERTY(QString moreText READ moreText NOTIFY moreTextChanged FINAL)
     Q_PROPERTY(QString statusText READ statusText NOTIFY statusChanged FINAL)
     Q_PROPERTY(QColor statusColor READ statusColor NOTIFY statusColorChanged FINAL)
     Q_PROPERTY(QString errorText READ errorText NOTIFY errorTextChanged FINAL)
@@ -41,15 +42,18 @@ class PopoverModel final : public QObject {
     Q_PROPERTY(QString refreshToolTip READ refreshToolTip CONSTANT FINAL)
     Q_PROPERTY(bool isRefreshing READ isRefreshing NOTIFY isRefreshingChanged FINAL)
     Q_PROPERTY(bool isShown READ isShown NOTIFY isShownChanged FINAL)
+    Q_PROPERTY(bool showingSettings READ showingSettings WRITE setShowingSettings NOTIFY
+            showingSettingsChanged FINAL)
     Q_PROPERTY(brimwatch::views::RefreshSpin *spin READ spin CONSTANT FINAL)
 
 public:
     enum class Body { Cards, Loading, Offline };
     Q_ENUM(Body)
 
-    /// More cards than this are not shown: no daemon means that many, and a broken one shall not
-    /// make the popover slow.
-    static constexpr qsizetype mostGroups = 200;
+    /// More cards, and more rows in all of them together, are only counted: no daemon means that
+    /// many, and a broken one shall not make the popover slow.
+    static constexpr qsizetype mostGroups = 100;
+    static constexpr qsizetype mostRows = 200;
     /// As many cards as the first frame can show; the others follow a few at a time, so that the
     /// first click is answered at once.
     static constexpr qsizetype firstGroups = 3;
@@ -68,9 +72,15 @@ public:
     void setShown(bool shown);
     bool isShown() const { return m_isShown; }
 
+    /// Which face the view shows. The view's own state: it sets this, and others only ask.
+    bool showingSettings() const { return m_showingSettings; }
+    void setShowingSettings(bool showing);
+
     Body body() const { return m_body; }
     /// The cards, each a GroupEntry in the role "group".
     QAbstractItemModel *groups() { return &m_groups; }
+    /// "and 12 more" of the groups that have no card; empty when all have.
+    const QString &moreText() const { return m_moreText; }
     const QString &statusText() const { return m_statusText; }
     QColor statusColor() const;
     /// Empty: there is no error.
@@ -92,12 +102,14 @@ public:
 
 Q_SIGNALS:
     void bodyChanged();
+    void moreTextChanged();
     void statusChanged();
     void statusColorChanged();
     void errorTextChanged();
     void updatedTextChanged();
     void isRefreshingChanged();
     void isShownChanged();
+    void showingSettingsChanged();
 
 private:
     void follow();
@@ -113,14 +125,16 @@ private:
 
     Dependencies m_dependencies;
     service::QuotaService &m_service;
-    EntryList<GroupEntry, model::QuotaGroup> m_groups;
+    EntryList<GroupEntry, ShownGroup> m_groups;
     RefreshSpin m_spin;
-    QList<model::QuotaGroup> m_sortedGroups;
+    QList<ShownGroup> m_sortedGroups;
     qsizetype m_groupsShown = firstGroups;
 
     bool m_isShown = false;
+    bool m_showingSettings = false;
     bool m_isRefreshing = false;
     Body m_body = Body::Offline;
+    QString m_moreText;
     QString m_statusText;
     model::ColorToken m_statusColor = model::ColorToken::SystemOrange;
     QString m_errorText;

@@ -7,12 +7,15 @@ class Clock;
 namespace platform {
 class Appearance;
 class Opener;
+class Pasteboard;
 class PopoverContent;
 class SymbolSource;
 } // namespace platform
 namespace service {
+class Diagnostics;
+class LaunchAtLogin;
 class QuotaService;
-}
+} // namespace service
 } // namespace brimwatch
 
 namespace brimwatch::views {
@@ -23,6 +26,9 @@ struct PopoverDependencies {
     platform::Appearance &appearance;
     const platform::SymbolSource &symbols;
     platform::Opener &opener;
+    platform::Pasteboard &pasteboard;
+    service::LaunchAtLogin &launchAtLogin;
+    const service::Diagnostics &diagnostics;
     std::function<void()> terminate; ///< Ends the program.
     std::function<void()> close; ///< Closes the popover, as Escape on the dashboard does.
 };

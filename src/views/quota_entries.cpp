@@ -48,6 +48,11 @@ QString shownText(const QString &text)
     return shown;
 }
 
+QString andMore(qsizetype count)
+{
+    return count > 0 ? "and "_L1 + QString::number(count) + " more"_L1 : QString();
+}
+
 BucketEntry::BucketEntry(const Theme &theme, QObject *parent)
     : QObject(parent)
     , m_theme(theme)
@@ -110,13 +115,13 @@ GroupEntry::GroupEntry(const Theme &theme, QObject *parent)
 
 GroupEntry::~GroupEntry() = default;
 
-void GroupEntry::update(const model::QuotaGroup &group, const QDateTime &now)
+void GroupEntry::update(const ShownGroup &shown, const QDateTime &now)
 {
-    if (m_group != group) {
-        m_group = group;
+    if (m_shown != shown) {
+        m_shown = shown;
         Q_EMIT changed();
     }
-    m_buckets.update(m_group.sortedBuckets().mid(0, mostBuckets), now);
+    m_buckets.update(m_shown.group.sortedBuckets().mid(0, m_shown.rows), now);
 }
 
 void GroupEntry::setTime(const QDateTime &now)
@@ -126,8 +131,13 @@ void GroupEntry::setTime(const QDateTime &now)
 
 QString GroupEntry::countText() const
 {
-    const int count = m_group.bucketCount();
+    const int count = m_shown.group.bucketCount();
     return QString::number(count) + (count == 1 ? " bucket"_L1 : " buckets"_L1);
+}
+
+QString GroupEntry::moreText() const
+{
+    return andMore(m_shown.group.bucketCount() - m_shown.rows);
 }
 
 } // namespace brimwatch::views

@@ -15,6 +15,8 @@ class Theme;
 
 /// A daemon's text as views show it: on one line, and not endless.
 QString shownText(const QString &text);
+/// "and 12 more"; empty for none.
+QString andMore(qsizetype count);
 
 /// One bucket as its row shows it.
 class BucketEntry final : public QObject {
@@ -71,6 +73,14 @@ private:
     QString m_accessibleName;
 };
 
+/// A group, and how many of its rows are shown.
+struct ShownGroup {
+    model::QuotaGroup group;
+    qsizetype rows = 0;
+
+    bool operator==(const ShownGroup &) const = default;
+};
+
 /// One group as its card shows it.
 class GroupEntry final : public QObject {
     Q_OBJECT
@@ -80,27 +90,26 @@ class GroupEntry final : public QObject {
     Q_PROPERTY(QString iconName READ iconName NOTIFY changed FINAL)
     Q_PROPERTY(QString countText READ countText NOTIFY changed FINAL)
     Q_PROPERTY(QString descriptionText READ descriptionText NOTIFY changed FINAL)
+    Q_PROPERTY(QString moreText READ moreText NOTIFY changed FINAL)
     Q_PROPERTY(QAbstractItemModel *buckets READ buckets CONSTANT FINAL)
 
 public:
-    /// More rows than this in one card are not shown: no daemon means that many, and a broken one
-    /// shall not make the popover slow.
-    static constexpr qsizetype mostBuckets = 100;
-
     explicit GroupEntry(const Theme &theme, QObject *parent = nullptr);
     ~GroupEntry() override;
 
-    static const QString &identity(const model::QuotaGroup &group) { return group.id(); }
-    const QString &identity() const { return m_group.id(); }
-    void update(const model::QuotaGroup &group, const QDateTime &now);
+    static const QString &identity(const ShownGroup &shown) { return shown.group.id(); }
+    const QString &identity() const { return m_shown.group.id(); }
+    void update(const ShownGroup &shown, const QDateTime &now);
     void setTime(const QDateTime &now);
 
-    QString displayName() const { return shownText(m_group.displayName); }
-    QString iconName() const { return m_group.iconName(); }
+    QString displayName() const { return shownText(m_shown.group.displayName); }
+    QString iconName() const { return m_shown.group.iconName(); }
     /// "1 bucket", "3 buckets"
     QString countText() const;
     /// Empty: there is none.
-    QString descriptionText() const { return shownText(m_group.descriptionText()); }
+    QString descriptionText() const { return shownText(m_shown.group.descriptionText()); }
+    /// "and 12 more" of the rows that are not shown; empty when all are.
+    QString moreText() const;
     /// The rows, each a BucketEntry in the role "bucket".
     QAbstractItemModel *buckets() { return &m_buckets; }
 
@@ -108,7 +117,7 @@ Q_SIGNALS:
     void changed();
 
 private:
-    model::QuotaGroup m_group;
+    ShownGroup m_shown;
     EntryList<BucketEntry, model::QuotaBucket> m_buckets;
 };
 

@@ -34,6 +34,8 @@ void PopoverWindow::keyPressEvent(QKeyEvent *event)
     event->accept();
     if (isCommand(*event, Qt::Key_R))
         m_model.performRefresh();
+    else if (isCommand(*event, Qt::Key_Comma))
+        Q_EMIT settingsWanted();
     else if (isCommand(*event, Qt::Key_Q))
         m_model.quit();
     else if (event->matches(QKeySequence::Cancel))
@@ -49,9 +51,17 @@ QuotaPopoverContent::QuotaPopoverContent(const PopoverDependencies &dependencies
           .opener = dependencies.opener,
           .terminate = dependencies.terminate,
           .close = dependencies.close})
+    , m_settingsModel({.quotaService = dependencies.quotaService,
+          .launchAtLogin = dependencies.launchAtLogin,
+          .diagnostics = dependencies.diagnostics,
+          .opener = dependencies.opener,
+          .pasteboard = dependencies.pasteboard,
+          .terminate = dependencies.terminate})
     , m_window(m_model)
 {
     QJSEngine::setObjectOwnership(&m_model, QJSEngine::CppOwnership);
+    QJSEngine::setObjectOwnership(&m_settingsModel, QJSEngine::CppOwnership);
+    QJSEngine::setObjectOwnership(&dependencies.quotaService, QJSEngine::CppOwnership);
     m_theme.attachTo(m_engine);
     m_engine.addImportPath(u"qrc:/qt/qml"_s);
     QObject::connect(&m_theme, &Theme::changed, &m_window, [this] { followTheme(); });
@@ -63,7 +73,8 @@ QuotaPopoverContent::QuotaPopoverContent(const PopoverDependencies &dependencies
         return;
     }
     std::unique_ptr<QObject> root(
-        component.createWithInitialProperties({{u"model"_s, QVariant::fromValue(&m_model)}}));
+        component.createWithInitialProperties({{u"model"_s, QVariant::fromValue(&m_model)},
+            {u"settingsModel"_s, QVariant::fromValue(&m_settingsModel)}}));
     m_root.reset(qobject_cast<QQuickItem *>(root.get()));
     if (!m_root) {
         qCCritical(viewsLog).noquote() << "The popover cannot be made:" << component.errorString();
@@ -71,6 +82,13 @@ QuotaPopoverContent::QuotaPopoverContent(const PopoverDependencies &dependencies
     }
     static_cast<void>(root.release());
     m_root->setParentItem(m_window.contentItem());
+    QObject::connect(
+        &m_window, &PopoverWindow::settingsWanted, m_root.get(), [this] { showSettings(); });
+    const auto settingsSeen
+        = [this] { m_settingsModel.setShown(m_model.isShown() && m_model.showingSettings()); };
+    QObject::connect(
+        &m_model, &PopoverModel::showingSettingsChanged, &m_settingsModel, settingsSeen);
+    QObject::connect(&m_model, &PopoverModel::isShownChanged, &m_settingsModel, settingsSeen);
     m_root->setSize(m_window.size());
     QObject::connect(&m_window, &QQuickWindow::widthChanged, m_root.get(),
         [this](int windowWidth) { m_root->setWidth(windowWidth); });
@@ -87,6 +105,11 @@ void QuotaPopoverContent::setShown(bool shown)
     // but not always that it has the focus, so it takes it.
     if (shown)
         m_root->forceActiveFocus(Qt::PopupFocusReason);
+}
+
+void QuotaPopoverContent::showSettings()
+{
+    QMetaObject::invokeMethod(m_root.get(), "showSettings");
 }
 
 void QuotaPopoverContent::followTheme()

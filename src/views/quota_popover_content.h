@@ -3,6 +3,7 @@
 #include "platform/popover_content.h"
 #include "views/popover_model.h"
 #include "views/popover_views.h"
+#include "views/settings_model.h"
 #include "views/theme.h"
 
 #include <QQmlEngine>
@@ -12,12 +13,15 @@
 
 namespace brimwatch::views {
 
-/// The popover's window. Keys that no control takes are its own: refresh, quit and close.
+/// The popover's window. Keys that no control takes are its own: refresh, settings, quit and close.
 class PopoverWindow final : public QQuickWindow {
     Q_OBJECT
 
 public:
     explicit PopoverWindow(PopoverModel &model);
+
+Q_SIGNALS:
+    void settingsWanted();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -44,6 +48,7 @@ public:
 
     QWindow &window() override { return m_window; }
     void setShown(bool shown) override;
+    void showSettings() override;
 
 private:
     void followTheme();
@@ -51,6 +56,7 @@ private:
     // Made in this order: what is below uses what is above.
     Theme m_theme;
     PopoverModel m_model;
+    SettingsModel m_settingsModel;
     QQmlEngine m_engine;
     PopoverWindow m_window;
     std::unique_ptr<QQuickItem> m_root;

@@ -2,6 +2,7 @@
 
 #include "platform/appearance.h"
 
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QJSEngine>
 #include <QQmlEngine>
@@ -96,6 +97,16 @@ QString Theme::fontFamily() const
 {
     const QString family = m_appearance.fontFamily();
     return family.isEmpty() ? QGuiApplication::font().family() : family;
+}
+
+QString Theme::fixedFontFamily() const
+{
+    return QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
+}
+
+bool Theme::reducesMotion() const
+{
+    return m_appearance.reducesMotion();
 }
 
 double Theme::textScale() const

@@ -32,6 +32,9 @@ class Theme final : public QObject {
     Q_PROPERTY(QColor accent READ accent NOTIFY changed FINAL)
     Q_PROPERTY(QColor onAccent READ onAccent NOTIFY changed FINAL)
     Q_PROPERTY(QColor orange READ orange NOTIFY changed FINAL)
+    Q_PROPERTY(QColor red READ red NOTIFY changed FINAL)
+    Q_PROPERTY(QColor controlBackground READ controlBackground NOTIFY changed FINAL)
+    Q_PROPERTY(QColor controlOutline READ controlOutline NOTIFY changed FINAL)
     Q_PROPERTY(QColor ground READ ground NOTIFY changed FINAL)
     Q_PROPERTY(QColor frame READ frame NOTIFY changed FINAL)
     Q_PROPERTY(QColor divider READ divider NOTIFY changed FINAL)
@@ -47,6 +50,8 @@ class Theme final : public QObject {
     Q_PROPERTY(QColor hovered READ hovered NOTIFY changed FINAL)
     Q_PROPERTY(QColor pressed READ pressed NOTIFY changed FINAL)
     Q_PROPERTY(QString fontFamily READ fontFamily NOTIFY changed FINAL)
+    Q_PROPERTY(QString fixedFontFamily READ fixedFontFamily CONSTANT FINAL)
+    Q_PROPERTY(bool reducesMotion READ reducesMotion NOTIFY changed FINAL)
     Q_PROPERTY(double textScale READ textScale NOTIFY changed FINAL)
 
 public:
@@ -73,6 +78,9 @@ public:
     /// Text on the accent colour: white, or black where white would be hard to read.
     QColor onAccent() const;
     QColor orange() const { return color(model::ColorToken::SystemOrange); }
+    QColor red() const { return color(model::ColorToken::SystemRed); }
+    QColor controlBackground() const { return color(model::ColorToken::ControlBackground); }
+    QColor controlOutline() const { return color(model::ColorToken::Separator); }
     /// What everything stands on: halfway between the desktop's window and control backgrounds, so
     /// that cards and rows stand out from it on both sides. Opaque.
     QColor ground() const;
@@ -93,6 +101,10 @@ public:
 
     /// The interface font's family; where the desktop names none, the toolkit's own.
     QString fontFamily() const;
+    /// The toolkit's fixed-width family.
+    QString fixedFontFamily() const;
+    /// Whether things shall be where they belong at once rather than move there.
+    bool reducesMotion() const;
     /// How much larger than drawn everything is shown, 1 for as drawn.
     double textScale() const;
 

@@ -25,6 +25,7 @@ public:
     }
     QString fontFamily() const override { return u"DejaVu Sans"_s; }
     double textScale() const override { return 1; }
+    bool reducesMotion() const override { return false; }
 };
 
 /// "5h: 80% · W: 55%" behind a sparkle, or with other texts.

@@ -3,8 +3,10 @@
 #include "platform/appearance.h"
 #include "platform/linux/system_colors.h"
 #include "platform/opener.h"
+#include "platform/pasteboard.h"
 
 #include <QList>
+#include <QStringList>
 #include <QUrl>
 
 namespace brimwatch::test {
@@ -19,6 +21,13 @@ public:
     void openUrl(const QUrl &url) override { opened.append(url); }
 };
 
+class FakePasteboard final : public platform::Pasteboard {
+public:
+    QStringList texts;
+
+    void setText(const QString &text) override { texts.append(text); }
+};
+
 /// A desktop that is as the test says.
 class FakeAppearance final : public platform::Appearance {
     Q_OBJECT
@@ -26,6 +35,7 @@ class FakeAppearance final : public platform::Appearance {
 public:
     platform::Ground ground = platform::Ground::Light;
     double scale = 1;
+    bool still = false;
     QString family;
 
     bool isDark() const override { return ground == platform::Ground::Dark; }
@@ -35,6 +45,7 @@ public:
     }
     QString fontFamily() const override { return family; }
     double textScale() const override { return scale; }
+    bool reducesMotion() const override { return still; }
 };
 
 } // namespace brimwatch::test

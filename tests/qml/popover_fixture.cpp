@@ -29,7 +29,13 @@ void collect(QQuickItem *item, const QString &name, QList<QQuickItem *> &found)
 PopoverFixture::PopoverFixture()
     : clock(sampleNow())
     , settings(folder.filePath(u"settings.ini"_s))
-    , service({.clock = clock, .fetching = fetching, .settings = settings})
+    , service({.clock = clock,
+          .fetching = fetching,
+          .settings = settings,
+          .launchAtLogin = &launchAtLogin})
+    , diagnostics(service,
+          {.version = u"1.2.3"_s, .build = u"45"_s, .systemVersion = u"Debian 12, Linux 6.1"_s},
+          u"/home/sample"_s)
 {
 }
 
@@ -43,6 +49,9 @@ void PopoverFixture::load()
         .appearance = appearance,
         .symbols = symbols,
         .opener = opener,
+        .pasteboard = pasteboard,
+        .launchAtLogin = launchAtLogin,
+        .diagnostics = diagnostics,
         .terminate = [this] { ++terminated; },
         .close = [this] { ++closed; }}));
     if (!content)
@@ -63,6 +72,16 @@ void PopoverFixture::hide() const
 {
     window().hide();
     content->setShown(false);
+}
+
+void PopoverFixture::showSettings()
+{
+    content->showSettings();
+    if (!QTest::qWaitFor([this] {
+            const QQuickItem *face = item(u"settingsFace"_s);
+            return face != nullptr && face->x() == 0 && item(u"groupList"_s) == nullptr;
+        }))
+        qFatal("the settings do not show");
 }
 
 void PopoverFixture::answer(const model::QuotaSummary &summary)

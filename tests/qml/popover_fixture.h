@@ -3,9 +3,11 @@
 #include "platform/linux/symbols/svg_symbols.h"
 #include "platform/popover_content.h"
 #include "qml/fakes.h"
+#include "service/diagnostics.h"
 #include "service/quota_service.h"
 #include "service/settings.h"
 #include "support/fake_fetching.h"
+#include "support/fake_launch_at_login.h"
 #include "support/test_clock.h"
 #include "views/popover_model.h"
 
@@ -32,6 +34,8 @@ public:
     /// Loads if need be, shows the window and waits for its first frame.
     void show();
     void hide() const;
+    /// Turns to the settings and waits until they have slid in.
+    void showSettings();
     /// Lets the refresh run that is asked for, and answers it.
     void answer(const model::QuotaSummary &summary);
     void fail(const QString &message);
@@ -55,10 +59,13 @@ public:
     TestClock clock;
     FakeFetching fetching;
     service::SettingsStore settings;
+    FakeLaunchAtLogin launchAtLogin;
     service::QuotaService service;
+    service::Diagnostics diagnostics;
     FakeAppearance appearance;
     platform::SvgSymbols symbols;
     FakeOpener opener;
+    FakePasteboard pasteboard;
     int terminated = 0;
     int closed = 0;
     std::unique_ptr<platform::PopoverContent> content;

@@ -78,6 +78,7 @@ private Q_SLOTS:
     void countdownsRunWithTheClock();
     void theUpdateTextCountsFromTheLastUpdate();
     void aRefreshKeepsCardsAndScrollPosition();
+    void moreThanAPersonCanReadIsOnlyCounted();
     void fiftyGroupsAllGetTheirCard();
     void keysScroll_data();
     void keysScroll();
@@ -400,6 +401,30 @@ void QuotaPopoverTest::theUpdateTextCountsFromTheLastUpdate()
     QCOMPARE(fixture.text(u"updatedText"_s), u"Updated 42s ago"_s);
 }
 
+void QuotaPopoverTest::moreThanAPersonCanReadIsOnlyCounted()
+{
+    PopoverFixture fixture;
+    fixture.show();
+    auto summary = test::manyGroups(130);
+    auto &wide = summary.groups.first();
+    for (int i = 0; i < 2999; ++i) {
+        wide.buckets.append(test::sampleBucket(
+            u"bucket-%1"_s.arg(i), u"Bucket %1"_s.arg(i), u"5h"_s, 0.5, std::nullopt));
+    }
+    fixture.answer(summary);
+    fixture.awaitCards(views::PopoverModel::mostGroups);
+    QCOMPARE(fixture.text(u"moreGroups"_s), u"and 30 more"_s);
+    QCOMPARE(fixture.items(u"bucketRow"_s).size(), views::PopoverModel::mostRows);
+    const auto hidden = fixture.items(u"moreRows"_s);
+    QVERIFY(std::any_of(hidden.begin(), hidden.end(),
+        [](const QQuickItem *line) { return line->property("text") == u"and 2800 more"_s; }));
+    fixture.service.refresh();
+    fixture.answer(test::sampleSummary());
+    fixture.awaitCards(3);
+    QVERIFY(fixture.item(u"moreGroups"_s) == nullptr);
+    QVERIFY(fixture.item(u"moreRows"_s) == nullptr);
+}
+
 void QuotaPopoverTest::aRefreshKeepsCardsAndScrollPosition()
 {
     PopoverFixture fixture;
@@ -562,8 +587,8 @@ void QuotaPopoverTest::tabGoesFromHeaderOverBodyToFooterAndShowsWhereItIs()
     PopoverFixture fixture;
     fixture.answer(test::sampleSummary());
     fixture.show();
-    const QStringList order{
-        u"refreshButton"_s, u"groupList"_s, u"openButton"_s, u"quitButton"_s, u"refreshButton"_s};
+    const QStringList order{u"refreshButton"_s, u"settingsButton"_s, u"groupList"_s,
+        u"openButton"_s, u"quitButton"_s, u"refreshButton"_s};
     QVERIFY(fixture.items(u"focusRing"_s).isEmpty());
     for (const QString &name : order) {
         QTest::keyClick(&fixture.window(), Qt::Key_Tab);

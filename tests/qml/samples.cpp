@@ -26,7 +26,10 @@ QDateTime sampleNow()
 
 discovery::DaemonInfo sampleDaemon()
 {
-    return {.pid = 4711, .httpPort = 42424};
+    return {.pid = 4711,
+        .httpPort = 42424,
+        .lsVersion = u"1.11.3"_s,
+        .csrfToken = u"0f8fad5b-d9cb-469f-a165-70867728950e"_s};
 }
 
 model::QuotaBucket sampleBucket(const QString &id, const QString &name,

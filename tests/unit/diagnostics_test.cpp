@@ -1,7 +1,7 @@
 #include "platform/wording.h"
 #include "service/diagnostics.h"
-#include "service/launch_at_login.h"
 #include "service/quota_service.h"
+#include "support/fake_launch_at_login.h"
 #include "support/test_clock.h"
 
 #include <QPromise>
@@ -34,14 +34,6 @@ public:
 
 private:
     std::optional<QPromise<FetchResult>> m_promise;
-};
-
-class FakeLaunchAtLogin final : public LaunchAtLogin {
-public:
-    bool isEnabled() const override { return enabled; }
-    void setEnabled(bool wanted) override { enabled = wanted; }
-
-    bool enabled = false;
 };
 
 const QDateTime start{QDate(2026, 11, 16), QTime(4, 59, 24), Qt::UTC};
@@ -277,7 +269,7 @@ private:
     std::optional<SettingsStore> m_settings;
     std::optional<test::TestClock> m_clock;
     std::optional<FakeFetching> m_fetching;
-    std::optional<FakeLaunchAtLogin> m_login;
+    std::optional<test::FakeLaunchAtLogin> m_login;
     std::unique_ptr<QuotaService> m_service;
 };
 

@@ -1,6 +1,6 @@
-#include "service/launch_at_login.h"
 #include "service/low_quota_alerting.h"
 #include "service/quota_service.h"
+#include "support/fake_launch_at_login.h"
 #include "support/test_clock.h"
 #include "unit/quota_samples.h"
 
@@ -76,19 +76,11 @@ private:
     Log &m_log;
 };
 
-class FakeLaunchAtLogin final : public LaunchAtLogin {
+class LoggedLaunchAtLogin final : public test::FakeLaunchAtLogin {
 public:
-    explicit FakeLaunchAtLogin(Log &log)
+    explicit LoggedLaunchAtLogin(Log &log)
         : m_log(log)
     {
-    }
-
-    bool isEnabled() const override { return m_enabled; }
-    void setEnabled(bool enabled) override
-    {
-        Q_EMIT objectWillChange();
-        m_enabled = enabled;
-        Q_EMIT changed();
     }
 
 protected:
@@ -96,7 +88,6 @@ protected:
 
 private:
     Log &m_log;
-    bool m_enabled = false;
 };
 
 /// A clock that tells which timers are started and stopped.
@@ -684,7 +675,7 @@ private:
     std::optional<LoggingClock> m_clock;
     std::optional<FakeFetching> m_fetching;
     std::optional<FakeAlerts> m_alerts;
-    std::optional<FakeLaunchAtLogin> m_login;
+    std::optional<LoggedLaunchAtLogin> m_login;
     std::optional<QuotaService> m_service;
 };
 

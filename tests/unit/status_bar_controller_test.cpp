@@ -40,6 +40,7 @@ public:
         anchors.append(anchor);
     }
     void makeKey() override { calls.append(u"makeKey"_s); }
+    void showSettings() override { calls.append(u"showSettings"_s); }
     void performClose() override
     {
         calls.append(u"performClose"_s);

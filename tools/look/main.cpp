@@ -23,6 +23,12 @@ struct Scenario {
     std::function<void(PopoverFixture &)> prepare;
 };
 
+void showSettings(PopoverFixture &f)
+{
+    f.answer(test::sampleSummary());
+    f.showSettings();
+}
+
 QList<Scenario> scenarios()
 {
     const QString longError
@@ -70,6 +76,42 @@ QList<Scenario> scenarios()
             .prepare = [](PopoverFixture &f) { f.answer(test::longNames()); }},
         {.name = u"odd-names"_s, .prepare = [](PopoverFixture &f) { f.answer(test::oddNames()); }},
         {.name = u"low"_s, .prepare = [](PopoverFixture &f) { f.answer(test::lowSummary()); }},
+        {.name = u"settings"_s, .prepare = [](PopoverFixture &f) { showSettings(f); }},
+        {.name = u"settings-middle"_s,
+            .prepare =
+                [](PopoverFixture &f) {
+                    showSettings(f);
+                    f.launchAtLogin.become(true, true);
+                    QTest::keyClick(&f.window(), Qt::Key_PageDown);
+                }},
+        {.name = u"settings-end"_s,
+            .prepare =
+                [](PopoverFixture &f) {
+                    showSettings(f);
+                    QTest::keyClick(&f.window(), Qt::Key_End);
+                }},
+        {.name = u"settings-few"_s,
+            .prepare =
+                [](PopoverFixture &f) {
+                    f.service.setShowGeminiInToolbar(false);
+                    f.service.setRefreshInterval(77);
+                    f.launchAtLogin.become(true, true);
+                    showSettings(f);
+                }},
+        {.name = u"settings-picker"_s,
+            .prepare =
+                [](PopoverFixture &f) {
+                    showSettings(f);
+                    QTest::mouseClick(
+                        &f.window(), Qt::LeftButton, {}, f.middle(u"labelStyleBox"_s));
+                }},
+        {.name = u"settings-keyboard"_s,
+            .prepare =
+                [](PopoverFixture &f) {
+                    showSettings(f);
+                    for (int i = 0; i < 4; ++i)
+                        QTest::keyClick(&f.window(), Qt::Key_Tab);
+                }},
         {.name = u"focus"_s,
             .prepare =
                 [](PopoverFixture &f) {

@@ -148,7 +148,11 @@ Rgba DesktopAppearance::color(model::ColorToken token) const
 {
     if (token == model::ColorToken::Accent && m_look.accent)
         return *m_look.accent;
-    return systemColor(token, m_look.dark ? Ground::Dark : Ground::Light);
+    const Ground ground = m_look.dark ? Ground::Dark : Ground::Light;
+    if (m_look.higherContrast
+        && (token == model::ColorToken::SecondaryLabel || token == model::ColorToken::Separator))
+        return systemColor(model::ColorToken::Label, ground);
+    return systemColor(token, ground);
 }
 
 void DesktopAppearance::askPortal()
@@ -187,8 +191,9 @@ void DesktopAppearance::portalSettingChanged(const QDBusMessage &message)
     const QString name = arguments[0].toString() + u' ' + arguments[1].toString();
     // Only what is read is kept: others may announce whatever they like.
     static const QSet<QString> known{appearanceSpace + " color-scheme"_L1,
-        appearanceSpace + " accent-color"_L1, gnomeSpace + " font-name"_L1,
-        gnomeSpace + " text-scaling-factor"_L1};
+        appearanceSpace + " accent-color"_L1, appearanceSpace + " contrast"_L1,
+        appearanceSpace + " reduced-motion"_L1, gnomeSpace + " font-name"_L1,
+        gnomeSpace + " text-scaling-factor"_L1, gnomeSpace + " enable-animations"_L1};
     if (!known.contains(name))
         return;
     m_portal.insert(name, unwrapped(arguments[2]));
@@ -209,7 +214,8 @@ void DesktopAppearance::readKde()
             const qsizetype equals = line.indexOf(u'=');
             if (line.startsWith(u'[') && line.endsWith(u']'))
                 group = line.mid(1, line.size() - 2);
-            else if (equals > 0 && (group == "General"_L1 || group == "Colors:Window"_L1))
+            else if (equals > 0
+                && (group == "General"_L1 || group == "Colors:Window"_L1 || group == "KDE"_L1))
                 values.insert(
                     group + u'/' + line.left(equals).trimmed(), line.mid(equals + 1).trimmed());
         }
@@ -255,7 +261,37 @@ DesktopAppearance::Look DesktopAppearance::look() const
         if (isNumber && std::isfinite(scale))
             look.textScale = std::clamp(scale, 0.5, 3.0);
     }
+    look.reducesMotion = saysNoMotion();
+    look.higherContrast = saysHigherContrast();
     return look;
+}
+
+bool DesktopAppearance::saysNoMotion() const
+{
+    // One that says so is enough: the others answer with their defaults on desktops not theirs.
+    if (m_portal.value(appearanceSpace + " reduced-motion"_L1).toUInt() == 1)
+        return true;
+    if (const QVariant animations = m_portal.value(gnomeSpace + " enable-animations"_L1);
+        animations.isValid() && !animations.toBool())
+        return true;
+    bool isNumber = false;
+    const double durations = m_kde.value(u"KDE/AnimationDurationFactor"_s).toDouble(&isNumber);
+    if (isNumber && durations == 0)
+        return true;
+    const QVariant animations
+        = m_xSettings != nullptr ? m_xSettings->value(u"Gtk/EnableAnimations"_s) : QVariant();
+    return animations.isValid() && animations.toInt() == 0;
+}
+
+bool DesktopAppearance::saysHigherContrast() const
+{
+    constexpr uint higher = 1;
+    if (m_portal.value(appearanceSpace + " contrast"_L1).toUInt() == higher)
+        return true;
+    return m_xSettings != nullptr
+        && m_xSettings->value(u"Net/ThemeName"_s)
+               .toString()
+               .startsWith("HighContrast"_L1, Qt::CaseInsensitive);
 }
 
 void DesktopAppearance::update()

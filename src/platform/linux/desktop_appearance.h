@@ -32,6 +32,7 @@ public:
     Rgba color(model::ColorToken token) const override;
     QString fontFamily() const override { return m_look.fontFamily; }
     double textScale() const override { return m_look.textScale; }
+    bool reducesMotion() const override { return m_look.reducesMotion; }
 
 private:
     struct Look {
@@ -39,6 +40,8 @@ private:
         std::optional<Rgba> accent;
         QString fontFamily;
         double textScale = 1;
+        bool reducesMotion = false;
+        bool higherContrast = false;
 
         bool operator==(const Look &) const = default;
     };
@@ -47,6 +50,8 @@ private:
     void readKde();
     void update();
     Look look() const;
+    bool saysNoMotion() const;
+    bool saysHigherContrast() const;
 
     Q_SLOT void portalSettingChanged(const QDBusMessage &message);
 

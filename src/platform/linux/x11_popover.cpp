@@ -76,6 +76,12 @@ void X11Popover::makeKey()
     grab();
 }
 
+void X11Popover::showSettings()
+{
+    if (m_content)
+        m_content->showSettings();
+}
+
 void X11Popover::performClose()
 {
     if (m_window != nullptr)

@@ -31,6 +31,7 @@ public:
     void prepare() override;
     void show(const ItemAnchor &anchor) override;
     void makeKey() override;
+    void showSettings() override;
     void performClose() override;
 
 protected:

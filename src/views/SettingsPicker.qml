@@ -1,0 +1,155 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Brimwatch
+
+// A caption, and a button that opens a list of options within the popover's own scene. It shows what is stored: `index` of
+// the options, -1 for none of them; `wanted` tells what the user chose.
+Item {
+    id: root
+
+    required property string caption
+    required property list<string> options
+    required property int index
+    required property real boxWidth
+    // Whether the list may be open; it closes when it may not any more.
+    required property bool mayOpen
+    // Where the picker is scrolled to: an open list does not travel.
+    property real scrollPosition: 0
+
+    signal wanted(int index)
+
+    width: parent ? parent.width : implicitWidth
+    implicitHeight: box.height
+
+    onMayOpenChanged: box.popup.close()
+    onScrollPositionChanged: box.popup.close()
+
+    Label {
+        anchors.verticalCenter: parent.verticalCenter
+        width: box.x - 8
+        text: root.caption
+        font.pixelSize: 12
+        elide: Text.ElideRight
+    }
+
+    T.ComboBox {
+        id: box
+
+        objectName: root.objectName + "Box"
+        anchors.right: parent.right
+        width: root.boxWidth
+        height: chosen.implicitHeight + 8
+        model: root.options
+        currentIndex: root.index
+        focusPolicy: Qt.TabFocus
+
+        Accessible.name: root.caption
+
+        onActivated: index => {
+            root.wanted(index);
+            box.currentIndex = Qt.binding(() => root.index);
+        }
+
+        background: Rectangle {
+            radius: 5
+            color: box.down || box.popup.visible ? Theme.pressed : box.hovered ? Theme.hovered : Theme.controlBackground
+            border.color: Theme.controlOutline
+            border.width: 1
+
+            FocusRing {
+                target: box
+                radius: 7
+            }
+        }
+
+        contentItem: Label {
+            id: chosen
+
+            leftPadding: 8
+            rightPadding: 22
+            verticalAlignment: Text.AlignVCenter
+            text: box.displayText
+            font.pixelSize: 11
+            elide: Text.ElideRight
+        }
+
+        indicator: SymbolImage {
+            x: box.width - width - 7
+            y: (box.height - height) / 2
+            name: "chevron.left"
+            rotation: -90
+            pointSize: 8
+            weight: SymbolImage.Weight.Bold
+            color: Theme.secondaryLabel
+        }
+
+        delegate: T.ItemDelegate {
+            id: option
+
+            objectName: "pickerOption"
+
+            required property int index
+            required property string modelData
+
+            width: ListView.view.width
+            height: line.implicitHeight + 8
+            highlighted: box.highlightedIndex === option.index
+            text: option.modelData
+
+            background: Rectangle {
+                radius: 4
+                color: option.highlighted ? Theme.accent : "transparent"
+            }
+
+            contentItem: Item {
+                Label {
+                    id: line
+
+                    anchors.verticalCenter: parent.verticalCenter
+                    x: 7
+                    width: parent.width - 10
+                    text: option.modelData
+                    font.pixelSize: 11
+                    color: option.highlighted ? Theme.onAccent : Theme.label
+                    elide: Text.ElideRight
+                }
+            }
+        }
+
+        // Beside the scene that grows with the text, so it has to grow by itself.
+        popup: T.Popup {
+            objectName: root.objectName + "List"
+            y: box.height + 2
+            width: box.width
+            height: choices.contentHeight + 8
+            padding: 4
+            margins: 4
+            scale: Theme.textScale
+            transformOrigin: T.Popup.TopLeft
+            // The keys of the list are the box's.
+            onAboutToShow: {
+                if (!box.activeFocus)
+                    box.forceActiveFocus(Qt.PopupFocusReason);
+            }
+
+            background: Rectangle {
+                radius: 6
+                color: Theme.ground
+                border.color: Theme.frame
+                border.width: 1
+            }
+
+            contentItem: ListView {
+                id: choices
+
+                clip: true
+                model: box.popup.visible ? box.delegateModel : null
+                currentIndex: box.highlightedIndex
+                boundsBehavior: Flickable.StopAtBounds
+                keyNavigationEnabled: false
+            }
+        }
+    }
+}

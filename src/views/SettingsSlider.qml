@@ -1,0 +1,56 @@
+import QtQuick
+import QtQuick.Templates as T
+import Brimwatch
+
+// A slider that shows what is stored; `wanted` tells where the user moved it to.
+T.Slider {
+    id: root
+
+    property real stored: from
+
+    signal wanted(real value)
+
+    implicitHeight: 20
+    value: root.stored
+    focusPolicy: Qt.TabFocus
+    snapMode: T.Slider.SnapAlways
+
+    onMoved: {
+        // A key adds a step to whatever was stored.
+        const step = Math.round(root.value / root.stepSize) * root.stepSize;
+        root.wanted(Math.max(root.from, Math.min(step, root.to)));
+        root.value = Qt.binding(() => root.stored);
+    }
+
+    background: Rectangle {
+        x: 7
+        y: (root.height - height) / 2
+        width: root.width - 14
+        height: 4
+        radius: 2
+        color: Theme.track
+
+        Rectangle {
+            width: root.visualPosition * parent.width
+            height: parent.height
+            radius: 2
+            color: Theme.accent
+        }
+    }
+
+    handle: Rectangle {
+        x: root.visualPosition * (root.width - width)
+        y: (root.height - height) / 2
+        width: 14
+        height: 14
+        radius: 7
+        color: Theme.accent
+        border.color: Theme.cardBackground
+        border.width: root.pressed ? 3 : 2
+
+        FocusRing {
+            target: root
+            radius: 9
+        }
+    }
+}

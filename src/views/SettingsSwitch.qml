@@ -1,0 +1,88 @@
+import QtQuick
+import QtQuick.Templates as T
+import Brimwatch
+
+// A labelled switch over the whole width. It shows what is stored: `toggled` tells what the user wants, and whoever hears of
+// it changes `on` or does not.
+T.Switch {
+    id: root
+
+    property bool on: false
+    property string symbol: ""
+
+    signal wanted(bool on)
+
+    width: parent ? parent.width : implicitWidth
+    implicitWidth: caption.implicitWidth + track.width + 8
+    implicitHeight: Math.max(caption.implicitHeight, track.height) + 4
+    padding: 0
+    focusPolicy: Qt.TabFocus
+    checked: root.on
+    opacity: enabled ? 1 : 0.45
+
+    onToggled: {
+        root.wanted(root.checked);
+        root.checked = Qt.binding(() => root.on);
+    }
+
+    indicator: Rectangle {
+        id: track
+
+        x: root.width - width
+        y: (root.height - height) / 2
+        width: 30
+        height: 17
+        radius: height / 2
+        color: root.checked ? Theme.accent : Theme.track
+        border.color: root.checked ? "transparent" : Theme.controlOutline
+        border.width: 1
+
+        Rectangle {
+            x: 2 + root.visualPosition * (track.width - width - 4)
+            y: 2
+            width: 13
+            height: 13
+            radius: 6.5
+            color: root.checked ? "white" : Theme.secondaryLabel
+            border.color: "#40000000"
+            border.width: root.checked ? 1 : 0
+
+            Behavior on x {
+                enabled: !root.down && !Theme.reducesMotion
+
+                NumberAnimation {
+                    duration: 120
+                }
+            }
+        }
+
+        FocusRing {
+            target: root
+            reach: 2
+            radius: track.radius + 2
+        }
+    }
+
+    contentItem: Item {
+        SymbolImage {
+            id: mark
+
+            anchors.verticalCenter: parent.verticalCenter
+            visible: root.symbol !== ""
+            name: root.symbol
+            pointSize: 11
+            color: Theme.label
+        }
+
+        Label {
+            id: caption
+
+            anchors.verticalCenter: parent.verticalCenter
+            x: root.symbol === "" ? 0 : 18
+            width: parent.width - x - track.width - 8
+            text: root.text
+            font.pixelSize: 12
+            elide: Text.ElideRight
+        }
+    }
+}

@@ -1,0 +1,113 @@
+#pragma once
+
+#include "service/quota_service.h"
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QtQml/qqmlregistration.h>
+
+#include <functional>
+
+namespace brimwatch::platform {
+class Opener;
+class Pasteboard;
+} // namespace brimwatch::platform
+
+namespace brimwatch::service {
+class Diagnostics;
+class LaunchAtLogin;
+} // namespace brimwatch::service
+
+namespace brimwatch::views {
+
+/// What the settings show and do beyond the service's own properties, which they are bound to.
+class SettingsModel final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Made by the popover's content.")
+    Q_PROPERTY(brimwatch::service::QuotaService *service READ service CONSTANT FINAL)
+    Q_PROPERTY(bool isShown READ isShown NOTIFY isShownChanged FINAL)
+    Q_PROPERTY(bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY
+            launchAtLoginChanged FINAL)
+    Q_PROPERTY(bool requiresApproval READ requiresApproval NOTIFY launchAtLoginChanged FINAL)
+    Q_PROPERTY(QString approvalText READ approvalText CONSTANT FINAL)
+    Q_PROPERTY(QStringList labelStyleNames READ labelStyleNames CONSTANT FINAL)
+    Q_PROPERTY(int labelStyle READ labelStyle WRITE setLabelStyle NOTIFY labelStyleChanged FINAL)
+    Q_PROPERTY(QStringList refreshIntervalNames READ refreshIntervalNames CONSTANT FINAL)
+    Q_PROPERTY(int refreshInterval READ refreshInterval WRITE setRefreshInterval NOTIFY
+            refreshIntervalChanged FINAL)
+    Q_PROPERTY(QString thresholdText READ thresholdText NOTIFY thresholdTextChanged FINAL)
+    Q_PROPERTY(bool hasDaemon READ hasDaemon NOTIFY daemonChanged FINAL)
+    Q_PROPERTY(QStringList daemonLabels READ daemonLabels NOTIFY daemonChanged FINAL)
+    Q_PROPERTY(QStringList daemonValues READ daemonValues NOTIFY daemonChanged FINAL)
+    Q_PROPERTY(QString lastUpdate READ lastUpdate NOTIFY lastUpdateChanged FINAL)
+    Q_PROPERTY(QString appVersion READ appVersion CONSTANT FINAL)
+
+public:
+    /// Everything outlives the model.
+    struct Dependencies {
+        service::QuotaService &quotaService;
+        service::LaunchAtLogin &launchAtLogin;
+        const service::Diagnostics &diagnostics;
+        platform::Opener &opener;
+        platform::Pasteboard &pasteboard;
+        std::function<void()> terminate;
+    };
+
+    explicit SettingsModel(Dependencies dependencies, QObject *parent = nullptr);
+    ~SettingsModel() override;
+
+    service::QuotaService *service() const { return &m_dependencies.quotaService; }
+
+    /// Whether the settings can be seen. Each time that they come to be, the system is asked anew
+    /// whether it starts us at login.
+    bool isShown() const { return m_isShown; }
+    void setShown(bool shown);
+
+    bool launchAtLogin() const;
+    void setLaunchAtLogin(bool enabled);
+    bool requiresApproval() const;
+    QString approvalText() const;
+
+    QStringList labelStyleNames() const;
+    /// The index of the style in use; text that names none is in use as the first.
+    int labelStyle() const;
+    void setLabelStyle(int index);
+
+    QStringList refreshIntervalNames() const;
+    /// The index of the stored interval; -1 when it is none of those offered.
+    int refreshInterval() const;
+    void setRefreshInterval(int index);
+
+    /// "20%"
+    QString thresholdText() const;
+
+    bool hasDaemon() const;
+    /// What is known of the active daemon, label for label and value for value; empty without one.
+    QStringList daemonLabels() const;
+    QStringList daemonValues() const;
+    QString lastUpdate() const;
+    QString appVersion() const;
+
+    Q_INVOKABLE void openLoginSettings();
+    Q_INVOKABLE void openDaemonFolder();
+    Q_INVOKABLE void copyDiagnostics();
+    Q_INVOKABLE void sendSupportEmail();
+    Q_INVOKABLE void quit() const;
+
+Q_SIGNALS:
+    void isShownChanged();
+    void launchAtLoginChanged();
+    void labelStyleChanged();
+    void refreshIntervalChanged();
+    void thresholdTextChanged();
+    void daemonChanged();
+    void lastUpdateChanged();
+
+private:
+    Dependencies m_dependencies;
+    bool m_isShown = false;
+};
+
+} // namespace brimwatch::views

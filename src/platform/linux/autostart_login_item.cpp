@@ -211,32 +211,27 @@ QStringList currentDesktops()
 
 QList<QStringList> autostartPanels(const QStringList &desktops)
 {
-    struct Panel {
-        const char *desktop;
-        QStringList command;
-    };
-    // Where a desktop has had several, the newest comes first. All but the KDE and Cinnamon ones
-    // open on their only page or one before it.
-    static const std::initializer_list<Panel> known{
-        {"XFCE", {u"xfce4-session-settings"_s}},
-        {"MATE", {u"mate-session-properties"_s}},
-        {"LXQt", {u"lxqt-config-session"_s}},
-        {"LXDE", {u"lxsession-edit"_s}},
-        {"KDE", {u"systemsettings"_s, u"kcm_autostart"_s}},
-        {"KDE", {u"systemsettings5"_s, u"kcm_autostart"_s}},
-        {"KDE", {u"kcmshell6"_s, u"kcm_autostart"_s}},
-        {"KDE", {u"kcmshell5"_s, u"kcm_autostart"_s}},
-        {"X-Cinnamon", {u"cinnamon-settings"_s, u"startup"_s}},
-        {"Budgie", {u"budgie-desktop-settings"_s}},
-        {"GNOME", {u"gnome-session-properties"_s}},
-        {"GNOME", {u"gnome-tweaks"_s}},
-        {"Unity", {u"gnome-session-properties"_s}},
+    // Where a desktop has had several, the newest comes first.
+    static const QList<std::pair<QLatin1StringView, QStringList>> known{
+        {"XFCE"_L1, {u"xfce4-session-settings"_s}},
+        {"MATE"_L1, {u"mate-session-properties"_s}},
+        {"LXQt"_L1, {u"lxqt-config-session"_s}},
+        {"LXDE"_L1, {u"lxsession-edit"_s}},
+        {"KDE"_L1, {u"systemsettings"_s, u"kcm_autostart"_s}},
+        {"KDE"_L1, {u"systemsettings5"_s, u"kcm_autostart"_s}},
+        {"KDE"_L1, {u"kcmshell6"_s, u"kcm_autostart"_s}},
+        {"KDE"_L1, {u"kcmshell5"_s, u"kcm_autostart"_s}},
+        {"X-Cinnamon"_L1, {u"cinnamon-settings"_s, u"startup"_s}},
+        {"Budgie"_L1, {u"budgie-desktop-settings"_s}},
+        {"GNOME"_L1, {u"gnome-session-properties"_s}},
+        {"GNOME"_L1, {u"gnome-tweaks"_s}},
+        {"Unity"_L1, {u"gnome-session-properties"_s}},
     };
     QList<QStringList> commands;
     for (const QString &desktop : desktops) {
-        for (const auto &panel : known) {
-            if (desktop == QLatin1StringView(panel.desktop) && !commands.contains(panel.command))
-                commands.append(panel.command);
+        for (const auto &[name, command] : known) {
+            if (desktop == name && !commands.contains(command))
+                commands.append(command);
         }
     }
     return commands;

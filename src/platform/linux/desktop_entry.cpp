@@ -5,6 +5,7 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <utility>
 
 namespace brimwatch::platform {
 
@@ -54,21 +55,21 @@ QString escaped(const QString &value)
     for (const QChar c : value) {
         switch (c.unicode()) {
         case u'\n':
-            result += "\\n"_L1;
+            result += R"(\n)"_L1;
             break;
         case u'\t':
-            result += "\\t"_L1;
+            result += R"(\t)"_L1;
             break;
         case u'\r':
-            result += "\\r"_L1;
+            result += R"(\r)"_L1;
             break;
         case u'\\':
-            result += "\\\\"_L1;
+            result += R"(\\)"_L1;
             break;
         default:
             // Space in front of a value is not part of it.
             if (c == u' ' && result.isEmpty())
-                result += "\\s"_L1;
+                result += R"(\s)"_L1;
             else
                 result += c;
         }
@@ -199,7 +200,7 @@ void DesktopEntryText::setList(QLatin1StringView key, const QStringList &items)
 {
     QString value;
     for (const QString &item : items)
-        value += escaped(item).replace(u';', "\\;"_L1) + u';';
+        value += escaped(item).replace(u';', R"(\;)"_L1) + u';';
     setRaw(key, value.toUtf8());
 }
 
@@ -228,9 +229,11 @@ void DesktopEntryText::setRaw(QLatin1StringView key, const QByteArray &value)
 
 void DesktopEntryText::remove(QLatin1StringView key)
 {
-    const auto lines = linesOf(key);
-    for (auto i = lines.crbegin(); i != lines.crend(); ++i)
-        m_lines.removeAt(*i);
+    // From the end, so that the numbers hold.
+    auto lines = linesOf(key);
+    std::reverse(lines.begin(), lines.end());
+    for (const qsizetype line : std::as_const(lines))
+        m_lines.removeAt(line);
 }
 
 bool canBeStarted(const QString &program)

@@ -8,9 +8,12 @@ namespace {
 bool containsWholeCharacters(
     const QString &name, const QString &part, Qt::CaseSensitivity sensitivity)
 {
-    for (auto at = name.indexOf(part, 0, sensitivity); at >= 0;
-        at = name.indexOf(part, at + 1, sensitivity)) {
-        QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, name);
+    auto at = name.indexOf(part, 0, sensitivity);
+    if (at < 0)
+        return false;
+    // It looks at the whole name when it is made, so there is one for all the places.
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, name);
+    for (; at >= 0; at = name.indexOf(part, at + 1, sensitivity)) {
         finder.setPosition(at);
         if (!finder.isAtBoundary())
             continue;

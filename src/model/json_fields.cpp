@@ -24,73 +24,92 @@ bool isText(const QJsonValue &value)
 
 } // namespace
 
-JsonFields::JsonFields(QJsonObject object, QString path, std::optional<DecodingError> &firstError)
+JsonFields::JsonFields(QJsonObject object, std::optional<DecodingError> &firstError)
     : m_object(std::move(object))
-    , m_path(std::move(path))
     , m_firstError(firstError)
+{
+}
+
+JsonFields::JsonFields(QJsonObject object, const JsonFields &parent, Step step)
+    : m_object(std::move(object))
+    , m_parent(&parent)
+    , m_step(step)
+    , m_firstError(parent.m_firstError)
 {
 }
 
 QString JsonFields::text(QLatin1StringView key)
 {
-    const auto value = m_object.value(key);
-    if (!isText(value))
-        fails(pathOf(key), "a text"_L1);
-    return value.toString();
+    const auto value = valueOf(key);
+    if (isText(value))
+        return value.toString();
+    fails({.key = key, .index = std::nullopt}, "a text"_L1);
+    return {};
 }
 
 std::optional<QString> JsonFields::optionalText(QLatin1StringView key)
 {
-    if (isAbsent(m_object.value(key)))
+    if (isAbsent(valueOf(key)))
         return std::nullopt;
     return text(key);
 }
 
 double JsonFields::number(QLatin1StringView key)
 {
-    const auto value = m_object.value(key);
-    if (!value.isDouble() || !std::isfinite(value.toDouble()))
-        fails(pathOf(key), "a number"_L1);
-    return value.toDouble();
+    const auto value = valueOf(key);
+    if (value.isDouble() && std::isfinite(value.toDouble()))
+        return value.toDouble();
+    fails({.key = key, .index = std::nullopt}, "a number"_L1);
+    return {};
 }
 
 std::optional<std::int64_t> JsonFields::optionalInteger(QLatin1StringView key)
 {
-    const auto value = m_object.value(key);
+    const auto value = valueOf(key);
     if (isAbsent(value))
         return std::nullopt;
     // toInteger gives its default for what is no integer; two defaults tell that from an integer
     // that happens to be one.
     const auto integer = value.toInteger(0);
-    if (!value.isDouble() || integer != value.toInteger(1))
-        fails(pathOf(key), "an integer"_L1);
-    return integer;
+    if (value.isDouble() && integer == value.toInteger(1))
+        return integer;
+    fails({.key = key, .index = std::nullopt}, "an integer"_L1);
+    return std::nullopt;
 }
 
-QString JsonFields::pathOf(QLatin1StringView key) const
+QJsonValue JsonFields::valueOf(QLatin1StringView key) const
 {
-    return m_path.isEmpty() ? QString(key) : m_path + u'.' + key;
-}
-
-void JsonFields::fails(const QString &path, QLatin1StringView expected)
-{
-    if (!m_firstError)
-        m_firstError = DecodingError{path + u": " + expected + u" is needed"};
+    return m_firstError ? QJsonValue(QJsonValue::Undefined) : m_object.value(key);
 }
 
 QJsonArray JsonFields::requiredArray(QLatin1StringView key)
 {
-    const auto value = m_object.value(key);
+    const auto value = valueOf(key);
     if (!value.isArray())
-        fails(pathOf(key), "an array"_L1);
+        fails({.key = key, .index = std::nullopt}, "an array"_L1);
     return value.toArray();
 }
 
-QJsonObject JsonFields::objectAt(const QJsonValue &value, const QString &path)
+JsonFields JsonFields::fieldsOf(const QJsonValue &value, const Step &step)
 {
     if (!value.isObject())
-        fails(path, "an object"_L1);
-    return value.toObject();
+        fails(step, "an object"_L1);
+    return {value.toObject(), *this, step};
+}
+
+void JsonFields::fails(const Step &step, QLatin1StringView expected)
+{
+    if (!m_firstError)
+        m_firstError = DecodingError{pathOf(step) + u": " + expected + u" is needed"};
+}
+
+QString JsonFields::pathOf(const Step &step) const
+{
+    QString path = m_parent == nullptr ? QString() : m_parent->pathOf(m_step) + u'.';
+    path += step.key;
+    if (step.index)
+        path += u'[' + QString::number(*step.index) + u']';
+    return path;
 }
 
 Result<QJsonObject, DecodingError> parseJsonObject(const QByteArray &body)

@@ -19,13 +19,13 @@ namespace brimwatch::model {
 /// The fields of one JSON object, read strictly: a required field that is missing or null and any
 /// field of the wrong type is an error; an optional one that is missing or null is absent.
 ///
-/// Reading goes on after an error, with empty values; the first error is what counts, and the
-/// caller throws the record away. So a record's fields can be read in one expression.
+/// The first error ends the reading: every field after it is empty, no further record of an array
+/// is read, and the caller throws away what there is. So a record's fields can be read in one
+/// expression, and a body of a million faults costs no more than the first of them.
 class JsonFields {
 public:
-    /// `path` names the object in error texts, empty for the outermost one. `firstError` is shared
-    /// by the objects of one body and must outlive them.
-    JsonFields(QJsonObject object, QString path, std::optional<DecodingError> &firstError);
+    /// The outermost object of a body. `firstError` must outlive the fields.
+    JsonFields(QJsonObject object, std::optional<DecodingError> &firstError);
 
     QString text(QLatin1StringView key);
     std::optional<QString> optionalText(QLatin1StringView key);
@@ -33,38 +33,48 @@ public:
     /// Integers of 64 bits; 1.0 is one of them, 1.5 and 2^63 are none.
     std::optional<std::int64_t> optionalInteger(QLatin1StringView key);
 
-    /// The records of an array of objects, each read by `read(JsonFields)`.
+    /// The records of an array of objects, each read by `read(JsonFields)`, which must not keep the
+    /// fields.
     template <typename Read> auto records(QLatin1StringView key, Read read)
     {
         const auto array = requiredArray(key);
+        // No room is reserved: how long an array claims to be says nothing before it is read.
         QList<decltype(read(std::declval<JsonFields>()))> records;
-        records.reserve(array.size());
-        for (qsizetype i = 0; i < array.size(); ++i) {
-            const QString path = pathOf(key) + u'[' + QString::number(i) + u']';
-            records.append(read(JsonFields(objectAt(array.at(i), path), path, m_firstError)));
-        }
+        for (qsizetype i = 0; i < array.size() && !m_firstError; ++i)
+            records.append(read(fieldsOf(array.at(i), Step{.key = key, .index = i})));
         return records;
     }
 
-    /// The record of an object, read by `read(JsonFields)`.
+    /// The record of an object, read by `read(JsonFields)`, which must not keep the fields.
     template <typename Read>
     auto optionalRecord(QLatin1StringView key, Read read)
         -> std::optional<decltype(read(std::declval<JsonFields>()))>
     {
-        const auto value = m_object.value(key);
+        const auto value = valueOf(key);
         if (value.isUndefined() || value.isNull())
             return std::nullopt;
-        return read(JsonFields(objectAt(value, pathOf(key)), pathOf(key), m_firstError));
+        return read(fieldsOf(value, Step{.key = key, .index = std::nullopt}));
     }
 
 private:
-    QString pathOf(QLatin1StringView key) const;
-    void fails(const QString &path, QLatin1StringView expected);
+    /// From an object to one within it.
+    struct Step {
+        QLatin1StringView key;
+        std::optional<qsizetype> index; ///< In the array of that key.
+    };
+
+    JsonFields(QJsonObject object, const JsonFields &parent, Step step);
+
+    /// Undefined when it is missing and after an error.
+    QJsonValue valueOf(QLatin1StringView key) const;
     QJsonArray requiredArray(QLatin1StringView key);
-    QJsonObject objectAt(const QJsonValue &value, const QString &path);
+    JsonFields fieldsOf(const QJsonValue &value, const Step &step);
+    void fails(const Step &step, QLatin1StringView expected);
+    QString pathOf(const Step &step) const;
 
     QJsonObject m_object;
-    QString m_path;
+    const JsonFields *m_parent = nullptr; ///< None: the outermost object.
+    Step m_step; ///< From the parent to here.
     std::optional<DecodingError> &m_firstError;
 };
 
@@ -77,7 +87,7 @@ auto decodeRecord(const QJsonObject &object, Read read)
     -> Result<decltype(read(std::declval<JsonFields>())), DecodingError>
 {
     std::optional<DecodingError> error;
-    auto record = read(JsonFields(object, {}, error));
+    auto record = read(JsonFields(object, error));
     if (error)
         return fail(*std::move(error));
     return record;

@@ -16,8 +16,8 @@ struct DecodingError {
 };
 
 /// Decodes a whole body. All or nothing: one missing, null or wrongly typed required field refuses
-/// it whole, as does a wrongly typed optional one. Unknown keys are ignored; of two equal keys one
-/// wins.
+/// it whole, as does a wrongly typed optional one, and nothing after it is read. Unknown keys are
+/// ignored; of two equal keys one wins.
 Result<QuotaSummaryEnvelope, DecodingError> decodeQuotaSummaryEnvelope(const QByteArray &body);
 /// The same for a body that is a summary without an envelope.
 Result<QuotaSummary, DecodingError> decodeQuotaSummary(const QByteArray &body);

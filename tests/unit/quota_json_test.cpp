@@ -1,3 +1,4 @@
+#include "model/json_fields.h"
 #include "model/quota_json.h"
 
 #include <QJsonArray>
@@ -65,6 +66,8 @@ private Q_SLOTS:
     void hostileBodiesAreRefused();
     void anErrorNamesThePlaceAndHoldsNoValue();
     void theFirstErrorIsTheOneTold();
+    void nothingIsReadAfterTheFirstError_data();
+    void nothingIsReadAfterTheFirstError();
 };
 
 void QuotaJsonTest::everyFieldIsDecoded()
@@ -353,6 +356,50 @@ void QuotaJsonTest::theFirstErrorIsTheOneTold()
         = decodeQuotaSummary(R"({"groups":[{"displayName":1,"buckets":2}],"description":3})");
     QVERIFY(!summary);
     QCOMPARE(summary.error().description, u"groups[0].displayName: a text is needed"_s);
+}
+
+void QuotaJsonTest::nothingIsReadAfterTheFirstError_data()
+{
+    QTest::addColumn<QByteArray>("inners");
+    QTest::addColumn<int>("read");
+    QTest::addColumn<QString>("error");
+    const QByteArray good = R"({"name":"n"},)";
+    QTest::newRow("none wrong") << QByteArray(good.repeated(999) + R"({"name":"n"})") << 4000
+                                << QString();
+    QTest::newRow("all wrong") << QByteArray(QByteArray("{},").repeated(999) + "{}") << 1
+                               << u"outers[0].inners[0].name: a text is needed"_s;
+    QTest::newRow("no objects") << QByteArray(QByteArray("5,").repeated(999) + "5") << 1
+                                << u"outers[0].inners[0]: an object is needed"_s;
+    QTest::newRow("one wrong") << QByteArray(
+        good.repeated(10) + R"({"name":5},)" + good.repeated(988) + R"({"name":"n"})")
+                               << 11 << u"outers[0].inners[10].name: a text is needed"_s;
+}
+
+void QuotaJsonTest::nothingIsReadAfterTheFirstError()
+{
+    QFETCH(const QByteArray, inners);
+    QFETCH(const int, read);
+    QFETCH(const QString, error);
+    const QByteArray outer = R"({"inners":[)" + inners + "]}";
+    const auto object = parseJsonObject(
+        R"({"outers":[)" + QByteArray(outer + ',').repeated(3) + outer + R"(],"late":"text"})");
+    QVERIFY(object.has_value());
+
+    int innersRead = 0;
+    QString late;
+    const auto names = decodeRecord(*object, [&](JsonFields body) {
+        auto outers = body.records("outers"_L1, [&](JsonFields fields) {
+            return fields.records("inners"_L1, [&](JsonFields inner) {
+                ++innersRead;
+                return inner.text("name"_L1);
+            });
+        });
+        late = body.text("late"_L1);
+        return outers;
+    });
+    QCOMPARE(innersRead, read);
+    QCOMPARE(names ? QString() : names.error().description, error);
+    QCOMPARE(late, names ? u"text"_s : QString());
 }
 
 } // namespace brimwatch::model

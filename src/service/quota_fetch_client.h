@@ -27,8 +27,9 @@ public:
     struct Limits {
         /// For one daemon, from the start to the last byte.
         std::chrono::milliseconds attempt{4000};
-        /// A longer body counts as one that makes no sense.
-        qint64 body = 4LL * 1024 * 1024;
+        /// A longer body counts as one that makes no sense. Thousands of buckets fit, and what fits
+        /// is decoded before the next event.
+        qint64 body = 1024LL * 1024;
     };
 
     /// `trusted`: authorities beside the system's own whose certificates count over https. Empty:

@@ -41,10 +41,17 @@ struct ModificationTime {
     }
 };
 
-struct File {
-    QByteArray content;
-    ModificationTime modified;
+/// An entry of the directory with the name of an announcement.
+struct Entry {
+    QByteArray name;
+    ModificationTime modified; ///< Of the entry: a link's own.
+    qsizetype position = 0; ///< In the listing.
 };
+
+bool isNewer(const Entry &a, const Entry &b)
+{
+    return a.modified != b.modified ? a.modified > b.modified : a.position < b.position;
+}
 
 struct Candidate {
     DaemonInfo info;
@@ -89,43 +96,81 @@ ModificationTime modificationTime(const struct stat &status)
     return {.seconds = time.tv_sec, .nanoseconds = time.tv_nsec};
 }
 
-/// The content of the regular file of that name, or of the one that a link of that name leads to.
-/// Absent when there is none, it cannot be read or is larger than the cap.
-std::optional<File> readFile(int directory, const char *name)
+/// Drops all but so many of the newest.
+void keepNewest(QList<Entry> &entries, qsizetype most)
 {
+    if (entries.size() <= most)
+        return;
+    qCDebug(logDiscovery) << "of" << entries.size() << "files the newest" << most << "are kept";
+    std::nth_element(entries.begin(), entries.begin() + most, entries.end(), isNewer);
+    entries.resize(most);
+}
+
+/// The entries whose names are those of announcements, the newest first, at most so many. A
+/// directory of more takes up no more memory than twice as many.
+QList<Entry> listEntries(DIR *directory, qsizetype most)
+{
+    QList<Entry> entries;
+    qsizetype position = 0;
+    // One scan at a time on a directory of its own: readdir is safe there.
+    while (const dirent *entry = ::readdir(directory)) { // NOLINT(concurrency-mt-unsafe)
+        if (!isCandidateName(QFile::decodeName(entry->d_name)))
+            continue;
+        struct stat status = {};
+        if (::fstatat(::dirfd(directory), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+            continue; // Gone meanwhile.
+        entries.append(
+            {.name = entry->d_name, .modified = modificationTime(status), .position = position++});
+        if (entries.size() >= 2 * most)
+            keepNewest(entries, most);
+    }
+    keepNewest(entries, most);
+    std::sort(entries.begin(), entries.end(), isNewer);
+    return entries;
+}
+
+/// The content of the regular file of that name, or of the one that a link of that name leads to.
+/// Absent when there is none, it cannot be read or is larger than `largest` or than `left`, from
+/// which all that was read is taken.
+std::optional<QByteArray> readFile(
+    int directory, const QByteArray &name, qint64 largest, qint64 &left)
+{
+    largest = std::min(largest, left);
     // Looked at before it is opened: opening alone can hang (a FIFO) or do something (a device).
     struct stat status = {};
-    if (::fstatat(directory, name, &status, 0) != 0 || !S_ISREG(status.st_mode)
-        || status.st_size > DaemonDiscoveryService::largestFile)
+    if (::fstatat(directory, name.constData(), &status, 0) != 0 || !S_ISREG(status.st_mode)
+        || status.st_size > largest)
         return std::nullopt;
-    const Descriptor file(::openat(directory, name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    const Descriptor file(
+        ::openat(directory, name.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     // Looked at again: another file may have taken the name meanwhile.
     if (file.get() < 0 || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
         return std::nullopt;
 
-    // One byte more than the cap tells a file that has grown beyond it from one that just fits.
-    constexpr qint64 most = DaemonDiscoveryService::largestFile + 1;
-    File read{.content = {}, .modified = modificationTime(status)};
+    // One byte more than allowed tells a file that has grown beyond it from one that just fits.
+    const qint64 most = largest + 1;
+    QByteArray content;
     qint64 size = 0;
     for (;;) {
         // Sizes are what files say of themselves; those in /proc say 0.
         constexpr qint64 smallestStep = 4096;
-        const qint64 step = std::clamp(qint64{status.st_size} + 1 - size, smallestStep, most);
-        read.content.resize(std::min(size + step, most));
-        const auto got = ::read(file.get(), read.content.data() + size,
-            static_cast<std::size_t>(read.content.size() - size));
+        const qint64 step = std::max(qint64{status.st_size} + 1 - size, smallestStep);
+        content.resize(step < most - size ? size + step : most);
+        const auto got = ::read(
+            file.get(), content.data() + size, static_cast<std::size_t>(content.size() - size));
         if (got < 0 && errno == EINTR)
             continue;
         if (got < 0)
             return std::nullopt;
         size += got;
+        left -= got;
         if (size == most)
             return std::nullopt;
         if (got == 0)
             break;
     }
-    read.content.truncate(size);
-    return read;
+    content.truncate(size);
+    return content;
 }
 
 /// Signal 0 tests whether the process exists and is ours: one of another user counts as dead.
@@ -151,7 +196,13 @@ bool isCandidateName(const QString &fileName)
 }
 
 DaemonDiscoveryService::DaemonDiscoveryService(const QString &home)
+    : DaemonDiscoveryService(home, Limits())
+{
+}
+
+DaemonDiscoveryService::DaemonDiscoveryService(const QString &home, const Limits &limits)
     : m_directory(home + u"/.gemini/antigravity/daemon")
+    , m_limits(limits)
 {
 }
 
@@ -166,27 +217,29 @@ QList<DaemonInfo> DaemonDiscoveryService::discoverDaemons()
     if (!directory)
         return {};
 
+    // The newest are read first, so the bound on all of them leaves out the oldest.
+    const auto entries = listEntries(directory.get(), m_limits.files);
     QList<Candidate> candidates;
-    // One scan at a time on a directory of its own: readdir is safe there.
-    while (const dirent *entry = ::readdir(directory.get())) { // NOLINT(concurrency-mt-unsafe)
-        const QString name = QFile::decodeName(entry->d_name);
-        if (!isCandidateName(name))
-            continue;
-        const auto file = readFile(::dirfd(directory.get()), entry->d_name);
-        if (!file) {
-            qCDebug(logDiscovery) << name << "is skipped: it cannot be read";
+    qint64 bytesLeft = m_limits.bytes;
+    for (const auto &entry : entries) {
+        const QString name = QFile::decodeName(entry.name);
+        const auto content
+            = readFile(::dirfd(directory.get()), entry.name, m_limits.file, bytesLeft);
+        if (!content) {
+            qCDebug(logDiscovery) << name << "is skipped: it cannot be read, or is too much";
             continue;
         }
-        auto info = decodeDaemonInfo(file->content);
+        auto info = decodeDaemonInfo(*content);
         if (!info) {
             qCDebug(logDiscovery) << name << "is skipped:" << info.error().description;
             continue;
         }
         info->filePath = m_directory + u'/' + name;
         const bool alive = isAlive(*info);
-        candidates.append({.info = *std::move(info), .modified = file->modified, .isAlive = alive});
+        candidates.append({.info = *std::move(info), .modified = entry.modified, .isAlive = alive});
     }
 
+    // Equal ones keep the order of the listing: that of the entries above.
     std::stable_sort(
         candidates.begin(), candidates.end(), [](const Candidate &a, const Candidate &b) {
             return std::pair(a.isAlive, a.modified) > std::pair(b.isAlive, b.modified);

@@ -17,11 +17,18 @@ bool isCandidateName(const QString &fileName);
 /// Finds the daemons that announce themselves in the user's discovery directory.
 class DaemonDiscoveryService {
 public:
-    /// Larger files count as unreadable: an announcement is a few hundred bytes.
-    static constexpr qint64 largestFile = qint64{1024} * 1024;
+    /// What one scan takes in, in a directory that anything may have written to. An announcement is
+    /// a few hundred bytes, and a daemon that crashed leaves one behind.
+    struct Limits {
+        qint64 file = 64LL * 1024; ///< Bytes; larger files count as unreadable.
+        qsizetype files = 16'384; ///< Where there are more candidates, the newest are read.
+        /// Bytes of all files. The newest are read first; what does not fit counts as unreadable.
+        qint64 bytes = 8LL * 1024 * 1024;
+    };
 
     /// `home` is the user's home directory.
     explicit DaemonDiscoveryService(const QString &home);
+    DaemonDiscoveryService(const QString &home, const Limits &limits);
 
     /// $HOME/.gemini/antigravity/daemon
     const QString &directory() const { return m_directory; }
@@ -29,7 +36,8 @@ public:
 
     /// The daemons that announce themselves, those alive first, among equals the newest file first,
     /// then in listing order. What cannot be read or decoded is skipped; nothing is waited for,
-    /// only regular files (or links to them) are opened.
+    /// only regular files (or links to them) are opened. A link counts with the time at which it
+    /// was made, as the entry of the directory that it is.
     ///
     /// A pid that is no 32-bit process id ends the program with a message that names the file.
     QList<DaemonInfo> discoverDaemons();
@@ -44,6 +52,7 @@ public:
 
 private:
     QString m_directory;
+    Limits m_limits;
     std::optional<QDateTime> m_latestDaemonModDate;
     std::optional<QDateTime> m_lastSuccessfulUpdate;
 };

@@ -13,6 +13,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <functional>
@@ -63,11 +64,11 @@ public:
         touch(name, seconds, nanoseconds);
     }
 
-    void touch(const QByteArray &name, qint64 seconds, long nanoseconds = 0) const
+    void touch(const QByteArray &name, qint64 seconds, long nanoseconds = 0, int flags = 0) const
     {
         const struct timespec time = {.tv_sec = seconds, .tv_nsec = nanoseconds};
         const std::array times{time, time};
-        if (::utimensat(AT_FDCWD, encoded(name).constData(), times.data(), 0) != 0)
+        if (::utimensat(AT_FDCWD, encoded(name).constData(), times.data(), flags) != 0)
             qFatal("%s cannot be dated", name.constData());
     }
 
@@ -203,8 +204,12 @@ private Q_SLOTS:
 
     void tenThousandFilesAmongMuchElseAreFound();
     void linksToRegularFilesAreFollowed();
+    void aLinkCountsWithItsOwnTime();
     void onlyWhatIsARegularFileIsOpened();
     void aFileOfTheCapIsReadAndALargerOneIsNot();
+    void ofTooManyFilesTheNewestAreRead();
+    void ofTooManyBytesTheNewestAreRead();
+    void whatWasDecodedOfAScanIsBoundedToo();
     void whatMayNotBeReadIsSkipped();
     void aNameThatIsNoTextIsStillRead();
     void hiddenAndNestedFilesAreNotAsked();
@@ -446,15 +451,29 @@ void DaemonDiscoveryServiceTest::tenThousandFilesAmongMuchElseAreFound()
 void DaemonDiscoveryServiceTest::linksToRegularFilesAreFollowed()
 {
     const Home home;
-    home.write("target", R"({"httpPort":7})", nine + 60);
+    home.write("target", R"({"httpPort":7})");
     home.link("target", "ls_link.json");
-    home.write("ls_file.json", "{}", nine);
     const auto infos = DaemonDiscoveryService(home.path()).discoverDaemons();
-    // The link's own time is now; what counts is that of what is read.
-    QCOMPARE(namesOf(infos), (QStringList{u"ls_link.json"_s, u"ls_file.json"_s}));
+    QCOMPARE(namesOf(infos), QStringList{u"ls_link.json"_s});
     QCOMPARE(infos.at(0).httpPort, 7);
-    home.touch("target", nine - 60);
-    QCOMPARE(discovered(home), (QStringList{u"ls_file.json"_s, u"ls_link.json"_s}));
+}
+
+void DaemonDiscoveryServiceTest::aLinkCountsWithItsOwnTime()
+{
+    const Home home;
+    home.write("ls_file.json", "{}", nine);
+    for (const bool linkIsNewer : {true, false}) {
+        home.write("target", "{}", linkIsNewer ? nine - 60 : nine + 60);
+        ::unlink(home.encoded("ls_link.json").constData());
+        home.link("target", "ls_link.json");
+        home.touch("ls_link.json", linkIsNewer ? nine + 60 : nine - 60, 0, AT_SYMLINK_NOFOLLOW);
+        DaemonDiscoveryService service(home.path());
+        QCOMPARE(namesOf(service.discoverDaemons()),
+            linkIsNewer ? (QStringList{u"ls_link.json"_s, u"ls_file.json"_s})
+                        : (QStringList{u"ls_file.json"_s, u"ls_link.json"_s}));
+        QCOMPARE(service.latestDaemonModDate(),
+            QDateTime::fromSecsSinceEpoch(linkIsNewer ? nine + 60 : nine));
+    }
 }
 
 void DaemonDiscoveryServiceTest::onlyWhatIsARegularFileIsOpened()
@@ -478,12 +497,67 @@ void DaemonDiscoveryServiceTest::onlyWhatIsARegularFileIsOpened()
 void DaemonDiscoveryServiceTest::aFileOfTheCapIsReadAndALargerOneIsNot()
 {
     const Home home;
-    constexpr qint64 cap = DaemonDiscoveryService::largestFile;
+    constexpr qint64 cap = DaemonDiscoveryService::Limits().file;
     home.write("ls_cap.json", "{}" + QByteArray(cap - 2, ' '));
     home.write("ls_larger.json", "{}" + QByteArray(cap - 1, ' '));
     home.write("ls_sparse.json", "{}");
     QCOMPARE(::truncate(home.encoded("ls_sparse.json").constData(), 100LL * 1024 * 1024), 0);
     QCOMPARE(discovered(home), QStringList{u"ls_cap.json"_s});
+}
+
+void DaemonDiscoveryServiceTest::ofTooManyFilesTheNewestAreRead()
+{
+    const Home home;
+    constexpr int count = 100;
+    for (int i = 0; i < count; ++i) // The newest is neither the first nor the last to be listed.
+        home.write("ls_" + QByteArray::number(i) + ".json", "{}", nine + (i * 37) % count);
+    for (const int most : {1, 7, 99, 100, 1000}) {
+        DaemonDiscoveryService service(home.path(), {.files = most});
+        const auto names = namesOf(service.discoverDaemons());
+        QCOMPARE(names.size(), std::min(most, count));
+        for (int i = 0; i < names.size(); ++i) {
+            const int number = names.at(i).mid(3).chopped(5).toInt();
+            QCOMPARE((number * 37) % count, count - 1 - i);
+        }
+        QCOMPARE(service.latestDaemonModDate(), QDateTime::fromSecsSinceEpoch(nine + count - 1));
+    }
+}
+
+void DaemonDiscoveryServiceTest::ofTooManyBytesTheNewestAreRead()
+{
+    const Home home;
+    home.write("ls_newest.json", "{}" + QByteArray(998, ' '), nine + 3);
+    home.write("ls_too_much.json", "{}" + QByteArray(999, ' '), nine + 2);
+    home.write("ls_older.json", "{}" + QByteArray(497, ' '), nine + 1);
+    home.write("ls_oldest.json", "{}" + QByteArray(500, ' '), nine);
+    const auto found = [&home](qint64 bytes) {
+        return namesOf(DaemonDiscoveryService(home.path(), {.bytes = bytes}).discoverDaemons());
+    };
+    QCOMPARE(found(999), QStringList{u"ls_older.json"_s});
+    QCOMPARE(found(1000), QStringList{u"ls_newest.json"_s});
+    QCOMPARE(found(2000), (QStringList{u"ls_newest.json"_s, u"ls_older.json"_s}));
+    QCOMPARE(found(2001), (QStringList{u"ls_newest.json"_s, u"ls_too_much.json"_s}));
+    QCOMPARE(found(3002).size(), 4);
+}
+
+void DaemonDiscoveryServiceTest::whatWasDecodedOfAScanIsBoundedToo()
+{
+    const Home home;
+    constexpr DaemonDiscoveryService::Limits limits;
+    const QByteArray version(limits.file - 100, 'v');
+    for (int i = 0; i < 400; ++i)
+        home.write("ls_" + QByteArray::number(i) + ".json", R"({"lsVersion":")" + version + "\"}");
+    // Twice as large as allowed, it is no announcement; dead or alive.
+    home.write("ls_huge.json",
+        "{\"pid\":" + QByteArray::number(::getpid()) + ",\"lsVersion\":\"" + version + version
+            + "\"}");
+    qsizetype letters = 0;
+    const auto infos = DaemonDiscoveryService(home.path()).discoverDaemons();
+    for (const auto &info : infos)
+        letters += info.lsVersion.value_or(QString()).size();
+    QVERIFY(!namesOf(infos).contains(u"ls_huge.json"_s));
+    QVERIFY(letters > limits.bytes / 2);
+    QVERIFY(letters <= limits.bytes);
 }
 
 void DaemonDiscoveryServiceTest::whatMayNotBeReadIsSkipped()

@@ -1,12 +1,31 @@
 #include "platform/linux/desktop_opener.h"
 
+#include <QDesktopServices>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QUrl>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch::platform;
+
+/// Takes what the toolkit is asked to open in place of the desktop's own programs.
+class FileHandler : public QObject {
+    Q_OBJECT
+
+public:
+    FileHandler() { QDesktopServices::setUrlHandler(u"file"_s, this, "open"); }
+    ~FileHandler() override { QDesktopServices::unsetUrlHandler(u"file"_s); }
+
+    const QList<QUrl> &opened() const { return m_opened; }
+
+public Q_SLOTS:
+    void open(const QUrl &url) { m_opened.append(url); }
+
+private:
+    QList<QUrl> m_opened;
+};
 
 class DesktopOpenerTest : public QObject {
     Q_OBJECT
@@ -83,7 +102,82 @@ private Q_SLOTS:
         QVERIFY(!findAntigravity(directories()));
     }
 
+    void theInstallersOwnPathsAreKnownInTheirOrder()
+    {
+        QCOMPARE(installedPaths(),
+            (QStringList{u"/Applications/Antigravity IDE.app"_s,
+                u"/Applications/Antigravity-IDE.app"_s, u"/Applications/Antigravity.app"_s,
+                u"/Applications/Google Antigravity.app"_s}));
+    }
+
+    void theFirstPathThatExistsIsOpened_data()
+    {
+        QTest::addColumn<QList<int>>("existing");
+        QTest::addColumn<int>("opened");
+        QTest::newRow("all") << QList<int>{0, 1, 2, 3} << 0;
+        QTest::newRow("all but the first") << QList<int>{1, 2, 3} << 1;
+        QTest::newRow("the last two") << QList<int>{2, 3} << 2;
+        QTest::newRow("the last") << QList<int>{3} << 3;
+    }
+    void theFirstPathThatExistsIsOpened()
+    {
+        QFETCH(const QList<int>, existing);
+        QFETCH(const int, opened);
+        const QStringList paths = pathsHere();
+        for (const int i : existing)
+            QVERIFY(QDir().mkpath(paths.at(i)));
+        // The entry is of use only where none of them exists.
+        const QString started = writeStartableEntry();
+        DesktopOpener opener(paths, [this] { return directories(); });
+        FileHandler handler;
+        QVERIFY(opener.openAntigravity());
+        QCOMPARE(handler.opened(), QList<QUrl>{QUrl::fromLocalFile(paths.at(opened))});
+        QVERIFY(!QFile::exists(started));
+    }
+
+    void withoutAnyOfThePathsTheDesktopEntryIsStarted()
+    {
+        const QString started = writeStartableEntry();
+        DesktopOpener opener(pathsHere(), [this] { return directories(); });
+        FileHandler handler;
+        QVERIFY(opener.openAntigravity());
+        QTRY_VERIFY(QFile::exists(started));
+        QVERIFY(handler.opened().isEmpty());
+    }
+
+    void anEntryThatCameLaterIsFound()
+    {
+        DesktopOpener opener(pathsHere(), [this] { return directories(); });
+        QVERIFY(!opener.openAntigravity());
+        const QString started = writeStartableEntry();
+        QVERIFY(opener.openAntigravity());
+        QTRY_VERIFY(QFile::exists(started));
+    }
+
+    void nothingIsOpenedWhereNothingIsInstalled()
+    {
+        DesktopOpener opener(pathsHere(), [this] { return directories(); });
+        FileHandler handler;
+        QVERIFY(!opener.openAntigravity());
+        QVERIFY(handler.opened().isEmpty());
+    }
+
 private:
+    /// Four paths as those of the installers, in a folder of our own where none exists.
+    QStringList pathsHere() const
+    {
+        QStringList paths = installedPaths();
+        for (QString &path : paths)
+            path.prepend(m_folder->path());
+        return paths;
+    }
+    /// Writes an entry whose program makes the file returned, in its working directory.
+    QString writeStartableEntry() const
+    {
+        write(u"system/antigravity.desktop"_s,
+            "Exec=touch started\nPath=" + QFile::encodeName(m_folder->path()) + "\n");
+        return m_folder->filePath(u"started"_s);
+    }
     QStringList directories() const
     {
         return {m_folder->filePath(u"home"_s), m_folder->filePath(u"nowhere"_s),
@@ -94,7 +188,7 @@ private:
         const auto entry = findAntigravity(directories());
         return entry ? entry->command : QStringList();
     }
-    void write(const QString &name, const QByteArray &keys)
+    void write(const QString &name, const QByteArray &keys) const
     {
         QFile file(m_folder->filePath(name));
         QVERIFY(file.open(QIODevice::WriteOnly));

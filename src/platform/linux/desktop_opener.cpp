@@ -10,23 +10,11 @@
 #include <QStandardPaths>
 #include <QUrl>
 
-#include <array>
+#include <utility>
 
 namespace brimwatch::platform {
 
 using namespace Qt::Literals::StringLiterals;
-
-namespace {
-
-// Where the IDE's own installers put it.
-constexpr std::array fixedPaths{
-    "/Applications/Antigravity IDE.app",
-    "/Applications/Antigravity-IDE.app",
-    "/Applications/Antigravity.app",
-    "/Applications/Google Antigravity.app",
-};
-
-} // namespace
 
 std::optional<DesktopEntry> readDesktopEntry(const QString &file)
 {
@@ -70,16 +58,27 @@ std::optional<DesktopEntry> findAntigravity(const QStringList &directories)
     return {};
 }
 
+QStringList installedPaths()
+{
+    return {u"/Applications/Antigravity IDE.app"_s, u"/Applications/Antigravity-IDE.app"_s,
+        u"/Applications/Antigravity.app"_s, u"/Applications/Google Antigravity.app"_s};
+}
+
+DesktopOpener::DesktopOpener(QStringList paths, std::function<QStringList()> directories)
+    : m_paths(std::move(paths))
+    , m_directories(std::move(directories))
+{
+}
+
 bool DesktopOpener::openAntigravity()
 {
-    for (const char *path : fixedPaths) {
-        const QString file = QString::fromLatin1(path);
-        if (QFileInfo::exists(file)) {
-            openUrl(QUrl::fromLocalFile(file));
+    for (const QString &path : std::as_const(m_paths)) {
+        if (QFileInfo::exists(path)) {
+            openUrl(QUrl::fromLocalFile(path));
             return true;
         }
     }
-    const auto entry = findAntigravity(applicationDirectories());
+    const auto entry = findAntigravity(m_directories());
     if (!entry)
         return false;
     return QProcess::startDetached(

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 namespace brimwatch::platform {
@@ -28,11 +29,23 @@ QStringList applicationDirectories();
 /// directories, also when it is hidden itself.
 std::optional<DesktopEntry> findAntigravity(const QStringList &directories);
 
+/// Where the IDE's own installers put it, the first choice first.
+QStringList installedPaths();
+
 /// Opens things as freedesktop desktops do.
 class DesktopOpener final : public Opener {
 public:
+    /// The IDE is the first of `paths` that exists, or else that of its desktop entry, looked for
+    /// in `directories` each time.
+    explicit DesktopOpener(QStringList paths = installedPaths(),
+        std::function<QStringList()> directories = applicationDirectories);
+
     bool openAntigravity() override;
     void openUrl(const QUrl &url) override;
+
+private:
+    QStringList m_paths;
+    std::function<QStringList()> m_directories;
 };
 
 } // namespace brimwatch::platform

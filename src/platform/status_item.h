@@ -19,10 +19,14 @@ struct ItemAnchor {
 };
 
 /// What the item says beyond its label, for tooltips, screen readers and panels that show text.
-/// Plain text.
+/// Plain text that whoever makes it keeps within the bounds: names come from a server, and a
+/// tooltip should fit a screen.
 struct ItemDescription {
+    static constexpr qsizetype longestLine = 400; ///< In UTF-16 units; the title is a line too.
+    static constexpr qsizetype mostLines = 40;
+
     QString title; ///< The label as a line of text.
-    QStringList lines; ///< A line for each bucket, and one for what is wrong.
+    QStringList lines; ///< A line for each bucket, and a last one for what is wrong.
 
     bool operator==(const ItemDescription &) const = default;
 };

@@ -85,6 +85,7 @@ private Q_SLOTS:
     void beingThrownOutIsReportedOnce();
     void theWindowIsGoneWithThePresentation();
     void aRestingPointerShowsTheDescriptionBesideTheItem();
+    void theHoverTextHasEveryLineOfTheFullestDescription();
     void aPressTakesTheDescriptionAwayUntilThePointerHasLeft();
     void theDescriptionGoesWithTheItem();
 
@@ -482,6 +483,31 @@ void XembedPresentationTest::aRestingPointerShowsTheDescriptionBesideTheItem()
     QTRY_VERIFY(shownHoverText() && shownHoverText()->height() > text.height());
     m_pointer.moveTo(elsewhere);
     QTRY_VERIFY(!shownHoverText());
+}
+
+void XembedPresentationTest::theHoverTextHasEveryLineOfTheFullestDescription()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    PresentedItem item = sampleItem();
+    item.description.lines = {u"bucket"_s};
+    m_item->present(item);
+    m_pointer.moveTo(itemCentre());
+    QTRY_VERIFY(shownHoverText());
+    const int ofOneLine = shownHoverText()->height();
+    item.description.lines.append(u"bucket"_s);
+    m_item->present(item);
+    QTRY_VERIFY(shownHoverText() && shownHoverText()->height() > ofOneLine);
+    const int lineHeight = shownHoverText()->height() - ofOneLine;
+
+    constexpr int most = ItemDescription::mostLines;
+    while (item.description.lines.size() < most - 1)
+        item.description.lines.append(QString(u'W').repeated(ItemDescription::longestLine));
+    item.description.lines.append(u"Offline since 10:00"_s);
+    m_item->present(item);
+    QTRY_COMPARE(
+        shownHoverText() ? shownHoverText()->height() : 0, ofOneLine + (most - 1) * lineHeight);
+    QVERIFY(QRect(0, 0, 1280, 720).contains(shownHoverText()->geometry()));
 }
 
 void XembedPresentationTest::aPressTakesTheDescriptionAwayUntilThePointerHasLeft()

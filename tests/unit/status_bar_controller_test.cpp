@@ -84,6 +84,17 @@ model::QuotaSummary summaryWith(double fiveHour, double weekly)
                         .remainingFraction = fiveHour}}}}};
 }
 
+/// One group of so many buckets, half full.
+model::QuotaSummary summaryOf(qsizetype buckets)
+{
+    model::QuotaGroup group{.displayName = u"Gemini Models"_s};
+    for (qsizetype i = 0; i < buckets; ++i)
+        group.buckets.append({.bucketId = QString::number(i),
+            .displayName = u"Bucket "_s + QString::number(i),
+            .remainingFraction = 0.5});
+    return {.groups = {group}};
+}
+
 } // namespace
 
 class StatusBarControllerTest : public QObject {
@@ -164,6 +175,21 @@ private Q_SLOTS:
         m_fetching->answer(
             service::FetchedQuota{.summary = summaryWith(0.8, 0.55), .daemon = {.httpPort = 1}});
         QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 80% · W: 55%"_s);
+    }
+
+    void aSummaryThatChangesWhileThePopoverIsOpenUpdatesTheLabel()
+    {
+        show(summaryWith(0.8, 0.55));
+        QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 80% · W: 55%"_s);
+        Q_EMIT m_item->clicked({});
+        QVERIFY(m_popover->shown);
+        m_service->refresh();
+        QVERIFY(m_fetching->isWaiting());
+        m_fetching->answer(
+            service::FetchedQuota{.summary = summaryWith(0.3, 0.2), .daemon = {.httpPort = 1}});
+        QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 30% · W: 20%"_s);
+        QCOMPARE(m_item->descriptions.last().lines.first(), u"Gemini Models, Five hours: 30.0%"_s);
+        QVERIFY(m_popover->shown);
     }
 
     void theChangesOfOneTurnRebuildOnce()
@@ -310,6 +336,75 @@ private Q_SLOTS:
             (QStringList{m_service->connectionStatus().displayText()}));
     }
 
+    void aDescriptionThatFitsIsWhole()
+    {
+        show(summaryOf(platform::ItemDescription::mostLines));
+        const auto lines = app::describeItem(*m_service).lines;
+        QCOMPARE(lines.size(), platform::ItemDescription::mostLines);
+        QCOMPARE(lines.first(), u"Gemini Models, Bucket 0: 50.0%"_s);
+        QCOMPARE(lines.last(), u"Gemini Models, Bucket 39: 50.0%"_s);
+    }
+
+    void ofTooManyBucketsTheDescriptionHasTheFirst()
+    {
+        show(summaryOf(20'000));
+        const auto lines = app::describeItem(*m_service).lines;
+        QCOMPARE(lines.size(), platform::ItemDescription::mostLines);
+        QCOMPARE(lines.at(38), u"Gemini Models, Bucket 38: 50.0%"_s);
+        QCOMPARE(lines.at(39), u"…"_s);
+    }
+
+    void theDescriptionSaysWhatIsWrongHoweverManyBucketsThereAre_data()
+    {
+        QTest::addColumn<int>("buckets");
+        QTest::addColumn<QStringList>("lastButOne");
+        QTest::newRow("they fit") << 39 << QStringList{u"Gemini Models, Bucket 38: 50.0%"_s};
+        QTest::newRow("one too many") << 40 << QStringList{u"…"_s};
+        QTest::newRow("far too many") << 20'000 << QStringList{u"…"_s};
+    }
+    void theDescriptionSaysWhatIsWrongHoweverManyBucketsThereAre()
+    {
+        QFETCH(const int, buckets);
+        QFETCH(const QStringList, lastButOne);
+        show(summaryOf(buckets));
+        m_service->refresh();
+        QVERIFY(m_fetching->isWaiting());
+        m_fetching->answer(tl::unexpected(
+            discovery::DaemonError{.kind = discovery::DaemonError::Kind::noDaemonFound}));
+        QTRY_VERIFY(m_service->connectionStatus().isOffline());
+        const auto lines = app::describeItem(*m_service).lines;
+        QCOMPARE(lines.size(), platform::ItemDescription::mostLines);
+        QCOMPARE(lines.mid(38, 1), lastButOne);
+        QCOMPARE(lines.last(), m_service->connectionStatus().displayText());
+    }
+
+    void aLineOfLongNamesStillEndsInThePercentage()
+    {
+        auto summary = summaryOf(1);
+        summary.groups[0].displayName = u"Gemini\n"_s.repeated(100'000);
+        summary.groups[0].buckets[0].displayName = u"🟢"_s.repeated(1'000'000);
+        show(summary);
+        const auto lines = app::describeItem(*m_service).lines;
+        QCOMPARE(lines.size(), 1);
+        QVERIFY(lines.first().size() <= platform::ItemDescription::longestLine);
+        QVERIFY(lines.first().startsWith(u"Gemini Gemini "_s));
+        QVERIFY(lines.first().endsWith(u"🟢…: 50.0%"_s));
+        QVERIFY(lines.first().isValidUtf16());
+    }
+
+    void aTextOfWhatIsWrongIsOneLine()
+    {
+        QTRY_VERIFY(m_fetching->isWaiting());
+        m_fetching->answer(tl::unexpected(
+            discovery::DaemonError{.kind = discovery::DaemonError::Kind::daemonUnreachable,
+                .message = u"wrong\n"_s.repeated(100'000)}));
+        QTRY_VERIFY(m_service->connectionStatus().isOffline());
+        const auto lines = app::describeItem(*m_service).lines;
+        QCOMPARE(lines.size(), 1);
+        QVERIFY(lines.first().size() <= platform::ItemDescription::longestLine);
+        QVERIFY(lines.first().contains(u"wrong wrong"_s));
+    }
+
     void launchingSetsThePolicyClosesWindowsThenMakesServiceAndController()
     {
         QStringList calls;
@@ -346,6 +441,15 @@ private Q_SLOTS:
     }
 
 private:
+    /// Answers the first refresh.
+    void show(const model::QuotaSummary &summary)
+    {
+        QTRY_VERIFY(m_fetching->isWaiting());
+        m_fetching->answer(service::FetchedQuota{.summary = summary, .daemon = {.httpPort = 1}});
+        QTRY_VERIFY(m_service->connectionStatus().isConnected());
+        QTRY_VERIFY(!m_service->isRefreshing());
+    }
+
     std::unique_ptr<QTemporaryDir> m_home;
     std::unique_ptr<service::SettingsStore> m_settings;
     std::unique_ptr<test::TestClock> m_clock;

@@ -24,7 +24,6 @@ constexpr int fontSize = 12;
 constexpr QMargins margins(9, 6, 9, 6);
 constexpr int gap = 4; // Between the item and the text.
 constexpr int widest = 480;
-constexpr int mostLines = 40;
 
 QColor toColor(const Rgba &color)
 {
@@ -110,10 +109,9 @@ HoverText::~HoverText() = default;
 
 void HoverText::setLines(const QStringList &lines)
 {
-    const QStringList shown = lines.first(std::min<qsizetype>(lines.size(), mostLines));
-    if (shown == m_lines)
+    if (lines == m_lines)
         return;
-    m_lines = shown;
+    m_lines = lines;
     if (!isShown())
         return;
     if (m_lines.isEmpty())

@@ -25,7 +25,8 @@ public:
     HoverText(Appearance &appearance, std::function<QRect()> itemPlace, QObject *parent = nullptr);
     ~HoverText() override;
 
-    /// Shown texts change in place. Without lines nothing shows.
+    /// Shown texts change in place. Without lines nothing shows. All of them are laid out, so they
+    /// are few and none is endless; what is wider than the window is cut there.
     void setLines(const QStringList &lines);
     bool isShown() const;
 

@@ -1,5 +1,6 @@
 #include "platform/linux/sni_presentation.h"
 
+#include "core/plain_text.h"
 #include "platform/linux/dbus_menu.h"
 #include "platform/linux/label_painter.h"
 #include "sni_adaptor.h"
@@ -34,10 +35,6 @@ constexpr QColor pictureGround(0x20, 0x22, 0x26);
 
 constexpr std::chrono::seconds pauseBetweenSignals{1};
 
-// Names come from a server; a tooltip should fit a screen.
-constexpr qsizetype longestLine = 400;
-constexpr qsizetype mostLines = 40;
-
 // Arguments below it in both directions are places within an item. Coordinates of screens have 16
 // bits.
 constexpr int largestItem = 64;
@@ -51,44 +48,31 @@ QList<DBusMenuEntry> menuEntries()
         {.id = SeparatorId, .label = {}, .separator = true}, {.id = QuitId, .label = u"Quit"_s}};
 }
 
-/// A line of text that no host takes for markup or for more than a line.
+/// A line of text that no host takes for markup or for more than a line. The label comes as long as
+/// it is, and what stands for "&" is longer than it was.
 QString safeLine(const QString &text)
 {
     QString line;
-    for (const QChar c : text) {
+    for (const QChar c : asOneLine(text, ItemDescription::longestLine)) {
         if (c == u'&')
             line += " and "_L1;
         else if (c == u'<')
             line += u'‹';
         else if (c == u'>')
             line += u'›';
-        else if (c == QChar::ObjectReplacementCharacter || c.category() == QChar::Other_Control
-            || c.category() == QChar::Separator_Line || c.category() == QChar::Separator_Paragraph)
+        else if (c == QChar::ObjectReplacementCharacter)
             line += u' ';
         else
             line += c;
-        if (line.size() > longestLine)
-            break;
     }
-    line = line.simplified();
-    if (line.size() < longestLine)
-        return line;
-    line.truncate(longestLine - 1);
-    if (line.back().isHighSurrogate())
-        line.chop(1);
-    return line + u'…';
+    return asOneLine(line, ItemDescription::longestLine);
 }
 
 QString safeLines(const QStringList &texts)
 {
     QStringList lines;
-    for (const auto &text : texts.first(std::min(texts.size(), mostLines)))
+    for (const auto &text : texts)
         lines.append(safeLine(text));
-    if (texts.size() > mostLines) {
-        // The last one says what is wrong, if anything.
-        lines[mostLines - 2] = u"…"_s;
-        lines[mostLines - 1] = safeLine(texts.back());
-    }
     return lines.join(u'\n');
 }
 

@@ -1,0 +1,54 @@
+#include "core/plain_text.h"
+
+#include <QTextBoundaryFinder>
+
+namespace brimwatch {
+
+namespace {
+
+bool isBlank(QChar character)
+{
+    return character.isSpace() || character.category() == QChar::Other_Control;
+}
+
+} // namespace
+
+QString beginningOf(const QString &text, qsizetype longest)
+{
+    if (text.size() <= longest)
+        return text;
+    if (longest <= 0)
+        return {};
+    // Whether two characters belong together is seen in those before and in the next code point, of
+    // two units at most. The rest may be long.
+    const QString read = text.left(longest + 2);
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, read);
+    finder.setPosition(longest);
+    auto end = finder.isAtBoundary() ? longest : finder.toPreviousBoundary();
+    if (end <= 0)
+        end = read[longest - 1].isHighSurrogate() && read[longest].isLowSurrogate() ? longest - 1
+                                                                                    : longest;
+    return read.left(end);
+}
+
+QString asOneLine(const QString &text, qsizetype longest)
+{
+    QString line;
+    for (const QChar character : text) {
+        if (!isBlank(character)) {
+            // Enough to know that something is cut off, and where.
+            if (line.size() > longest + 2)
+                break;
+            line += character;
+        } else if (!line.isEmpty() && line.back() != u' ') {
+            line += u' ';
+        }
+    }
+    if (line.endsWith(u' '))
+        line.chop(1);
+    if (line.size() <= longest)
+        return line;
+    return beginningOf(line, longest - 1) + u'…';
+}
+
+} // namespace brimwatch

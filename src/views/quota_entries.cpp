@@ -1,5 +1,6 @@
 #include "views/quota_entries.h"
 
+#include "core/plain_text.h"
 #include "views/theme.h"
 
 #include <algorithm>
@@ -33,7 +34,7 @@ QString shownText(const QString &text)
 {
     // Longer than any view has room for, but short enough to lay out in no time.
     constexpr qsizetype longest = 1000;
-    QString shown = text.left(longest);
+    QString shown = beginningOf(text, longest);
     for (QChar &character : shown) {
         switch (character.category()) {
         case QChar::Other_Control:

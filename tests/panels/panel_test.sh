@@ -197,6 +197,15 @@ shown()
 
 hidden() { ! shown; }
 
+# What a taskbar or a window switcher would show. sway shows every window, which `shown` asks for.
+no_window_is_listed()
+{
+    [ "$panel" = sway ] && { hidden; return; }
+    window_list_is_kept && [ -z "$(managed_windows "$program_pid")" ]
+}
+
+no_window_is_open() { hidden && [ -z "$(windows_of "$program_pid" toplevel)" ]; }
+
 click_item() # click_item BUTTON
 {
     # shellcheck disable=SC2046,SC2086
@@ -272,6 +281,8 @@ start_program
 needed "an item appears" wait_for 30 item_is_there_once
 needed "the item has a place on the panel" locate_item
 check "it is published in one way only" wait_for 30 published_in_one_way_only
+check "the start opens no window" no_window_is_open
+check "the start makes no entry in a taskbar" no_window_is_listed
 if [ "$kind" = wide ]; then
     check "the label shows a healthy quota in green" wait_for 30 label_has green
     check "the label shows a low quota in orange" wait_for 30 label_has orange
@@ -289,6 +300,7 @@ if check "a left click opens the popover" wait_for 30 shown; then
         check "the popover is on the screen as a whole" on_the_screen
         check "the popover is beside the item" beside_the_item
         check "the popover shows the quota" wait_for 30 popover_is_drawn
+        check "the popover makes no entry in a taskbar" no_window_is_listed
         click 40 $((screen_height - 60))
         check "a click elsewhere closes it" wait_for 30 hidden
         past_the_guard

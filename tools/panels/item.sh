@@ -33,6 +33,17 @@ popover_open() { [ -n "$(popover_places "$1")" ]; }
 
 popover_closed() { [ -z "$(popover_places "$1")" ]; }
 
+# managed_windows PID: its windows that the window manager lists, and with it taskbars and switchers.
+# Items in a panel and popups are none of them.
+managed_windows()
+{
+    "$HELPERS/x-windows" "$1" | awk '{ print $1 }' |
+        grep -Fx -f <(xprop -root _NET_CLIENT_LIST | grep -o '0x[0-9a-f]*')
+}
+
+# window_list_is_kept: there is a window manager that keeps such a list.
+window_list_is_kept() { xprop -root _NET_CLIENT_LIST | grep -q 'window id'; }
+
 # registered_items: what the watcher of this session's bus lists, one a line.
 registered_items()
 {

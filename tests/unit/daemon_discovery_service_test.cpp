@@ -546,11 +546,12 @@ void DaemonDiscoveryServiceTest::whatWasDecodedOfAScanIsBoundedToo()
     constexpr DaemonDiscoveryService::Limits limits;
     const QByteArray version(limits.file - 100, 'v');
     for (int i = 0; i < 400; ++i)
-        home.write("ls_" + QByteArray::number(i) + ".json", R"({"lsVersion":")" + version + "\"}");
+        home.write(
+            "ls_" + QByteArray::number(i) + ".json", R"({"lsVersion":")" + version + R"("})");
     // Twice as large as allowed, it is no announcement; dead or alive.
     home.write("ls_huge.json",
-        "{\"pid\":" + QByteArray::number(::getpid()) + ",\"lsVersion\":\"" + version + version
-            + "\"}");
+        R"({"pid":)" + QByteArray::number(::getpid()) + R"(,"lsVersion":")" + version + version
+            + R"("})");
     qsizetype letters = 0;
     const auto infos = DaemonDiscoveryService(home.path()).discoverDaemons();
     for (const auto &info : infos)

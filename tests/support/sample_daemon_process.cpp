@@ -105,6 +105,8 @@ std::optional<SampleDaemonProcess::Stats> SampleDaemonProcess::stats() const
                 Stats stats{
                     .requests = document["requests"_L1].toInteger(),
                     .connections = document["connections"_L1].toInteger(),
+                    .floods = document["floods"_L1].toInteger(),
+                    .flooded = document["flooded"_L1].toInteger(),
                     .last = {},
                 };
                 if (document["last"_L1].isObject())

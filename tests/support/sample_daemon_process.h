@@ -30,6 +30,8 @@ public:
     struct Stats {
         qint64 requests = 0;
         qint64 connections = 0; ///< Those of stats() excepted.
+        qint64 floods = 0; ///< That it is still sending.
+        qint64 flooded = 0; ///< Bytes that the system took from it for them.
         std::optional<Request> last; ///< Absent before the first request.
     };
 

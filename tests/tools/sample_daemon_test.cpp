@@ -191,6 +191,8 @@ private Q_SLOTS:
     void answersWithWhatIsNotHttp();
     void answersWithAHugeBody();
     void answersWithAHugeHeader();
+    void floodsWithoutEnd_data();
+    void floodsWithoutEnd();
     void answersInGzipUnasked();
     void misbehavesForTheFirstRequestsOnly();
     void movesAfterTheCountedRequests();
@@ -666,6 +668,44 @@ void SampleDaemonTest::answersWithAHugeHeader()
     QVERIFY(isQuota(answer));
 }
 
+void SampleDaemonTest::floodsWithoutEnd_data()
+{
+    QTest::addColumn<QByteArray>("head");
+    QTest::addColumn<QByteArray>("piece");
+    const QByteArray chunked = "Transfer-Encoding: chunked\r\n\r\n";
+    QTest::newRow("flood-header") << QByteArray() << QByteArray("X-Filler: 0123456789abcdef\r\n");
+    QTest::newRow("flood-continue") << QByteArray() << QByteArray("HTTP/1.1 100 Continue\r\n\r\n");
+    QTest::newRow("flood-chunks") << chunked << "10000\r\n" + QByteArray(64 * 1024, ' ') + "\r\n";
+    QTest::newRow("flood-tiny-chunks") << chunked << QByteArray("1\r\n \r\n");
+}
+
+void SampleDaemonTest::floodsWithoutEnd()
+{
+    QFETCH(const QByteArray, head);
+    QFETCH(const QByteArray, piece);
+    SampleDaemonProcess daemon;
+    QVERIFY2(daemon.start({u"--misbehave"_s, QString::fromLatin1(QTest::currentDataTag())}),
+        qPrintable(daemon.errorText()));
+    const auto socket = sendTo(daemon.httpPort(), Question{.token = daemon.token()}.bytes());
+    QByteArray received;
+    while (received.size() < 32 * 1024 * 1024) {
+        QVERIFY(socket->bytesAvailable() > 0 || socket->waitForReadyRead(patience));
+        received += socket->readAll();
+    }
+    // Behind the head there is nothing else.
+    const auto start = received.indexOf(QByteArray(head + piece));
+    QVERIFY(start >= 0);
+    const QByteArrayView flood = QByteArrayView(received).sliced(start + head.size());
+    for (qsizetype at = 0; at + piece.size() <= flood.size(); at += piece.size())
+        QVERIFY(flood.sliced(at, piece.size()) == piece);
+    QCOMPARE(daemon.stats().value().floods, 1);
+    QVERIFY(daemon.stats().value().flooded >= received.size());
+
+    socket->abort();
+    QTRY_COMPARE_WITH_TIMEOUT(daemon.stats().value().floods, 0, patience);
+    QVERIFY(daemon.terminate());
+}
+
 void SampleDaemonTest::answersInGzipUnasked()
 {
     const auto path = m_folder.filePath(u"to pack"_s);
@@ -952,7 +992,8 @@ void SampleDaemonTest::explainsEveryOption()
             "--leave", "--log", "--end-with-stdin", "SIGUSR1", "/__stats", "refuse-token",
             "status-500 ", "status-500-hang", "status-204", "redirect ", "hang ", "dribble ",
             "dribble-header", "close-early", "close-mid-body", "rubbish ", "rubbish-body",
-            "empty-body", "connect-error-body", "huge ", "huge-header", "gzip", "move "})
+            "empty-body", "connect-error-body", "huge ", "huge-header", "flood-header",
+            "flood-continue", "flood-chunks", "flood-tiny-chunks", "gzip", "move "})
         QVERIFY2(ended.output.contains(word), word);
 }
 

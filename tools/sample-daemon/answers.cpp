@@ -5,6 +5,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QMetaEnum>
+#include <QSslSocket>
 #include <QTcpSocket>
 #include <QUrl>
 
@@ -24,6 +25,7 @@ namespace {
 constexpr auto quotaPath
     = "/exa.language_server_pb.LanguageServerService/RetrieveUserQuotaSummary"_L1;
 constexpr auto statisticsPath = "/__stats"_L1;
+constexpr auto chunked = "Transfer-Encoding: chunked\r\n\r\n";
 constexpr auto jsonType = "application/json";
 
 // Far beyond what any caller should swallow.
@@ -131,6 +133,8 @@ void Answers::sendStatistics(QHttpServerResponder &responder)
     QJsonObject statistics{
         {u"requests"_s, m_requests},
         {u"connections"_s, m_connections},
+        {u"floods"_s, m_floods},
+        {u"flooded"_s, m_flooded},
     };
     if (!m_last.isEmpty())
         statistics.insert(u"last"_s, m_last);
@@ -185,6 +189,17 @@ Answers::Reply Answers::quotaReply() const
     if (m_options.shape == Shape::Envelope)
         content = {{u"response"_s, content}};
     return {.status = Status::Ok, .body = QJsonDocument(content).toJson(QJsonDocument::Compact)};
+}
+
+void Answers::countFlood(QTcpSocket *socket)
+{
+    ++m_floods;
+    connect(socket, &QTcpSocket::disconnected, this, [this] { --m_floods; });
+    const auto count = [this](qint64 bytes) { m_flooded += bytes; };
+    if (auto *secure = qobject_cast<QSslSocket *>(socket))
+        connect(secure, &QSslSocket::encryptedBytesWritten, this, count);
+    else
+        connect(socket, &QTcpSocket::bytesWritten, this, count);
 }
 
 bool Answers::shouldMisbehave() const
@@ -255,6 +270,23 @@ void Answers::misbehave(
     case Misbehaviour::HugeHeader:
         stream(socket, statusLine("200 OK") + "X-Filler: ", 'x', hugeHeader,
             "\r\n" + contentLength(body.size()) + body);
+        break;
+    case Misbehaviour::FloodHeader:
+        countFlood(socket);
+        flood(socket, statusLine("200 OK"), "X-Filler: 0123456789abcdef\r\n");
+        break;
+    case Misbehaviour::FloodContinue:
+        countFlood(socket);
+        flood(socket, "HTTP/1.1 100 Continue\r\n\r\n", "HTTP/1.1 100 Continue\r\n\r\n");
+        break;
+    case Misbehaviour::FloodChunks:
+        countFlood(socket);
+        flood(socket, statusLine("200 OK") + chunked,
+            "10000\r\n" + QByteArray(0x10000, ' ') + "\r\n");
+        break;
+    case Misbehaviour::FloodTinyChunks:
+        countFlood(socket);
+        flood(socket, statusLine("200 OK") + chunked, "1\r\n \r\n");
         break;
     case Misbehaviour::Gzip: {
         const auto packed = gzipped(body);

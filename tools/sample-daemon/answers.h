@@ -49,12 +49,15 @@ private:
     void misbehave(Misbehaviour kind, const Reply &properReply, QHttpServerResponder &responder);
     Reply replyTo(const QHttpServerRequest &request) const;
     Reply quotaReply() const;
+    void countFlood(QTcpSocket *socket);
 
     Options m_options;
     SampleQuota m_quota;
     QByteArray m_token;
     qint64 m_requests = 0;
     qint64 m_connections = 0;
+    qint64 m_floods = 0; ///< That still go on.
+    qint64 m_flooded = 0; ///< Bytes that the system took from us in floods.
     QJsonObject m_last; ///< The last request, empty before the first.
 };
 

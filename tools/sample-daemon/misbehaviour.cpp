@@ -1,5 +1,6 @@
 #include "misbehaviour.h"
 
+#include <QSslSocket>
 #include <QTcpSocket>
 #include <QTimer>
 
@@ -63,6 +64,18 @@ const QList<MisbehaviourName> &misbehaviourNames()
         {.name = u"huge-header"_s,
             .what = u"answer properly, with a header field of 8 MiB"_s,
             .misbehaviour = Misbehaviour::HugeHeader},
+        {.name = u"flood-header"_s,
+            .what = u"send header fields without end, as fast as they are taken"_s,
+            .misbehaviour = Misbehaviour::FloodHeader},
+        {.name = u"flood-continue"_s,
+            .what = u"say \"100 Continue\" without end, as fast as it is taken"_s,
+            .misbehaviour = Misbehaviour::FloodContinue},
+        {.name = u"flood-chunks"_s,
+            .what = u"answer 200 with chunks of 64 KiB without end, as fast as they are taken"_s,
+            .misbehaviour = Misbehaviour::FloodChunks},
+        {.name = u"flood-tiny-chunks"_s,
+            .what = u"the same with chunks of one byte"_s,
+            .misbehaviour = Misbehaviour::FloodTinyChunks},
         {.name = u"gzip"_s,
             .what = u"answer properly, in a gzip encoding that nobody asked for"_s,
             .misbehaviour = Misbehaviour::Gzip},
@@ -116,6 +129,28 @@ void stream(
     // at work.
     auto *work = new QObject(socket);
     QObject::connect(socket, &QTcpSocket::bytesWritten, work, pump);
+}
+
+void flood(QTcpSocket *socket, const QByteArray &head, const QByteArray &piece)
+{
+    constexpr qsizetype ahead = 256LL * 1024;
+
+    // Little pieces would cost this side more than the other.
+    const QByteArray pieces = piece.repeated(std::max<qsizetype>(ahead / piece.size(), 1));
+    auto *work = new QObject(socket);
+    const auto *secure = qobject_cast<QSslSocket *>(socket);
+    // What a secure socket has encrypted counts as written long before anybody takes it.
+    const auto pump = [socket, secure, pieces] {
+        const auto waiting
+            = socket->bytesToWrite() + (secure != nullptr ? secure->encryptedBytesToWrite() : 0);
+        if (waiting < ahead && socket->state() == QAbstractSocket::ConnectedState)
+            socket->write(pieces);
+    };
+    if (secure != nullptr)
+        QObject::connect(secure, &QSslSocket::encryptedBytesWritten, work, pump);
+    else
+        QObject::connect(socket, &QTcpSocket::bytesWritten, work, pump);
+    socket->write(head);
 }
 
 void sendAndClose(QTcpSocket *socket, const QByteArray &bytes)

@@ -30,6 +30,10 @@ enum class Misbehaviour {
     ConnectErrorBody,
     Huge,
     HugeHeader,
+    FloodHeader,
+    FloodContinue,
+    FloodChunks,
+    FloodTinyChunks,
     Gzip,
     Move,
 };
@@ -55,6 +59,9 @@ void dribble(QTcpSocket *socket, const QByteArray &atOnce, const QByteArray &slo
 /// Sends `head`, then `filling` bytes of `filler` no faster than they are taken, then `tail`.
 void stream(QTcpSocket *socket, const QByteArray &head, char filler, qint64 filling,
     const QByteArray &tail);
+
+/// Sends `head`, then `piece` over and over, as fast as it is taken, until the other side closes.
+void flood(QTcpSocket *socket, const QByteArray &head, const QByteArray &piece);
 
 /// Sends `bytes`, if any, and closes.
 void sendAndClose(QTcpSocket *socket, const QByteArray &bytes);

@@ -1,112 +1,121 @@
 #include "service/quota_exchange.h"
 
 #include "service/quota_request.h"
-#include "service/transport_error_text.h"
 
-#include <QIODevice>
-#include <QNetworkAccessManager>
-
-#include <algorithm>
-#include <cstring>
+#include <QHostAddress>
+#include <QNetworkProxy>
+#include <QSslSocket>
+#include <QTcpSocket>
 
 namespace brimwatch::service {
 namespace {
 
-/// The request's body, which can be read once.
-///
-/// Qt sends a request again by itself when the other side closes the connection before answering
-/// (6.4 up to three times), unless the body cannot be had a second time; it says so with
-/// ContentReSendError.
-class OnceOnlyBody final : public QIODevice {
-public:
-    OnceOnlyBody() { open(ReadOnly | Unbuffered); }
+using namespace Qt::Literals::StringLiterals;
 
-    bool isSequential() const override { return true; }
-    // Not the base's: that one warns about devices without a position.
-    bool reset() override { return false; }
-    qint64 bytesAvailable() const override { return m_rest.size(); }
-    bool atEnd() const override { return m_rest.isEmpty(); }
-
-protected:
-    qint64 readData(char *data, qint64 maxSize) override
-    {
-        const auto size = std::min<qint64>(maxSize, m_rest.size());
-        std::memcpy(data, m_rest.data(), static_cast<size_t>(size));
-        m_rest = m_rest.sliced(size);
-        return size;
-    }
-    qint64 writeData(const char * /*data*/, qint64 /*maxSize*/) override { return -1; }
-
-private:
-    QByteArrayView m_rest = quotaRequestBody;
-};
+/// What is taken from the daemon in one turn of the event loop, and what the socket holds for us.
+constexpr qint64 readAtATime = 64LL * 1024;
 
 } // namespace
 
-QuotaExchange::QuotaExchange(
-    QNetworkAccessManager &network, const QNetworkRequest &request, Limits limits, QObject *parent)
+QuotaExchange::QuotaExchange(const QuotaRequest &request, Limits limits, QObject *parent)
     : QObject(parent)
-    , m_largestBody(limits.body)
+    , m_reader({.body = limits.body})
 {
-    auto *body = new OnceOnlyBody;
-    m_reply = network.post(request, body);
-    body->setParent(m_reply);
-    m_reply->setReadBufferSize(m_largestBody + 1);
-
-    // Queued: a request that fails at once must not end within the constructor.
-    connect(m_reply, &QNetworkReply::metaDataChanged, this, &QuotaExchange::readStatus,
-        Qt::QueuedConnection);
-    connect(
-        m_reply, &QNetworkReply::readyRead, this, &QuotaExchange::readBody, Qt::QueuedConnection);
-    connect(m_reply, &QNetworkReply::sslErrors, this, [this](const QList<QSslError> &faults) {
-        m_certificateFault = certificateFaultText(faults);
-    });
-    connect(m_reply, &QNetworkReply::finished, this, &QuotaExchange::readEnd, Qt::QueuedConnection);
-
     m_deadline.setSingleShot(true);
     m_deadline.setTimerType(Qt::PreciseTimer);
     m_deadline.callOnTimeout(
-        this, [this] { conclude(Failed{transportErrorText(QNetworkReply::TimeoutError)}); });
+        this, [this] { conclude(Failed{transportErrorText(TransportError::TimedOut)}); });
     m_deadline.start(limits.time);
+
+    auto *secure = request.security ? new QSslSocket(this) : nullptr;
+    m_socket = secure != nullptr ? secure : new QTcpSocket(this);
+    m_socket->setProxy(QNetworkProxy::NoProxy);
+    m_socket->setReadBufferSize(readAtATime);
+    connect(m_socket, &QTcpSocket::readyRead, this, &QuotaExchange::read);
+    connect(m_socket, &QTcpSocket::errorOccurred, this, &QuotaExchange::takeError);
+    const auto send = [this, bytes = request.bytes] { m_socket->write(bytes); };
+    if (secure != nullptr) {
+        secure->setSslConfiguration(*request.security);
+        connect(secure, &QSslSocket::sslErrors, this, [this](const QList<QSslError> &faults) {
+            m_certificateFault = certificateFaultText(faults);
+        });
+        connect(secure, &QSslSocket::encrypted, this, send);
+    } else {
+        connect(m_socket, &QTcpSocket::connected, this, send);
+    }
+    // Later: a connection within the machine can fail at once.
+    QMetaObject::invokeMethod(
+        this, [this, secure, port = request.port] { connectTo(secure, port); },
+        Qt::QueuedConnection);
 }
 
 QuotaExchange::~QuotaExchange()
 {
-    if (m_reply != nullptr)
+    if (m_socket != nullptr)
         letGo();
 }
 
-void QuotaExchange::readStatus()
+void QuotaExchange::connectTo(QSslSocket *secure, quint16 port)
 {
-    // What was queued before the outcome was known arrives after it.
-    if (m_reply == nullptr)
+    if (m_socket == nullptr)
         return;
-    // Not waiting for a body that does not matter: it may never end.
-    const auto status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-    if (status.isValid() && status.toInt() != 200)
-        conclude(Refused{});
-}
-
-void QuotaExchange::readBody()
-{
-    if (m_reply == nullptr)
-        return;
-    m_body += m_reply->read(m_largestBody + 1 - m_body.size());
-    if (m_body.size() > m_largestBody)
-        conclude(Refused{});
-}
-
-void QuotaExchange::readEnd()
-{
-    readStatus();
-    readBody();
-    if (m_reply == nullptr)
-        return;
-    if (m_reply->error() != QNetworkReply::NoError)
-        conclude(Failed{m_certificateFault.isEmpty() ? transportErrorText(m_reply->error())
-                                                     : m_certificateFault});
+    const QHostAddress here(QHostAddress::LocalHost);
+    if (secure != nullptr)
+        secure->connectToHostEncrypted(here.toString(), port);
     else
-        conclude(Answered{m_body});
+        m_socket->connectToHost(here, port);
+}
+
+void QuotaExchange::read()
+{
+    // The turn that was asked for below may come after the outcome.
+    if (m_socket == nullptr)
+        return;
+    m_reader.feed(m_socket->read(readAtATime));
+    if (m_socket->bytesAvailable() > 0)
+        QMetaObject::invokeMethod(this, &QuotaExchange::read, Qt::QueuedConnection);
+    else if (m_closed)
+        m_reader.end();
+    judge();
+}
+
+void QuotaExchange::takeError(QAbstractSocket::SocketError error)
+{
+    if (m_socket == nullptr)
+        return;
+    if (error == QAbstractSocket::RemoteHostClosedError) {
+        m_closed = true;
+        read();
+        return;
+    }
+    conclude(Failed{m_certificateFault.isEmpty() ? transportErrorText(transportErrorOf(error))
+                                                 : m_certificateFault});
+}
+
+void QuotaExchange::judge()
+{
+    using State = HttpResponseReader::State;
+    // Not waiting for a body that does not matter: it may never end.
+    if (m_reader.status() && m_reader.status() != 200) {
+        conclude(Refused{});
+        return;
+    }
+    switch (m_reader.state()) {
+    case State::Unfinished:
+        break;
+    case State::Whole:
+        conclude(Answered{m_reader.body()});
+        break;
+    case State::TooLong:
+        conclude(Refused{});
+        break;
+    case State::Cut:
+        conclude(Failed{transportErrorText(TransportError::Lost)});
+        break;
+    case State::Senseless:
+        conclude(Failed{transportErrorText(TransportError::Senseless)});
+        break;
+    }
 }
 
 void QuotaExchange::conclude(const Outcome &outcome)
@@ -118,11 +127,12 @@ void QuotaExchange::conclude(const Outcome &outcome)
 
 void QuotaExchange::letGo()
 {
-    m_reply->disconnect(this);
-    // Its end is the request's. Not abort(): what Qt 6.4 has still to tell of an answer then
-    // arrives in an aborted request, and it warns of an internal problem.
-    m_reply->deleteLater();
-    m_reply = nullptr;
+    m_socket->disconnect(this);
+    // At once: what still comes is nobody's.
+    m_socket->abort();
+    // Not deleted: this may be one of its own signals.
+    m_socket->deleteLater();
+    m_socket = nullptr;
 }
 
 } // namespace brimwatch::service

@@ -1,21 +1,32 @@
 #pragma once
 
+#include "service/http_response_reader.h"
+#include "service/transport_error_text.h"
+
 #include <QByteArray>
-#include <QNetworkReply>
-#include <QNetworkRequest>
 #include <QObject>
-#include <QPointer>
 #include <QString>
 #include <QTimer>
 
 #include <chrono>
 #include <variant>
 
-class QNetworkAccessManager;
+class QSslSocket;
+class QTcpSocket;
 
 namespace brimwatch::service {
 
+struct QuotaRequest;
+
 /// One request to one daemon and what came of it. Ends with its object.
+///
+/// All of it happens in the thread of the object, on a connection of its own. Whatever the daemon
+/// sends, and however fast: the connection is gone once the outcome is known, what is kept of the
+/// answer stays within the limits, and other events have their turn in between.
+///
+/// (Not QNetworkAccessManager. Qt 6.4 reads in a thread of its own for as long as bytes come, and
+/// ends a request only between two of them: an answer that floods outlives its request, fills the
+/// memory, and holds up every request after it.)
 class QuotaExchange final : public QObject {
     Q_OBJECT
 
@@ -39,8 +50,7 @@ public:
     };
 
     /// Sends the request. It goes out once, whatever becomes of the connection.
-    QuotaExchange(QNetworkAccessManager &network, const QNetworkRequest &request, Limits limits,
-        QObject *parent = nullptr);
+    QuotaExchange(const QuotaRequest &request, Limits limits, QObject *parent = nullptr);
     ~QuotaExchange() override;
 
 Q_SIGNALS:
@@ -48,16 +58,17 @@ Q_SIGNALS:
     void finished(const brimwatch::service::QuotaExchange::Outcome &outcome);
 
 private:
-    void readStatus();
-    void readBody();
-    void readEnd();
+    void connectTo(QSslSocket *secure, quint16 port);
+    void read();
+    void takeError(QAbstractSocket::SocketError error);
+    void judge();
     void conclude(const Outcome &outcome);
     void letGo();
 
-    QPointer<QNetworkReply> m_reply; ///< The network's; gone once the outcome is known.
+    QTcpSocket *m_socket = nullptr; ///< A child; null once the outcome is known.
     QTimer m_deadline;
-    qint64 m_largestBody;
-    QByteArray m_body;
+    HttpResponseReader m_reader;
+    bool m_closed = false; ///< By the daemon. What it sent before may still have to be read.
     QString m_certificateFault;
 };
 

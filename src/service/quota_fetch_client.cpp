@@ -3,8 +3,6 @@
 #include "service/quota_exchange.h"
 #include "service/quota_request.h"
 
-#include <QNetworkAccessManager>
-#include <QNetworkProxy>
 #include <QPromise>
 
 namespace brimwatch::service {
@@ -54,7 +52,7 @@ private:
             const auto request = quotaRequest(m_asked, m_client.m_trusted);
             if (!request)
                 continue;
-            auto *exchange = new QuotaExchange(m_client.network(), *request,
+            auto *exchange = new QuotaExchange(*request,
                 {.time = m_client.m_limits.attempt, .body = m_client.m_limits.body}, this);
             connect(exchange, &QuotaExchange::finished, this,
                 [this, exchange](const QuotaExchange::Outcome &outcome) {
@@ -129,7 +127,7 @@ QuotaFetchClient::QuotaFetchClient(
 
 QuotaFetchClient::~QuotaFetchClient()
 {
-    // Before the network, which their requests belong to.
+    // While what they were given is still there.
     const QObjectList fetches = children();
     qDeleteAll(fetches);
 }
@@ -141,15 +139,6 @@ QFuture<FetchResult> QuotaFetchClient::fetchQuotaSummary(
     auto future = fetch->future();
     fetch->start();
     return future;
-}
-
-QNetworkAccessManager &QuotaFetchClient::network()
-{
-    if (!m_network) {
-        m_network = std::make_unique<QNetworkAccessManager>();
-        m_network->setProxy(QNetworkProxy::NoProxy);
-    }
-    return *m_network;
 }
 
 } // namespace brimwatch::service

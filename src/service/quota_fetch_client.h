@@ -9,9 +9,6 @@
 #include <QSslCertificate>
 
 #include <chrono>
-#include <memory>
-
-class QNetworkAccessManager;
 
 namespace brimwatch::service {
 
@@ -47,13 +44,10 @@ public:
 private:
     class Fetch;
 
-    QNetworkAccessManager &network();
-
     discovery::DaemonDiscoveryService &m_discovery;
     const Clock &m_clock;
     Limits m_limits;
     QList<QSslCertificate> m_trusted;
-    std::unique_ptr<QNetworkAccessManager> m_network; ///< Made with the first request.
 };
 
 } // namespace brimwatch::service

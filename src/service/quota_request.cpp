@@ -23,21 +23,6 @@ std::optional<QByteArray> tokenHeader(const std::optional<QString> &token)
     return bytes;
 }
 
-/// A connection left open is closed soon, and not used again: its daemon may have gone meanwhile,
-/// and what is sent on a connection that is being closed is lost.
-void keepNoConnection(QNetworkRequest &request)
-{
-    request.setRawHeader("Connection", "close");
-    request.setAttribute(QNetworkRequest::ConnectionCacheExpiryTimeoutSecondsAttribute, 0);
-    // A daemon may not heed the header, and the library closes with a delay. It finds open
-    // connections by address and this name, which is otherwise for certificates: over https it must
-    // stay.
-    if (request.url().scheme() == "http"_L1) {
-        static int number = 0;
-        request.setPeerVerifyName(u"request-"_s + QString::number(++number));
-    }
-}
-
 QSslConfiguration secureConfiguration(const QList<QSslCertificate> &trusted)
 {
     auto configuration = QSslConfiguration::defaultConfiguration();
@@ -64,7 +49,7 @@ std::optional<QUrl> quotaUrl(const discovery::DaemonInfo &daemon)
     return url;
 }
 
-std::optional<QNetworkRequest> quotaRequest(
+std::optional<QuotaRequest> quotaRequest(
     const discovery::DaemonInfo &daemon, const QList<QSslCertificate> &trusted)
 {
     const auto url = quotaUrl(daemon);
@@ -72,29 +57,28 @@ std::optional<QNetworkRequest> quotaRequest(
     if (!url || !token)
         return std::nullopt;
 
-    QNetworkRequest request(*url);
-    request.setRawHeader("Content-Type", "application/json");
-    request.setRawHeader("Connect-Protocol-Version", "1");
-    request.setRawHeader("x-codeium-csrf-token", *token);
-    request.setRawHeader("User-Agent", "Brimwatch/" BRIMWATCH_VERSION);
-    request.setRawHeader("Content-Length", QByteArray::number(quotaRequestBody.size()));
-    // With a header of our own the library neither asks for compression nor undoes any.
-    request.setRawHeader("Accept-Encoding", "identity");
-
-    request.setAttribute(
-        QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
-    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
-    request.setAttribute(
-        QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
-    request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
-    keepNoConnection(request);
-    // The body cannot be read a second time: see QuotaExchange.
-    request.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
+    const QByteArray lines = "POST " + url->path(QUrl::FullyEncoded).toLatin1()
+        + " HTTP/1.1\r\n"
+          "Host: "
+        + url->authority(QUrl::FullyEncoded).toLatin1()
+        + "\r\n"
+          "Content-Type: application/json\r\n"
+          "Connect-Protocol-Version: 1\r\n"
+          "x-codeium-csrf-token: "
+        + *token
+        + "\r\n"
+          "User-Agent: Brimwatch/" BRIMWATCH_VERSION "\r\n"
+          "Accept-Encoding: identity\r\n"
+          "Connection: close\r\n"
+          "Content-Length: "
+        + QByteArray::number(quotaRequestBody.size()) + "\r\n\r\n";
+    QuotaRequest request{
+        .port = static_cast<quint16>(url->port()),
+        .bytes = lines + quotaRequestBody.toByteArray(),
+        .security = {},
+    };
     if (!daemon.httpPort)
-        request.setSslConfiguration(secureConfiguration(trusted));
+        request.security = secureConfiguration(trusted);
     return request;
 }
 

@@ -2,9 +2,10 @@
 
 #include "discovery/daemon_info.h"
 
+#include <QByteArray>
 #include <QList>
-#include <QNetworkRequest>
 #include <QSslCertificate>
+#include <QSslConfiguration>
 #include <QUrl>
 
 #include <optional>
@@ -18,13 +19,21 @@ inline constexpr QByteArrayView quotaRequestBody{"{}"};
 /// one. Absent without either, and when the port makes no address.
 std::optional<QUrl> quotaUrl(const discovery::DaemonInfo &daemon);
 
-/// The request for the daemon's quota, less its body. Absent when the daemon cannot be asked:
-/// without an address, without a token, or with a token that no header can carry.
+/// What goes to 127.0.0.1, and how.
+struct QuotaRequest {
+    quint16 port = 0;
+    QByteArray bytes; ///< As they go over the wire, the body included.
+    /// What makes a certificate good; absent when the daemon is asked without TLS.
+    std::optional<QSslConfiguration> security;
+};
+
+/// The request for the daemon's quota. Absent when the daemon cannot be asked: without an address,
+/// without a token, or with a token that no header can carry.
 ///
-/// It asks for no redirect, cookie, cache, compression or connection kept for later. `trusted` are
+/// It asks for no compression, and for the connection to be closed behind the answer. `trusted` are
 /// authorities beside the system's own; the TLS library is loaded only for a daemon that is asked
 /// securely.
-std::optional<QNetworkRequest> quotaRequest(
+std::optional<QuotaRequest> quotaRequest(
     const discovery::DaemonInfo &daemon, const QList<QSslCertificate> &trusted);
 
 } // namespace brimwatch::service

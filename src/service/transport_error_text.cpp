@@ -8,33 +8,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-struct TransportErrorText {
-    QNetworkReply::NetworkError error = QNetworkReply::NoError;
-    QLatin1StringView text;
-};
-
-constexpr auto transportErrorTexts = std::to_array<TransportErrorText>({
-    {.error = QNetworkReply::ConnectionRefusedError, .text = "Could not connect to the server."_L1},
-    {.error = QNetworkReply::RemoteHostClosedError, .text = "The network connection was lost."_L1},
-    // What a connection lost before the answer ends with when the request is not to be repeated.
-    {.error = QNetworkReply::ContentReSendError, .text = "The network connection was lost."_L1},
-    {.error = QNetworkReply::TemporaryNetworkFailureError,
-        .text = "The network connection was lost."_L1},
-    {.error = QNetworkReply::TimeoutError, .text = "The request timed out."_L1},
-    {.error = QNetworkReply::OperationCanceledError, .text = "The request was cancelled."_L1},
-    {.error = QNetworkReply::HostNotFoundError, .text = "The server could not be found."_L1},
-    {.error = QNetworkReply::NetworkSessionFailedError, .text = "There is no network."_L1},
-    // The library keeps none of its own for a host or network out of reach.
-    {.error = QNetworkReply::UnknownNetworkError, .text = "The server could not be reached."_L1},
-    {.error = QNetworkReply::SslHandshakeFailedError,
-        .text = "A secure connection to the server could not be made."_L1},
-    {.error = QNetworkReply::ProtocolFailure, .text = "The server's answer made no sense."_L1},
-    {.error = QNetworkReply::ProtocolUnknownError,
-        .text = "The server cannot be asked in this way."_L1},
-    {.error = QNetworkReply::ProxyConnectionRefusedError,
-        .text = "Could not connect to the proxy server."_L1},
-});
-
 struct CertificateFaultText {
     QSslError::SslError fault = QSslError::NoError;
     QLatin1StringView text;
@@ -62,13 +35,49 @@ constexpr auto notTrusted
 
 } // namespace
 
-QString transportErrorText(QNetworkReply::NetworkError error)
+TransportError transportErrorOf(QAbstractSocket::SocketError error)
 {
-    const auto *row = std::find_if(transportErrorTexts.begin(), transportErrorTexts.end(),
-        [error](const TransportErrorText &candidate) { return candidate.error == error; });
-    if (row == transportErrorTexts.end())
-        return u"The request failed."_s;
-    return row->text;
+    switch (error) {
+    case QAbstractSocket::ConnectionRefusedError:
+        return TransportError::Refused;
+    case QAbstractSocket::RemoteHostClosedError:
+        return TransportError::Lost;
+    case QAbstractSocket::SocketTimeoutError:
+        return TransportError::TimedOut;
+    // A host out of reach, a connection that a rule forbids, too many connections.
+    case QAbstractSocket::NetworkError:
+    case QAbstractSocket::SocketAccessError:
+    case QAbstractSocket::SocketResourceError:
+        return TransportError::Unreachable;
+    // The latter two: there is no TLS library, or it does not like what it was told.
+    case QAbstractSocket::SslHandshakeFailedError:
+    case QAbstractSocket::SslInternalError:
+    case QAbstractSocket::SslInvalidUserDataError:
+        return TransportError::Insecure;
+    default:
+        return TransportError::Other;
+    }
+}
+
+QString transportErrorText(TransportError error)
+{
+    switch (error) {
+    case TransportError::Refused:
+        return u"Could not connect to the server."_s;
+    case TransportError::Lost:
+        return u"The network connection was lost."_s;
+    case TransportError::TimedOut:
+        return u"The request timed out."_s;
+    case TransportError::Unreachable:
+        return u"The server could not be reached."_s;
+    case TransportError::Insecure:
+        return u"A secure connection to the server could not be made."_s;
+    case TransportError::Senseless:
+        return u"The server's answer made no sense."_s;
+    case TransportError::Other:
+        break;
+    }
+    return u"The request failed."_s;
 }
 
 QString certificateFaultText(const QList<QSslError> &faults)

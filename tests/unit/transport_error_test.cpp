@@ -1,9 +1,9 @@
 #include "service/quota_exchange.h"
+#include "service/quota_request.h"
 #include "service/transport_error_text.h"
 #include "unit/local_daemons.h"
 
-#include <QNetworkAccessManager>
-#include <QNetworkProxy>
+#include <QSslConfiguration>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
@@ -22,41 +22,55 @@ class TransportErrorTest : public QObject {
 private Q_SLOTS:
     void eachErrorHasItsWords_data()
     {
-        QTest::addColumn<QNetworkReply::NetworkError>("error");
+        QTest::addColumn<TransportError>("error");
         QTest::addColumn<QString>("text");
-        QTest::newRow("refused") << QNetworkReply::ConnectionRefusedError
+        QTest::newRow("refused") << TransportError::Refused
                                  << u"Could not connect to the server."_s;
-        QTest::newRow("closed") << QNetworkReply::RemoteHostClosedError
-                                << u"The network connection was lost."_s;
-        QTest::newRow("closed before the answer")
-            << QNetworkReply::ContentReSendError << u"The network connection was lost."_s;
-        QTest::newRow("interrupted")
-            << QNetworkReply::TemporaryNetworkFailureError << u"The network connection was lost."_s;
-        QTest::newRow("timed out") << QNetworkReply::TimeoutError << u"The request timed out."_s;
-        QTest::newRow("cancelled")
-            << QNetworkReply::OperationCanceledError << u"The request was cancelled."_s;
-        QTest::newRow("not found")
-            << QNetworkReply::HostNotFoundError << u"The server could not be found."_s;
+        QTest::newRow("lost") << TransportError::Lost << u"The network connection was lost."_s;
+        QTest::newRow("timed out") << TransportError::TimedOut << u"The request timed out."_s;
         QTest::newRow("unreachable")
-            << QNetworkReply::UnknownNetworkError << u"The server could not be reached."_s;
-        QTest::newRow("no network")
-            << QNetworkReply::NetworkSessionFailedError << u"There is no network."_s;
-        QTest::newRow("TLS") << QNetworkReply::SslHandshakeFailedError
-                             << u"A secure connection to the server could not be made."_s;
-        QTest::newRow("protocol") << QNetworkReply::ProtocolFailure
-                                  << u"The server's answer made no sense."_s;
-        QTest::newRow("scheme") << QNetworkReply::ProtocolUnknownError
-                                << u"The server cannot be asked in this way."_s;
-        QTest::newRow("proxy") << QNetworkReply::ProxyConnectionRefusedError
-                               << u"Could not connect to the proxy server."_s;
-        QTest::newRow("any other")
-            << QNetworkReply::UnknownContentError << u"The request failed."_s;
+            << TransportError::Unreachable << u"The server could not be reached."_s;
+        QTest::newRow("insecure") << TransportError::Insecure
+                                  << u"A secure connection to the server could not be made."_s;
+        QTest::newRow("senseless")
+            << TransportError::Senseless << u"The server's answer made no sense."_s;
+        QTest::newRow("any other") << TransportError::Other << u"The request failed."_s;
     }
     void eachErrorHasItsWords()
     {
-        QFETCH(QNetworkReply::NetworkError, error);
+        QFETCH(TransportError, error);
         QFETCH(QString, text);
         QCOMPARE(transportErrorText(error), text);
+    }
+
+    void eachErrorOfASocketIsOneOfThose_data()
+    {
+        QTest::addColumn<QAbstractSocket::SocketError>("socketError");
+        QTest::addColumn<TransportError>("error");
+        QTest::newRow("refused") << QAbstractSocket::ConnectionRefusedError
+                                 << TransportError::Refused;
+        QTest::newRow("closed") << QAbstractSocket::RemoteHostClosedError << TransportError::Lost;
+        QTest::newRow("timed out")
+            << QAbstractSocket::SocketTimeoutError << TransportError::TimedOut;
+        QTest::newRow("out of reach")
+            << QAbstractSocket::NetworkError << TransportError::Unreachable;
+        QTest::newRow("forbidden")
+            << QAbstractSocket::SocketAccessError << TransportError::Unreachable;
+        QTest::newRow("too many connections")
+            << QAbstractSocket::SocketResourceError << TransportError::Unreachable;
+        QTest::newRow("handshake")
+            << QAbstractSocket::SslHandshakeFailedError << TransportError::Insecure;
+        QTest::newRow("no TLS library")
+            << QAbstractSocket::SslInternalError << TransportError::Insecure;
+        QTest::newRow("an authority that is none")
+            << QAbstractSocket::SslInvalidUserDataError << TransportError::Insecure;
+        QTest::newRow("any other") << QAbstractSocket::UnknownSocketError << TransportError::Other;
+    }
+    void eachErrorOfASocketIsOneOfThose()
+    {
+        QFETCH(QAbstractSocket::SocketError, socketError);
+        QFETCH(TransportError, error);
+        QCOMPARE(transportErrorOf(socketError), error);
     }
 
     void eachCertificateFaultHasItsWords_data()
@@ -96,24 +110,21 @@ private Q_SLOTS:
 
     void nobodyListening()
     {
-        QCOMPARE(failureAt(addressOf(u"http"_s, test::closedPort())),
-            u"Could not connect to the server."_s);
+        QCOMPARE(failureAt(plain(test::closedPort())), u"Could not connect to the server."_s);
     }
 
     void aServerThatNeverAnswers()
     {
         QTcpServer server;
         QVERIFY(server.listen(QHostAddress::LocalHost));
-        QCOMPARE(failureAt(addressOf(u"http"_s, server.serverPort()), 200ms),
-            u"The request timed out."_s);
+        QCOMPARE(failureAt(plain(server.serverPort()), 200ms), u"The request timed out."_s);
     }
 
     void aServerThatNeverShakesHands()
     {
         QTcpServer server;
         QVERIFY(server.listen(QHostAddress::LocalHost));
-        QCOMPARE(failureAt(addressOf(u"https"_s, server.serverPort()), 200ms),
-            u"The request timed out."_s);
+        QCOMPARE(failureAt(secure(server.serverPort()), 200ms), u"The request timed out."_s);
     }
 
     void aServerThatClosesAtOnce()
@@ -121,8 +132,7 @@ private Q_SLOTS:
         QTcpServer server;
         QVERIFY(server.listen(QHostAddress::LocalHost));
         answerWith(server, [](QTcpSocket &socket) { socket.abort(); });
-        QCOMPARE(failureAt(addressOf(u"http"_s, server.serverPort())),
-            u"The network connection was lost."_s);
+        QCOMPARE(failureAt(plain(server.serverPort())), u"The network connection was lost."_s);
     }
 
     void aServerThatClosesWithinItsAnswer()
@@ -133,8 +143,7 @@ private Q_SLOTS:
             socket.write("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{");
             socket.disconnectFromHost();
         });
-        QCOMPARE(failureAt(addressOf(u"http"_s, server.serverPort())),
-            u"The network connection was lost."_s);
+        QCOMPARE(failureAt(plain(server.serverPort())), u"The network connection was lost."_s);
     }
 
     void aPlainServerWhereASecureOneIsExpected()
@@ -144,20 +153,41 @@ private Q_SLOTS:
         answerWith(server, [](QTcpSocket &socket) {
             socket.write("HTTP/1.1 400 Bad Request\r\nContent-Length: 0\r\n\r\n");
         });
-        QCOMPARE(failureAt(addressOf(u"https"_s, server.serverPort())),
+        QCOMPARE(failureAt(secure(server.serverPort())),
             u"A secure connection to the server could not be made."_s);
     }
 
-    void aSchemeThatNobodySpeaks()
+    void aServerThatSpeaksAnotherProtocol()
     {
-        QCOMPARE(
-            failureAt(addressOf(u"nonsense"_s, 1)), u"The server cannot be asked in this way."_s);
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        answerWith(server, [](QTcpSocket &socket) { socket.write("220 mail.example ESMTP\r\n"); });
+        QCOMPARE(failureAt(plain(server.serverPort())), u"The server's answer made no sense."_s);
+    }
+
+    void aServerWithAHeadBeyondAllMeasure()
+    {
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        answerWith(server, [](QTcpSocket &socket) {
+            socket.write("HTTP/1.1 200 OK\r\nX-Filler: " + QByteArray(70000, 'x'));
+        });
+        QCOMPARE(failureAt(plain(server.serverPort())), u"The server's answer made no sense."_s);
     }
 
 private:
-    static QUrl addressOf(const QString &scheme, quint16 port)
+    static QuotaRequest plain(quint16 port)
     {
-        return {scheme + u"://127.0.0.1:" + QString::number(port) + u'/'};
+        return {.port = port,
+            .bytes = "POST / HTTP/1.1\r\nContent-Length: 2\r\n\r\n{}",
+            .security = {}};
+    }
+
+    static QuotaRequest secure(quint16 port)
+    {
+        auto request = plain(port);
+        request.security = QSslConfiguration::defaultConfiguration();
+        return request;
     }
 
     void answerWith(QTcpServer &server, const std::function<void(QTcpSocket &)> &answer)
@@ -171,16 +201,10 @@ private:
         });
     }
 
-    /// Why a request to that address failed; empty when it did not.
-    static QString failureAt(const QUrl &url, std::chrono::milliseconds time = 20s)
+    /// Why a request failed; empty when it did not.
+    static QString failureAt(const QuotaRequest &request, std::chrono::milliseconds time = 20s)
     {
-        QNetworkAccessManager network;
-        network.setProxy(QNetworkProxy::NoProxy);
-        QNetworkRequest request(url);
-        request.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
-        request.setRawHeader("Content-Length", "2");
-        request.setRawHeader("Content-Type", "application/json");
-        QuotaExchange exchange(network, request, {.time = time, .body = 1000});
+        QuotaExchange exchange(request, {.time = time, .body = 1000});
         std::optional<QuotaExchange::Outcome> outcome;
         connect(&exchange, &QuotaExchange::finished, &exchange,
             [&outcome](const QuotaExchange::Outcome &result) { outcome = result; });
@@ -190,6 +214,8 @@ private:
         return failed != nullptr ? failed->reason : QString();
     }
 };
+
+Q_DECLARE_METATYPE(TransportError)
 
 QTEST_GUILESS_MAIN(TransportErrorTest)
 #include "transport_error_test.moc"

@@ -23,6 +23,13 @@ Item {
     width: parent ? parent.width : implicitWidth
     implicitHeight: box.height
 
+    FontMetrics {
+        id: metrics
+
+        font.family: Theme.fontFamily
+        font.pixelSize: 11
+    }
+
     onMayOpenChanged: box.popup.close()
     onScrollPositionChanged: box.popup.close()
 
@@ -40,7 +47,7 @@ Item {
         objectName: root.objectName + "Box"
         anchors.right: parent.right
         width: root.boxWidth
-        height: chosen.implicitHeight + 8
+        height: Math.ceil(metrics.height) + 8
         model: root.options
         currentIndex: root.index
         focusPolicy: Qt.TabFocus
@@ -65,8 +72,6 @@ Item {
         }
 
         contentItem: Label {
-            id: chosen
-
             leftPadding: 8
             rightPadding: 22
             verticalAlignment: Text.AlignVCenter
@@ -94,7 +99,7 @@ Item {
             required property string modelData
 
             width: ListView.view.width
-            height: line.implicitHeight + 8
+            height: Math.ceil(metrics.height) + 8
             highlighted: box.highlightedIndex === option.index
             text: option.modelData
 
@@ -105,8 +110,6 @@ Item {
 
             contentItem: Item {
                 Label {
-                    id: line
-
                     anchors.verticalCenter: parent.verticalCenter
                     x: 7
                     width: parent.width - 10
@@ -123,7 +126,7 @@ Item {
             objectName: root.objectName + "List"
             y: box.height + 2
             width: box.width
-            height: choices.contentHeight + 8
+            height: contentItem.implicitHeight + 8
             padding: 4
             margins: 4
             scale: Theme.textScale
@@ -142,10 +145,10 @@ Item {
             }
 
             contentItem: ListView {
-                id: choices
-
+                implicitHeight: contentHeight
                 clip: true
-                model: box.popup.visible ? box.delegateModel : null
+                // The library does not export the type.
+                model: box.delegateModel // qmllint disable
                 currentIndex: box.highlightedIndex
                 boundsBehavior: Flickable.StopAtBounds
                 keyNavigationEnabled: false

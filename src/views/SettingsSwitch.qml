@@ -7,14 +7,15 @@ import Brimwatch
 T.Switch {
     id: root
 
+    readonly property real trackWidth: 30
+    readonly property real trackHeight: 17
     property bool on: false
     property string symbol: ""
 
     signal wanted(bool on)
 
-    width: parent ? parent.width : implicitWidth
-    implicitWidth: caption.implicitWidth + track.width + 8
-    implicitHeight: Math.max(caption.implicitHeight, track.height) + 4
+    width: parent ? parent.width : 0
+    implicitHeight: Math.max(metrics.height, root.trackHeight) + 4
     padding: 0
     focusPolicy: Qt.TabFocus
     checked: root.on
@@ -25,20 +26,25 @@ T.Switch {
         root.checked = Qt.binding(() => root.on);
     }
 
-    indicator: Rectangle {
-        id: track
+    FontMetrics {
+        id: metrics
 
+        font.family: Theme.fontFamily
+        font.pixelSize: 12
+    }
+
+    indicator: Rectangle {
         x: root.width - width
         y: (root.height - height) / 2
-        width: 30
-        height: 17
+        width: root.trackWidth
+        height: root.trackHeight
         radius: height / 2
         color: root.checked ? Theme.accent : Theme.track
         border.color: root.checked ? "transparent" : Theme.controlOutline
         border.width: 1
 
         Rectangle {
-            x: 2 + root.visualPosition * (track.width - width - 4)
+            x: 2 + root.visualPosition * (root.trackWidth - width - 4)
             y: 2
             width: 13
             height: 13
@@ -59,14 +65,12 @@ T.Switch {
         FocusRing {
             target: root
             reach: 2
-            radius: track.radius + 2
+            radius: root.trackHeight / 2 + 2
         }
     }
 
     contentItem: Item {
         SymbolImage {
-            id: mark
-
             anchors.verticalCenter: parent.verticalCenter
             visible: root.symbol !== ""
             name: root.symbol
@@ -75,11 +79,9 @@ T.Switch {
         }
 
         Label {
-            id: caption
-
             anchors.verticalCenter: parent.verticalCenter
             x: root.symbol === "" ? 0 : 18
-            width: parent.width - x - track.width - 8
+            width: parent.width - x - root.trackWidth - 8
             text: root.text
             font.pixelSize: 12
             elide: Text.ElideRight

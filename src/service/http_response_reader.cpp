@@ -262,7 +262,8 @@ void HttpResponseReader::endHead()
         return;
     }
     m_status = m_statusCode;
-    if (m_statusCode == 101 || m_statusCode == 204 || m_statusCode == 304) {
+    const bool bodiless = m_statusCode == 101 || m_statusCode == 204 || m_statusCode == 304;
+    if (bodiless || length == 0) {
         conclude(State::Whole);
     } else if (chunked) {
         m_expected = Expected::ChunkLine;
@@ -270,8 +271,6 @@ void HttpResponseReader::endHead()
         m_expected = Expected::BodyToTheEnd;
     } else if (*length > m_limits.body) {
         conclude(State::TooLong);
-    } else if (*length == 0) {
-        conclude(State::Whole);
     } else {
         m_left = *length;
         m_expected = Expected::LengthOfBody;

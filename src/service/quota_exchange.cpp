@@ -1,6 +1,7 @@
 #include "service/quota_exchange.h"
 
 #include "service/quota_request.h"
+#include "service/transport_error_text.h"
 
 #include <QHostAddress>
 #include <QNetworkProxy>

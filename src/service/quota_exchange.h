@@ -1,8 +1,8 @@
 #pragma once
 
 #include "service/http_response_reader.h"
-#include "service/transport_error_text.h"
 
+#include <QAbstractSocket>
 #include <QByteArray>
 #include <QObject>
 #include <QString>

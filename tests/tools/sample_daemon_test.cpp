@@ -675,7 +675,7 @@ void SampleDaemonTest::floodsWithoutEnd_data()
     const QByteArray chunked = "Transfer-Encoding: chunked\r\n\r\n";
     QTest::newRow("flood-header") << QByteArray() << QByteArray("X-Filler: 0123456789abcdef\r\n");
     QTest::newRow("flood-continue") << QByteArray() << QByteArray("HTTP/1.1 100 Continue\r\n\r\n");
-    QTest::newRow("flood-chunks") << chunked << "10000\r\n" + QByteArray(64 * 1024, ' ') + "\r\n";
+    QTest::newRow("flood-chunks") << chunked << "10000\r\n" + QByteArray(0x10000, ' ') + "\r\n";
     QTest::newRow("flood-tiny-chunks") << chunked << QByteArray("1\r\n \r\n");
 }
 
@@ -688,7 +688,7 @@ void SampleDaemonTest::floodsWithoutEnd()
         qPrintable(daemon.errorText()));
     const auto socket = sendTo(daemon.httpPort(), Question{.token = daemon.token()}.bytes());
     QByteArray received;
-    while (received.size() < 32 * 1024 * 1024) {
+    while (received.size() < 32LL * 1024 * 1024) {
         QVERIFY(socket->bytesAvailable() > 0 || socket->waitForReadyRead(patience));
         received += socket->readAll();
     }

@@ -1,5 +1,4 @@
 #include "service/quota_fetch_client.h"
-#include "service/quota_request.h"
 #include "support/test_clock.h"
 #include "unit/local_daemons.h"
 
@@ -398,10 +397,10 @@ private Q_SLOTS:
         QCOMPARE(second.stats()->requests, 1);
     }
 
-    void aDaemonHas4SecondsAndABodyOf4MiB()
+    void aDaemonHas4SecondsAndABodyOf1MiB()
     {
         QCOMPARE(QuotaFetchClient::Limits{}.attempt, 4000ms);
-        QCOMPARE(QuotaFetchClient::Limits{}.body, 4LL * 1024 * 1024);
+        QCOMPARE(QuotaFetchClient::Limits{}.body, 1024LL * 1024);
     }
 
     void withoutOtherLimitsADaemonHas4Seconds()

@@ -215,7 +215,5 @@ private:
     }
 };
 
-Q_DECLARE_METATYPE(TransportError)
-
 QTEST_GUILESS_MAIN(TransportErrorTest)
 #include "transport_error_test.moc"

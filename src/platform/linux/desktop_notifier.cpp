@@ -26,7 +26,8 @@ struct NotificationImage {
 };
 
 // NOLINTBEGIN(bugprone-return-const-ref-from-parameter): the signature that the library asks for.
-static QDBusArgument &operator<<(QDBusArgument &argument, const NotificationImage &image)
+[[maybe_unused]] static QDBusArgument &operator<<(
+    QDBusArgument &argument, const NotificationImage &image)
 {
     argument.beginStructure();
     argument << image.width << image.height << image.rowStride << image.hasAlpha
@@ -35,7 +36,8 @@ static QDBusArgument &operator<<(QDBusArgument &argument, const NotificationImag
     return argument;
 }
 
-static const QDBusArgument &operator>>(const QDBusArgument &argument, NotificationImage &image)
+[[maybe_unused]] static const QDBusArgument &operator>>(
+    const QDBusArgument &argument, NotificationImage &image)
 {
     argument.beginStructure();
     argument >> image.width >> image.height >> image.rowStride >> image.hasAlpha

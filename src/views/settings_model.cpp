@@ -21,12 +21,14 @@ namespace {
 
 struct IntervalOption {
     QLatin1StringView name;
-    double seconds;
+    double seconds = 0;
 };
 
-constexpr std::array intervalOptions{IntervalOption{"15 seconds"_L1, 15},
-    IntervalOption{"30 seconds"_L1, 30}, IntervalOption{"1 minute"_L1, 60},
-    IntervalOption{"2 minutes"_L1, 120}, IntervalOption{"5 minutes"_L1, 300}};
+constexpr std::array intervalOptions{IntervalOption{.name = "15 seconds"_L1, .seconds = 15},
+    IntervalOption{.name = "30 seconds"_L1, .seconds = 30},
+    IntervalOption{.name = "1 minute"_L1, .seconds = 60},
+    IntervalOption{.name = "2 minutes"_L1, .seconds = 120},
+    IntervalOption{.name = "5 minutes"_L1, .seconds = 300}};
 
 /// The element of that index; null when there is none.
 template <typename T, std::size_t Size>

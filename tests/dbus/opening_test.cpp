@@ -113,9 +113,9 @@ private:
 
     static QByteArray mimeType(const QByteArray &kind)
     {
-        return kind == "mail" ? "x-scheme-handler/mailto"
-            : kind == "web"   ? "x-scheme-handler/http"
-                              : "inode/directory";
+        if (kind == "mail")
+            return "x-scheme-handler/mailto";
+        return kind == "web" ? "x-scheme-handler/http" : "inode/directory";
     }
     static void write(const QString &path, const QByteArray &text)
     {

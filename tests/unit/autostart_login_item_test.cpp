@@ -97,7 +97,7 @@ private Q_SLOTS:
             10);
         QTest::newRow("binary in the group") << QByteArray("[Desktop Entry]\n\0=\xff\n\x80", 21);
         QTest::newRow("huge")
-            << QByteArray(start + "Exec=true\n").leftJustified(3 * 1024 * 1024, '#');
+            << QByteArray(start + "Exec=true\n").leftJustified(qsizetype{3} * 1024 * 1024, '#');
     }
     void anEntryThatStartsNothingIsNotRegistered()
     {

@@ -128,7 +128,7 @@ private Q_SLOTS:
         QTest::newRow("empty") << QByteArray() << QStringList();
         QTest::newRow("one") << QByteArray("KDE") << QStringList{u"KDE"_s};
         QTest::newRow("ended") << QByteArray("KDE;XFCE;") << QStringList{u"KDE"_s, u"XFCE"_s};
-        QTest::newRow("escaped") << QByteArray("a\\;b;c\\\\;d\\se")
+        QTest::newRow("escaped") << QByteArray(R"(a\;b;c\\;d\se)")
                                  << QStringList{u"a;b"_s, u"c\\"_s, u"d e"_s};
     }
     void listsAreSplitAtTheirSemicolons()

@@ -21,9 +21,11 @@ QStringList *happened = nullptr;
 
 void writeDown(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    const QString level = type == QtInfoMsg ? u"info"_s
-        : type == QtCriticalMsg             ? u"error"_s
-                                            : u"message"_s;
+    QString level = u"message"_s;
+    if (type == QtInfoMsg)
+        level = u"info"_s;
+    else if (type == QtCriticalMsg)
+        level = u"error"_s;
     happened->append(level + u' ' + QString::fromLatin1(context.category) + u": "_s + message);
 }
 

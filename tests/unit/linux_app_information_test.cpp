@@ -19,10 +19,10 @@ private Q_SLOTS:
                                               "NAME=\"Debian GNU/Linux\"\n")
                                 << u"Debian GNU/Linux 12 (bookworm)"_s;
         QTest::newRow("single quotes")
-            << QByteArray("PRETTY_NAME='A $B \\ \"C\"'") << u"A $B \\ \"C\""_s;
+            << QByteArray(R"(PRETTY_NAME='A $B \ "C"')") << uR"(A $B \ "C")"_s;
         QTest::newRow("no quotes") << QByteArray("NAME=x\nPRETTY_NAME=Arch\r\n") << u"Arch"_s;
-        QTest::newRow("escapes") << QByteArray("PRETTY_NAME=\"a \\\"b\\\" \\$c \\\\\"")
-                                 << u"a \"b\" $c \\"_s;
+        QTest::newRow("escapes") << QByteArray(R"(PRETTY_NAME="a \"b\" \$c \\")")
+                                 << uR"(a "b" $c \)"_s;
         QTest::newRow("last one") << QByteArray("PRETTY_NAME=a\nPRETTY_NAME=b\n") << u"b"_s;
         QTest::newRow("comment") << QByteArray("#PRETTY_NAME=a\n") << u"Linux"_s;
         QTest::newRow("in one line") << QByteArray("PRETTY_NAME=\"a\tb\vc\"") << u"a b c"_s;

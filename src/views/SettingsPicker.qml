@@ -15,6 +15,7 @@ Item {
     required property real boxWidth
     // Whether the list may be open; it closes when it may not any more.
     required property bool mayOpen
+    readonly property real rowHeight: Math.ceil(metrics.height) + 8
     // Where the picker is scrolled to: an open list does not travel.
     property real scrollPosition: 0
 
@@ -47,7 +48,7 @@ Item {
         objectName: root.objectName + "Box"
         anchors.right: parent.right
         width: root.boxWidth
-        height: Math.ceil(metrics.height) + 8
+        height: root.rowHeight
         model: root.options
         currentIndex: root.index
         focusPolicy: Qt.TabFocus
@@ -99,7 +100,7 @@ Item {
             required property string modelData
 
             width: ListView.view.width
-            height: Math.ceil(metrics.height) + 8
+            height: root.rowHeight
             highlighted: box.highlightedIndex === option.index
             text: option.modelData
 
@@ -126,7 +127,7 @@ Item {
             objectName: root.objectName + "List"
             y: box.height + 2
             width: box.width
-            height: contentItem.implicitHeight + 8
+            height: box.count * root.rowHeight + 8
             padding: 4
             margins: 4
             scale: Theme.textScale
@@ -145,7 +146,6 @@ Item {
             }
 
             contentItem: ListView {
-                implicitHeight: contentHeight
                 clip: true
                 // The library does not export the type.
                 model: box.delegateModel // qmllint disable

@@ -27,58 +27,10 @@ case $panel in
 esac
 
 build=${BRIMWATCH_BUILD:-$root/build/dev}
-program=$build/src/app/brimwatch
-daemon=$build/tools/sample-daemon/brimwatch-sample-daemon
-for file in "$program" "$daemon"; do
-    [ -x "$file" ] || die "$file is not built"
-done
 out=${BRIMWATCH_PANEL_LOGS:-$root/build/panels}/$panel
-rm -rf "$out"
-mkdir -p "$out/pictures"
-out=$(cd "$out" && pwd)
-session=$out/session
-passed=0 failed=0 program_pid='' daemon_pid=''
-
-finish()
-{
-    local status=$?
-    trap - EXIT INT TERM
-    end_process "$program_pid"
-    end_process "$daemon_pid"
-    "$script" stop "$session"
-    if [ "$status" != 0 ] && [ "$failed" = 0 ]; then
-        failed=1
-    fi
-    echo "$passed passed, $failed failed"
-    [ "$failed" = 0 ] || echo "Logs and pictures of $panel: $out"
-    [ "$failed" = 0 ] && [ "$passed" -gt 0 ]
-    exit
-}
-trap finish EXIT
-trap 'exit 130' INT TERM
-
-# check SENTENCE COMMAND...: one result.
-check()
-{
-    local sentence=$1
-    shift
-    if "$@"; then
-        passed=$((passed + 1))
-        printf 'ok      %s: %s\n' "$panel" "$sentence"
-    else
-        failed=$((failed + 1))
-        printf 'FAILED  %s: %s\n' "$panel" "$sentence"
-        shot "failed-$failed"
-        return 1
-    fi
-}
-
-# needed SENTENCE COMMAND...: the same, and nothing that follows makes sense without it.
-needed() { check "$@" || exit 1; }
-
-shot() { "$root/tools/panels/shot.sh" "$out/pictures/$1.png" ${2:+"$2"} 2>>"$out/shot.log" || true; }
-click() { "$root/tools/panels/click.sh" "$@"; }
-key() { "$root/tools/panels/key.sh" "$@"; }
+desktop=$panel
+# shellcheck source=../support/desktop_test.sh
+. "$root/tests/support/desktop_test.sh"
 
 start_program()
 {

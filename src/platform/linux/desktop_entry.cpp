@@ -290,7 +290,7 @@ QString execOfCommand(const QStringList &command)
     QStringList arguments;
     for (const QString &argument : command) {
         QString text;
-        // The characters that the specification calls reserved.
+        // The characters that the standard for desktop entries reserves.
         bool mustBeQuoted = argument.isEmpty();
         for (const QChar c : argument) {
             mustBeQuoted = mustBeQuoted || u" \t\n\"'\\><~|&;$*?#()`"_s.contains(c);

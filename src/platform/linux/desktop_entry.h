@@ -31,7 +31,7 @@ public:
     /// The items of a list, undone.
     QStringList list(QLatin1StringView key) const;
     /// Absent without the key and when its value is no boolean. "1" and "0" count, as they did
-    /// before the specification's version 1.0 and do for GLib.
+    /// before version 1.0 of the format and do for GLib.
     std::optional<bool> boolean(QLatin1StringView key) const;
     bool has(QLatin1StringView key) const;
 
@@ -52,7 +52,7 @@ private:
 };
 
 /// The program and arguments of an Exec key, its escapes as a text undone already: quotes and
-/// backslashes undone as the specification says, field codes left out. Empty when the quoting is
+/// backslashes undone as desktop entries have them, field codes left out. Empty when the quoting is
 /// broken.
 QStringList commandOfExec(const QString &exec);
 

@@ -88,8 +88,7 @@ void PopoverFixture::answer(const model::QuotaSummary &summary)
 {
     awaitRefresh();
     fetching.answer(service::FetchedQuota{.summary = summary, .daemon = sampleDaemon()});
-    if (!QTest::qWaitFor([this] { return !service.isRefreshing(); }))
-        qFatal("the refresh does not end");
+    awaitEndOfRefresh();
 }
 
 void PopoverFixture::fail(const QString &message)
@@ -97,8 +96,7 @@ void PopoverFixture::fail(const QString &message)
     awaitRefresh();
     fetching.answer(brimwatch::fail(discovery::DaemonError{
         .kind = discovery::DaemonError::Kind::daemonUnreachable, .message = message}));
-    if (!QTest::qWaitFor([this] { return !service.isRefreshing(); }))
-        qFatal("the refresh does not end");
+    awaitEndOfRefresh();
 }
 
 void PopoverFixture::awaitRefresh()
@@ -107,12 +105,25 @@ void PopoverFixture::awaitRefresh()
         qFatal("nobody asks for quota");
 }
 
+void PopoverFixture::awaitEndOfRefresh()
+{
+    if (!QTest::qWaitFor([this] { return !service.isRefreshing(); }))
+        qFatal("the refresh does not end");
+    if (content && window().isVisible())
+        layOut();
+}
+
+void PopoverFixture::layOut()
+{
+    // A picture needs all items in their places.
+    static_cast<void>(window().grabWindow());
+}
+
 void PopoverFixture::awaitCards(qsizetype count)
 {
     if (!QTest::qWaitFor([this, count] { return items(u"groupCard"_s).size() == count; }))
         qFatal("the cards do not come");
-    // A picture needs all items in their places.
-    static_cast<void>(window().grabWindow());
+    layOut();
 }
 
 QQuickWindow &PopoverFixture::window() const

@@ -36,7 +36,7 @@ public:
     void hide() const;
     /// Turns to the settings and waits until they have slid in.
     void showSettings();
-    /// Lets the refresh run that is asked for, and answers it.
+    /// Lets the refresh run that is asked for, answers it, and lays out what that shows.
     void answer(const model::QuotaSummary &summary);
     void fail(const QString &message);
     /// Waits until a refresh is under way.
@@ -69,6 +69,10 @@ public:
     int terminated = 0;
     int closed = 0;
     std::unique_ptr<platform::PopoverContent> content;
+
+private:
+    void awaitEndOfRefresh();
+    void layOut();
 };
 
 } // namespace brimwatch::test

@@ -7,6 +7,8 @@
 #include <QTimeZone>
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 
 namespace brimwatch::model {
 
@@ -40,6 +42,20 @@ int rank(const QuotaBucket &bucket)
     if (bucket.window == u"weekly"_s || bucket.bucketId.contains("weekly"_L1))
         return 1;
     return 2;
+}
+
+/// By rank, from 0 to `Ranks` - 1; equal ranks keep their order. Each record is ranked once:
+/// ranking searches texts that may be long.
+template <std::size_t Ranks, typename Record, typename RankOf>
+QList<Record> stablyRanked(const QList<Record> &records, const RankOf &rankOf)
+{
+    std::array<QList<Record>, Ranks> ranked;
+    for (const Record &record : records)
+        ranked[static_cast<std::size_t>(rankOf(record))].append(record);
+    QList<Record> sorted;
+    for (const auto &ofOneRank : ranked)
+        sorted += ofOneRank;
+    return sorted;
 }
 
 bool isGemini(const QuotaGroup &group)
@@ -180,10 +196,7 @@ QString QuotaBucket::windowText() const
 
 QList<QuotaBucket> QuotaGroup::sortedBuckets() const
 {
-    auto sorted = buckets;
-    std::stable_sort(sorted.begin(), sorted.end(),
-        [](const QuotaBucket &a, const QuotaBucket &b) { return rank(a) < rank(b); });
-    return sorted;
+    return stablyRanked<3>(buckets, rank);
 }
 
 QString QuotaGroup::iconName() const
@@ -227,11 +240,8 @@ std::optional<QuotaGroup> QuotaSummary::claudeGroup() const
 
 QList<QuotaGroup> QuotaSummary::sortedGroups() const
 {
-    auto sorted = groups;
-    std::stable_sort(sorted.begin(), sorted.end(), [](const QuotaGroup &a, const QuotaGroup &b) {
-        return a.groupSortPriority() < b.groupSortPriority();
-    });
-    return sorted;
+    return stablyRanked<4>(
+        groups, [](const QuotaGroup &group) { return group.groupSortPriority(); });
 }
 
 std::optional<QuotaBucket> QuotaSummary::primaryBucket() const

@@ -5,6 +5,7 @@ Rectangle {
     id: root
 
     required property BucketEntry bucket
+    required property ToolTipBubble toolTip
 
     objectName: "bucketRow"
     implicitHeight: bottomLine.y + bottomLine.height + 10
@@ -24,24 +25,24 @@ Rectangle {
         width: pill.x - x - 8
         spacing: 2
 
-        Label {
+        ElidingLabel {
             objectName: "bucketName"
+            toolTip: root.toolTip
             width: parent.width
             text: root.bucket.displayName
             font.pixelSize: 13
             font.weight: Font.DemiBold
-            elide: Text.ElideRight
             maximumLineCount: 1
         }
 
-        Label {
+        ElidingLabel {
             objectName: "bucketWindow"
+            toolTip: root.toolTip
             width: parent.width
             text: root.bucket.windowText
             color: Theme.secondaryLabel
             font.pixelSize: 9
             font.weight: Font.Bold
-            elide: Text.ElideRight
             maximumLineCount: 1
             visible: text !== ""
         }

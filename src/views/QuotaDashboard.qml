@@ -109,6 +109,7 @@ FocusScope {
 
             anchors.fill: parent
             model: root.model
+            toolTip: root.toolTip
             visible: root.model.body === PopoverModel.Cards
         }
 

@@ -7,6 +7,7 @@ Rectangle {
     id: root
 
     required property GroupEntry group
+    required property ToolTipBubble toolTip
 
     objectName: "groupCard"
     implicitHeight: content.height + 24
@@ -40,17 +41,17 @@ Rectangle {
                 color: Theme.accent
             }
 
-            Label {
+            ElidingLabel {
                 id: name
 
                 objectName: "groupName"
+                toolTip: root.toolTip
                 anchors.verticalCenter: parent.verticalCenter
                 x: icon.width + 8
                 width: count.x - x - 8
                 text: root.group.displayName
                 font.pixelSize: 13
                 font.weight: Font.Bold
-                elide: Text.ElideRight
                 maximumLineCount: 1
             }
 
@@ -77,15 +78,15 @@ Rectangle {
             }
         }
 
-        Label {
+        ElidingLabel {
             objectName: "groupDescription"
+            toolTip: root.toolTip
             width: parent.width
             text: root.group.descriptionText
             color: Theme.secondaryLabel
             font.pixelSize: 11
             wrapMode: Text.Wrap
             maximumLineCount: 6
-            elide: Text.ElideRight
             visible: text !== ""
         }
 
@@ -101,6 +102,7 @@ Rectangle {
 
                 QuotaBucketRow {
                     width: content.width
+                    toolTip: root.toolTip
                 }
             }
         }

@@ -7,6 +7,7 @@ ScrollArea {
     id: root
 
     required property PopoverModel model
+    required property ToolTipBubble toolTip
 
     objectName: "groupList"
     contentHeight: content.height + 24
@@ -27,6 +28,7 @@ ScrollArea {
 
             QuotaGroupCard {
                 width: content.width
+                toolTip: root.toolTip
             }
         }
 

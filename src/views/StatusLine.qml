@@ -27,10 +27,11 @@ Item {
         font: label.font
     }
 
-    Label {
+    ElidingLabel {
         id: label
 
         objectName: "statusText"
+        toolTip: root.toolTip
         x: 11
         width: root.width - x
         text: root.model.statusText
@@ -39,16 +40,5 @@ Item {
         font.weight: Font.Medium
         wrapMode: Text.Wrap
         maximumLineCount: 2
-        elide: Text.ElideRight
-
-        HoverHandler {
-            enabled: label.truncated
-            onHoveredChanged: {
-                if (hovered)
-                    root.toolTip.offer(root, root.model.statusText);
-                else
-                    root.toolTip.withdraw(root);
-            }
-        }
     }
 }

@@ -33,7 +33,7 @@ Rectangle {
         const middle = below.x + root.target.width / 2 - root.width / 2;
         root.x = Math.round(Math.max(8, Math.min(middle, root.parent.width - root.width - 8)));
         root.y = Math.round(below.y + 8 + root.height <= root.parent.height - 8
-                ? below.y + 8 : above.y - 8 - root.height);
+                ? below.y + 8 : Math.max(8, above.y - 8 - root.height));
     }
 
     objectName: "toolTip"

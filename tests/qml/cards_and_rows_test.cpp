@@ -1,4 +1,5 @@
 #include "platform/linux/system_colors.h"
+#include "platform/wording.h"
 #include "qml/popover_fixture.h"
 #include "qml/samples.h"
 
@@ -40,6 +41,9 @@ private Q_SLOTS:
     void aBucketWithoutWindowShowsOnlyItsName();
     void aBucketWithoutResetTimeIsActiveAndHasNoTimestamp();
     void aResetTodayShowsItsTime();
+    void whatIsCutOffIsInATooltip_data();
+    void whatIsCutOffIsInATooltip();
+    void aNameThatFitsHasNoTooltip();
     void fiveHourBucketsComeFirst();
     void bucketsKeepTheirRowsWhenTheyMove();
     void cardsAndRowsHaveTheirPaddings();
@@ -177,6 +181,49 @@ void CardsAndRowsTest::aResetTodayShowsItsTime()
     fixture.show();
     fixture.answer(oneGroup({test::sampleBucket(u"a"_s, u"A"_s, u"5h"_s, 0.5, 3600)}));
     QTRY_COMPARE(fixture.text(u"timestamp"_s), u"1:00 PM"_s);
+}
+
+void CardsAndRowsTest::whatIsCutOffIsInATooltip_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::newRow("name of a group") << u"groupName"_s;
+    QTest::newRow("description") << u"groupDescription"_s;
+    QTest::newRow("name of a bucket") << u"bucketName"_s;
+    QTest::newRow("window") << u"bucketWindow"_s;
+}
+
+void CardsAndRowsTest::whatIsCutOffIsInATooltip()
+{
+    QFETCH(QString, item);
+    const QString longText = u"word "_s.repeated(100).trimmed();
+    PopoverFixture fixture;
+    fixture.show();
+    fixture.answer({.groups = {{.displayName = longText,
+                        .description = longText,
+                        .buckets = {test::sampleBucket(u"a"_s, longText, longText, 0.5, 60)}}}});
+    fixture.awaitCards(1);
+    QVERIFY(fixture.item(item)->property("truncated").toBool());
+    QTest::mouseMove(&fixture.window(), fixture.middle(item));
+    QTRY_VERIFY(fixture.item(u"toolTip"_s));
+    QCOMPARE(fixture.text(u"toolTip"_s), fixture.text(item));
+    const QQuickItem *bubble = fixture.item(u"toolTip"_s);
+    const QRectF place = bubble->mapRectToScene(QRectF(0, 0, bubble->width(), bubble->height()));
+    QVERIFY(QRectF(QPointF(), fixture.window().size()).contains(place));
+    QTest::mouseMove(&fixture.window(), QPoint(190, 5));
+    QTRY_VERIFY(!fixture.item(u"toolTip"_s));
+}
+
+void CardsAndRowsTest::aNameThatFitsHasNoTooltip()
+{
+    PopoverFixture fixture;
+    fixture.show();
+    fixture.answer(oneGroup({test::sampleBucket(u"a"_s, u"A"_s, u"5h"_s, 0.5, 60)}));
+    fixture.awaitCards(1);
+    QTest::mouseMove(&fixture.window(), fixture.middle(u"bucketName"_s));
+    // What is offered next shows: the name would have shown first.
+    QTest::mouseMove(&fixture.window(), fixture.middle(u"refreshButton"_s));
+    QTRY_VERIFY(fixture.item(u"toolTip"_s));
+    QCOMPARE(fixture.text(u"toolTip"_s), platform::wording().refreshToolTip);
 }
 
 void CardsAndRowsTest::fiveHourBucketsComeFirst()

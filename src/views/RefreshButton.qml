@@ -21,11 +21,12 @@ ButtonBase {
         pointSize: 13
         weight: SymbolImage.Weight.Semibold
         color: Theme.label
-        opacity: root.enabled || root.model.spin.isSpinning ? 1 : 0.45
+        // Without motion the icon says by its paleness that a refresh runs.
+        opacity: root.enabled || (root.model.spin.isSpinning && !Theme.reducesMotion) ? 1 : 0.45
         rotation: root.model.spin.rotationDegrees
 
         Behavior on rotation {
-            enabled: root.model.isShown
+            enabled: root.model.isShown && !Theme.reducesMotion
 
             NumberAnimation {
                 duration: root.model.spin.turnDuration

@@ -72,6 +72,7 @@ private Q_SLOTS:
     void controlRTwiceIsOneRefreshAndOneSpin();
     void aRefreshByTheTimerSpins();
     void aSpinGoesOnWhileTheRefreshRunsAndEndsOnAWholeTurn();
+    void withoutMotionASpinIsInstantAndItsGuardKeepsItsTime();
     void aRefreshThatRunsWhenThePopoverOpensSpins();
     void aHiddenPopoverStandsStill();
     void whatHappenedWhileHiddenIsThereWhenShown();
@@ -334,6 +335,26 @@ void QuotaPopoverTest::aSpinGoesOnWhileTheRefreshRunsAndEndsOnAWholeTurn()
     QTRY_VERIFY(rotationOf(fixture) >= 720);
     QTRY_VERIFY(!fixture.model().spin()->isSpinning());
     QTRY_COMPARE(rotationOf(fixture), fixture.model().spin()->rotationDegrees());
+    QCOMPARE(std::fmod(rotationOf(fixture), 360.0), 0.0);
+}
+
+void QuotaPopoverTest::withoutMotionASpinIsInstantAndItsGuardKeepsItsTime()
+{
+    PopoverFixture fixture;
+    fixture.appearance.still = true;
+    fixture.answer(test::sampleSummary());
+    fixture.show();
+    QTRY_VERIFY(!fixture.model().spin()->isSpinning());
+    const double before = rotationOf(fixture);
+    QTest::keyClick(&fixture.window(), Qt::Key_R, Qt::ControlModifier);
+    QCOMPARE(rotationOf(fixture), before + 360);
+    QVERIFY(fixture.model().spin()->isSpinning());
+    fixture.awaitRefresh();
+    // In its place the icon pales.
+    QTRY_COMPARE(fixture.item(u"refreshIcon"_s)->opacity(), 0.45);
+    fixture.answer(test::sampleSummary());
+    QTRY_VERIFY(!fixture.model().spin()->isSpinning());
+    QTRY_COMPARE(fixture.item(u"refreshIcon"_s)->opacity(), 1.0);
     QCOMPARE(std::fmod(rotationOf(fixture), 360.0), 0.0);
 }
 

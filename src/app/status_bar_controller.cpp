@@ -21,6 +21,8 @@ StatusBarController::StatusBarController(Dependencies dependencies)
         &StatusBarController::statusItemClicked);
     connect(m_statusItem.get(), &platform::StatusItem::refreshRequested, &m_quotaService,
         &service::QuotaService::refresh);
+    connect(m_statusItem.get(), &platform::StatusItem::settingsRequested, this,
+        &StatusBarController::showSettings);
     connect(m_statusItem.get(), &platform::StatusItem::quitRequested, this,
         &StatusBarController::quitRequested);
     setupSubscribers();
@@ -59,8 +61,16 @@ void StatusBarController::togglePopover(const platform::ItemAnchor &sender)
 void StatusBarController::showPopover()
 {
     if (!m_popover->isShown())
-        m_popover->show({});
+        m_popover->showUnclicked(m_statusItem->place());
     m_popover->makeKey();
+}
+
+void StatusBarController::showSettings()
+{
+    // Turned before it is shown, it opens on them without the slide.
+    m_popover->prepare();
+    m_popover->showSettings();
+    showPopover();
 }
 
 void StatusBarController::popoverDidClose()

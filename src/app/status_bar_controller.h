@@ -42,9 +42,11 @@ public:
     /// Closes the popover when it is shown; else opens it, unless it closed just now.
     void togglePopover(const platform::ItemAnchor &sender);
 
-    /// Opens the popover without a click on the item, whose place is not known then; with or
-    /// without an item. One that is shown stays, and gets the keyboard.
+    /// Opens the popover without a click on the item; with or without an item. One that is shown
+    /// stays, and gets the keyboard.
     void showPopover();
+    /// The same on its settings.
+    void showSettings();
 
 Q_SIGNALS:
     /// Chosen from the item's menu.

@@ -3,6 +3,9 @@
 #include "platform/status_item.h"
 
 #include <QObject>
+#include <QRect>
+
+#include <optional>
 
 namespace brimwatch::platform {
 
@@ -24,6 +27,9 @@ public:
     /// Shows it beside the item, below it where there is room; loads the content first if nothing
     /// has.
     virtual void show(const ItemAnchor &anchor) = 0;
+    /// Shows it though nobody clicked: beside the item at `item`, in native pixels; without one
+    /// where it stood the last time, and before that in the corner where panels have their items.
+    virtual void showUnclicked(const std::optional<QRect> &item) = 0;
     /// Gives it the keyboard, without making the program the active one.
     virtual void makeKey() = 0;
     /// Turns to the settings; nothing while the content is not loaded.

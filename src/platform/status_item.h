@@ -45,6 +45,9 @@ public:
     /// Draws the label. The panel hears of it only when it differs from the one that it shows.
     virtual void setLabel(const model::LabelComposition &label) = 0;
     virtual void setDescription(const ItemDescription &description) = 0;
+    /// Where the item stands just now, in native pixels of the virtual screen; absent without an
+    /// item, and on panels that keep it to themselves.
+    virtual std::optional<QRect> place() const = 0;
 
 Q_SIGNALS:
     /// The left or right button went down on the item: a click is likely. Only on panels that tell.
@@ -53,6 +56,7 @@ Q_SIGNALS:
     void clicked(const brimwatch::platform::ItemAnchor &anchor);
     /// Chosen from the item's menu, on panels that keep the right click for one.
     void refreshRequested();
+    void settingsRequested();
     void quitRequested();
 };
 

@@ -155,7 +155,7 @@ private Q_SLOTS:
     void aClickCarriesThePlaceThatCanBeGlobal();
     void theContextMenuOfHostsWithoutMenusIsAClick();
     void otherButtonsWheelsAndTokensDoNothing();
-    void theMenuOpensRefreshesAndQuits();
+    void theMenuOpensRefreshesConfiguresAndQuits();
     void malformedCallsGetErrors_data();
     void malformedCallsGetErrors();
     void aFloodIsAnsweredToTheEnd();
@@ -668,7 +668,7 @@ void SniPresentationTest::otherButtonsWheelsAndTokensDoNothing()
     QCOMPARE(clicked[0][0].value<ItemAnchor>().pointer, std::optional(QPoint(901, 14)));
 }
 
-void SniPresentationTest::theMenuOpensRefreshesAndQuits()
+void SniPresentationTest::theMenuOpensRefreshesConfiguresAndQuits()
 {
     start(someItem());
     const auto path = m_host->readAll().value(u"Menu"_s).value<QDBusObjectPath>().path();
@@ -682,10 +682,11 @@ void SniPresentationTest::theMenuOpensRefreshesAndQuits()
         labels.append(label);
         idOf.insert(label, entry.id);
     }
-    QCOMPARE(labels, QStringList({u"Open"_s, u"Refresh"_s, u"-"_s, u"Quit"_s}));
+    QCOMPARE(labels, QStringList({u"Open"_s, u"Refresh"_s, u"Settings"_s, u"-"_s, u"Quit"_s}));
 
     QSignalSpy clicked(m_item.get(), &Presentation::clicked);
     QSignalSpy refresh(m_item.get(), &Presentation::refreshRequested);
+    QSignalSpy settings(m_item.get(), &Presentation::settingsRequested);
     QSignalSpy quit(m_item.get(), &Presentation::quitRequested);
     const auto choose = [&menu, &idOf](const QString &label) {
         menu.call(u"Event"_s,
@@ -696,6 +697,8 @@ void SniPresentationTest::theMenuOpensRefreshesAndQuits()
     QVERIFY(!clicked[0][0].value<ItemAnchor>().pointer);
     choose(u"Refresh"_s);
     QTRY_COMPARE(refresh.size(), 1);
+    choose(u"Settings"_s);
+    QTRY_COMPARE(settings.size(), 1);
     choose(u"-"_s);
     choose(u"Quit"_s);
     QTRY_COMPARE(quit.size(), 1);

@@ -23,8 +23,10 @@ public:
     {
         descriptions.append(description);
     }
+    std::optional<QRect> place() const override { return itemPlace; }
 
     bool button = true;
+    std::optional<QRect> itemPlace;
     QList<model::LabelComposition> labels;
     QList<platform::ItemDescription> descriptions;
 };
@@ -38,6 +40,12 @@ public:
         shown = true;
         calls.append(u"show"_s);
         anchors.append(anchor);
+    }
+    void showUnclicked(const std::optional<QRect> &item) override
+    {
+        shown = true;
+        calls.append(u"showUnclicked"_s);
+        items.append(item);
     }
     void makeKey() override { calls.append(u"makeKey"_s); }
     void showSettings() override { calls.append(u"showSettings"_s); }
@@ -55,6 +63,7 @@ public:
     bool shown = false;
     QStringList calls;
     QList<platform::ItemAnchor> anchors;
+    QList<std::optional<QRect>> items;
 };
 
 class FakePresence final : public platform::ApplicationPresence {
@@ -148,16 +157,37 @@ private Q_SLOTS:
         QFETCH(bool, hasItem);
         m_item->button = hasItem;
         m_controller->showPopover();
-        QCOMPARE(m_popover->calls, QStringList({u"show"_s, u"makeKey"_s}));
-        QVERIFY(!m_popover->anchors.constFirst().bounds);
-        QVERIFY(!m_popover->anchors.constFirst().pointer);
+        QCOMPARE(m_popover->calls, QStringList({u"showUnclicked"_s, u"makeKey"_s}));
+        QVERIFY(!m_popover->items.constFirst());
+    }
+
+    void withoutAClickThePopoverOpensWhereTheItemIs()
+    {
+        m_item->itemPlace = QRect(700, 0, 90, 24);
+        m_controller->showPopover();
+        QCOMPARE(m_popover->items.constFirst(), std::optional(QRect(700, 0, 90, 24)));
+    }
+
+    void theMenusSettingsOpenThePopoverOnThem()
+    {
+        Q_EMIT m_item->settingsRequested();
+        QCOMPARE(m_popover->calls,
+            QStringList({u"prepare"_s, u"showSettings"_s, u"showUnclicked"_s, u"makeKey"_s}));
+    }
+
+    void theMenusSettingsTurnAPopoverThatIsShown()
+    {
+        Q_EMIT m_item->clicked({});
+        m_popover->calls.clear();
+        Q_EMIT m_item->settingsRequested();
+        QCOMPARE(m_popover->calls, QStringList({u"prepare"_s, u"showSettings"_s, u"makeKey"_s}));
     }
 
     void aPopoverThatIsShownStaysWhenItIsToBeShown()
     {
         m_controller->showPopover();
         m_controller->showPopover();
-        QCOMPARE(m_popover->calls, QStringList({u"show"_s, u"makeKey"_s, u"makeKey"_s}));
+        QCOMPARE(m_popover->calls, QStringList({u"showUnclicked"_s, u"makeKey"_s, u"makeKey"_s}));
         QVERIFY(m_popover->isShown());
     }
 

@@ -64,6 +64,11 @@ void PanelStatusItem::setDescription(const ItemDescription &description)
     changed();
 }
 
+std::optional<QRect> PanelStatusItem::place() const
+{
+    return m_presentation ? m_presentation->place() : std::nullopt;
+}
+
 void PanelStatusItem::changed()
 {
     if (m_updatePending)
@@ -103,6 +108,8 @@ void PanelStatusItem::stand()
     connect(m_presentation.get(), &Presentation::clicked, this, &PanelStatusItem::clicked);
     connect(m_presentation.get(), &Presentation::refreshRequested, this,
         &PanelStatusItem::refreshRequested);
+    connect(m_presentation.get(), &Presentation::settingsRequested, this,
+        &PanelStatusItem::settingsRequested);
     connect(
         m_presentation.get(), &Presentation::quitRequested, this, &PanelStatusItem::quitRequested);
     connect(m_presentation.get(), &Presentation::lost, this, &PanelStatusItem::standAgainLater);

@@ -33,6 +33,7 @@ public:
     bool hasButton() const override { return true; }
     void setLabel(const model::LabelComposition &label) override;
     void setDescription(const ItemDescription &description) override;
+    std::optional<QRect> place() const override;
 
     /// Who shows the item.
     const Host &host() const { return m_detector.host(); }

@@ -4,6 +4,9 @@
 #include "platform/status_item.h"
 
 #include <QObject>
+#include <QRect>
+
+#include <optional>
 
 namespace brimwatch::platform {
 
@@ -26,6 +29,9 @@ public:
 
     /// Redraws what differs from what it shows, and tells the panel of nothing else.
     virtual void present(const PresentedItem &item) = 0;
+    /// Where it stands, in native pixels of the virtual screen; absent where the panel does not
+    /// say.
+    virtual std::optional<QRect> place() const = 0;
 
 Q_SIGNALS:
     /// The panel has taken the item.
@@ -33,6 +39,7 @@ Q_SIGNALS:
     void pressed();
     void clicked(const brimwatch::platform::ItemAnchor &anchor);
     void refreshRequested();
+    void settingsRequested();
     void quitRequested();
     /// The panel is gone, or has thrown the item out.
     void lost();

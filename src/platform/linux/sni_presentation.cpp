@@ -40,11 +40,12 @@ constexpr std::chrono::seconds pauseBetweenSignals{1};
 constexpr int largestItem = 64;
 constexpr int farthest = 0x7fff;
 
-enum MenuId : int { OpenId = 1, RefreshId, SeparatorId, QuitId };
+enum MenuId : int { OpenId = 1, RefreshId, SettingsId, SeparatorId, QuitId };
 
 QList<DBusMenuEntry> menuEntries()
 {
     return {{.id = OpenId, .label = u"Open"_s}, {.id = RefreshId, .label = u"Refresh"_s},
+        {.id = SettingsId, .label = u"Settings"_s},
         {.id = SeparatorId, .label = {}, .separator = true}, {.id = QuitId, .label = u"Quit"_s}};
 }
 
@@ -260,6 +261,9 @@ void SniPresentation::chooseFromMenu(int id)
         break;
     case RefreshId:
         Q_EMIT refreshRequested();
+        break;
+    case SettingsId:
+        Q_EMIT settingsRequested();
         break;
     case QuitId:
         Q_EMIT quitRequested();

@@ -67,6 +67,8 @@ public:
     SniPresentation &operator=(SniPresentation &&) = delete;
 
     void present(const PresentedItem &item) override;
+    /// Absent: the protocol has no word for it.
+    std::optional<QRect> place() const override { return std::nullopt; }
 
 private Q_SLOTS:
     // The methods of the protocol, named as it names them: the adaptor calls them by name.

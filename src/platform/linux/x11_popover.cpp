@@ -34,6 +34,23 @@ QRect popoverPlace(const QRect &item, const QSize &size, const QRect &screen, co
     return {QPoint(left, top), size};
 }
 
+QRect likelyItemPlace(const QRect &screen, const QRect &workArea)
+{
+    const int above = workArea.top() - screen.top();
+    const int below = screen.bottom() - workArea.bottom();
+    const int left = workArea.left() - screen.left();
+    const int right = screen.right() - workArea.right();
+    const int thickest = std::max({above, below, left, right});
+    QPoint place = screen.topRight();
+    if (thickest > 0 && above != thickest) {
+        if (below == thickest || right == thickest)
+            place = screen.bottomRight();
+        else
+            place = screen.bottomLeft();
+    }
+    return {place, QSize(1, 1)};
+}
+
 X11Popover::X11Popover(PopoverContentFactory factory, QObject *parent)
     : Popover(parent)
     , m_factory(std::move(factory))
@@ -60,11 +77,55 @@ void X11Popover::prepare()
 
 void X11Popover::show(const ItemAnchor &anchor)
 {
+    if (!anchor.bounds && !anchor.pointer) {
+        // The toolkit's idea of the pointer is right on every panel tried, also where the panel's
+        // is not.
+        const QPoint cursor = QCursor::pos();
+        showBeside(QRect(cursor, QSize(1, 1)), QGuiApplication::screenAt(cursor));
+        return;
+    }
+    const QPoint pointer = anchor.pointer ? *anchor.pointer : anchor.bounds->center();
+    QScreen *screen = screenAtNative(pointer);
+    const QRect item = anchor.bounds ? fromNative(*anchor.bounds, screen)
+                                     : QRect(fromNative(pointer, screen), QSize(1, 1));
+    showBeside(item, screen);
+}
+
+void X11Popover::showUnclicked(const std::optional<QRect> &item)
+{
+    if (item) {
+        show({.bounds = item, .pointer = {}});
+        return;
+    }
+    if (m_lastItem) {
+        // Its screen may be gone by now.
+        if (QScreen *screen = QGuiApplication::screenAt(m_lastItem->center())) {
+            showBeside(*m_lastItem, screen);
+            return;
+        }
+    }
+    QScreen *screen = QGuiApplication::screenAt(QCursor::pos());
+    if (screen == nullptr)
+        screen = QGuiApplication::primaryScreen();
+    if (screen == nullptr)
+        return;
+    showBeside(likelyItemPlace(screen->geometry(), screen->availableGeometry()), screen);
+}
+
+void X11Popover::showBeside(const QRect &item, QScreen *screen)
+{
     if (m_shown || !load())
         return;
     m_shown = true;
     m_content->setShown(true);
-    place(anchor);
+    m_lastItem = item;
+    if (screen == nullptr)
+        screen = QGuiApplication::primaryScreen();
+    if (screen != nullptr) {
+        m_window->setScreen(screen);
+        m_window->setGeometry(
+            popoverPlace(item, m_window->size(), screen->geometry(), screen->availableGeometry()));
+    }
     m_window->show();
 }
 
@@ -99,32 +160,6 @@ bool X11Popover::load()
     m_window->setFlags(Qt::Popup | Qt::FramelessWindowHint);
     m_window->installEventFilter(this);
     return true;
-}
-
-void X11Popover::place(const ItemAnchor &anchor)
-{
-    const QPoint pointer
-        = anchor.pointer.value_or(anchor.bounds ? anchor.bounds->center() : QPoint(-1, -1));
-    QRect item;
-    QScreen *screen = nullptr;
-    if (anchor.bounds || anchor.pointer) {
-        screen = screenAtNative(pointer);
-        item = anchor.bounds ? fromNative(*anchor.bounds, screen)
-                             : QRect(fromNative(pointer, screen), QSize(1, 1));
-    } else {
-        // The toolkit's idea of the pointer is right on every panel tried, also where the panel's
-        // is not.
-        const QPoint cursor = QCursor::pos();
-        screen = QGuiApplication::screenAt(cursor);
-        if (screen == nullptr)
-            screen = QGuiApplication::primaryScreen();
-        item = QRect(cursor, QSize(1, 1));
-    }
-    if (screen == nullptr)
-        return;
-    m_window->setScreen(screen);
-    m_window->setGeometry(
-        popoverPlace(item, m_window->size(), screen->geometry(), screen->availableGeometry()));
 }
 
 void X11Popover::grab()

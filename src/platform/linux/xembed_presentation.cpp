@@ -95,7 +95,7 @@ XembedPresentation::XembedPresentation(XConnection &x, xcb_window_t manager,
     , m_manager(manager)
     , m_painter(painter)
     , m_appearance(appearance)
-    , m_hover(new HoverText(appearance, [this] { return place(); }, this))
+    , m_hover(new HoverText(appearance, [this] { return place().value_or(QRect()); }, this))
 {
     m_settle.setSingleShot(true);
     m_settle.setInterval(settleMilliseconds);
@@ -312,7 +312,7 @@ void XembedPresentation::buttonReleased(const xcb_button_release_event_t &releas
         return;
     m_pressed.reset();
     // Releases come to the window of the press, wherever the pointer is by then.
-    const QRect bounds = place();
+    const auto bounds = place();
     const QPoint pointer(release.root_x, release.root_y);
     if (!QRect(QPoint(0, 0), m_slot).contains(QPoint(release.event_x, release.event_y)))
         return;
@@ -487,14 +487,16 @@ void XembedPresentation::draw()
     m_x.flush();
 }
 
-QRect XembedPresentation::place() const
+std::optional<QRect> XembedPresentation::place() const
 {
-    if (m_window == XCB_WINDOW_NONE)
-        return {};
+    if (m_lost || !m_docked || m_window == XCB_WINDOW_NONE)
+        return std::nullopt;
     xcb_connection_t *c = m_x.connection();
     const XcbPointer<xcb_translate_coordinates_reply_t> origin(xcb_translate_coordinates_reply(
         c, xcb_translate_coordinates(c, m_window, m_x.screen()->root, 0, 0), nullptr));
-    return origin ? QRect(QPoint(origin->dst_x, origin->dst_y), m_slot) : QRect();
+    if (!origin)
+        return std::nullopt;
+    return QRect(QPoint(origin->dst_x, origin->dst_y), m_slot);
 }
 
 } // namespace brimwatch::platform

@@ -39,6 +39,7 @@ public:
     ~XembedPresentation() override;
 
     void present(const PresentedItem &item) override;
+    std::optional<QRect> place() const override;
 
 private:
     void createWindow();
@@ -58,7 +59,6 @@ private:
     void fitSlot();
     QImage compose();
     void draw();
-    QRect place() const;
 
     XConnection &m_x;
     xcb_window_t m_manager;

@@ -10,7 +10,7 @@ const Wording &wording(DesktopFamily family)
         .requiresApproval = u"Requires approval in macOS System Settings."_s,
         .systemVersionLabel = u"macOS Version"_s};
     static const Wording linux_{.refreshToolTip = u"Refresh Quota (Ctrl+R)"_s,
-        .requiresApproval = u"Switched off in the desktop's autostart settings."_s,
+        .requiresApproval = u"Requires approval in system settings."_s,
         .systemVersionLabel = u"Linux Version"_s};
     return family == DesktopFamily::macOS ? macOS : linux_;
 }

@@ -47,6 +47,7 @@ Q_DECLARE_METATYPE(Accent)
 namespace {
 
 const auto appearanceSpace = u"org.freedesktop.appearance"_s;
+const auto gnomeSpace = u"org.gnome.desktop.interface"_s;
 
 /// The other end of the settings portal.
 class FakePortal final : public QDBusVirtualObject {
@@ -74,19 +75,20 @@ public:
         if (message.member() != "ReadAll"_L1)
             return false;
         wasRead = true;
-        connection.send(message.createReply(
-            QVariant::fromValue(QMap<QString, QVariantMap>{{appearanceSpace, settings}})));
+        connection.send(message.createReply(QVariant::fromValue(
+            QMap<QString, QVariantMap>{{appearanceSpace, settings}, {gnomeSpace, gnomeSettings}})));
         return true;
     }
-    void change(const QString &key, const QVariant &value)
+    void change(const QString &key, const QVariant &value, const QString &space = appearanceSpace)
     {
         auto signal = QDBusMessage::createSignal(u"/org/freedesktop/portal/desktop"_s,
             u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s);
-        signal << appearanceSpace << key << QVariant::fromValue(QDBusVariant(value));
+        signal << space << key << QVariant::fromValue(QDBusVariant(value));
         m_bus.send(signal);
     }
 
     QVariantMap settings;
+    QVariantMap gnomeSettings;
     bool wasRead = false;
 
 private:
@@ -138,6 +140,49 @@ private Q_SLOTS:
             u"accent-color"_s, QVariant::fromValue(Accent{.red = 1, .green = 0, .blue = 0}));
         QTRY_COMPARE(appearance.color(ColorToken::Accent), (Rgba{1, 0, 0, 1}));
         QVERIFY(!appearance.isDark());
+    }
+
+    void lessMotionIsFollowedLive()
+    {
+        FakePortal portal;
+        portal.settings = {{u"reduced-motion"_s, 1u}};
+        DesktopAppearance appearance(QDBusConnection::sessionBus(), nullptr, m_home.path());
+        QTRY_VERIFY(appearance.reducesMotion());
+        portal.change(u"reduced-motion"_s, 0u);
+        QTRY_VERIFY(!appearance.reducesMotion());
+    }
+
+    void gnomesAnimationSwitchIsFollowedLive()
+    {
+        FakePortal portal;
+        portal.gnomeSettings = {{u"enable-animations"_s, false}};
+        DesktopAppearance appearance(QDBusConnection::sessionBus(), nullptr, m_home.path());
+        QTRY_VERIFY(appearance.reducesMotion());
+        portal.change(u"enable-animations"_s, true, gnomeSpace);
+        QTRY_VERIFY(!appearance.reducesMotion());
+    }
+
+    void higherContrastShowsSecondaryTextAndLinesAsStronglyAsText()
+    {
+        FakePortal portal;
+        portal.settings = {{u"contrast"_s, 1u}};
+        DesktopAppearance appearance(QDBusConnection::sessionBus(), nullptr, m_home.path());
+        const auto label = appearance.color(ColorToken::Label);
+        QTRY_COMPARE(appearance.color(ColorToken::SecondaryLabel), label);
+        QCOMPARE(appearance.color(ColorToken::Separator), label);
+        portal.change(u"contrast"_s, 0u);
+        QTRY_COMPARE(appearance.color(ColorToken::SecondaryLabel),
+            systemColor(ColorToken::SecondaryLabel, Ground::Light));
+    }
+
+    void largerTextIsFollowedWhereNoXServerScalesIt()
+    {
+        FakePortal portal;
+        portal.gnomeSettings = {{u"text-scaling-factor"_s, 1.5}};
+        DesktopAppearance appearance(QDBusConnection::sessionBus(), nullptr, m_home.path());
+        QTRY_COMPARE(appearance.textScale(), 1.5);
+        portal.change(u"text-scaling-factor"_s, 100.0, gnomeSpace);
+        QTRY_COMPARE(appearance.textScale(), 3.0);
     }
 
 private:

@@ -1,8 +1,7 @@
 #include "platform/linux/desktop_appearance.h"
 #include "platform/linux/system_colors.h"
-#include "platform/linux/x11_popover.h"
 #include "platform/linux/xsettings.h"
-#include "platform/wording.h"
+#include "support/xsettings_property.h"
 
 #include <QFile>
 #include <QSignalSpy>
@@ -33,39 +32,11 @@ double contrast(const Rgba &a, const Rgba &b)
     return (lighter + 0.05) / (darker + 0.05);
 }
 
-void append(QByteArray &bytes, quint32 number, int size)
-{
-    for (int i = 0; i < size; ++i)
-        bytes.append(static_cast<char>((number >> (8 * i)) & 0xff));
-}
-
-void appendText(QByteArray &bytes, const QByteArray &text)
-{
-    bytes.append(text);
-    bytes.append(QByteArray((4 - text.size() % 4) % 4, '\0'));
-}
-
-/// A little-endian XSETTINGS property with a text and a number.
+/// A property with a text and a number.
 QByteArray settingsProperty()
 {
-    QByteArray bytes;
-    append(bytes, 0, 4);
-    append(bytes, 7, 4);
-    append(bytes, 2, 4);
-    append(bytes, 1, 1);
-    append(bytes, 0, 1);
-    append(bytes, 13, 2);
-    appendText(bytes, "Net/ThemeName");
-    append(bytes, 1, 4);
-    append(bytes, 12, 4);
-    appendText(bytes, "Adwaita-dark");
-    append(bytes, 0, 1);
-    append(bytes, 0, 1);
-    append(bytes, 7, 2);
-    appendText(bytes, "Xft/DPI");
-    append(bytes, 1, 4);
-    append(bytes, 98304, 4);
-    return bytes;
+    return test::xSettingsProperty(
+        {{u"Net/ThemeName"_s, u"Adwaita-dark"_s}, {u"Xft/DPI"_s, 98304}});
 }
 
 } // namespace
@@ -196,42 +167,23 @@ private Q_SLOTS:
             appearance.color(ColorToken::Accent), systemColor(ColorToken::Accent, Ground::Light));
     }
 
-    void thePopoverHangsBelowItemsAboveTheMiddleAndAboveThoseBelow()
+    void kdesAnimationSpeedCanMeanNoMotion_data()
     {
-        const QRect screen(0, 0, 1280, 720);
-        const QSize size(380, 490);
-        QCOMPARE(popoverPlace(QRect(600, 0, 100, 28), size, screen, QRect(0, 28, 1280, 692)),
-            QRect(QPoint(460, 28), size));
-        QCOMPARE(popoverPlace(QRect(600, 692, 100, 28), size, screen, QRect(0, 0, 1280, 692)),
-            QRect(QPoint(460, 202), size));
+        QTest::addColumn<QByteArray>("factor");
+        QTest::addColumn<bool>("reduced");
+        QTest::newRow("none") << QByteArray("0") << true;
+        QTest::newRow("none, as a fraction") << QByteArray("0.0") << true;
+        QTest::newRow("slow") << QByteArray("2") << false;
+        QTest::newRow("no number") << QByteArray("fast") << false;
     }
-
-    void thePopoverStaysWithinTheWorkArea()
+    void kdesAnimationSpeedCanMeanNoMotion()
     {
-        const QRect screen(0, 0, 1280, 720);
-        const QSize size(380, 490);
-        const QRect area(0, 28, 1280, 692);
-        QCOMPARE(
-            popoverPlace(QRect(1260, 0, 20, 28), size, screen, area), QRect(QPoint(900, 28), size));
-        QCOMPARE(popoverPlace(QRect(0, 0, 20, 28), size, screen, area), QRect(QPoint(0, 28), size));
-        // A panel at the side: the item's middle decides the height.
-        QCOMPARE(popoverPlace(QRect(0, 300, 30, 30), size, screen, QRect(30, 0, 1250, 720)),
-            QRect(QPoint(30, 230), size));
-    }
-
-    void aPopoverLargerThanTheWorkAreaKeepsItsTopLeftInIt()
-    {
-        const QRect screen(-800, 100, 320, 240);
-        QCOMPARE(popoverPlace(QRect(-700, 100, 20, 20), QSize(380, 490), screen, screen).topLeft(),
-            QPoint(-800, 100));
-    }
-
-    void textsThatNameTheDesktopAreInItsOwnWords()
-    {
-        QCOMPARE(wording(DesktopFamily::macOS).refreshToolTip, u"Refresh Quota (⌘R)"_s);
-        QCOMPARE(wording(DesktopFamily::Linux).refreshToolTip, u"Refresh Quota (Ctrl+R)"_s);
-        QCOMPARE(wording(DesktopFamily::macOS).systemVersionLabel, u"macOS Version"_s);
-        QCOMPARE(wording(DesktopFamily::Linux).systemVersionLabel, u"Linux Version"_s);
+        QFETCH(QByteArray, factor);
+        QFETCH(bool, reduced);
+        const QTemporaryDir home;
+        writeKde(home, "[KDE]\nAnimationDurationFactor=" + factor + "\n");
+        const DesktopAppearance appearance(noBus(), nullptr, home.path());
+        QCOMPARE(appearance.reducesMotion(), reduced);
     }
 
 private:

@@ -1,0 +1,62 @@
+#include "platform/linux/x11_popover.h"
+
+#include <QTest>
+
+using namespace brimwatch::platform;
+
+class PopoverPlaceTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void thePopoverHangsBelowItemsAboveTheMiddleAndAboveThoseBelow()
+    {
+        const QRect screen(0, 0, 1280, 720);
+        const QSize size(380, 490);
+        QCOMPARE(popoverPlace(QRect(600, 0, 100, 28), size, screen, QRect(0, 28, 1280, 692)),
+            QRect(QPoint(460, 28), size));
+        QCOMPARE(popoverPlace(QRect(600, 692, 100, 28), size, screen, QRect(0, 0, 1280, 692)),
+            QRect(QPoint(460, 202), size));
+    }
+
+    void thePopoverStaysWithinTheWorkArea()
+    {
+        const QRect screen(0, 0, 1280, 720);
+        const QSize size(380, 490);
+        const QRect area(0, 28, 1280, 692);
+        QCOMPARE(
+            popoverPlace(QRect(1260, 0, 20, 28), size, screen, area), QRect(QPoint(900, 28), size));
+        QCOMPARE(popoverPlace(QRect(0, 0, 20, 28), size, screen, area), QRect(QPoint(0, 28), size));
+        // A panel at the side: the item's middle decides the height.
+        QCOMPARE(popoverPlace(QRect(0, 300, 30, 30), size, screen, QRect(30, 0, 1250, 720)),
+            QRect(QPoint(30, 230), size));
+    }
+
+    void aPopoverLargerThanTheWorkAreaKeepsItsTopLeftInIt()
+    {
+        const QRect screen(-800, 100, 320, 240);
+        QCOMPARE(popoverPlace(QRect(-700, 100, 20, 20), QSize(380, 490), screen, screen).topLeft(),
+            QPoint(-800, 100));
+    }
+
+    void withoutAClickAnItemIsLookedForAtTheEndOfThePanel_data()
+    {
+        QTest::addColumn<QRect>("workArea");
+        QTest::addColumn<QPoint>("place");
+        QTest::newRow("panel above") << QRect(100, 28, 1280, 692) << QPoint(1379, 0);
+        QTest::newRow("panel below") << QRect(100, 0, 1280, 692) << QPoint(1379, 719);
+        QTest::newRow("panel at the left") << QRect(130, 0, 1250, 720) << QPoint(100, 719);
+        QTest::newRow("panel at the right") << QRect(100, 0, 1250, 720) << QPoint(1379, 719);
+        QTest::newRow("two panels, the lower one thicker")
+            << QRect(100, 20, 1280, 660) << QPoint(1379, 719);
+        QTest::newRow("no panel") << QRect(100, 0, 1280, 720) << QPoint(1379, 0);
+    }
+    void withoutAClickAnItemIsLookedForAtTheEndOfThePanel()
+    {
+        QFETCH(QRect, workArea);
+        QFETCH(QPoint, place);
+        QCOMPARE(likelyItemPlace(QRect(100, 0, 1280, 720), workArea), QRect(place, QSize(1, 1)));
+    }
+};
+
+QTEST_GUILESS_MAIN(PopoverPlaceTest)
+#include "popover_place_test.moc"

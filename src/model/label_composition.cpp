@@ -87,6 +87,8 @@ LabelComposition composeLabel(
         isFirst = false;
         appendItem(label.title, item, input, exists);
     }
+    label.badge
+        = composeBadge(input.items, input.colored ? BadgeColors::Health : BadgeColors::Plain);
     return label;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/badge_composition.h"
 #include "model/color_token.h"
 #include "model/toolbar_stat_items.h"
 
@@ -64,6 +65,8 @@ struct LabelComposition {
     std::optional<LabelImage> image;
     ImagePosition imagePosition = ImagePosition::Only; ///< Means nothing without an image.
     QList<LabelRun> title;
+    /// The same for panels that give no more room than a square.
+    BadgeComposition badge;
 
     /// The title's texts, a symbol as the object replacement character U+FFFC.
     QString plainTitle() const;

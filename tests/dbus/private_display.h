@@ -3,6 +3,10 @@
 #include <QByteArray>
 #include <QProcess>
 
+#include <sys/prctl.h>
+
+#include <csignal>
+
 namespace brimwatch::test {
 
 /// An X server of the test's own, without a window manager. DISPLAY names it for this process. Make
@@ -13,6 +17,9 @@ public:
     {
         using namespace Qt::Literals::StringLiterals;
         m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        // It holds our standard error: a test that crashes must not leave it behind, for whoever
+        // reads ours would wait for it.
+        m_server.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
         m_server.start(u"Xvfb"_s,
             {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1280x720x24"_s, u"-nolisten"_s,
                 u"tcp"_s, u"-noreset"_s});

@@ -156,13 +156,17 @@ private Q_SLOTS:
     void theContextMenuOfHostsWithoutMenusIsAClick();
     void otherButtonsWheelsAndTokensDoNothing();
     void theMenuOpensRefreshesConfiguresAndQuits();
+    void onlyThePortableFormHasAMenu_data();
+    void onlyThePortableFormHasAMenu();
+    void theWideFormShowsTheWholeLabel();
+    void theWideFormKeepsItsWidthWhileOnlyNumbersChange();
     void malformedCallsGetErrors_data();
     void malformedCallsGetErrors();
     void aFloodIsAnsweredToTheEnd();
 
 private:
     /// A registered item and a panel that reads it.
-    void start(const PresentedItem &item);
+    void start(const PresentedItem &item, SniForm form = SniForm::Portable);
     QStringList heardSorted();
     QString text(const QString &property);
 
@@ -183,10 +187,11 @@ void SniPresentationTest::cleanup()
     QTRY_VERIFY(other.ownerOf(u"org.kde.StatusNotifierWatcher"_s).isEmpty());
 }
 
-void SniPresentationTest::start(const PresentedItem &item)
+void SniPresentationTest::start(const PresentedItem &item, SniForm form)
 {
     m_watcher = std::make_unique<FakeWatcher>();
-    m_item = std::make_unique<SniPresentation>(QDBusConnection::sessionBus(), m_painter, nullptr);
+    m_item = std::make_unique<SniPresentation>(
+        form, QDBusConnection::sessionBus(), m_painter, nullptr);
     m_item->present(item);
     QSignalSpy registered(m_item.get(), &Presentation::registered);
     QTRY_COMPARE(registered.size(), 1);
@@ -213,7 +218,7 @@ QString SniPresentationTest::text(const QString &property)
 void SniPresentationTest::itRegistersOnceUnderANameOfItsOwn()
 {
     FakeWatcher watcher;
-    SniPresentation item(QDBusConnection::sessionBus(), m_painter, nullptr);
+    SniPresentation item(SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
     QSignalSpy registered(&item, &Presentation::registered);
     QSignalSpy lost(&item, &Presentation::lost);
     item.present(someItem());
@@ -232,7 +237,7 @@ void SniPresentationTest::itRegistersOnceUnderANameOfItsOwn()
 
 void SniPresentationTest::withoutAWatcherItIsLost()
 {
-    SniPresentation item(QDBusConnection::sessionBus(), m_painter, nullptr);
+    SniPresentation item(SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
     QSignalSpy registered(&item, &Presentation::registered);
     QSignalSpy lost(&item, &Presentation::lost);
     QTRY_COMPARE(lost.size(), 1);
@@ -241,14 +246,14 @@ void SniPresentationTest::withoutAWatcherItIsLost()
 
 void SniPresentationTest::aWatcherThatComesLaterTakesTheNextOne()
 {
-    auto early
-        = std::make_unique<SniPresentation>(QDBusConnection::sessionBus(), m_painter, nullptr);
+    auto early = std::make_unique<SniPresentation>(
+        SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
     QSignalSpy lost(early.get(), &Presentation::lost);
     QTRY_COMPARE(lost.size(), 1);
     FakeWatcher watcher;
     early.reset();
 
-    SniPresentation item(QDBusConnection::sessionBus(), m_painter, nullptr);
+    SniPresentation item(SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
     QSignalSpy registered(&item, &Presentation::registered);
     QTRY_COMPARE(registered.size(), 1);
     QCOMPARE(watcher.items().size(), 1);
@@ -257,7 +262,7 @@ void SniPresentationTest::aWatcherThatComesLaterTakesTheNextOne()
 void SniPresentationTest::aWatcherThatRefusesItMeansLost()
 {
     FakeWatcher watcher(FakeWatcher::Manners::RefusesItems);
-    SniPresentation item(QDBusConnection::sessionBus(), m_painter, nullptr);
+    SniPresentation item(SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
     QSignalSpy registered(&item, &Presentation::registered);
     QSignalSpy lost(&item, &Presentation::lost);
     QTRY_COMPARE(lost.size(), 1);
@@ -277,7 +282,8 @@ void SniPresentationTest::aWatcherThatGoesAwayMeansLostOnce()
     SniPresentation *first = m_item.release();
     first->deleteLater();
     QTRY_COMPARE(QDBusConnection::sessionBus().objectRegisteredAt(itemPath), nullptr);
-    m_item = std::make_unique<SniPresentation>(QDBusConnection::sessionBus(), m_painter, nullptr);
+    m_item = std::make_unique<SniPresentation>(
+        SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
     QSignalSpy registered(m_item.get(), &Presentation::registered);
     QTRY_COMPARE(registered.size(), 1);
     QCOMPARE(m_watcher->items().size(), 1);
@@ -295,7 +301,7 @@ void SniPresentationTest::aWatcherThatIsReplacedMeansLost()
                      QDBusConnectionInterface::AllowReplacement)
                  .value(),
         QDBusConnectionInterface::ServiceRegistered);
-    SniPresentation item(QDBusConnection::sessionBus(), m_painter, nullptr);
+    SniPresentation item(SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
     QSignalSpy lost(&item, &Presentation::lost);
     OtherProgram second;
     QCOMPARE(second.bus()
@@ -315,7 +321,7 @@ void SniPresentationTest::aBusThatGoesAwayMeansLost()
     const auto bus = QDBusConnection::connectToBus(address, u"mortal"_s);
     QVERIFY(bus.isConnected());
     {
-        SniPresentation item(bus, m_painter, nullptr);
+        SniPresentation item(SniForm::Portable, bus, m_painter, nullptr);
         QSignalSpy lost(&item, &Presentation::lost);
         daemon.terminate();
         QTRY_COMPARE(lost.size(), 1);
@@ -333,7 +339,7 @@ void SniPresentationTest::whereTheNameIsRefusedTheConnectionsOwnNameDoes()
     QVERIFY(thief.takeName(nameNumbered(next)));
     m_item.reset();
 
-    SniPresentation item(QDBusConnection::sessionBus(), m_painter, nullptr);
+    SniPresentation item(SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
     QSignalSpy registered(&item, &Presentation::registered);
     QTRY_COMPARE(registered.size(), 1);
     QCOMPARE(m_watcher->items().constLast(), QDBusConnection::sessionBus().baseService());
@@ -343,7 +349,8 @@ void SniPresentationTest::theSecondOneOnAConnectionIsLostAndLeavesTheFirstAlone(
 {
     start(someItem());
     {
-        SniPresentation second(QDBusConnection::sessionBus(), m_painter, nullptr);
+        SniPresentation second(
+            SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
         QSignalSpy lost(&second, &Presentation::lost);
         QTRY_COMPARE(lost.size(), 1);
         second.present(withTitle(u"second"_s));
@@ -703,6 +710,64 @@ void SniPresentationTest::theMenuOpensRefreshesConfiguresAndQuits()
     choose(u"Quit"_s);
     QTRY_COMPARE(quit.size(), 1);
     QCOMPARE(clicked.size() + refresh.size(), 2);
+}
+
+void SniPresentationTest::onlyThePortableFormHasAMenu_data()
+{
+    QTest::addColumn<SniForm>("form");
+    QTest::addColumn<bool>("hasMenu");
+    QTest::newRow("wide") << SniForm::Wide << false;
+    QTest::newRow("badge") << SniForm::Badge << false;
+    QTest::newRow("portable") << SniForm::Portable << true;
+}
+
+// Hosts that find the property show a menu on a right click, an empty one if need be.
+void SniPresentationTest::onlyThePortableFormHasAMenu()
+{
+    QFETCH(SniForm, form);
+    QFETCH(bool, hasMenu);
+    start(someItem(), form);
+    QCOMPARE(m_host->readAll().contains(u"Menu"_s), hasMenu);
+    QCOMPARE(isError(m_host->read(u"Menu"_s)), !hasMenu);
+    QCOMPARE(
+        isError(m_host->program().call(m_watcher->items().constFirst(),
+            u"/StatusNotifierItem/Menu"_s, u"com.canonical.dbusmenu"_s, u"AboutToShow"_s, {0})),
+        !hasMenu);
+    QCOMPARE(m_host->readAll().value(u"Title"_s).toString(), text(u"Title"_s));
+}
+
+void SniPresentationTest::theWideFormShowsTheWholeLabel()
+{
+    start(someItem(), SniForm::Wide);
+    const auto pixmaps = qdbus_cast<SniPixmaps>(m_host->readAll().value(u"IconPixmap"_s));
+    QCOMPARE(pixmaps.size(), 2);
+    const int needed = m_painter.size(someItem().label, {.height = 22}).width();
+    QCOMPARE(pixmaps[0].height, 22);
+    QCOMPARE(pixmaps[0].width, needed);
+    QCOMPARE(pixmaps[1].height, 44);
+    QCOMPARE(pixmaps[1].width, 2 * needed);
+    // Ground of its own, rounded at the corners.
+    const auto pixel = [&](int x, int y) {
+        return pixmaps[0].bytes.mid(qsizetype{4} * (y * pixmaps[0].width + x), 4).toHex();
+    };
+    QCOMPARE(pixel(0, 0).left(2), QByteArray("00"));
+    QCOMPARE(pixel(needed / 2, 0), QByteArray("ff202226"));
+}
+
+void SniPresentationTest::theWideFormKeepsItsWidthWhileOnlyNumbersChange()
+{
+    const auto widthFor = [this](const QString &label) {
+        m_item->present(withLabelText(label));
+        const auto isShown = [&] { return text(u"XAyatanaLabel"_s) == label; };
+        return QTest::qWaitFor(isShown)
+            ? qdbus_cast<SniPixmaps>(m_host->readAll().value(u"IconPixmap"_s)).value(0).width
+            : -1;
+    };
+    start(withLabelText(u"5h: 99%"_s), SniForm::Wide);
+    const int narrow = widthFor(u"5h: 98%"_s);
+    const int wide = widthFor(u"5h: 100%"_s);
+    QVERIFY(wide > narrow);
+    QCOMPARE(widthFor(u"5h: 7%"_s), wide);
 }
 
 void SniPresentationTest::malformedCallsGetErrors_data()

@@ -50,6 +50,15 @@ QWindow *shownHoverText()
     return nullptr;
 }
 
+/// The sample with "80" in green over "55" in orange where there is no room for it.
+PresentedItem withBadge()
+{
+    PresentedItem item = test::sampleItem();
+    item.label.badge.numbers = {{.text = u"80"_s, .color = ColorToken::AdaptiveHealthyGreen},
+        {.text = u"55"_s, .color = ColorToken::SystemOrange}};
+    return item;
+}
+
 } // namespace
 
 class XembedPresentationTest : public QObject {
@@ -70,7 +79,10 @@ private Q_SLOTS:
     void aLabelThatShrinksGetsANarrowerSlot();
     void aPanelThatScalesWhatIsAskedForStillGivesAFittingSlot();
     void otherPanelsMayShrinkBelowTheHeightThatTheyGave();
+    void aLabelWhoseNumbersShrinkKeepsItsSlot();
     void aSlotThatStaysTooNarrowShowsTheSquare();
+    void aSlotThatStaysTooNarrowShowsTheNumbers();
+    void theBadgeAsksForASquare();
     void aSlotThatIsWidenedLaterShowsTheLabelAgain();
     void damageIsRepaired();
     void theSameItemIsNotDrawnAgain();
@@ -90,7 +102,7 @@ private Q_SLOTS:
     void theDescriptionGoesWithTheItem();
 
 private:
-    void dock(const FakeTrayManager::Manners &manners = {});
+    void dock(const FakeTrayManager::Manners &manners = {}, XembedForm form = XembedForm::Wide);
     QPoint itemCentre() { return m_manager->slot().center(); }
     /// Until the panel's half and ours have nothing more to say to each other.
     void settle();
@@ -136,11 +148,11 @@ void XembedPresentationTest::cleanup()
     m_x.reset();
 }
 
-void XembedPresentationTest::dock(const FakeTrayManager::Manners &manners)
+void XembedPresentationTest::dock(const FakeTrayManager::Manners &manners, XembedForm form)
 {
     m_manager = std::make_unique<FakeTrayManager>(manners);
-    m_item
-        = std::make_unique<XembedPresentation>(*m_x, m_manager->window(), m_painter, m_appearance);
+    m_item = std::make_unique<XembedPresentation>(
+        form, *m_x, m_manager->window(), m_painter, m_appearance);
     m_registered = std::make_unique<QSignalSpy>(m_item.get(), &Presentation::registered);
     m_pressed = std::make_unique<QSignalSpy>(m_item.get(), &Presentation::pressed);
     m_clicked = std::make_unique<QSignalSpy>(m_item.get(), &Presentation::clicked);
@@ -259,6 +271,20 @@ void XembedPresentationTest::aLabelThatShrinksGetsANarrowerSlot()
     QTRY_VERIFY(isDrawn());
 }
 
+void XembedPresentationTest::aLabelWhoseNumbersShrinkKeepsItsSlot()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    m_item->present(sampleItem(u"5h: 100%"_s));
+    const QSize narrow = m_manager->slot().size();
+    QTRY_VERIFY(m_manager->slot().width() > narrow.width());
+    const QRect wide = m_manager->slot();
+    m_item->present(sampleItem(u"5h: 7%"_s));
+    settle();
+    QTRY_VERIFY(isDrawn());
+    QCOMPARE(m_manager->slot(), wide);
+}
+
 void XembedPresentationTest::aPanelThatScalesWhatIsAskedForStillGivesAFittingSlot()
 {
     dock({.symbols = {}, .height = 40, .proportional = true, .program = {}});
@@ -285,6 +311,26 @@ void XembedPresentationTest::aSlotThatStaysTooNarrowShowsTheSquare()
     QTRY_VERIFY(!inkOf(m_manager->picture()).isEmpty()
         && std::abs(inkOf(m_manager->picture()).center().x() - 14) <= 1);
     QCOMPARE(countPixels(m_manager->picture(), ColorToken::AdaptiveHealthyGreen, Ground::Dark), 0);
+}
+
+void XembedPresentationTest::aSlotThatStaysTooNarrowShowsTheNumbers()
+{
+    dock({.symbols = {}, .widest = 28, .program = {}});
+    m_item->present(withBadge());
+    QTRY_VERIFY(
+        countPixels(m_manager->picture(), ColorToken::AdaptiveHealthyGreen, Ground::Dark) > 20);
+    QVERIFY(countPixels(m_manager->picture(), ColorToken::SystemOrange, Ground::Dark) > 20);
+}
+
+void XembedPresentationTest::theBadgeAsksForASquare()
+{
+    dock({.symbols = {}, .height = 24, .program = {}}, XembedForm::Badge);
+    QTRY_COMPARE(m_registered->count(), 1);
+    m_item->present(withBadge());
+    QTRY_COMPARE(m_manager->slot().size(), QSize(24, 24));
+    QTRY_VERIFY(
+        countPixels(m_manager->picture(), ColorToken::AdaptiveHealthyGreen, Ground::Dark) > 20);
+    QVERIFY(countPixels(m_manager->picture(), ColorToken::SystemOrange, Ground::Dark) > 20);
 }
 
 void XembedPresentationTest::aSlotThatIsWidenedLaterShowsTheLabelAgain()

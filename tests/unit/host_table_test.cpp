@@ -49,7 +49,6 @@ private Q_SLOTS:
     void aKnownTrayManagerWinsOverAnUnknownWatcher();
     void programsAreKnownByWholePathComponents();
     void aProgramReplacedByAnUpgradeIsStillKnown();
-    void kindsThatAreNotBuiltYetFallBackWithinTheirProtocol();
 };
 
 void HostTableTest::panelsOfBothProtocolsEmbedTheWideLabel_data()
@@ -193,16 +192,6 @@ void HostTableTest::programsAreKnownByWholePathComponents()
 void HostTableTest::aProgramReplacedByAnUpgradeIsStillKnown()
 {
     QCOMPARE(chooseHost(bothKnown(watcher(u"/usr/bin/waybar (deleted)"_s), {})).host, u"waybar"_s);
-}
-
-void HostTableTest::kindsThatAreNotBuiltYetFallBackWithinTheirProtocol()
-{
-    QCOMPARE(implementedKind(PresentationKind::XembedWide), PresentationKind::XembedWide);
-    QCOMPARE(implementedKind(PresentationKind::XembedBadge), PresentationKind::XembedWide);
-    QCOMPARE(implementedKind(PresentationKind::SniWide), PresentationKind::SniPortable);
-    QCOMPARE(implementedKind(PresentationKind::SniBadge), PresentationKind::SniPortable);
-    QCOMPARE(implementedKind(PresentationKind::SniPortable), PresentationKind::SniPortable);
-    QCOMPARE(implementedKind(PresentationKind::None), PresentationKind::None);
 }
 
 } // namespace brimwatch::platform

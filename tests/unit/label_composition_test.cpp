@@ -59,13 +59,19 @@ LabelRun symbol(const QString &name)
     return SymbolRun{{.name = name, .pointSize = 10, .weight = FontWeight::Semibold}};
 }
 
+BadgeComposition greenOverOrange()
+{
+    return {.numbers = {{.text = u"80"_s, .color = ColorToken::AdaptiveHealthyGreen},
+                {.text = u"55"_s, .color = ColorToken::SystemOrange}}};
+}
+
 LabelComposition composed(const LabelInput &input)
 {
     return composeLabel(input, {}, hasAllSymbols);
 }
 
 const LabelComposition iconOnly{
-    .image = sparkle(), .imagePosition = ImagePosition::Only, .title = {}};
+    .image = sparkle(), .imagePosition = ImagePosition::Only, .title = {}, .badge = {}};
 
 } // namespace
 
@@ -110,6 +116,7 @@ void LabelCompositionTest::theWorkedExample()
         .imagePosition = ImagePosition::Leading,
         .title = {gap(), text(u"G 5h: 80%"_s, ColorToken::AdaptiveHealthyGreen), dot(),
             text(u"G W: 55%"_s, ColorToken::SystemOrange)},
+        .badge = greenOverOrange(),
     };
     QVERIFY(composed(twoItems()) == expected);
 }
@@ -122,6 +129,7 @@ void LabelCompositionTest::theWorkedExampleWithSymbols()
         .title
         = {gap(), symbol(u"sparkles"_s), text(u" 5h: 80%"_s, ColorToken::AdaptiveHealthyGreen),
             dot(), symbol(u"sparkles"_s), text(u" W: 55%"_s, ColorToken::SystemOrange)},
+        .badge = greenOverOrange(),
     };
     QVERIFY(composed(twoItems(u"icon"_s)) == expected);
 }

@@ -18,6 +18,13 @@ LabelComposition labelOf(const QString &text, ColorToken color = ColorToken::Lab
     return label;
 }
 
+LabelComposition badgeOf(const QList<model::BadgeNumber> &numbers)
+{
+    LabelComposition label;
+    label.badge.numbers = numbers;
+    return label;
+}
+
 LabelComposition iconAlone()
 {
     LabelComposition label;
@@ -140,6 +147,54 @@ private Q_SLOTS:
         QCOMPARE(image.size(), QSize(22, 22));
         QVERIFY(inkOf(image, systemColor(ColorToken::Label, Ground::Dark)) > 20);
         QVERIFY(!hasInkAtEdge(image));
+    }
+
+    void aBadgeHasItsNumbersInTheirColours_data()
+    {
+        QTest::addColumn<int>("side");
+        for (const int side : {16, 19, 22, 24, 32, 48})
+            QTest::addRow("%d", side) << side;
+    }
+    void aBadgeHasItsNumbersInTheirColours()
+    {
+        QFETCH(int, side);
+        const auto upperAndLower = badgeOf({{.text = u"100"_s, .color = ColorToken::SystemRed},
+            {.text = u"42"_s, .color = ColorToken::SystemOrange}});
+        for (const Ground ground : {Ground::Light, Ground::Dark}) {
+            const QImage image = m_painter.squareImage(upperAndLower, {.ground = ground}, side);
+            QCOMPARE(image.size(), QSize(side, side));
+            const QImage upper = image.copy(0, 0, side, side / 2);
+            const QImage lower = image.copy(0, (side + 1) / 2, side, side / 2);
+            QVERIFY(inkOf(upper, systemColor(ColorToken::SystemRed, ground)) > side / 2);
+            QCOMPARE(inkOf(upper, systemColor(ColorToken::SystemOrange, ground)), 0);
+            QVERIFY(inkOf(lower, systemColor(ColorToken::SystemOrange, ground)) > side / 2);
+            QCOMPARE(inkOf(lower, systemColor(ColorToken::SystemRed, ground)), 0);
+        }
+    }
+
+    void oneNumberStandsInTheMiddleOfTheBadge()
+    {
+        const QImage image = m_painter.squareImage(
+            badgeOf({{.text = u"42"_s, .color = ColorToken::SystemOrange}}), {}, 24);
+        const Rgba orange = systemColor(ColorToken::SystemOrange, Ground::Dark);
+        QVERIFY(inkOf(image.copy(0, 8, 24, 8), orange) > 20);
+        QCOMPARE(inkOf(image.copy(0, 0, 24, 3), orange), 0);
+        QCOMPARE(inkOf(image.copy(0, 21, 24, 3), orange), 0);
+    }
+
+    void aCriticalNumberIsToldFromAHealthyOneWithoutColours()
+    {
+        for (const int side : {16, 19, 22, 24, 32}) {
+            const auto picture = [&](bool critical) {
+                return m_painter.squareImage(
+                    badgeOf({{.text = u"12"_s, .isCritical = critical}}), {}, side);
+            };
+            // Turned round: a block in the number's colour with the digits cut out.
+            QVERIFY(qAlpha(picture(true).pixel(0, side / 2)) > 200);
+            QCOMPARE(qAlpha(picture(false).pixel(0, side / 2)), 0);
+            QVERIFY(inkOf(picture(true), systemColor(ColorToken::WindowBackground, Ground::Dark))
+                > side / 2);
+        }
     }
 
 private:

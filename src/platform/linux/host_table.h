@@ -56,27 +56,9 @@ struct HostChoice {
 /// of a host wins over what is not, and the wide label over a square.
 HostChoice chooseHost(const TrayFacts &facts);
 
-/// The nearest to `wished` of those that there are.
-constexpr PresentationKind implementedKind(PresentationKind wished)
-{
-    switch (wished) {
-    case PresentationKind::XembedWide:
-    case PresentationKind::XembedBadge: // It draws a square by itself where the panel gives it no
-                                        // more.
-        return PresentationKind::XembedWide;
-    case PresentationKind::SniWide:
-    case PresentationKind::SniBadge:
-    case PresentationKind::SniPortable:
-        return PresentationKind::SniPortable;
-    case PresentationKind::None:
-        break;
-    }
-    return PresentationKind::None;
-}
-
 constexpr bool isXembed(PresentationKind kind)
 {
-    return implementedKind(kind) == PresentationKind::XembedWide;
+    return kind == PresentationKind::XembedWide || kind == PresentationKind::XembedBadge;
 }
 
 } // namespace brimwatch::platform

@@ -78,7 +78,51 @@ public:
         drawSymbol(name, pointSize, SymbolWeight::Semibold);
     }
 
+    /// One number in the middle, or two on two lines.
+    void drawNumbers(const QList<model::BadgeNumber> &numbers, QPainter *painter, double side) const
+    {
+        const double lineHeight = side / static_cast<double>(numbers.size());
+        double top = 0;
+        for (const auto &number : numbers) {
+            // A line of its own would look lost at its full height; two leave each other a pixel.
+            const double height
+                = numbers.size() == 1 ? std::floor(side * 0.6) : std::floor(lineHeight - side / 16);
+            drawNumber(number, painter, QRectF(0, top + (lineHeight - height) / 2, side, height));
+            top += lineHeight;
+        }
+    }
+
 private:
+    /// As high as `box`, and no wider.
+    void drawNumber(const model::BadgeNumber &number, QPainter *painter, const QRectF &box) const
+    {
+        // Of capitals and digits in most fonts.
+        constexpr double digitHeight = 0.73;
+        QFont font = m_font;
+        font.setWeight(QFont::Bold);
+        font.setPixelSize(std::max(1, static_cast<int>(std::lround(box.height() / digitHeight))));
+        const QFontMetricsF metrics(font);
+        const double width = metrics.horizontalAdvance(number.text);
+        const double squeezed = std::min(1.0, box.width() / width);
+        QColor ink = toColor(systemColor(number.color, m_look.ground));
+        if (number.isCritical) {
+            // Light on dark turned round, so that it shows without colours.
+            painter->setPen(Qt::NoPen);
+            painter->setBrush(ink);
+            const double radius = box.height() / 5;
+            painter->drawRoundedRect(box.adjusted(0, -0.5, 0, 0.5), radius, radius);
+            ink = toColor(systemColor(model::ColorToken::WindowBackground, m_look.ground));
+        }
+        painter->save();
+        painter->setFont(font);
+        painter->setPen(ink);
+        painter->translate(
+            std::round(box.center().x() - width * squeezed / 2), std::round(box.bottom()));
+        painter->scale(squeezed, 1);
+        painter->drawText(QPointF(0, 0), number.text);
+        painter->restore();
+    }
+
     QFont font() const
     {
         QFont font;
@@ -201,7 +245,12 @@ QImage LabelPainter::squareImage(
     square.height = side;
     QImage image = blank(QSize(side, side), look.devicePixelRatio);
     QPainter painter(&image);
-    Layout(m_symbols, square).drawCentred(label, &painter, side);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const Layout layout(m_symbols, square);
+    if (label.badge.numbers.isEmpty())
+        Layout(m_symbols, square).drawCentred(label, &painter, side);
+    else
+        layout.drawNumbers(label.badge.numbers, &painter, side);
     return image;
 }
 

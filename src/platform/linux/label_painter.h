@@ -34,8 +34,8 @@ public:
     QSize size(const model::LabelComposition &label, const LabelLook &look) const;
     /// On a transparent ground, in premultiplied ARGB, size() × devicePixelRatio.
     QImage image(const model::LabelComposition &label, const LabelLook &look) const;
-    /// The composition's image alone, or the sparkle when it has none, in the middle of a square of
-    /// `side`, for slots too narrow for the label.
+    /// The composition's badge in a square of `side`, for slots too narrow for the label: its
+    /// numbers, or the composition's image, or the sparkle when it has neither.
     QImage squareImage(const model::LabelComposition &label, const LabelLook &look, int side) const;
 
 private:

@@ -140,15 +140,28 @@ void PanelStatusItem::standAgainLater()
 
 std::unique_ptr<Presentation> PanelStatusItem::makePresentation()
 {
-    switch (implementedKind(host().wished)) {
-    case PresentationKind::XembedWide:
+    const auto embedded = [this](XembedForm form) {
         return std::make_unique<XembedPresentation>(
-            m_x, host().trayManager, m_painter, m_appearance);
+            form, m_x, host().trayManager, m_painter, m_appearance);
+    };
+    const auto announced = [this](SniForm form) {
+        return std::make_unique<SniPresentation>(form, m_bus, m_painter, nullptr);
+    };
+    switch (host().wished) {
+    case PresentationKind::XembedWide:
+        return embedded(XembedForm::Wide);
+    case PresentationKind::XembedBadge:
+        return embedded(XembedForm::Badge);
+    case PresentationKind::SniWide:
+        return announced(SniForm::Wide);
+    case PresentationKind::SniBadge:
+        return announced(SniForm::Badge);
     case PresentationKind::SniPortable:
-        return std::make_unique<SniPresentation>(m_bus, m_painter, nullptr);
-    default:
-        return nullptr;
+        return announced(SniForm::Portable);
+    case PresentationKind::None:
+        break;
     }
+    return nullptr;
 }
 
 } // namespace brimwatch::platform

@@ -4,6 +4,7 @@
 #include "platform/linux/dbus_menu.h"
 #include "platform/linux/label_painter.h"
 #include "sni_adaptor.h"
+#include "sni_menuless_adaptor.h"
 
 #include <QCoreApplication>
 #include <QDBusPendingCallWatcher>
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cmath>
 #include <optional>
 #include <utility>
 
@@ -31,7 +33,11 @@ constexpr auto busService = "org.freedesktop.DBus"_L1;
 // Every host reads all pictures again at each change, so there are few: one for each usual height
 // of a panel.
 constexpr std::array pictureSides{16, 22, 24, 32, 48};
+// Those of wide pictures: the usual one, and it twice for screens of high resolution.
+constexpr std::array wideHeights{22, 44};
+constexpr double wideRadius = 5;
 constexpr QColor pictureGround(0x20, 0x22, 0x26);
+constexpr QImage::Format pictureFormat = QImage::Format_ARGB32_Premultiplied;
 
 constexpr std::chrono::seconds pauseBetweenSignals{1};
 
@@ -41,6 +47,23 @@ constexpr int largestItem = 64;
 constexpr int farthest = 0x7fff;
 
 enum MenuId : int { OpenId = 1, RefreshId, SettingsId, SeparatorId, QuitId };
+
+constexpr bool hasMenu(SniForm form)
+{
+    return form == SniForm::Portable;
+}
+
+/// Rounded at the corners, by `radius` in the picture's own units.
+void fillGround(QImage &picture, double radius)
+{
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(pictureGround);
+    painter.drawRoundedRect(
+        QRectF(QPointF(), QSizeF(picture.size()) / picture.devicePixelRatio()), radius, radius);
+}
 
 QList<DBusMenuEntry> menuEntries()
 {
@@ -97,16 +120,20 @@ int nextNumber()
 } // namespace
 
 SniPresentation::SniPresentation(
-    const QDBusConnection &bus, const LabelPainter &painter, QObject *parent)
+    SniForm form, const QDBusConnection &bus, const LabelPainter &painter, QObject *parent)
     : Presentation(parent)
+    , m_form(form)
     , m_bus(bus)
     , m_painter(painter)
-    , m_adaptor(new SniAdaptor(this))
     , m_watcher(watcherService, bus, QDBusServiceWatcher::WatchForOwnerChange)
     , m_name(u"org.kde.StatusNotifierItem-%1-%2"_s.arg(QCoreApplication::applicationPid())
               .arg(nextNumber()))
 {
     registerSniTypes();
+    if (hasMenu(form))
+        new SniAdaptor(this);
+    else
+        new SniMenulessAdaptor(this);
     m_texts = textsOf(m_wanted);
     m_pause.setSingleShot(true);
     m_pause.setInterval(pauseBetweenSignals);
@@ -124,8 +151,10 @@ SniPresentation::SniPresentation(
         QTimer::singleShot(0, this, &SniPresentation::lose);
         return;
     }
-    m_menu = new DBusMenu(m_bus, menuPath, menuEntries(), this);
-    connect(m_menu, &DBusMenu::triggered, this, &SniPresentation::chooseFromMenu);
+    if (hasMenu(form)) {
+        m_menu = new DBusMenu(m_bus, menuPath, menuEntries(), this);
+        connect(m_menu, &DBusMenu::triggered, this, &SniPresentation::chooseFromMenu);
+    }
     requestName();
 }
 
@@ -167,13 +196,13 @@ void SniPresentation::announce()
     const bool newToolTip = m_texts.toolTip != before.toolTip;
     const bool newLabel = m_texts.label != before.label || m_texts.labelGuide != before.labelGuide;
     if (newIcon)
-        Q_EMIT m_adaptor->NewIcon();
+        Q_EMIT NewIcon();
     if (newTitle)
-        Q_EMIT m_adaptor->NewTitle();
+        Q_EMIT NewTitle();
     if (newToolTip)
-        Q_EMIT m_adaptor->NewToolTip();
+        Q_EMIT NewToolTip();
     if (newLabel)
-        Q_EMIT m_adaptor->XAyatanaNewLabel(m_texts.label, m_texts.labelGuide);
+        Q_EMIT XAyatanaNewLabel(m_texts.label, m_texts.labelGuide);
     if (newIcon || newTitle || newToolTip || newLabel)
         m_pause.start();
 }
@@ -194,25 +223,41 @@ SniPresentation::Texts SniPresentation::textsOf(const PresentedItem &item)
     return texts;
 }
 
-SniPixmaps SniPresentation::draw(const model::LabelComposition &label) const
+SniPixmaps SniPresentation::draw(const model::LabelComposition &label)
 {
     SniPixmaps pixmaps;
-    for (const int side : pictureSides)
-        pixmaps.append(toSniPixmap(drawSquare(label, side)));
+    if (m_form == SniForm::Wide) {
+        for (const int height : wideHeights)
+            pixmaps.append(toSniPixmap(drawWide(label, height)));
+    } else {
+        for (const int side : pictureSides)
+            pixmaps.append(toSniPixmap(drawSquare(label, side)));
+    }
     return pixmaps;
+}
+
+QImage SniPresentation::drawWide(const model::LabelComposition &label, int height)
+{
+    // Laid out once, at the usual height: all pictures have the same proportions.
+    LabelLook look{.height = wideHeights.front()};
+    const int width = m_steadyWidth.of(label, m_painter, look);
+    look.devicePixelRatio = static_cast<double>(height) / look.height;
+    QImage picture(
+        static_cast<int>(std::lround(width * look.devicePixelRatio)), height, pictureFormat);
+    picture.setDevicePixelRatio(look.devicePixelRatio);
+    fillGround(picture, wideRadius);
+    QPainter painter(&picture);
+    painter.drawImage(0, 0, m_painter.image(label, look));
+    return picture;
 }
 
 QImage SniPresentation::drawSquare(const model::LabelComposition &label, int side) const
 {
-    QImage square(side, side, QImage::Format_ARGB32_Premultiplied);
-    square.fill(Qt::transparent);
+    QImage square(side, side, pictureFormat);
+    fillGround(square, side / 5.0);
     QPainter painter(&square);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(pictureGround);
-    const double radius = side / 5.0;
-    painter.drawRoundedRect(QRectF(square.rect()), radius, radius);
-    const int margin = std::max(1, side / 10);
+    // Numbers take all the room there is; a symbol stands clear of the edges.
+    const int margin = label.badge.numbers.isEmpty() ? std::max(1, side / 10) : side / 16;
     // The look's own ground is the dark one.
     painter.drawImage(margin, margin, m_painter.squareImage(label, LabelLook{}, side - 2 * margin));
     return square;

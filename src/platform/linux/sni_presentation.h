@@ -2,6 +2,7 @@
 
 #include "platform/linux/presentation.h"
 #include "platform/linux/sni_types.h"
+#include "platform/linux/steady_width.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -11,16 +12,20 @@
 #include <QString>
 #include <QTimer>
 
-class SniAdaptor;
-
 namespace brimwatch::platform {
 
 class DBusMenu;
 class LabelPainter;
 
-/// The item in the form that every StatusNotifierItem host can show: square pictures, a menu, and
-/// the label as text in the title, in the tooltip and, for hosts that know it, beside the icon
-/// (Ayatana's XAyatanaLabel).
+/// How a StatusNotifierItem shows the label.
+enum class SniForm {
+    Wide, ///< The whole label in one picture, for hosts that do not squeeze it into a square.
+    Badge, ///< Its badge.
+    Portable, ///< Its badge, and a menu for hosts that open nothing else on some clicks.
+};
+
+/// The item as a StatusNotifierItem: pictures, and the label as text in the title, in the tooltip
+/// and, for hosts that know it, beside the icon (Ayatana's XAyatanaLabel).
 ///
 /// Pictures have a dark rounded ground of their own, as the protocol does not tell the panel's.
 /// IconName stays empty: hosts prefer it to the pictures, and it would hide what they say. Texts
@@ -59,7 +64,8 @@ class SniPresentation : public Presentation {
 public:
     /// The name that watchers know the item by is org.kde.StatusNotifierItem-PID-N, another N each
     /// time.
-    SniPresentation(const QDBusConnection &bus, const LabelPainter &painter, QObject *parent);
+    SniPresentation(
+        SniForm form, const QDBusConnection &bus, const LabelPainter &painter, QObject *parent);
     ~SniPresentation() override;
     SniPresentation(const SniPresentation &) = delete;
     SniPresentation &operator=(const SniPresentation &) = delete;
@@ -69,6 +75,13 @@ public:
     void present(const PresentedItem &item) override;
     /// Absent: the protocol has no word for it.
     std::optional<QRect> place() const override { return std::nullopt; }
+
+Q_SIGNALS:
+    // Those of the protocol, named as it names them: the adaptor passes them on.
+    void NewTitle();
+    void NewIcon();
+    void NewToolTip();
+    void XAyatanaNewLabel(const QString &label, const QString &guide);
 
 private Q_SLOTS:
     // The methods of the protocol, named as it names them: the adaptor calls them by name.
@@ -104,16 +117,18 @@ private:
     QString labelGuide();
 
     static Texts textsOf(const PresentedItem &item);
-    SniPixmaps draw(const model::LabelComposition &label) const;
+    SniPixmaps draw(const model::LabelComposition &label);
+    QImage drawWide(const model::LabelComposition &label, int height);
     QImage drawSquare(const model::LabelComposition &label, int side) const;
     void announce();
     void requestName();
     void registerItem(const QString &name);
     void chooseFromMenu(int id);
 
+    SniForm m_form;
     QDBusConnection m_bus;
     const LabelPainter &m_painter;
-    SniAdaptor *m_adaptor;
+    SteadyWidth m_steadyWidth;
     DBusMenu *m_menu = nullptr;
     QDBusServiceWatcher m_watcher;
     QString m_name;

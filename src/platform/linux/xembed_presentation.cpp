@@ -88,9 +88,10 @@ bool isClick(std::uint8_t button)
 
 } // namespace
 
-XembedPresentation::XembedPresentation(XConnection &x, xcb_window_t manager,
+XembedPresentation::XembedPresentation(XembedForm form, XConnection &x, xcb_window_t manager,
     const LabelPainter &painter, Appearance &appearance, QObject *parent)
     : Presentation(parent)
+    , m_form(form)
     , m_x(x)
     , m_manager(manager)
     , m_painter(painter)
@@ -182,7 +183,7 @@ void XembedPresentation::createWindow()
     // Only windows of the parent's depth may show its ground through.
     const std::uint32_t ground
         = m_format.depth == m_x.screen()->root_depth ? XCB_CW_BACK_PIXMAP : XCB_CW_BACK_PIXEL;
-    m_askedWidth = m_painter.size(m_item.label, look()).width();
+    m_askedWidth = neededWidth();
     m_askedHeight = usualHeight;
     m_slot = {std::clamp(m_askedWidth, 1, largestDrawing.width()), m_askedHeight};
     xcb_create_window_aux(c, m_format.depth, m_window, root, 0, 0,
@@ -394,9 +395,16 @@ void XembedPresentation::readPanelColors()
     m_panelGround = bright > 0.5 ? Ground::Dark : Ground::Light;
 }
 
+int XembedPresentation::neededWidth()
+{
+    const LabelLook current = look();
+    return m_form == XembedForm::Wide ? m_steadyWidth.of(m_item.label, m_painter, current)
+                                      : current.height;
+}
+
 void XembedPresentation::askForWidth()
 {
-    const int width = m_painter.size(m_item.label, look()).width();
+    const int width = neededWidth();
     if (width == m_askedWidth)
         return;
     m_askedWidth = width;
@@ -446,7 +454,7 @@ void XembedPresentation::fitSlot()
     const bool narrow = m_slot.width() < m_askedWidth;
     if (narrow && !m_narrow)
         qCDebug(xembedLog) << "the panel's slot is" << m_slot << "and the label" << m_askedWidth
-                           << "wide - drawing the square form";
+                           << "wide - drawing the badge";
     m_narrow = narrow;
     // Also when nothing differs: XFCE composes the slot itself and has been seen to leave out what
     // was drawn while it was still making room.
@@ -462,14 +470,15 @@ QImage XembedPresentation::compose()
         drawing = QImage(size, QImage::Format_ARGB32_Premultiplied);
         drawing.fill(Qt::transparent);
     }
-    const bool fits = m_painter.size(m_item.label, look()).width() <= size.width();
+    const int width = neededWidth();
     // A slot about to be widened shows the beginning meanwhile; one that stays narrow never shows a
     // label cut off.
-    const QImage content = m_narrow && !fits
+    const bool asBadge = m_form == XembedForm::Badge || (m_narrow && width > size.width());
+    const QImage content = asBadge
         ? m_painter.squareImage(m_item.label, look(), std::min(size.width(), size.height()))
         : m_painter.image(m_item.label, look());
     QPainter painter(&drawing);
-    painter.drawImage(std::max(0, (size.width() - content.width()) / 2),
+    painter.drawImage(std::max(0, (size.width() - (asBadge ? content.width() : width)) / 2),
         (size.height() - content.height()) / 2, content);
     return drawing;
 }

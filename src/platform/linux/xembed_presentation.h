@@ -2,6 +2,7 @@
 
 #include "platform/linux/label_painter.h"
 #include "platform/linux/presentation.h"
+#include "platform/linux/steady_width.h"
 #include "platform/linux/system_colors.h"
 #include "platform/linux/x_image.h"
 
@@ -21,10 +22,16 @@ class Appearance;
 class HoverText;
 class XConnection;
 
-/// The whole label in a window of our own that the panel takes into its tray (the system tray
+/// How an embedded item shows the label.
+enum class XembedForm {
+    Wide, ///< The whole label.
+    Badge, ///< Its badge, for trays that cut every window to a square.
+};
+
+/// The label in a window of our own that the panel takes into its tray (the system tray
 /// protocol, which embeds by XEmbed). Transparent where the panel offers a visual for that,
 /// otherwise drawn over what the panel shows there. A slot that stays narrower than the label gets
-/// its square form.
+/// its badge.
 class XembedPresentation final : public Presentation {
     Q_OBJECT
 
@@ -34,8 +41,8 @@ public:
 
     /// For the tray manager with that window. It is asked to take the item with the first
     /// present().
-    XembedPresentation(XConnection &x, xcb_window_t manager, const LabelPainter &painter,
-        Appearance &appearance, QObject *parent = nullptr);
+    XembedPresentation(XembedForm form, XConnection &x, xcb_window_t manager,
+        const LabelPainter &painter, Appearance &appearance, QObject *parent = nullptr);
     ~XembedPresentation() override;
 
     void present(const PresentedItem &item) override;
@@ -52,6 +59,7 @@ private:
 
     LabelLook look() const;
     void readPanelColors();
+    int neededWidth();
     void askForWidth();
     void writeSizeHints();
     bool keepsProportions() const;
@@ -60,12 +68,14 @@ private:
     QImage compose();
     void draw();
 
+    XembedForm m_form;
     XConnection &m_x;
     xcb_window_t m_manager;
     const LabelPainter &m_painter;
     Appearance &m_appearance;
     HoverText *m_hover;
     PresentedItem m_item;
+    SteadyWidth m_steadyWidth;
 
     XPixelFormat m_format; // Of the window, when there is one.
     xcb_window_t m_window = XCB_WINDOW_NONE;

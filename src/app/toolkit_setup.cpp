@@ -1,5 +1,7 @@
 #include "app/toolkit_setup.h"
 
+#include "platform/linux/popup_accessibility.h"
+
 #include <QByteArray>
 
 #include <xcb/xcb.h>
@@ -76,6 +78,7 @@ std::unique_ptr<QGuiApplication> makeApplication(int &argc, char **argv)
     if (!usersChoice && qEnvironmentVariableIsSet("DISPLAY"))
         qputenv("QT_QPA_PLATFORM",
             qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ? "xcb;wayland" : "xcb");
+    platform::showPopupsToScreenReaders();
     QCoreApplication::setApplicationName(u"brimwatch"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(BRIMWATCH_VERSION));
     QGuiApplication::setApplicationDisplayName(u"Brimwatch"_s);

@@ -1,5 +1,6 @@
 #include "views/quota_popover_content.h"
 
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QKeySequence>
 #include <QLoggingCategory>
@@ -59,6 +60,8 @@ QuotaPopoverContent::QuotaPopoverContent(const PopoverDependencies &dependencies
           .terminate = dependencies.terminate})
     , m_window(m_model)
 {
+    // Its name for a screen reader; no desktop shows it.
+    m_window.setTitle(QGuiApplication::applicationDisplayName());
     QJSEngine::setObjectOwnership(&m_model, QJSEngine::CppOwnership);
     QJSEngine::setObjectOwnership(&m_settingsModel, QJSEngine::CppOwnership);
     QJSEngine::setObjectOwnership(&dependencies.quotaService, QJSEngine::CppOwnership);

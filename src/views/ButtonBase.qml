@@ -36,11 +36,16 @@ FocusScope {
 
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Accessible.description: toolTipText
+    // What the name says already is not said again.
+    Accessible.description: toolTipText === text ? "" : toolTipText
     Accessible.focusable: true
     Accessible.focused: activeFocus
     Accessible.pressed: down
-    Accessible.onPressAction: root.activate()
+    Accessible.ignored: !visible
+    Accessible.onPressAction: {
+        if (root.enabled)
+            root.activate();
+    }
 
     Keys.onReturnPressed: root.activate()
     Keys.onEnterPressed: root.activate()

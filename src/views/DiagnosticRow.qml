@@ -11,15 +11,15 @@ Item {
     width: parent ? parent.width : implicitWidth
     implicitHeight: Math.max(caption.height, text.height)
 
-    Accessible.role: Accessible.StaticText
-    Accessible.name: root.label + ": " + root.value
-
-    Label {
+    // It speaks for both. The row itself cannot: Qt takes the property `value` of what a screen reader sees for a number.
+    SpokenLabel {
         id: caption
 
         text: root.label
         color: Theme.secondaryLabel
         font.pixelSize: 11
+
+        Accessible.name: root.label + ": " + root.value
     }
 
     Label {

@@ -12,6 +12,7 @@ Item {
 
     Accessible.role: Accessible.ProgressBar
     Accessible.name: label.text
+    Accessible.ignored: !visible
 
     Column {
         anchors.centerIn: parent

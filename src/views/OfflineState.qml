@@ -20,17 +20,14 @@ Item {
             color: Theme.orange
         }
 
-        Label {
+        SpokenLabel {
             anchors.horizontalCenter: parent.horizontalCenter
             text: "Antigravity Daemon Offline"
             font.pixelSize: 14
             font.weight: Font.Bold
-
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
         }
 
-        Label {
+        SpokenLabel {
             x: 24
             width: parent.width - 48
             text: "Could not connect to the local Antigravity Language Server daemon."
@@ -38,12 +35,9 @@ Item {
             font.pixelSize: 11
             wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignHCenter
-
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
         }
 
-        Label {
+        SpokenLabel {
             x: 24
             width: parent.width - 48
             text: "Ensure Antigravity IDE is running."
@@ -51,9 +45,6 @@ Item {
             font.pixelSize: 11
             wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignHCenter
-
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
         }
 
         ProminentButton {

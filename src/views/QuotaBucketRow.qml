@@ -16,6 +16,8 @@ Rectangle {
 
     Accessible.role: Accessible.ListItem
     Accessible.name: root.bucket.accessibleName
+    Accessible.description: root.bucket.timestampText
+    Accessible.ignored: !visible
 
     Column {
         id: names

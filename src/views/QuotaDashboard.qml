@@ -40,13 +40,13 @@ FocusScope {
             width: refresh.x - x - 12
             spacing: 2
 
-            Label {
+            SpokenLabel {
                 text: "Brimwatch"
                 font.pixelSize: 14
                 font.weight: Font.Bold
 
                 Accessible.role: Accessible.Heading
-                Accessible.name: text
+                Accessible.focusable: false
             }
 
             StatusLine {
@@ -115,7 +115,7 @@ FocusScope {
 
         // What is seldom seen is made when it is.
         Loader {
-            readonly property string file: list.visible ? ""
+            readonly property string file: root.model.body === PopoverModel.Cards ? ""
                 : root.model.body === PopoverModel.Loading ? "LoadingState.qml" : "OfflineState.qml"
 
             function show() {
@@ -148,19 +148,29 @@ FocusScope {
         height: Math.max(updated.height, open.height) + 16
         color: Theme.footerBackground
 
-        SteadyText {
+        // What is read stands around what is drawn: Qt tells of each change of the text of what a screen reader sees, and
+        // this one changes each second.
+        Item {
             id: updated
 
-            objectName: "updatedText"
             anchors.verticalCenter: parent.verticalCenter
             x: 14
-            width: Math.min(implicitWidth, open.x - x - 8)
-            text: root.model.updatedText
-            color: Theme.secondaryLabel
-            pixelSize: 10
+            width: updatedText.width
+            height: updatedText.height
 
             Accessible.role: Accessible.StaticText
-            Accessible.name: text
+            Accessible.name: root.model.updatedAccessibleName
+            Accessible.ignored: !visible
+
+            SteadyText {
+                id: updatedText
+
+                objectName: "updatedText"
+                width: Math.min(implicitWidth, open.x - updated.x - 8)
+                text: root.model.updatedText
+                color: Theme.secondaryLabel
+                pixelSize: 10
+            }
         }
 
         TextButton {

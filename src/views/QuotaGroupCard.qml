@@ -18,6 +18,8 @@ Rectangle {
 
     Accessible.role: Accessible.List
     Accessible.name: root.group.displayName + ", " + root.group.countText
+    Accessible.description: root.group.descriptionText
+    Accessible.ignored: !visible
 
     Column {
         id: content
@@ -107,7 +109,7 @@ Rectangle {
             }
         }
 
-        Label {
+        SpokenLabel {
             objectName: "moreRows"
             width: parent.width
             text: root.group.moreText
@@ -115,9 +117,6 @@ Rectangle {
             font.pixelSize: 10
             horizontalAlignment: Text.AlignHCenter
             visible: text !== ""
-
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
         }
     }
 }

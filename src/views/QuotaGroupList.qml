@@ -14,6 +14,7 @@ ScrollArea {
 
     Accessible.role: Accessible.List
     Accessible.name: "Quota"
+    Accessible.ignored: !visible
 
     Column {
         id: content
@@ -32,7 +33,7 @@ ScrollArea {
             }
         }
 
-        Label {
+        SpokenLabel {
             objectName: "moreGroups"
             width: parent.width
             text: root.model.moreText
@@ -40,9 +41,6 @@ ScrollArea {
             font.pixelSize: 10
             horizontalAlignment: Text.AlignHCenter
             visible: text !== ""
-
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
         }
 
         Item {
@@ -50,7 +48,7 @@ ScrollArea {
             height: error.height + 4
             visible: root.model.errorText !== ""
 
-            Label {
+            SpokenLabel {
                 id: error
 
                 objectName: "errorText"
@@ -62,9 +60,6 @@ ScrollArea {
                 font.pixelSize: 10
                 wrapMode: Text.Wrap
                 horizontalAlignment: Text.AlignHCenter
-
-                Accessible.role: Accessible.StaticText
-                Accessible.name: text
             }
         }
     }

@@ -13,6 +13,9 @@ ButtonBase {
     opacity: 1
     overhang: 5
 
+    // Qt (6.4) tells no screen reader that a control is disabled.
+    Accessible.description: root.model.isRefreshing ? "Refreshing" : root.toolTipText
+
     onClicked: root.model.performRefresh()
 
     SymbolImage {

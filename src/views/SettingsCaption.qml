@@ -2,11 +2,8 @@ import QtQuick
 import Brimwatch
 
 // A line of small text between settings.
-Label {
+SpokenLabel {
     width: parent ? parent.width : implicitWidth
     font.pixelSize: 11
     wrapMode: Text.Wrap
-
-    Accessible.role: Accessible.StaticText
-    Accessible.name: text
 }

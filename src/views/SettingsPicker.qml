@@ -53,7 +53,9 @@ Item {
         currentIndex: root.index
         focusPolicy: Qt.TabFocus
 
-        Accessible.name: root.caption
+        // Qt (6.4) tells a screen reader neither what is chosen nor how to open the list.
+        Accessible.name: root.caption + " " + (box.displayText !== "" ? box.displayText : "nothing chosen")
+        Accessible.onPressAction: box.popup.open()
 
         onActivated: index => {
             root.wanted(index);
@@ -104,6 +106,16 @@ Item {
             highlighted: box.highlightedIndex === option.index
             text: option.modelData
 
+            Accessible.selectable: true
+            Accessible.selected: option.index === root.index
+            // The keyboard is at the box all the while; a screen reader reads where it has got to in the list.
+            Accessible.focusable: true
+            Accessible.focused: option.highlighted
+            Accessible.onPressAction: {
+                box.popup.close();
+                root.wanted(option.index);
+            }
+
             background: Rectangle {
                 radius: 4
                 color: option.highlighted ? Theme.accent : "transparent"
@@ -134,6 +146,8 @@ Item {
             transformOrigin: T.Popup.TopLeft
             // The keys of the list are the box's.
             onAboutToShow: {
+                // Around the list there is what Qt calls a dialog, without a name.
+                contentItem.parent.Accessible.ignored = true;
                 if (!box.activeFocus)
                     box.forceActiveFocus(Qt.PopupFocusReason);
             }
@@ -152,6 +166,10 @@ Item {
                 currentIndex: box.highlightedIndex
                 boundsBehavior: Flickable.StopAtBounds
                 keyNavigationEnabled: false
+
+                Accessible.role: Accessible.List
+                Accessible.name: root.caption
+                Accessible.ignored: !visible
             }
         }
     }

@@ -27,13 +27,13 @@ Column {
             color: Theme.accent
         }
 
-        Label {
+        SpokenLabel {
             text: root.title
             font.pixelSize: 12
             font.weight: Font.DemiBold
 
             Accessible.role: Accessible.Heading
-            Accessible.name: text
+            Accessible.focusable: false
         }
     }
 

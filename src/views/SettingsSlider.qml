@@ -8,19 +8,32 @@ T.Slider {
 
     property real stored: from
 
+    // By these names Qt finds the range that it tells a screen reader.
+    readonly property real minimumValue: from
+    readonly property real maximumValue: to
+    property bool complete: false
+
     signal wanted(real value)
+
+    function settle() {
+        // A key adds a step to whatever was stored.
+        const step = Math.round(root.value / root.stepSize) * root.stepSize;
+        root.wanted(Math.max(root.from, Math.min(step, root.to)));
+        root.value = Qt.binding(() => root.stored);
+    }
 
     implicitHeight: 20
     value: root.stored
     focusPolicy: Qt.TabFocus
     snapMode: T.Slider.SnapAlways
 
-    onMoved: {
-        // A key adds a step to whatever was stored.
-        const step = Math.round(root.value / root.stepSize) * root.stepSize;
-        root.wanted(Math.max(root.from, Math.min(step, root.to)));
-        root.value = Qt.binding(() => root.stored);
+    onMoved: settle()
+    // A screen reader sets the value without moving the slider.
+    onValueChanged: {
+        if (root.complete && !root.pressed && root.value !== Math.max(root.from, Math.min(root.stored, root.to)))
+            settle();
     }
+    Component.onCompleted: complete = true
 
     background: Rectangle {
         x: 7

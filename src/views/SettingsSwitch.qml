@@ -26,6 +26,10 @@ T.Switch {
         root.checked = Qt.binding(() => root.on);
     }
 
+    // Qt would show the other state, and tell nobody.
+    Accessible.onToggleAction: root.wanted(!root.on)
+    Accessible.onPressAction: root.wanted(!root.on)
+
     FontMetrics {
         id: metrics
 

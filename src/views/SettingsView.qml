@@ -68,7 +68,7 @@ Item {
             }
         }
 
-        Label {
+        SpokenLabel {
             id: title
 
             anchors.verticalCenter: parent.verticalCenter
@@ -79,7 +79,7 @@ Item {
             font.weight: Font.Bold
 
             Accessible.role: Accessible.Heading
-            Accessible.name: text
+            Accessible.focusable: false
         }
 
         ProminentButton {
@@ -110,6 +110,9 @@ Item {
         width: parent.width
         height: footerLine.y - y
         contentHeight: sections.height + 28
+
+        Accessible.role: Accessible.Pane
+        Accessible.name: title.text
 
         Column {
             id: sections
@@ -324,7 +327,7 @@ Item {
                         stored: root.service.lowQuotaThreshold
                         onWanted: value => root.service.lowQuotaThreshold = value
 
-                        Accessible.name: thresholdCaption.text
+                        Accessible.name: "Alert Threshold in percent"
                     }
 
                     Label {
@@ -443,7 +446,7 @@ Item {
         height: Math.max(version.height, quit.height) + 16
         color: Theme.footerBackground
 
-        Label {
+        SpokenLabel {
             id: version
 
             objectName: "versionText"
@@ -454,9 +457,6 @@ Item {
             color: Theme.secondaryLabel
             font.pixelSize: 10
             elide: Text.ElideRight
-
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
         }
 
         TextButton {

@@ -12,6 +12,7 @@ Item {
 
     Accessible.role: Accessible.StaticText
     Accessible.name: root.model.statusText
+    Accessible.ignored: !visible
 
     Capsule {
         // Beside the first line's middle.

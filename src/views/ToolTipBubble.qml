@@ -49,6 +49,7 @@ Rectangle {
 
     Accessible.role: Accessible.ToolTip
     Accessible.name: root.text
+    Accessible.ignored: !visible
 
     Timer {
         id: delay

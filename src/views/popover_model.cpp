@@ -187,13 +187,18 @@ void PopoverModel::readBody()
 void PopoverModel::readUpdated()
 {
     const auto &lastUpdated = m_service.lastUpdated();
-    const QString text = lastUpdated
-        ? "Updated "_L1 + timeAgo(*lastUpdated, m_service.currentTime())
-        : u"Waiting for update"_s;
-    if (m_updatedText == text)
-        return;
-    m_updatedText = text;
-    Q_EMIT updatedTextChanged();
+    const auto &now = m_service.currentTime();
+    const QString waiting = u"Waiting for update"_s;
+    const QString text = lastUpdated ? "Updated "_L1 + timeAgo(*lastUpdated, now) : waiting;
+    if (m_updatedText != text) {
+        m_updatedText = text;
+        Q_EMIT updatedTextChanged();
+    }
+    const QString spoken = lastUpdated ? "Updated "_L1 + spokenTimeAgo(*lastUpdated, now) : waiting;
+    if (m_updatedAccessibleName != spoken) {
+        m_updatedAccessibleName = spoken;
+        Q_EMIT updatedAccessibleNameChanged();
+    }
 }
 
 void PopoverModel::readTime()

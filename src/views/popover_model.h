@@ -39,6 +39,8 @@ class PopoverModel final : public QObject {
     Q_PROPERTY(QColor statusColor READ statusColor NOTIFY statusColorChanged FINAL)
     Q_PROPERTY(QString errorText READ errorText NOTIFY errorTextChanged FINAL)
     Q_PROPERTY(QString updatedText READ updatedText NOTIFY updatedTextChanged FINAL)
+    Q_PROPERTY(QString updatedAccessibleName READ updatedAccessibleName NOTIFY
+            updatedAccessibleNameChanged FINAL)
     Q_PROPERTY(QString refreshToolTip READ refreshToolTip CONSTANT FINAL)
     Q_PROPERTY(bool isRefreshing READ isRefreshing NOTIFY isRefreshingChanged FINAL)
     Q_PROPERTY(bool isShown READ isShown NOTIFY isShownChanged FINAL)
@@ -87,6 +89,8 @@ public:
     const QString &errorText() const { return m_errorText; }
     /// "Updated 42s ago" or "Waiting for update"
     const QString &updatedText() const { return m_updatedText; }
+    /// The same in whole minutes: "Updated just now" for all of the first one.
+    const QString &updatedAccessibleName() const { return m_updatedAccessibleName; }
     QString refreshToolTip() const;
     bool isRefreshing() const { return m_isRefreshing; }
     RefreshSpin *spin() { return &m_spin; }
@@ -107,6 +111,7 @@ Q_SIGNALS:
     void statusColorChanged();
     void errorTextChanged();
     void updatedTextChanged();
+    void updatedAccessibleNameChanged();
     void isRefreshingChanged();
     void isShownChanged();
     void showingSettingsChanged();
@@ -139,6 +144,7 @@ private:
     model::ColorToken m_statusColor = model::ColorToken::SystemOrange;
     QString m_errorText;
     QString m_updatedText;
+    QString m_updatedAccessibleName;
 };
 
 } // namespace brimwatch::views

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace brimwatch::views {
 
@@ -54,9 +55,10 @@ QString andMore(qsizetype count)
     return count > 0 ? "and "_L1 + QString::number(count) + " more"_L1 : QString();
 }
 
-BucketEntry::BucketEntry(const Theme &theme, QObject *parent)
+BucketEntry::BucketEntry(const Theme &theme, QString groupName, QObject *parent)
     : QObject(parent)
     , m_theme(theme)
+    , m_groupName(std::move(groupName))
 {
     connect(&theme, &Theme::changed, this, &BucketEntry::colorChanged);
 }
@@ -85,8 +87,8 @@ void BucketEntry::setTime(const QDateTime &now)
     QString percentage = percentageText();
     percentage.chop(1);
     if (assign(m_accessibleName,
-            displayName() + ", "_L1 + percentage + " percent left, resets in "_L1
-                + withoutSeconds(countdown)))
+            m_groupName + ", "_L1 + displayName() + ", "_L1 + percentage
+                + " percent left, resets in "_L1 + withoutSeconds(countdown)))
         Q_EMIT accessibleNameChanged();
 }
 
@@ -110,7 +112,8 @@ QColor BucketEntry::color() const
 
 GroupEntry::GroupEntry(const Theme &theme, QObject *parent)
     : QObject(parent)
-    , m_buckets("bucket", [&theme] { return new BucketEntry(theme); })
+    // A group is known by its name, so its rows keep it.
+    , m_buckets("bucket", [this, &theme] { return new BucketEntry(theme, displayName()); })
 {
 }
 

@@ -33,7 +33,8 @@ class BucketEntry final : public QObject {
     Q_PROPERTY(QString accessibleName READ accessibleName NOTIFY accessibleNameChanged FINAL)
 
 public:
-    explicit BucketEntry(const Theme &theme, QObject *parent = nullptr);
+    /// `groupName` is that of the bucket's group, which its accessible name begins with.
+    BucketEntry(const Theme &theme, QString groupName, QObject *parent = nullptr);
     ~BucketEntry() override;
 
     static const QString &identity(const model::QuotaBucket &bucket) { return bucket.id(); }
@@ -54,8 +55,8 @@ public:
     const QString &countdownText() const { return m_countdownText; }
     /// When it resets; empty where that is not known.
     const QString &timestampText() const { return m_timestampText; }
-    /// The row as one sentence. Whole minutes only: a screen reader would else hear of it each
-    /// second.
+    /// The row as one sentence: "Gemini, 5 hour limit, 42.5 percent left, resets in 2h 3m". Whole
+    /// minutes only: a screen reader would else hear of it each second.
     const QString &accessibleName() const { return m_accessibleName; }
 
 Q_SIGNALS:
@@ -67,6 +68,7 @@ Q_SIGNALS:
 
 private:
     const Theme &m_theme;
+    QString m_groupName;
     model::QuotaBucket m_bucket;
     QString m_countdownText;
     QString m_timestampText;

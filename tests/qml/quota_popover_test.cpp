@@ -693,7 +693,7 @@ void QuotaPopoverTest::everyControlCardAndRowHasRoleAndName()
     QCOMPARE(card.name, u"Gemini Models, 2 buckets"_s);
     const Spoken row = spoken(fixture.item(u"bucketRow"_s));
     QCOMPARE(row.role, QAccessible::ListItem);
-    QCOMPARE(row.name, u"Five-hour limit, 80.4 percent left, resets in 2h 3m"_s);
+    QCOMPARE(row.name, u"Gemini Models, Five-hour limit, 80.4 percent left, resets in 2h 3m"_s);
 }
 
 void QuotaPopoverTest::accessibleNamesOfRowsChangeOnceAMinute()
@@ -703,11 +703,14 @@ void QuotaPopoverTest::accessibleNamesOfRowsChangeOnceAMinute()
     fixture.answer({.groups = {{.displayName = u"Gemini"_s,
                         .buckets = {test::sampleBucket(u"a"_s, u"A"_s, u"5h"_s, 0.5, 125)}}}});
     QTRY_VERIFY(fixture.item(u"bucketRow"_s));
-    QCOMPARE(spoken(fixture.item(u"bucketRow"_s)).name, u"A, 50.0 percent left, resets in 2m"_s);
+    QCOMPARE(
+        spoken(fixture.item(u"bucketRow"_s)).name, u"Gemini, A, 50.0 percent left, resets in 2m"_s);
     fixture.clock.advance(std::chrono::seconds(5));
-    QCOMPARE(spoken(fixture.item(u"bucketRow"_s)).name, u"A, 50.0 percent left, resets in 2m"_s);
+    QCOMPARE(
+        spoken(fixture.item(u"bucketRow"_s)).name, u"Gemini, A, 50.0 percent left, resets in 2m"_s);
     fixture.clock.advance(std::chrono::seconds(1));
-    QCOMPARE(spoken(fixture.item(u"bucketRow"_s)).name, u"A, 50.0 percent left, resets in 1m"_s);
+    QCOMPARE(
+        spoken(fixture.item(u"bucketRow"_s)).name, u"Gemini, A, 50.0 percent left, resets in 1m"_s);
 }
 
 void QuotaPopoverTest::namesWithMarkupAreShownAsTyped()

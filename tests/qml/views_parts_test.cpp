@@ -18,6 +18,7 @@ private Q_SLOTS:
     void timeAgoInWords_data();
     void timeAgoInWords();
     void aFractionOfASecondIsDropped();
+    void secondsAreNotSpoken();
     void aSpinIsOneTurnWhenNothingRuns();
     void aSpinTurnsAgainWhileItShall();
     void onlyTheFirstTurnEases();
@@ -57,6 +58,15 @@ void ViewsPartsTest::aFractionOfASecondIsDropped()
     const QDateTime now(QDate(2026, 11, 16), QTime(12, 0), QTimeZone::utc());
     QCOMPARE(views::timeAgo(now.addMSecs(-4999), now), u"just now"_s);
     QCOMPARE(views::timeAgo(now.addMSecs(-59999), now), u"59s ago"_s);
+}
+
+void ViewsPartsTest::secondsAreNotSpoken()
+{
+    const QDateTime now(QDate(2026, 11, 16), QTime(12, 0), QTimeZone::utc());
+    QCOMPARE(views::spokenTimeAgo(now.addSecs(100), now), u"just now"_s);
+    QCOMPARE(views::spokenTimeAgo(now.addMSecs(-59999), now), u"just now"_s);
+    QCOMPARE(views::spokenTimeAgo(now.addSecs(-60), now), u"1m ago"_s);
+    QCOMPARE(views::spokenTimeAgo(now.addSecs(-7500), now), u"2h ago"_s);
 }
 
 void ViewsPartsTest::aSpinIsOneTurnWhenNothingRuns()

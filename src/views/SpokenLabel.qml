@@ -5,5 +5,6 @@ import Brimwatch
 Label {
     Accessible.role: Accessible.StaticText
     Accessible.name: text
+    Accessible.readOnly: true
     Accessible.ignored: !visible
 }

@@ -10,6 +10,7 @@
 #include "platform/linux/desktop_notifier.h"
 #include "platform/linux/desktop_opener.h"
 #include "platform/linux/label_painter.h"
+#include "platform/linux/layer_popover.h"
 #include "platform/linux/linux_app_information.h"
 #include "platform/linux/panel_status_item.h"
 #include "platform/linux/qt_application_presence.h"
@@ -49,7 +50,9 @@ public:
         , m_bus(QDBusConnection::sessionBus())
         , m_xSettings(m_xConnection)
         , m_appearance(m_bus, m_xConnection.isValid() ? &m_xSettings : nullptr,
-              QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation))
+              QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
+              QGuiApplication::platformName() == "xcb"_L1 ? platform::TextScaling::Toolkits
+                                                          : platform::TextScaling::Ours)
         , m_loginItem({.configHome
                           = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
                           .program = QCoreApplication::applicationFilePath(),
@@ -96,7 +99,7 @@ private:
             .diagnostics = *m_diagnostics,
             .terminate = [this] { m_presence.terminate(); },
             .close = [this] { closePopover(); }});
-        auto popover = std::make_unique<platform::X11Popover>(std::move(factory));
+        auto popover = makePopover(std::move(factory));
         m_popover = popover.get();
         auto controller = std::make_unique<app::StatusBarController>(
             app::StatusBarController::Dependencies{.quotaService = quotaService,
@@ -110,6 +113,13 @@ private:
         QObject::connect(&m_notifier, &platform::Notifier::activated, controller.get(),
             &app::StatusBarController::showPopover);
         return controller;
+    }
+
+    static std::unique_ptr<platform::Popover> makePopover(platform::PopoverContentFactory factory)
+    {
+        if (platform::LayerSurface::isOffered())
+            return std::make_unique<platform::LayerPopover>(std::move(factory));
+        return std::make_unique<platform::X11Popover>(std::move(factory));
     }
 
     void closePopover()

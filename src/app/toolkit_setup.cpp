@@ -1,5 +1,6 @@
 #include "app/toolkit_setup.h"
 
+#include "platform/linux/layer_shell.h"
 #include "platform/linux/popup_accessibility.h"
 
 #include <QByteArray>
@@ -72,12 +73,17 @@ bool displayIsThere()
 
 std::unique_ptr<QGuiApplication> makeApplication(int &argc, char **argv)
 {
-    // The popover must stand where we say, which only X11 lets it, Xwayland included. Where
-    // Xwayland does not answer, the compositor's own way is better than none.
+    // The popover must stand where we say, which only X11 lets it, Xwayland included, or a
+    // compositor with a layer shell. Where neither does, the compositor's own way is better than
+    // none.
     const bool usersChoice = qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
-    if (!usersChoice && qEnvironmentVariableIsSet("DISPLAY"))
-        qputenv("QT_QPA_PLATFORM",
-            qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ? "xcb;wayland" : "xcb");
+    const bool onWayland = qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+    if (onWayland && !usersChoice && platform::compositorHasLayerShell()) {
+        qputenv("QT_QPA_PLATFORM", "wayland;xcb");
+        platform::leaveWindowsWithoutRoles();
+    } else if (!usersChoice && qEnvironmentVariableIsSet("DISPLAY")) {
+        qputenv("QT_QPA_PLATFORM", onWayland ? "xcb;wayland" : "xcb");
+    }
     platform::showPopupsToScreenReaders();
     QCoreApplication::setApplicationName(u"brimwatch"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(BRIMWATCH_VERSION));

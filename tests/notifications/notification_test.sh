@@ -110,15 +110,6 @@ alert_settled()
     [ "$3" -ge 150 ] && [ "$4" -ge 30 ] && place=$first
 }
 
-# Under sway it may be a window of the compositor's, which lists them by process, or one of Xwayland's.
-shown()
-{
-    popover_open "$program_pid" && return
-    [ -n "${SWAYSOCK:-}" ] && swaymsg -t get_tree | grep -qE "\"pid\": $program_pid,?$"
-}
-
-hidden() { ! shown; }
-
 # The play ---------------------------------------------------------------------------------------
 "$script" start "$session" >/dev/null 2>"$out/session.log" || {
     cat "$out/session.log" >&2

@@ -56,3 +56,23 @@ needed() { check "$@" || exit 1; }
 shot() { "$root/tools/panels/shot.sh" "$out/pictures/$1.png" ${2:+"$2"} 2>>"$out/shot.log" || true; }
 click() { "$root/tools/panels/click.sh" "$@"; }
 key() { "$root/tools/panels/key.sh" "$@"; }
+
+# popover_place: where the popover is; nothing while it is closed. sway lists the windows of its layers nowhere: there it
+# is what changed on the screen since the picture `without`, if that is as large.
+popover_place()
+{
+    local place
+    if [ -z "${SWAYSOCK:-}" ]; then
+        popover_places "$program_pid" | head -n 1
+        return
+    fi
+    shot now
+    place=$(largest_difference "$out/pictures/without.png" "$out/pictures/now.png" \
+        "$(identify -format '%wx%h+0+0' "$out/pictures/without.png")")
+    # shellcheck disable=SC2086
+    set -- $place
+    [ $# = 4 ] && [ "$3" -ge $((POPOVER_WIDTH - 2)) ] && [ "$4" -ge $((POPOVER_HEIGHT - 2)) ] && echo "$place"
+}
+
+shown() { [ -n "$(popover_place)" ]; }
+hidden() { ! shown; }

@@ -1,4 +1,4 @@
-#include "platform/linux/x11_popover.h"
+#include "platform/linux/popover_place.h"
 
 #include <QTest>
 
@@ -55,6 +55,42 @@ private Q_SLOTS:
         QFETCH(QRect, workArea);
         QFETCH(QPoint, place);
         QCOMPARE(likelyItemPlace(QRect(100, 0, 1280, 720), workArea), QRect(place, QSize(1, 1)));
+    }
+
+    void onALayerThePopoverHangsFromTheEdgeNextToTheItem_data()
+    {
+        using enum LayerPlace::Edge;
+        QTest::addColumn<QPoint>("item");
+        QTest::addColumn<quint32>("edges");
+        QTest::addColumn<QMargins>("margins");
+        QTest::newRow("above") << QPoint(640, 14) << quint32(Top | Left) << QMargins(450, 0, 0, 0);
+        QTest::newRow("above, at the right")
+            << QPoint(1270, 14) << quint32(Top | Left) << QMargins(900, 0, 0, 0);
+        QTest::newRow("below, at the left")
+            << QPoint(20, 710) << quint32(Bottom | Left) << QMargins(0, 0, 0, 0);
+        QTest::newRow("at the left")
+            << QPoint(10, 360) << quint32(Top | Left) << QMargins(0, 115, 0, 0);
+        QTest::newRow("at the right, low")
+            << QPoint(1275, 600) << quint32(Top | Right) << QMargins(0, 230, 0, 0);
+        QTest::newRow("in the corner")
+            << QPoint(1279, 0) << quint32(Top | Left) << QMargins(900, 0, 0, 0);
+    }
+    void onALayerThePopoverHangsFromTheEdgeNextToTheItem()
+    {
+        QFETCH(QPoint, item);
+        QFETCH(quint32, edges);
+        QFETCH(QMargins, margins);
+        const LayerPlace place = popoverLayer(item, QSize(380, 490), QSize(1280, 720));
+        QCOMPARE(place.edges, edges);
+        QCOMPARE(place.margins, margins);
+        QCOMPARE(place.size, QSize(380, 490));
+        QVERIFY(!place.coversPanels);
+    }
+
+    void onALayerSmallerThanThePopoverItStartsAtTheEdge()
+    {
+        const LayerPlace place = popoverLayer(QPoint(160, 5), QSize(380, 490), QSize(320, 240));
+        QCOMPARE(place.margins, QMargins());
     }
 };
 

@@ -120,12 +120,13 @@ QString familyOfFontDescription(const QString &description)
     return words.join(u' ');
 }
 
-DesktopAppearance::DesktopAppearance(
-    QDBusConnection bus, const XSettings *xSettings, const QString &configHome, QObject *parent)
+DesktopAppearance::DesktopAppearance(QDBusConnection bus, const XSettings *xSettings,
+    const QString &configHome, TextScaling textScaling, QObject *parent)
     : Appearance(parent)
     , m_bus(std::move(bus))
     , m_xSettings(xSettings)
     , m_kdeFile(configHome + "/kdeglobals"_L1)
+    , m_textScaling(textScaling)
 {
     if (m_xSettings != nullptr)
         connect(m_xSettings, &XSettings::changed, this, &DesktopAppearance::update);
@@ -252,9 +253,7 @@ DesktopAppearance::Look DesktopAppearance::look() const
             look.fontFamily = familyOfFontDescription(font);
     }
 
-    // Under X11 the desktop's scale of text is part of the resolution that the toolkit scales
-    // everything by.
-    if (m_xSettings == nullptr) {
+    if (m_textScaling == TextScaling::Ours) {
         bool isNumber = false;
         const double scale
             = m_portal.value(gnomeSpace + " text-scaling-factor"_L1).toDouble(&isNumber);

@@ -16,6 +16,13 @@ namespace brimwatch::platform {
 
 class XSettings;
 
+/// Who makes texts as large as the desktop wants them.
+enum class TextScaling {
+    Ours,
+    Toolkits, ///< As on X11, where that size is part of the resolution that it scales everything
+              ///< by.
+};
+
 /// How the desktop looks, from what it announces: the settings portal first, then KDE's own file,
 /// then XSETTINGS. A desktop that says nothing is light.
 class DesktopAppearance final : public Appearance {
@@ -25,7 +32,7 @@ public:
     /// `xSettings` may be null where there is no X server, and outlives this. `configHome` is where
     /// kdeglobals stands.
     DesktopAppearance(QDBusConnection bus, const XSettings *xSettings, const QString &configHome,
-        QObject *parent = nullptr);
+        TextScaling textScaling = TextScaling::Ours, QObject *parent = nullptr);
     ~DesktopAppearance() override;
 
     bool isDark() const override { return m_look.dark; }
@@ -58,6 +65,7 @@ private:
     QDBusConnection m_bus;
     const XSettings *m_xSettings;
     QString m_kdeFile;
+    TextScaling m_textScaling;
     std::unique_ptr<QFileSystemWatcher> m_kdeWatcher;
     QHash<QString, QVariant> m_portal; ///< "namespace key" to value.
     QHash<QString, QString> m_kde; ///< "Group/Key" to value.

@@ -2,7 +2,7 @@
 
 #include "platform/appearance.h"
 #include "platform/linux/native_geometry.h"
-#include "platform/linux/x11_popover.h"
+#include "platform/linux/popover_place.h"
 
 #include <QFontMetrics>
 #include <QGuiApplication>

@@ -1,6 +1,7 @@
 #include "platform/linux/x11_popover.h"
 
 #include "platform/linux/native_geometry.h"
+#include "platform/linux/popover_place.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -9,7 +10,7 @@
 #include <QScreen>
 #include <QWindow>
 
-#include <algorithm>
+#include <utility>
 
 namespace brimwatch::platform {
 
@@ -22,34 +23,6 @@ constexpr int grabAttempts = 50;
 constexpr int grabInterval = 10;
 
 } // namespace
-
-QRect popoverPlace(const QRect &item, const QSize &size, const QRect &screen, const QRect &workArea)
-{
-    const bool below = item.center().y() < screen.center().y();
-    const int x = item.left() + item.width() / 2 - size.width() / 2;
-    const int y = below ? item.bottom() + 1 : item.top() - size.height();
-    // The left and the top win when there is not room enough.
-    const int left = std::max(workArea.left(), std::min(x, workArea.right() + 1 - size.width()));
-    const int top = std::max(workArea.top(), std::min(y, workArea.bottom() + 1 - size.height()));
-    return {QPoint(left, top), size};
-}
-
-QRect likelyItemPlace(const QRect &screen, const QRect &workArea)
-{
-    const int above = workArea.top() - screen.top();
-    const int below = screen.bottom() - workArea.bottom();
-    const int left = workArea.left() - screen.left();
-    const int right = screen.right() - workArea.right();
-    const int thickest = std::max({above, below, left, right});
-    QPoint place = screen.topRight();
-    if (thickest > 0 && above != thickest) {
-        if (below == thickest || right == thickest)
-            place = screen.bottomRight();
-        else
-            place = screen.bottomLeft();
-    }
-    return {place, QSize(1, 1)};
-}
 
 X11Popover::X11Popover(PopoverContentFactory factory, QObject *parent)
     : Popover(parent)

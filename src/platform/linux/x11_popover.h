@@ -12,17 +12,6 @@ class QWindow;
 
 namespace brimwatch::platform {
 
-/// Where a popover of `size` goes: below `item` when that stands in the upper half of `screen`,
-/// else above it, its middle at the item's, within `workArea`. All in one coordinate system. A
-/// popover larger than the work area keeps its top left in it.
-QRect popoverPlace(
-    const QRect &item, const QSize &size, const QRect &screen, const QRect &workArea);
-
-/// Where an item most likely stands when nobody says: at the end of the panel that keeps
-/// `workArea` from filling `screen`, its right end or, of an upright one, its lower; without a
-/// panel in the top right corner. A place one unit wide and high.
-QRect likelyItemPlace(const QRect &screen, const QRect &workArea);
-
 /// The popover as an X11 popup: no window manager in between, pointer and keyboard grabbed, so that
 /// any press elsewhere closes it, panels and bare desktops included.
 class X11Popover final : public Popover {

@@ -1,0 +1,193 @@
+#include "platform/linux/layer_popover.h"
+
+#include "platform/linux/popover_place.h"
+
+#include <QEnterEvent>
+#include <QGuiApplication>
+#include <QLoggingCategory>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QRasterWindow>
+#include <QScreen>
+
+#include <chrono>
+#include <utility>
+
+namespace brimwatch::platform {
+
+namespace {
+
+Q_LOGGING_CATEGORY(layerLog, "brimwatch.platform", QtInfoMsg)
+
+// Compositors tell where the pointer is as soon as an overlay shows. A seat without one never does.
+constexpr std::chrono::milliseconds patience{400};
+
+} // namespace
+
+/// An invisible window over a whole output, panels included.
+class LayerPopover::Catcher final : public QRasterWindow {
+public:
+    Catcher(LayerPopover &popover, QScreen *screen)
+        : m_popover(popover)
+        , m_screen(screen)
+    {
+        QSurfaceFormat transparent = format();
+        transparent.setAlphaBufferSize(8);
+        setFormat(transparent);
+        m_surface = LayerSurface::show(*this, screen, {.coversPanels = true});
+    }
+
+    bool isShown() const { return m_surface != nullptr; }
+    LayerSurface *surface() const { return m_surface.get(); }
+
+protected:
+    void paintEvent(QPaintEvent * /*event*/) override
+    {
+        QPainter painter(this);
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        painter.fillRect(QRect(QPoint(), size()), Qt::transparent);
+    }
+    bool event(QEvent *event) override
+    {
+        // NOLINTBEGIN(cppcoreguidelines-pro-type-static-cast-downcast): told by type()
+        if (event->type() == QEvent::Enter)
+            m_popover.pointerFound(
+                m_screen, static_cast<QEnterEvent *>(event)->position().toPoint());
+        else if (event->type() == QEvent::MouseMove)
+            m_popover.pointerFound(
+                m_screen, static_cast<QMouseEvent *>(event)->position().toPoint());
+        // NOLINTEND(cppcoreguidelines-pro-type-static-cast-downcast)
+        else if (event->type() == QEvent::MouseButtonPress)
+            // Not from within: it ends this window.
+            QMetaObject::invokeMethod(&m_popover, &Popover::performClose, Qt::QueuedConnection);
+        return QRasterWindow::event(event);
+    }
+
+private:
+    LayerPopover &m_popover;
+    QPointer<QScreen> m_screen;
+    std::unique_ptr<LayerSurface> m_surface;
+};
+
+LayerPopover::LayerPopover(PopoverContentFactory factory, QObject *parent)
+    : Popover(parent)
+    , m_factory(std::move(factory))
+{
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(patience);
+    connect(&m_patience, &QTimer::timeout, this, &LayerPopover::showAtLikelyPlace);
+    connect(qGuiApp, &QGuiApplication::screenRemoved, this, [this] { performClose(); });
+}
+
+LayerPopover::~LayerPopover() = default;
+
+bool LayerPopover::isShown() const
+{
+    return m_shown;
+}
+
+void LayerPopover::prepare()
+{
+    load();
+}
+
+void LayerPopover::show(const ItemAnchor & /*anchor*/)
+{
+    if (m_shown || !open())
+        return;
+    m_followsPointer = true;
+    m_patience.start();
+}
+
+void LayerPopover::showUnclicked(const std::optional<QRect> & /*item*/)
+{
+    if (m_shown || !open())
+        return;
+    if (m_lastScreen)
+        showContent(m_lastScreen, m_lastPlace);
+    else
+        showAtLikelyPlace();
+}
+
+void LayerPopover::showSettings()
+{
+    if (m_content)
+        m_content->showSettings();
+}
+
+void LayerPopover::performClose()
+{
+    if (!m_shown)
+        return;
+    m_shown = false;
+    m_followsPointer = false;
+    m_patience.stop();
+    m_catchers.clear();
+    if (m_surface) {
+        m_content->window().hide();
+        // Later: a key of the window may have closed it, and it hears of that key until it returns.
+        m_surface.release()->deleteLater();
+    }
+    m_content->setShown(false);
+    Q_EMIT didClose();
+}
+
+bool LayerPopover::load()
+{
+    if (!m_content)
+        m_content = m_factory();
+    return m_content != nullptr;
+}
+
+bool LayerPopover::open()
+{
+    if (!load())
+        return false;
+    const auto screens = QGuiApplication::screens();
+    for (QScreen *screen : screens) {
+        auto catcher = std::make_unique<Catcher>(*this, screen);
+        if (!catcher->isShown())
+            continue;
+        connect(catcher->surface(), &LayerSurface::closed, this, &LayerPopover::performClose);
+        m_catchers.push_back(std::move(catcher));
+    }
+    if (m_catchers.empty()) {
+        qCWarning(layerLog) << "the compositor shows no overlay of ours - no popover";
+        return false;
+    }
+    m_shown = true;
+    m_content->setShown(true);
+    return true;
+}
+
+void LayerPopover::pointerFound(QScreen *screen, QPoint place)
+{
+    if (!std::exchange(m_followsPointer, false) || screen == nullptr)
+        return;
+    showContent(screen, popoverLayer(place, m_content->window().size(), screen->size()));
+}
+
+void LayerPopover::showAtLikelyPlace()
+{
+    m_followsPointer = false;
+    // The compositor knows which output the user is at.
+    showContent(nullptr,
+        {.edges = LayerPlace::Top | LayerPlace::Right, .size = m_content->window().size()});
+}
+
+void LayerPopover::showContent(QScreen *screen, const LayerPlace &place)
+{
+    m_patience.stop();
+    LayerPlace wanted = place;
+    wanted.takesKeyboard = true;
+    m_surface = LayerSurface::show(m_content->window(), screen, wanted);
+    if (!m_surface) {
+        performClose();
+        return;
+    }
+    connect(m_surface.get(), &LayerSurface::closed, this, &LayerPopover::performClose);
+    m_lastScreen = screen;
+    m_lastPlace = place;
+}
+
+} // namespace brimwatch::platform

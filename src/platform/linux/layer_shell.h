@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QMargins>
+#include <QObject>
+#include <QSize>
+
+#include <cstdint>
+#include <memory>
+
+class QScreen;
+class QWindow;
+struct wl_proxy;
+
+namespace brimwatch::platform {
+
+/// Where a window stands on its output, by the layer shell protocol (zwlr_layer_shell_v1): above
+/// all others, at the edges that it is anchored to.
+struct LayerPlace {
+    enum Edge : std::uint32_t { Top = 1, Bottom = 2, Left = 4, Right = 8 };
+
+    std::uint32_t edges = Top | Bottom | Left | Right; ///< All: it covers the output.
+    QSize size = {}; ///< Device-independent; empty in a direction that is anchored on both sides.
+    QMargins margins = {}; ///< From the edges that it is anchored to.
+    bool coversPanels = false; ///< Else panels keep the room that they have reserved.
+    bool takesKeyboard = false;
+};
+
+/// The layer surface of one window: what makes it an overlay of the compositor's instead of an
+/// ordinary window, from its making to its end. The toolkit draws the window and brings its input.
+///
+/// It takes an application on the wayland platform, and leaveWindowsWithoutRoles() before.
+class LayerSurface final : public QObject {
+    Q_OBJECT
+
+public:
+    /// Whether the application is on a compositor that has a layer shell.
+    static bool isOffered();
+    /// Shows the window there. Null when the compositor has no layer shell or does not answer: the
+    /// window is left hidden. A null screen leaves the choice to the compositor.
+    static std::unique_ptr<LayerSurface> show(
+        QWindow &window, QScreen *screen, const LayerPlace &place);
+    ~LayerSurface() override;
+    LayerSurface(const LayerSurface &) = delete;
+    LayerSurface &operator=(const LayerSurface &) = delete;
+    LayerSurface(LayerSurface &&) = delete;
+    LayerSurface &operator=(LayerSurface &&) = delete;
+
+Q_SIGNALS:
+    /// The compositor took the surface away: its output is gone, or it locked the screen.
+    void closed();
+
+private:
+    explicit LayerSurface(QWindow &window);
+
+    struct Listener;
+
+    QWindow &m_window;
+    wl_proxy *m_surface = nullptr;
+    QSize m_configured;
+    bool m_isConfigured = false;
+};
+
+/// Whether the compositor that the environment names offers the layer shell. Needs no application
+/// object; connects for the time of the question.
+bool compositorHasLayerShell();
+
+/// Has the toolkit give windows with Qt::BypassWindowManagerHint no role of their own on Wayland.
+/// Before the application object is made.
+void leaveWindowsWithoutRoles();
+
+} // namespace brimwatch::platform

@@ -1,0 +1,66 @@
+#include "platform/linux/popover_place.h"
+
+#include <algorithm>
+
+namespace brimwatch::platform {
+
+namespace {
+
+/// The start of a span of `length` with its middle at `middle`, within 0 and `whole`; 0 when it is
+/// longer.
+int startAround(int middle, int length, int whole)
+{
+    return std::max(0, std::min(middle - length / 2, whole - length));
+}
+
+} // namespace
+
+QRect popoverPlace(const QRect &item, const QSize &size, const QRect &screen, const QRect &workArea)
+{
+    const bool below = item.center().y() < screen.center().y();
+    const int x = item.left() + item.width() / 2 - size.width() / 2;
+    const int y = below ? item.bottom() + 1 : item.top() - size.height();
+    // The left and the top win when there is not room enough.
+    const int left = std::max(workArea.left(), std::min(x, workArea.right() + 1 - size.width()));
+    const int top = std::max(workArea.top(), std::min(y, workArea.bottom() + 1 - size.height()));
+    return {QPoint(left, top), size};
+}
+
+QRect likelyItemPlace(const QRect &screen, const QRect &workArea)
+{
+    const int above = workArea.top() - screen.top();
+    const int below = screen.bottom() - workArea.bottom();
+    const int left = workArea.left() - screen.left();
+    const int right = screen.right() - workArea.right();
+    const int thickest = std::max({above, below, left, right});
+    QPoint place = screen.topRight();
+    if (thickest > 0 && above != thickest) {
+        if (below == thickest || right == thickest)
+            place = screen.bottomRight();
+        else
+            place = screen.bottomLeft();
+    }
+    return {place, QSize(1, 1)};
+}
+
+LayerPlace popoverLayer(const QPoint &item, const QSize &size, const QSize &screen)
+{
+    const int toBottom = screen.height() - 1 - item.y();
+    const int toRight = screen.width() - 1 - item.x();
+    LayerPlace place{.size = size};
+    // Panels above and below are the usual ones: in a corner it is one of them.
+    constexpr int thickPanel = 64;
+    const int toUsualPanel = std::min(item.y(), toBottom);
+    if (toUsualPanel < thickPanel || toUsualPanel <= std::min(item.x(), toRight)) {
+        place.edges
+            = (item.y() <= toBottom ? LayerPlace::Top : LayerPlace::Bottom) | LayerPlace::Left;
+        place.margins.setLeft(startAround(item.x(), size.width(), screen.width()));
+    } else {
+        place.edges
+            = LayerPlace::Top | (item.x() <= toRight ? LayerPlace::Left : LayerPlace::Right);
+        place.margins.setTop(startAround(item.y(), size.height(), screen.height()));
+    }
+    return place;
+}
+
+} // namespace brimwatch::platform

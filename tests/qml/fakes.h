@@ -35,13 +35,14 @@ class FakeAppearance final : public platform::Appearance {
 public:
     platform::Ground ground = platform::Ground::Light;
     double scale = 1;
+    platform::Contrast contrast = platform::Contrast::Usual;
     bool still = false;
     QString family;
 
     bool isDark() const override { return ground == platform::Ground::Dark; }
     platform::Rgba color(model::ColorToken token) const override
     {
-        return platform::systemColor(token, ground);
+        return platform::systemColor(token, ground, contrast);
     }
     QString fontFamily() const override { return family; }
     double textScale() const override { return scale; }

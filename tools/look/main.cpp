@@ -132,9 +132,11 @@ int main(int argc, char *argv[])
     parser.addPositionalArgument(u"folder"_s, u"Where the pictures go."_s);
     const QCommandLineOption scale(
         u"text-scale"_s, u"How much larger than usual text is."_s, u"factor"_s, u"1"_s);
+    const QCommandLineOption contrast(
+        u"higher-contrast"_s, u"As on a desktop that is set to higher contrast."_s);
     const QCommandLineOption family(u"font"_s, u"The interface font."_s, u"family"_s);
     const QCommandLineOption only(u"only"_s, u"This one state."_s, u"state"_s);
-    parser.addOptions({scale, family, only});
+    parser.addOptions({scale, contrast, family, only});
     parser.process(application);
     if (parser.positionalArguments().size() != 1)
         parser.showHelp(2);
@@ -153,6 +155,8 @@ int main(int argc, char *argv[])
             PopoverFixture fixture;
             fixture.appearance.ground = ground;
             fixture.appearance.scale = parser.value(scale).toDouble();
+            if (parser.isSet(contrast))
+                fixture.appearance.contrast = platform::Contrast::Higher;
             fixture.appearance.family = parser.value(family);
             fixture.show();
             scenario.prepare(fixture);

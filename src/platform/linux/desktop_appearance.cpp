@@ -150,10 +150,7 @@ Rgba DesktopAppearance::color(model::ColorToken token) const
     if (token == model::ColorToken::Accent && m_look.accent)
         return *m_look.accent;
     const Ground ground = m_look.dark ? Ground::Dark : Ground::Light;
-    if (m_look.higherContrast
-        && (token == model::ColorToken::SecondaryLabel || token == model::ColorToken::Separator))
-        return systemColor(model::ColorToken::Label, ground);
-    return systemColor(token, ground);
+    return systemColor(token, ground, m_look.higherContrast ? Contrast::Higher : Contrast::Usual);
 }
 
 void DesktopAppearance::askPortal()

@@ -53,9 +53,12 @@ constexpr Pair pairOf(model::ColorToken token)
 
 } // namespace
 
-Rgba systemColor(model::ColorToken token, Ground ground)
+Rgba systemColor(model::ColorToken token, Ground ground, Contrast contrast)
 {
-    const Pair pair = pairOf(token);
+    const bool isFaint
+        = token == model::ColorToken::SecondaryLabel || token == model::ColorToken::Separator;
+    const Pair pair
+        = pairOf(contrast == Contrast::Higher && isFaint ? model::ColorToken::Label : token);
     return ground == Ground::Dark ? pair.dark : pair.light;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QSize>
+
 #include <functional>
 #include <memory>
 
@@ -18,8 +20,10 @@ public:
     PopoverContent(PopoverContent &&) = delete;
     PopoverContent &operator=(PopoverContent &&) = delete;
 
-    /// Lives as long as this content. Its size is the popover's, text scale included.
+    /// Lives as long as this content, which fills it whatever its size: what has no room scrolls.
     virtual QWindow &window() = 0;
+    /// How large the window should be, text scale included; it has that size at first.
+    virtual QSize size() const = 0;
     /// Views stand still while they are not shown. Before it shows, everything is up to date.
     virtual void setShown(bool shown) = 0;
     /// Turns to the settings.

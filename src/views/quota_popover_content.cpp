@@ -7,6 +7,8 @@
 #include <QQmlComponent>
 #include <QQuickItem>
 
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace brimwatch::views {
@@ -115,10 +117,17 @@ void QuotaPopoverContent::showSettings()
     QMetaObject::invokeMethod(m_root.get(), "showSettings");
 }
 
+QSize QuotaPopoverContent::size() const
+{
+    return (QSizeF(width, height) * m_theme.textScale()).toSize();
+}
+
 void QuotaPopoverContent::followTheme()
 {
     m_window.setColor(m_theme.ground());
-    m_window.resize((QSizeF(width, height) * m_theme.textScale()).toSize());
+    const QSize wanted = size();
+    if (std::exchange(m_size, wanted) != wanted)
+        m_window.resize(wanted);
 }
 
 } // namespace brimwatch::views

@@ -47,6 +47,7 @@ public:
     bool isComplete() const { return m_root != nullptr; }
 
     QWindow &window() override { return m_window; }
+    QSize size() const override;
     void setShown(bool shown) override;
     void showSettings() override;
 
@@ -60,6 +61,7 @@ private:
     QQmlEngine m_engine;
     PopoverWindow m_window;
     std::unique_ptr<QQuickItem> m_root;
+    QSize m_size; ///< As it was asked for last.
 };
 
 } // namespace brimwatch::views

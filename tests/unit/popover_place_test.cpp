@@ -31,11 +31,11 @@ private Q_SLOTS:
             QRect(QPoint(30, 230), size));
     }
 
-    void aPopoverLargerThanTheWorkAreaKeepsItsTopLeftInIt()
+    void aPopoverLargerThanTheWorkAreaFillsIt()
     {
         const QRect screen(-800, 100, 320, 240);
-        QCOMPARE(popoverPlace(QRect(-700, 100, 20, 20), QSize(380, 490), screen, screen).topLeft(),
-            QPoint(-800, 100));
+        const QRect area(-800, 120, 320, 220);
+        QCOMPARE(popoverPlace(QRect(-700, 100, 20, 20), QSize(380, 490), screen, area), area);
     }
 
     void withoutAClickAnItemIsLookedForAtTheEndOfThePanel_data()
@@ -87,10 +87,16 @@ private Q_SLOTS:
         QVERIFY(!place.coversPanels);
     }
 
-    void onALayerSmallerThanThePopoverItStartsAtTheEdge()
+    void onALayerWithoutRoomThePopoverTakesWhatPanelsLeave()
     {
-        const LayerPlace place = popoverLayer(QPoint(160, 5), QSize(380, 490), QSize(320, 240));
+        const quint32 both = LayerPlace::Top | LayerPlace::Bottom;
+        const LayerPlace place = popoverLayer(QPoint(160, 5), QSize(380, 490), QSize(320, 540));
         QCOMPARE(place.margins, QMargins());
+        QCOMPARE(place.edges & both, both);
+        QCOMPARE(place.size, QSize(320, 0));
+        const LayerPlace corner = cornerLayer(QSize(570, 735), QSize(1280, 720));
+        QCOMPARE(corner.edges, both | LayerPlace::Right);
+        QCOMPARE(corner.size, QSize(570, 0));
     }
 };
 

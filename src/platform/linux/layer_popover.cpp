@@ -164,15 +164,16 @@ void LayerPopover::pointerFound(QScreen *screen, QPoint place)
 {
     if (!std::exchange(m_followsPointer, false) || screen == nullptr)
         return;
-    showContent(screen, popoverLayer(place, m_content->window().size(), screen->size()));
+    showContent(screen, popoverLayer(place, m_content->size(), screen->size()));
 }
 
 void LayerPopover::showAtLikelyPlace()
 {
     m_followsPointer = false;
     // The compositor knows which output the user is at.
-    showContent(nullptr,
-        {.edges = LayerPlace::Top | LayerPlace::Right, .size = m_content->window().size()});
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    showContent(
+        nullptr, cornerLayer(m_content->size(), screen != nullptr ? screen->size() : QSize()));
 }
 
 void LayerPopover::showContent(QScreen *screen, const LayerPlace &place)

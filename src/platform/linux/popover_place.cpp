@@ -13,6 +13,19 @@ int startAround(int middle, int length, int whole)
     return std::max(0, std::min(middle - length / 2, whole - length));
 }
 
+/// No compositor says how much room its panels leave, but between two edges it gives all of it.
+LayerPlace fitted(LayerPlace place, const QSize &screen)
+{
+    constexpr int largestPanels = 128;
+    if (place.size.height() > screen.height() - largestPanels) {
+        place.edges |= LayerPlace::Top | LayerPlace::Bottom;
+        place.margins.setTop(0);
+        place.size.setHeight(0);
+    }
+    place.size.setWidth(std::min(place.size.width(), screen.width()));
+    return place;
+}
+
 } // namespace
 
 QRect popoverPlace(const QRect &item, const QSize &size, const QRect &screen, const QRect &workArea)
@@ -20,10 +33,10 @@ QRect popoverPlace(const QRect &item, const QSize &size, const QRect &screen, co
     const bool below = item.center().y() < screen.center().y();
     const int x = item.left() + item.width() / 2 - size.width() / 2;
     const int y = below ? item.bottom() + 1 : item.top() - size.height();
-    // The left and the top win when there is not room enough.
-    const int left = std::max(workArea.left(), std::min(x, workArea.right() + 1 - size.width()));
-    const int top = std::max(workArea.top(), std::min(y, workArea.bottom() + 1 - size.height()));
-    return {QPoint(left, top), size};
+    const QSize room = size.boundedTo(workArea.size());
+    const int left = std::max(workArea.left(), std::min(x, workArea.right() + 1 - room.width()));
+    const int top = std::max(workArea.top(), std::min(y, workArea.bottom() + 1 - room.height()));
+    return {QPoint(left, top), room};
 }
 
 QRect likelyItemPlace(const QRect &screen, const QRect &workArea)
@@ -60,7 +73,12 @@ LayerPlace popoverLayer(const QPoint &item, const QSize &size, const QSize &scre
             = LayerPlace::Top | (item.x() <= toRight ? LayerPlace::Left : LayerPlace::Right);
         place.margins.setTop(startAround(item.y(), size.height(), screen.height()));
     }
-    return place;
+    return fitted(place, screen);
+}
+
+LayerPlace cornerLayer(const QSize &size, const QSize &screen)
+{
+    return fitted({.edges = LayerPlace::Top | LayerPlace::Right, .size = size}, screen);
 }
 
 } // namespace brimwatch::platform

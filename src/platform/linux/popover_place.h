@@ -8,8 +8,8 @@
 namespace brimwatch::platform {
 
 /// Where a popover of `size` goes: below `item` when that stands in the upper half of `screen`,
-/// else above it, its middle at the item's, within `workArea`. All in one coordinate system. A
-/// popover larger than the work area keeps its top left in it.
+/// else above it, its middle at the item's, within `workArea`. All in one coordinate system. It
+/// is no larger than that.
 QRect popoverPlace(
     const QRect &item, const QSize &size, const QRect &screen, const QRect &workArea);
 
@@ -22,5 +22,7 @@ QRect likelyItemPlace(const QRect &screen, const QRect &workArea);
 /// it is: at the edge of the screen that is next to `item`, a panel's own or what it leaves. `item`
 /// lies within (0, 0) and `screen`.
 LayerPlace popoverLayer(const QPoint &item, const QSize &size, const QSize &screen);
+/// The same where nobody knows of an item: in the top right corner.
+LayerPlace cornerLayer(const QSize &size, const QSize &screen);
 
 } // namespace brimwatch::platform

@@ -97,7 +97,7 @@ void X11Popover::showBeside(const QRect &item, QScreen *screen)
     if (screen != nullptr) {
         m_window->setScreen(screen);
         m_window->setGeometry(
-            popoverPlace(item, m_window->size(), screen->geometry(), screen->availableGeometry()));
+            popoverPlace(item, m_content->size(), screen->geometry(), screen->availableGeometry()));
     }
     m_window->show();
 }

@@ -18,7 +18,7 @@ using namespace Qt::Literals::StringLiterals;
 /// A desktop that looks as told.
 class FakeAppearance final : public platform::Appearance {
 public:
-    bool isDark() const override { return true; }
+    bool isDark() const override { return m_dark; }
     platform::Rgba color(model::ColorToken token) const override
     {
         return platform::systemColor(token, platform::Ground::Dark);
@@ -26,6 +26,15 @@ public:
     QString fontFamily() const override { return u"DejaVu Sans"_s; }
     double textScale() const override { return 1; }
     bool reducesMotion() const override { return false; }
+
+    void setDark(bool dark)
+    {
+        m_dark = dark;
+        Q_EMIT changed();
+    }
+
+private:
+    bool m_dark = true;
 };
 
 /// "5h: 80% · W: 55%" behind a sparkle, or with other texts.

@@ -73,6 +73,8 @@ private Q_SLOTS:
     void withoutATransparentVisualThePanelsGroundStaysBehindTheLabel();
     void onAnOpaqueLightPanelTheLabelIsDark();
     void thePanelsOwnSymbolsTellLightFromDark();
+    void aPanelOfTheThemesKindFollowsTheTheme();
+    void aPanelOfAnotherKindThanTheThemeStaysAsItIs();
     void aHigherSlotIsDrawnAnewInItsMiddle();
     void aSlotLargerThanARequestIsDrawnWhole();
     void aLabelThatGrowsGetsAWiderSlot();
@@ -139,6 +141,7 @@ void XembedPresentationTest::init()
 
 void XembedPresentationTest::cleanup()
 {
+    m_appearance.setDark(true);
     m_registered.reset();
     m_clicked.reset();
     m_pressed.reset();
@@ -217,6 +220,28 @@ void XembedPresentationTest::thePanelsOwnSymbolsTellLightFromDark()
     m_manager->setSymbols(Qt::white);
     QTRY_VERIFY(isDrawn(Ground::Dark));
     QVERIFY(!isDrawn(Ground::Light));
+}
+
+void XembedPresentationTest::aPanelOfTheThemesKindFollowsTheTheme()
+{
+    m_appearance.setDark(false);
+    dock({.symbols = QColor(0x2e, 0x34, 0x36), .program = {}});
+    QTRY_VERIFY(isDrawn(Ground::Light));
+    m_appearance.setDark(true);
+    QTRY_VERIFY(isDrawn(Ground::Dark));
+    m_appearance.setDark(false);
+    QTRY_VERIFY(isDrawn(Ground::Light));
+}
+
+void XembedPresentationTest::aPanelOfAnotherKindThanTheThemeStaysAsItIs()
+{
+    m_appearance.setDark(false);
+    dock({.symbols = Qt::white, .program = {}});
+    QTRY_VERIFY(isDrawn(Ground::Dark));
+    m_appearance.setDark(true);
+    m_appearance.setDark(false);
+    settle();
+    QVERIFY(isDrawn(Ground::Dark));
 }
 
 void XembedPresentationTest::aHigherSlotIsDrawnAnewInItsMiddle()

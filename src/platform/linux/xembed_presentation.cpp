@@ -81,6 +81,11 @@ double brightness(const QImage &image)
     return sum / std::max(1, image.width() * image.height());
 }
 
+Ground groundOf(const Appearance &appearance)
+{
+    return appearance.isDark() ? Ground::Dark : Ground::Light;
+}
+
 bool isClick(std::uint8_t button)
 {
     return button == XCB_BUTTON_INDEX_1 || button == XCB_BUTTON_INDEX_3;
@@ -96,19 +101,15 @@ XembedPresentation::XembedPresentation(XembedForm form, XConnection &x, xcb_wind
     , m_manager(manager)
     , m_painter(painter)
     , m_appearance(appearance)
-    , m_hover(new HoverText(appearance, [this] { return place().value_or(QRect()); }, this))
+    , m_hover(new HoverText(
+          appearance, [this] { return place().value_or(QRect()); }, this))
 {
     m_settle.setSingleShot(true);
     m_settle.setInterval(settleMilliseconds);
     connect(&m_settle, &QTimer::timeout, this, &XembedPresentation::fitSlot);
     connect(&m_x, &XConnection::eventReceived, this, &XembedPresentation::handle);
     connect(&m_x, &XConnection::closed, this, &XembedPresentation::lose);
-    connect(&m_appearance, &Appearance::changed, this, [this] {
-        if (m_window == XCB_WINDOW_NONE)
-            return;
-        askForWidth();
-        draw();
-    });
+    connect(&m_appearance, &Appearance::changed, this, &XembedPresentation::followTheme);
 }
 
 XembedPresentation::~XembedPresentation()
@@ -387,12 +388,14 @@ void XembedPresentation::readPanelColors()
     std::array<std::uint32_t, 3> symbols{};
     if (readNumbers(m_x.property(m_manager, m_x.atom(colorsAtom)), symbols) < symbols.size()) {
         m_panelGround.reset();
+        m_panelFollowsTheme = false;
         return;
     }
     constexpr double largest = 65535;
     const double bright
         = brightness(symbols[0] / largest, symbols[1] / largest, symbols[2] / largest);
     m_panelGround = bright > 0.5 ? Ground::Dark : Ground::Light;
+    m_panelFollowsTheme = m_panelGround == groundOf(m_appearance);
 }
 
 int XembedPresentation::neededWidth()
@@ -400,6 +403,18 @@ int XembedPresentation::neededWidth()
     const LabelLook current = look();
     return m_form == XembedForm::Wide ? m_steadyWidth.of(m_item.label, m_painter, current)
                                       : current.height;
+}
+
+void XembedPresentation::followTheme()
+{
+    // XFCE (seen with 4.18) tells its colours once and then turns dark or light with the theme. A
+    // panel that was of another kind than the theme stays as it is.
+    if (m_panelFollowsTheme)
+        m_panelGround = groundOf(m_appearance);
+    if (m_window == XCB_WINDOW_NONE)
+        return;
+    askForWidth();
+    draw();
 }
 
 void XembedPresentation::askForWidth()

@@ -59,6 +59,7 @@ private:
 
     LabelLook look() const;
     void readPanelColors();
+    void followTheme();
     int neededWidth();
     void askForWidth();
     void writeSizeHints();
@@ -89,6 +90,7 @@ private:
     QTimer m_settle;
     bool m_narrow = false; // The panel has had its time and gives less than the label needs.
     std::optional<Ground> m_panelGround; // As the panel says.
+    bool m_panelFollowsTheme = false; // It was of the theme's kind when it said so.
     Ground m_seenGround = Ground::Dark; // As the pixels behind the item say.
     QImage m_behind; // What the panel shows where the item stands; null while not looked at, and
                      // with transparency.

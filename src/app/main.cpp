@@ -1,17 +1,20 @@
 #include "app/app_delegate.h"
 #include "app/command_line.h"
+#include "app/remote_access.h"
 #include "app/toolkit_setup.h"
 #include "app/views_library.h"
 #include "core/clock.h"
 #include "discovery/daemon_discovery_service.h"
 #include "platform/linux/application_icon.h"
 #include "platform/linux/autostart_login_item.h"
+#include "platform/linux/bus_service.h"
 #include "platform/linux/desktop_appearance.h"
 #include "platform/linux/desktop_notifier.h"
 #include "platform/linux/desktop_opener.h"
 #include "platform/linux/label_painter.h"
 #include "platform/linux/layer_popover.h"
 #include "platform/linux/linux_app_information.h"
+#include "platform/linux/only_instance.h"
 #include "platform/linux/panel_status_item.h"
 #include "platform/linux/qt_application_presence.h"
 #include "platform/linux/qt_pasteboard.h"
@@ -30,6 +33,7 @@
 #include <QPointer>
 #include <QStandardPaths>
 
+#include <cstdio>
 #include <optional>
 
 using namespace brimwatch;
@@ -44,10 +48,11 @@ constexpr int notificationIconSide = 96;
 /// the other.
 class Program {
 public:
-    Program()
-        : m_discovery(qEnvironmentVariable("HOME"))
+    Program(const QDBusConnection &bus, platform::RemoteControl &remoteControl)
+        : m_remoteControl(remoteControl)
+        , m_discovery(qEnvironmentVariable("HOME"))
         , m_fetchClient(m_discovery, m_clock)
-        , m_bus(QDBusConnection::sessionBus())
+        , m_bus(bus)
         , m_xSettings(m_xConnection)
         , m_appearance(m_bus, m_xConnection.isValid() ? &m_xSettings : nullptr,
               QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
@@ -112,6 +117,9 @@ private:
             controller.get(), [this] { m_presence.terminate(); });
         QObject::connect(&m_notifier, &platform::Notifier::activated, controller.get(),
             &app::StatusBarController::showPopover);
+        obey(*controller);
+        m_remoteAccess.emplace(
+            quotaService, *m_diagnostics, m_remoteControl, qEnvironmentVariable("HOME"));
         return controller;
     }
 
@@ -128,6 +136,27 @@ private:
             m_popover->performClose();
     }
 
+    /// Does for other programs what they ask.
+    void obey(app::StatusBarController &controller)
+    {
+        using platform::RemoteControl;
+        QObject::connect(&m_remoteControl, &RemoteControl::showRequested, &controller,
+            &app::StatusBarController::showPopover);
+        QObject::connect(&m_remoteControl, &RemoteControl::showSettingsRequested, &controller,
+            &app::StatusBarController::showSettings);
+        // Not the controller's own toggle: that one is a click's, and needs an item.
+        QObject::connect(
+            &m_remoteControl, &RemoteControl::toggleRequested, &controller, [this, &controller] {
+                if (m_popover->isShown())
+                    m_popover->performClose();
+                else
+                    controller.showPopover();
+            });
+        QObject::connect(&m_remoteControl, &RemoteControl::quitRequested, &controller,
+            [this] { m_presence.terminate(); });
+    }
+
+    platform::RemoteControl &m_remoteControl;
     SystemClock m_clock;
     service::SettingsStore m_settings;
     discovery::DaemonDiscoveryService m_discovery;
@@ -148,7 +177,29 @@ private:
     platform::QtApplicationPresence m_presence;
     QPointer<platform::Popover> m_popover;
     app::AppDelegate m_delegate;
+    std::optional<app::RemoteAccess> m_remoteAccess; // Observes the delegate's service.
 };
+
+/// What a second start says as it ends, and its exit status.
+int endSecondStart(platform::OnlyInstance::Standing standing)
+{
+    using Standing = platform::OnlyInstance::Standing;
+    switch (standing) {
+    case Standing::OtherSilent:
+        std::fputs("brimwatch: already running, but it does not answer\n", stderr);
+        return 1;
+    case Standing::OtherLocked:
+        std::fputs("brimwatch: already running; there is no session bus over which to ask it to "
+                   "open its popover\n",
+            stderr);
+        return 0;
+    case Standing::OtherShown:
+    case Standing::First:
+        break;
+    }
+    std::fputs("brimwatch: already running; its popover is open now\n", stderr);
+    return 0;
+}
 
 } // namespace
 
@@ -159,8 +210,20 @@ int main(int argc, char **argv)
     if (!app::displayIsThere())
         return 1;
     const auto application = app::makeApplication(argc, argv);
-    Program program;
-    QMetaObject::invokeMethod(
-        application.get(), [&program] { program.launch(); }, Qt::QueuedConnection);
+    const auto bus = QDBusConnection::sessionBus();
+    // On the bus before the name is ours, so that nobody finds the name without it.
+    platform::BusService busService(bus, QCoreApplication::applicationVersion());
+    platform::OnlyInstance onlyInstance(bus, qEnvironmentVariable("XDG_RUNTIME_DIR"));
+    std::optional<Program> program;
+    QObject::connect(&onlyInstance, &platform::OnlyInstance::decided, application.get(),
+        [&](platform::OnlyInstance::Standing standing) {
+            if (standing != platform::OnlyInstance::Standing::First) {
+                QCoreApplication::exit(endSecondStart(standing));
+                return;
+            }
+            program.emplace(bus, busService);
+            program->launch();
+        });
+    onlyInstance.claim();
     return QGuiApplication::exec();
 }

@@ -27,6 +27,16 @@ QString portText(const discovery::DaemonInfo &daemon)
     return QString::number(daemon.httpPort.value_or(daemon.httpsPort.value_or(0)));
 }
 
+QString tokenText(const discovery::DaemonInfo &daemon, Diagnostics::Token token)
+{
+    if (!daemon.csrfToken)
+        return u"N/A"_s;
+    if (token == Diagnostics::Token::Whole)
+        return *daemon.csrfToken;
+    const QString cut = truncatedToken(*daemon.csrfToken);
+    return cut.startsWith(*daemon.csrfToken) ? u"..."_s : cut;
+}
+
 QString shownModels(const QuotaService &service)
 {
     QStringList names;
@@ -83,7 +93,7 @@ QList<DiagnosticLine> Diagnostics::daemonRows() const
     return rows;
 }
 
-QString Diagnostics::generateDiagnosticInfo() const
+QString Diagnostics::generateDiagnosticInfo(Token token) const
 {
     QList<DiagnosticLine> lines{
         {.label = u"App Version"_s, .value = appVersionString()},
@@ -99,7 +109,7 @@ QString Diagnostics::generateDiagnosticInfo() const
             {.label = u"Daemon PID"_s, .value = pidText(*daemon)},
             {.label = u"Daemon Port"_s, .value = portText(*daemon)},
             {.label = u"Daemon Version"_s, .value = daemon->lsVersion.value_or(u"N/A"_s)},
-            {.label = u"Daemon CSRF"_s, .value = daemon->csrfToken.value_or(u"N/A"_s)},
+            {.label = u"Daemon CSRF"_s, .value = tokenText(*daemon, token)},
         };
     } else {
         lines.append({.label = u"Daemon"_s, .value = u"No active daemon detected"_s});

@@ -21,6 +21,10 @@ struct DiagnosticLine {
 /// What is known when something is wrong: as rows for the settings, and as a report for support.
 class Diagnostics {
 public:
+    /// How much of the daemon's token the report holds: all of it, or its beginning as the rows
+    /// have it, and nothing of one that they show whole.
+    enum class Token { Whole, Cut };
+
     /// The service outlives it. `home` is the user's home directory.
     Diagnostics(
         const QuotaService &quotaService, platform::AppInformation information, QString home);
@@ -35,9 +39,9 @@ public:
     /// is none.
     QList<DiagnosticLine> daemonRows() const;
 
-    /// The whole report, each line ended by a line feed. It holds the daemon's whole token: it is
-    /// for support, and goes nowhere but where the user sends it.
-    QString generateDiagnosticInfo() const;
+    /// The whole report, each line ended by a line feed. With the daemon's whole token it is for
+    /// support, and goes nowhere but where the user sends it.
+    QString generateDiagnosticInfo(Token token = Token::Whole) const;
 
     /// Opens a mail to support with the report in it.
     QUrl supportMailUrl() const;

@@ -1,0 +1,90 @@
+#include "platform/linux/only_instance.h"
+
+#include "platform/linux/bus_names.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QFileInfo>
+#include <QLockFile>
+#include <QTimer>
+
+#include <utility>
+
+namespace brimwatch::platform {
+
+using namespace Qt::Literals::StringLiterals;
+
+OnlyInstance::OnlyInstance(QDBusConnection bus, const QString &runtimeFolder, QObject *parent)
+    : QObject(parent)
+    , m_bus(std::move(bus))
+{
+    const QFileInfo folder(runtimeFolder);
+    if (!runtimeFolder.isEmpty() && folder.isDir() && folder.isWritable()) {
+        m_lock = std::make_unique<QLockFile>(runtimeFolder + "/brimwatch.lock"_L1);
+        // However long the other has been running.
+        m_lock->setStaleLockTime(0);
+    }
+}
+
+OnlyInstance::~OnlyInstance() = default;
+
+void OnlyInstance::claim()
+{
+    if (m_bus.isConnected())
+        requestName(Attempt::First);
+    else
+        QTimer::singleShot(0, this, &OnlyInstance::decideByLock);
+}
+
+void OnlyInstance::requestName(Attempt attempt)
+{
+    constexpr uint doNotQueue = 4;
+    constexpr uint primaryOwner = 1;
+    constexpr uint exists = 3;
+    auto request = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s,
+        u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, u"RequestName"_s);
+    request << QString(bus::service) << doNotQueue;
+    auto *watcher
+        = new QDBusPendingCallWatcher(m_bus.asyncCall(request, int(patience.count())), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+        [this, attempt](QDBusPendingCallWatcher *call) {
+            call->deleteLater();
+            const QDBusPendingReply<uint> reply = *call;
+            if (reply.isError())
+                decideByLock();
+            else if (reply.value() == primaryOwner)
+                Q_EMIT decided(Standing::First);
+            else if (reply.value() == exists && attempt == Attempt::First)
+                askOther();
+            else
+                Q_EMIT decided(Standing::OtherSilent);
+        });
+}
+
+void OnlyInstance::askOther()
+{
+    auto show = QDBusMessage::createMethodCall(bus::service, bus::path, bus::interface, u"Show"_s);
+    show.setAutoStartService(false);
+    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(show, int(patience.count())), this);
+    connect(
+        watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
+            call->deleteLater();
+            if (!call->isError())
+                Q_EMIT decided(Standing::OtherShown);
+            else
+                // It may have been about to end: then the name is free now.
+                requestName(Attempt::AfterSilence);
+        });
+}
+
+void OnlyInstance::decideByLock()
+{
+    // Only a lock that another holds says that there is another: no room for one says nothing.
+    if (m_lock && !m_lock->tryLock() && m_lock->error() == QLockFile::LockFailedError)
+        Q_EMIT decided(Standing::OtherLocked);
+    else
+        Q_EMIT decided(Standing::First);
+}
+
+} // namespace brimwatch::platform

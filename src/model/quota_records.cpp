@@ -97,6 +97,26 @@ bool isLowerCasedClaude(const QString &name)
 
 } // namespace
 
+QString countdownText(const QDateTime &now, const QDateTime &reset)
+{
+    const qint64 milliseconds = now.msecsTo(reset);
+    if (milliseconds <= 0)
+        return u"Refreshed"_s;
+
+    constexpr qint64 minute = 60;
+    constexpr qint64 hour = 60 * minute;
+    constexpr qint64 day = 24 * hour;
+    const qint64 s = milliseconds / 1000;
+    const auto text = [](qint64 high, QLatin1StringView highUnit, qint64 low, QChar lowUnit) {
+        return QString(QString::number(high) + highUnit + QString::number(low) + lowUnit);
+    };
+    if (s >= day)
+        return text(s / day, "d "_L1, s % day / hour, u'h');
+    if (s < hour)
+        return text(s / minute, "m "_L1, s % minute, u's');
+    return text(s / hour, "h "_L1, s % hour / minute, u'm');
+}
+
 double QuotaBucket::percentage() const
 {
     return clampedPercentage(remainingFraction);
@@ -164,24 +184,7 @@ QString QuotaBucket::resetCountdownString(const QDateTime &now) const
     const auto reset = parsedResetDate();
     // The view says "Resets in " before whatever this is. "Resets in Active" and "Resets in
     // Refreshed" are meant so.
-    if (!reset)
-        return u"Active"_s;
-    const qint64 milliseconds = now.msecsTo(*reset);
-    if (milliseconds <= 0)
-        return u"Refreshed"_s;
-
-    constexpr qint64 minute = 60;
-    constexpr qint64 hour = 60 * minute;
-    constexpr qint64 day = 24 * hour;
-    const qint64 s = milliseconds / 1000;
-    const auto text = [](qint64 high, QLatin1StringView highUnit, qint64 low, QChar lowUnit) {
-        return QString(QString::number(high) + highUnit + QString::number(low) + lowUnit);
-    };
-    if (s >= day)
-        return text(s / day, "d "_L1, s % day / hour, u'h');
-    if (s < hour)
-        return text(s / minute, "m "_L1, s % minute, u's');
-    return text(s / hour, "h "_L1, s % hour / minute, u'm');
+    return reset ? countdownText(now, *reset) : u"Active"_s;
 }
 
 QString QuotaBucket::resetTimestampText(const QDateTime &now) const

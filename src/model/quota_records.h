@@ -15,6 +15,9 @@ namespace brimwatch::model {
 /// The health of a bucket. From 60 % on healthy, from 20 % on warning, below that critical.
 enum class QuotaTier { healthy, warning, critical };
 
+/// How long it is from `now` to `reset`: "2d 3h", "5h 2m", "12m 5s"; "Refreshed" when it has come.
+QString countdownText(const QDateTime &now, const QDateTime &reset);
+
 /// One quota window of a group of models, as the daemon gives it.
 struct QuotaBucket {
     Q_GADGET

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "core/result.h"
+
+#include <QString>
+#include <QStringList>
+
+namespace brimwatch::cli {
+
+enum class Command { Status, Refresh, Toggle, Settings, Diagnostics, Version, Help };
+enum class Format { Text, Json, Waybar, I3blocks, Template };
+
+/// What was asked on the command line.
+struct Options {
+    Command command = Command::Status;
+    Format format = Format::Text;
+    QString formatTemplate = {}; ///< Of Format::Template; its fields are not looked at yet.
+    bool watch = false;
+
+    bool operator==(const Options &) const = default;
+};
+
+/// Reads the arguments behind the program's name. The error is one line that says what is wrong.
+Result<Options, QString> parseCommandLine(const QStringList &arguments);
+
+/// The text of --help.
+QString helpText();
+
+} // namespace brimwatch::cli

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "core/result.h"
+#include "platform/published_state.h"
+
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
+#include <QObject>
+#include <QString>
+#include <QVariantMap>
+
+#include <optional>
+
+class QDBusMessage;
+
+namespace brimwatch::platform {
+
+/// Why the running program did not do what it was asked.
+struct ProgramError {
+    enum class Kind {
+        NotRunning, ///< There is none, or no bus over which to ask it.
+        Silent, ///< It does not answer.
+        Failed, ///< It answered that it could not.
+    };
+
+    Kind kind = Kind::NotRunning;
+    QString message = {}; ///< In words; of Failed the program's own.
+
+    bool operator==(const ProgramError &) const = default;
+};
+
+/// The running program, asked over the bus by a program that has nothing else to do: the calls wait
+/// for the answer, and for no longer than theirs is worth.
+class RunningProgram {
+public:
+    /// Whether a program that does not run is started to be asked, where it is installed so that
+    /// the bus can.
+    enum class Start { No, Yes };
+
+    explicit RunningProgram(QDBusConnection bus);
+
+    Result<PublishedState, ProgramError> state() const;
+    /// Returns when the refresh has ended.
+    Result<void, ProgramError> refresh() const;
+    Result<void, ProgramError> toggle() const;
+    Result<void, ProgramError> showSettings() const;
+    Result<QString, ProgramError> diagnostics() const;
+
+private:
+    Result<QDBusMessage, ProgramError> call(
+        QDBusMessage message, Start start, int milliseconds) const;
+    Result<void, ProgramError> callMember(
+        const QString &member, Start start, int milliseconds) const;
+
+    QDBusConnection m_bus;
+};
+
+/// Follows the running program: its state now and after each change, across its ends and starts.
+class ProgramFollower final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit ProgramFollower(QDBusConnection bus, QObject *parent = nullptr);
+
+    /// Absent while none runs.
+    const std::optional<PublishedState> &state() const { return m_state; }
+
+Q_SIGNALS:
+    /// The state came, changed or went. Comes once soon after the making.
+    void changed();
+
+private Q_SLOTS:
+    void propertiesChanged(const QDBusMessage &signal);
+    void lose();
+
+private:
+    void read();
+
+    QDBusConnection m_bus;
+    QDBusServiceWatcher m_watcher;
+    QVariantMap m_properties;
+    std::optional<PublishedState> m_state;
+    int m_reading = 0; ///< Counts the readings: only the answer to the last one counts.
+};
+
+} // namespace brimwatch::platform

@@ -1,0 +1,84 @@
+#include "cli/command_line.h"
+
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace brimwatch::cli;
+
+class CliCommandLineTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void whatMakesSenseIsUnderstood_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<Options>("expected");
+        const auto row = [](const char *line, const Options &options) {
+            QTest::newRow(line) << QString::fromLatin1(line) << options;
+        };
+        row("status", {});
+        row("status --watch", {.watch = true});
+        row("status --format json", {.format = Format::Json});
+        row("status --format=waybar --watch", {.format = Format::Waybar, .watch = true});
+        row("status --watch --format i3blocks", {.format = Format::I3blocks, .watch = true});
+        row("status --format text --format json", {.format = Format::Json});
+        row("status --format template --template {title}",
+            {.format = Format::Template, .formatTemplate = u"{title}"_s});
+        row("status --template={title}",
+            {.format = Format::Template, .formatTemplate = u"{title}"_s});
+        row("status --template --watch",
+            {.format = Format::Template, .formatTemplate = u"--watch"_s});
+        row("refresh", {.command = Command::Refresh});
+        row("toggle", {.command = Command::Toggle});
+        row("settings", {.command = Command::Settings});
+        row("diagnostics", {.command = Command::Diagnostics});
+        row("--version", {.command = Command::Version});
+        row("--help", {.command = Command::Help});
+        row("-h", {.command = Command::Help});
+    }
+    void whatMakesSenseIsUnderstood()
+    {
+        QFETCH(QString, line);
+        QFETCH(Options, expected);
+        const auto options = parseCommandLine(line.split(u' '));
+        QVERIFY2(options, options ? "" : qPrintable(options.error()));
+        QVERIFY(*options == expected);
+    }
+
+    void whatDoesNotIsNamed_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("error");
+        const auto row = [](const QStringList &arguments, const QString &error) {
+            QTest::newRow(qPrintable(arguments.join(u' '))) << arguments << error;
+        };
+        row({}, u"a command is missing"_s);
+        row({u""_s}, u"unknown command ''"_s);
+        row({u"configure"_s}, u"unknown command 'configure'"_s);
+        row({u"--watch"_s}, u"unknown command '--watch'"_s);
+        row({u"toggle"_s, u"now"_s}, u"unknown argument 'now'"_s);
+        row({u"--version"_s, u"--help"_s}, u"unknown argument '--help'"_s);
+        row({u"status"_s, u"--colour"_s}, u"unknown argument '--colour'"_s);
+        row({u"status"_s, u"--format"_s}, u"--format needs a value"_s);
+        row({u"status"_s, u"--formatjson"_s}, u"unknown argument '--formatjson'"_s);
+        row({u"status"_s, u"--format"_s, u"xml"_s}, u"unknown format 'xml'"_s);
+        row({u"status"_s, u"--format="_s}, u"unknown format ''"_s);
+        row({u"status"_s, u"--format"_s, u"template"_s},
+            u"--format template needs --template TEXT"_s);
+        row({u"status"_s, u"--template"_s}, u"--template needs a value"_s);
+        row({u"status"_s, u"--format"_s, u"json"_s, u"--template"_s, u"x"_s},
+            u"--template goes with --format template alone"_s);
+    }
+    void whatDoesNotIsNamed()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, error);
+        const auto options = parseCommandLine(arguments);
+        QVERIFY(!options);
+        QCOMPARE(options.error(), error);
+    }
+};
+
+QTEST_APPLESS_MAIN(CliCommandLineTest)
+
+#include "cli_command_line_test.moc"

@@ -9,6 +9,7 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <utility>
 
@@ -17,6 +18,8 @@ namespace brimwatch::cli {
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
+
+constexpr std::chrono::milliseconds pauseBetweenLines{200};
 
 sigset_t endSignals()
 {
@@ -47,7 +50,23 @@ Watch::Watch(QDBusConnection bus, Options options)
     // A pipe tells so when its reader has gone: between two changes nothing is written.
     connect(new QSocketNotifier(STDOUT_FILENO, QSocketNotifier::Exception, this),
         &QSocketNotifier::activated, this, end);
-    connect(&m_follower, &platform::ProgramFollower::changed, this, &Watch::print);
+    connect(&m_follower, &platform::ProgramFollower::changed, this, &Watch::change);
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(pauseBetweenLines);
+    connect(&m_pause, &QTimer::timeout, this, [this] {
+        if (std::exchange(m_changed, false))
+            change();
+    });
+}
+
+void Watch::change()
+{
+    if (m_pause.isActive()) {
+        m_changed = true;
+        return;
+    }
+    m_pause.start();
+    print();
 }
 
 void Watch::print()

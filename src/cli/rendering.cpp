@@ -114,7 +114,7 @@ QString fitted(const QString &text, int columns)
 
 QString barOf(double percentage, int columns, TextLook::Bars bars)
 {
-    const int full = static_cast<int>(percentage / 100.0 * columns + 0.5);
+    const int full = qRound(percentage / 100.0 * columns);
     const bool blocks = bars == TextLook::Bars::Blocks;
     return QString(full, blocks ? u'█' : u'#') + QString(columns - full, blocks ? u'░' : u'-');
 }
@@ -427,7 +427,7 @@ QString renderWaybar(const Status &status, const QDateTime &now)
 
 QString renderI3blocks(const Status &status, BlockShape shape)
 {
-    const QString title = pangoTitle(status);
+    QString title = pangoTitle(status);
     if (shape == BlockShape::OneLine)
         return title;
     const auto &lowest = status.state.lowest;
@@ -447,7 +447,10 @@ Result<QString, QString> renderTemplate(
             text += c;
             ++i;
         } else if (c == u'\\' && (next == u'n' || next == u't' || next == u'\\')) {
-            text += next == u'n' ? u'\n' : next == u't' ? u'\t' : u'\\';
+            if (next == u'\\')
+                text += next;
+            else
+                text += next == u'n' ? u'\n' : u'\t';
             ++i;
         } else if (c == u'{') {
             const auto end = formatTemplate.indexOf(u'}', i);

@@ -194,12 +194,9 @@ private Q_SLOTS:
         Program first;
         QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
         first.send(SIGSTOP);
-        QElapsedTimer since;
-        since.start();
         Program second;
         QVERIFY(second.waitForEnd());
         QCOMPARE(second.exitCode(), 1);
-        QVERIFY(since.elapsed() >= platform::OnlyInstance::patience.count());
         QCOMPARE(second.errors(), u"brimwatch: already running, but it does not answer\n"_s);
         first.send(SIGCONT);
         QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, patience);

@@ -101,8 +101,7 @@ XembedPresentation::XembedPresentation(XembedForm form, XConnection &x, xcb_wind
     , m_manager(manager)
     , m_painter(painter)
     , m_appearance(appearance)
-    , m_hover(new HoverText(
-          appearance, [this] { return place().value_or(QRect()); }, this))
+    , m_hover(new HoverText(appearance, [this] { return place().value_or(QRect()); }, this))
 {
     m_settle.setSingleShot(true);
     m_settle.setInterval(settleMilliseconds);

@@ -35,6 +35,7 @@
 
 #include <cstdio>
 #include <optional>
+#include <utility>
 
 using namespace brimwatch;
 using namespace Qt::Literals::StringLiterals;
@@ -48,11 +49,11 @@ constexpr int notificationIconSide = 96;
 /// the other.
 class Program {
 public:
-    Program(const QDBusConnection &bus, platform::RemoteControl &remoteControl)
+    Program(QDBusConnection bus, platform::RemoteControl &remoteControl)
         : m_remoteControl(remoteControl)
         , m_discovery(qEnvironmentVariable("HOME"))
         , m_fetchClient(m_discovery, m_clock)
-        , m_bus(bus)
+        , m_bus(std::move(bus))
         , m_xSettings(m_xConnection)
         , m_appearance(m_bus, m_xConnection.isValid() ? &m_xSettings : nullptr,
               QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),

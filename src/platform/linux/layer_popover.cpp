@@ -103,7 +103,7 @@ void LayerPopover::showUnclicked(const std::optional<QRect> & /*item*/)
 {
     if (m_shown || !open())
         return;
-    if (m_lastScreen)
+    if (!m_lastScreen.isNull())
         showContent(m_lastScreen, m_lastPlace);
     else
         showAtLikelyPlace();

@@ -8,7 +8,6 @@
 #include <wayland-client.h>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 namespace brimwatch::platform {
@@ -17,7 +16,7 @@ namespace {
 
 // The protocol's tables (wlr-layer-shell-unstable-v1, version 4), as far as we speak it. The layout
 // is libwayland's, which wants plain arrays.
-// NOLINTBEGIN(cppcoreguidelines-avoid-c-arrays)
+// NOLINTBEGIN(cppcoreguidelines-avoid-c-arrays,cppcoreguidelines-interfaces-global-init,modernize-use-designated-initializers)
 extern const wl_interface surfaceInterface;
 
 const wl_interface *const noTypes[] = {nullptr, nullptr, nullptr, nullptr};
@@ -47,7 +46,7 @@ const wl_message surfaceEvents[]
     = {{"configure", "uuu", typesOf(noTypes)}, {"closed", "", typesOf(noTypes)}};
 const wl_interface surfaceInterface
     = {"zwlr_layer_surface_v1", shellVersion, 9, surfaceRequests, 2, surfaceEvents};
-// NOLINTEND(cppcoreguidelines-avoid-c-arrays)
+// NOLINTEND(cppcoreguidelines-avoid-c-arrays,cppcoreguidelines-interfaces-global-init,modernize-use-designated-initializers)
 
 enum ShellRequest : std::uint32_t { GetLayerSurface = 0 };
 enum SurfaceRequest : std::uint32_t {

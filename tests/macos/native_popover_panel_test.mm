@@ -1,0 +1,140 @@
+#include "checks.h"
+#include "fakes/fake_appkit.h"
+#include "platform/macos/native_popover.h"
+#include "platform/macos/native_status_item.h"
+
+using namespace brimwatch::platform;
+
+namespace {
+
+NSView *viewOf(const NativePopover &popover)
+{
+    return (__bridge NSView *)reinterpret_cast<void *>(popover.contentView());
+}
+
+struct Bar {
+    NativeStatusItem item{[] { }};
+    int closed = 0;
+    NativePopover popover{380, 490, [this] { return item.button(); }, [this] { ++closed; }};
+};
+
+} // namespace
+
+BRIMWATCH_SENTENCE(thePanelHasNoTitleAndActivatesNothing)
+{
+    Bar bar;
+    // Borderless (0) and non-activating (128).
+    CHECK(fake::told("panel style 128") >= 0);
+    NSPanel *panel = fake::panel();
+    CHECK(panel.level == NSPopUpMenuWindowLevel);
+    CHECK(!panel.isReleasedWhenClosed);
+    CHECK(!panel.hidesOnDeactivate);
+    CHECK(panel.hasShadow && !panel.isOpaque && panel.backgroundColor != nil);
+    CHECK(panel.delegate != nil);
+    CHECK(panel.canBecomeKeyWindow);
+}
+
+BRIMWATCH_SENTENCE(thePanelsViewHasARoundedLayer)
+{
+    Bar bar;
+    NSView *view = viewOf(bar.popover);
+    CHECK(view != nil && view == fake::panel().contentView);
+    CHECK(view.wantsLayer && view.layer.cornerRadius > 0 && view.layer.masksToBounds);
+    CHECK(view.frame.size.width == 380 && view.frame.size.height == 490);
+}
+
+BRIMWATCH_SENTENCE(thePanelStandsBelowTheButtonWithinTheScreen)
+{
+    Bar bar;
+    bar.popover.show();
+    CHECK(bar.popover.isShown());
+    // The button ends at 1462 of 1440, its lower edge at 879: right-aligned, four points below.
+    CHECK(fake::told("panel.frameOrigin 1060,385") >= 0);
+    CHECK(fake::told("panel.orderFrontRegardless") > fake::told("panel.frameOrigin 1060,385"));
+}
+
+BRIMWATCH_SENTENCE(thePanelGetsTheKeyboard)
+{
+    Bar bar;
+    NSView *content = [[NSView alloc] initWithFrame:NSMakeRect(0, 0, 380, 490)];
+    [viewOf(bar.popover) addSubview:content];
+    bar.popover.show();
+    bar.popover.makeKey();
+    const int key = fake::told("panel.makeKeyWindow");
+    CHECK(key > fake::told("panel.orderFrontRegardless"));
+    CHECK(fake::told("panel.makeFirstResponder") > key);
+    CHECK(fake::told("panel refuses to be key") < 0);
+    [content removeFromSuperview];
+}
+
+BRIMWATCH_SENTENCE(aClickOnAnotherProgramClosesThePanel)
+{
+    Bar bar;
+    bar.popover.show();
+    fake::clickOutside();
+    CHECK(!bar.popover.isShown());
+    CHECK(bar.closed == 1);
+    CHECK(fake::observers() == 0);
+}
+
+BRIMWATCH_SENTENCE(aPanelThatLosesTheKeyboardClosesOnce)
+{
+    Bar bar;
+    bar.popover.show();
+    bar.popover.makeKey();
+    [fake::panel().delegate windowDidResignKey:[NSNotification notificationWithName:@"resign"
+                                                                             object:nil]];
+    CHECK(!bar.popover.isShown());
+    CHECK(bar.closed == 1);
+    CHECK(fake::timesTold("panel.orderOut") == 1);
+}
+
+BRIMWATCH_SENTENCE(thePanelClosesWhenItIsTold)
+{
+    Bar bar;
+    bar.popover.performClose();
+    CHECK(bar.closed == 0);
+    bar.popover.show();
+    bar.popover.performClose();
+    CHECK(bar.closed == 1);
+    CHECK(!bar.popover.isShown());
+    bar.popover.show();
+    CHECK(bar.popover.isShown());
+}
+
+BRIMWATCH_SENTENCE(aPanelThatIsShownIsNotShownAgain)
+{
+    Bar bar;
+    bar.popover.show();
+    bar.popover.show();
+    CHECK(fake::timesTold("panel.orderFrontRegardless") == 1);
+    CHECK(fake::observers() == 1);
+}
+
+BRIMWATCH_SENTENCE(withoutAButtonThePanelDoesNotShow)
+{
+    fake::world().statusItemHasButton = false;
+    Bar bar;
+    bar.popover.show();
+    CHECK(!bar.popover.isShown());
+}
+
+BRIMWATCH_SENTENCE(thePanelFollowsTheSizeOfItsContent)
+{
+    Bar bar;
+    bar.popover.setContentSize(475, 612);
+    CHECK(fake::told("panel.contentSize 475x612") >= 0);
+}
+
+BRIMWATCH_SENTENCE(aPanelThatGoesWhileItIsShownTellsNobody)
+{
+    int closed = 0;
+    {
+        NativeStatusItem item([] { });
+        NativePopover popover(380, 490, [&item] { return item.button(); }, [&closed] { ++closed; });
+        popover.show();
+        popover.makeKey();
+    }
+    CHECK(closed == 0);
+    CHECK(fake::observers() == 0);
+}

@@ -1,0 +1,15 @@
+// Minimal C library declarations for checking code for *-apple-macos13 on Linux.
+// Written by hand from the ISO C and POSIX standards. Not Apple's headers; check only.
+#pragma once
+#include "sys/types.h"
+_MIN_BEGIN
+#define O_RDONLY 0x0000
+#define O_NONBLOCK 0x0004
+#define O_NOFOLLOW 0x0100
+#define O_DIRECTORY 0x100000
+#define O_NOCTTY 0x20000
+#define O_CLOEXEC 0x1000000
+#define AT_FDCWD (-2)
+#define AT_SYMLINK_NOFOLLOW 0x0020
+int open(const char *, int, ...); int openat(int, const char *, int, ...); int fcntl(int, int, ...);
+_MIN_END

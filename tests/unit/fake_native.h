@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/macos/native_appearance.h"
+#include "platform/macos/native_label.h"
+#include "platform/macos/native_log.h"
+#include "platform/macos/native_login_item.h"
+#include "platform/macos/native_symbols.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace brimwatch::test {
+
+/// The bodies of the .mm files played in plain C++, so that what stands on them is tested without
+/// them. What they are told, and what a test lets them say.
+struct FakeNative {
+    using Texts = std::vector<std::string>;
+
+    // The item.
+    bool hasButton = true;
+    std::vector<platform::NativeLabel> labels;
+    Texts toolTips;
+    Texts accessibilityLabels;
+    std::function<void()> click;
+
+    // The popover.
+    bool shown = false;
+    Texts popoverCalls;
+    std::function<void *()> popoverButton;
+    std::function<void()> popoverDidClose;
+
+    // The rest.
+    Texts calls; ///< "register", "terminate", ... in order.
+    platform::NativeLoginItem::Status loginStatus
+        = platform::NativeLoginItem::Status::NotRegistered;
+    std::optional<std::string> loginFailure;
+    std::function<void(const std::string &)> chooseNotification;
+    Texts files; ///< Those that exist.
+    std::optional<std::string> version;
+    std::optional<std::string> build;
+    std::string systemVersion;
+    bool dark = false;
+    bool reducesMotion = false;
+    std::function<void()> appearanceChanged;
+    std::function<void()> launched;
+    Texts symbols; ///< Those that exist.
+    Texts log; ///< "level category text"
+    platform::NativeRgba drawnColor;
+};
+
+/// The one that all of them speak to.
+FakeNative &fakeNative();
+/// Of the named colour: its number as red.
+platform::NativeRgba fakeColor(platform::NativeColor color);
+
+} // namespace brimwatch::test

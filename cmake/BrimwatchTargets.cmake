@@ -3,12 +3,18 @@
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_OBJCXX_STANDARD 20)
+set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
+set(CMAKE_OBJCXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 # Linked to our own targets alone: warnings of other people's headers are not ours to fix.
 add_library(brimwatch_build_flags INTERFACE)
 target_compile_options(brimwatch_build_flags INTERFACE
-    -Wall -Wextra -Wpedantic -Wconversion -Werror)
+    -Wall -Wextra -Wpedantic -Wconversion)
+if(BRIMWATCH_WARNINGS_ARE_ERRORS)
+    target_compile_options(brimwatch_build_flags INTERFACE -Werror)
+endif()
 target_compile_definitions(brimwatch_build_flags INTERFACE
     QT_NO_CAST_FROM_ASCII
     QT_NO_CAST_TO_ASCII

@@ -1,5 +1,7 @@
 #include "core/date_styles.h"
 
+#include <QLocale>
+
 #include <unicode/dtptngen.h>
 #include <unicode/gregocal.h>
 #include <unicode/locid.h>
@@ -131,17 +133,18 @@ QString DateStyles::dateAbbreviatedTimeStandard(const QDateTime &date) const
 
 QString userDateLocale()
 {
+    const QString fallback = u"en_US"_s;
     for (const char *variable : {"LC_ALL", "LC_TIME", "LANG"}) {
         QString name = qEnvironmentVariable(variable);
         if (name.isEmpty())
             continue;
         name.truncate(name.indexOf(u'@') < 0 ? name.size() : name.indexOf(u'@'));
         name.truncate(name.indexOf(u'.') < 0 ? name.size() : name.indexOf(u'.'));
-        if (!name.isEmpty() && name != "C"_L1 && name != "POSIX"_L1)
-            return name;
-        break;
+        return name.isEmpty() || name == "C"_L1 || name == "POSIX"_L1 ? fallback : name;
     }
-    return u"en_US"_s;
+    // Programs of macOS are started without these variables.
+    const QString name = QLocale::system().name();
+    return name == "C"_L1 ? fallback : name;
 }
 
 } // namespace brimwatch

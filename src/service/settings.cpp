@@ -72,6 +72,18 @@ SettingsStore::SettingsStore()
     }
 }
 
+SettingsStore::SettingsStore(const UserDefaults &store)
+{
+    // The toolkit makes a domain of the organisation's, which it turns round, and the program's
+    // name.
+    QStringList parts = store.domain.split(u'.');
+    const QString program = parts.takeLast();
+    std::reverse(parts.begin(), parts.end());
+    m_store = std::make_unique<QSettings>(
+        QSettings::NativeFormat, QSettings::UserScope, parts.join(u'.'), program);
+    m_store->setFallbacksEnabled(false);
+}
+
 SettingsStore::SettingsStore(const QString &iniFile)
 {
     if (isReadable(iniFile))

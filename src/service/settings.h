@@ -48,6 +48,12 @@ class SettingsStore {
 public:
     /// The user's own store: on Linux brimwatch/brimwatch.conf in the user's configuration folder.
     SettingsStore();
+    /// The system's store of what users have chosen, where there is one (macOS), under that domain:
+    /// "app.brimwatch.Brimwatch". Elsewhere a file in the user's configuration folder.
+    struct UserDefaults {
+        QString domain;
+    };
+    explicit SettingsStore(const UserDefaults &store);
     /// A store in a file of its own, for tests.
     explicit SettingsStore(const QString &iniFile);
     ~SettingsStore();

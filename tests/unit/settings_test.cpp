@@ -67,6 +67,19 @@ private Q_SLOTS:
         expectDefaults(SettingsStore(path()));
     }
 
+    void theUsersDefaultsAreNamedByTheirDomain()
+    {
+        const SettingsStore::UserDefaults defaults{.domain = u"app.brimwatch.Brimwatch"_s};
+        {
+            SettingsStore store(defaults);
+            // The toolkit turns the first part round where domains are what it looks for.
+            QVERIFY(store.fileName().endsWith(u"/brimwatch.app/Brimwatch.conf"_s));
+            expectDefaults(store);
+            store.setValue(settings::lowQuotaThreshold, 35);
+        }
+        QCOMPARE(SettingsStore(defaults).value(settings::lowQuotaThreshold), 35.0);
+    }
+
     void aFolderInPlaceOfTheFileGivesTheDefaults()
     {
         QVERIFY(QDir().mkpath(path()));

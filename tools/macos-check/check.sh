@@ -4,6 +4,8 @@
 # Steps, all of them when none is named:
 #   compile        the .mm files for both architectures at the deployment target, as ARC, warnings as errors
 #   link           universal, against stubs of the frameworks; every symbol has to come from one that we link
+#   sources        the program's other sources for the Mac, as CMake has them for it, and the link of all of it
+#   plist          Info.plist and the entitlements
 #   lint           clang-tidy and the static analyzer's checkers for Objective-C
 #   run            the unchanged .mm files on Linux, on fakes, under the sanitizers: tests/macos
 #   declarations   what we declare of the frameworks against GNUstep's headers
@@ -18,7 +20,7 @@
 set -uo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 root=$(cd "$here/../.." && pwd)
-# The lowest version that the program runs on.
+# The lowest version that the program runs on. CMakeLists.txt has it too, and `plist` compares.
 minimum=13.0
 frameworks=(AppKit Foundation CoreFoundation ServiceManagement UserNotifications)
 architectures=(arm64 x86_64)
@@ -36,14 +38,14 @@ while [ $# -gt 0 ]; do
             ;;
         --quick) quick=1 ;;
         -*)
-            sed -n '2,16s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
+            sed -n '2,18s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
             exit 2
             ;;
         *) steps+=("$1") ;;
     esac
     shift
 done
-[ ${#steps[@]} -gt 0 ] || steps=(compile link lint run declarations)
+[ ${#steps[@]} -gt 0 ] || steps=(compile link sources plist lint run declarations)
 
 mkdir -p "$root/build"
 work=$(mktemp -d "$root/build/macos-check.XXXXXX")
@@ -320,10 +322,23 @@ declarations_step()
     [ ! -f "$work/values.log" ] || cut -c 1-90 "$work/values.log" | sed 's/^/      /'
 }
 
+# ---- plist, sources ----
+
+plist_step() { check "Info.plist and the entitlements say what they must" python3 "$here/check_plists.py" "$root" "$minimum"; }
+
+sources_step()
+{
+    # shellcheck source=tools/macos-check/sources.sh
+    . "$here/sources.sh"
+    check_sources
+}
+
 for step in "${steps[@]}"; do
     case $step in
         compile) compile_step ;;
         link) link_step ;;
+        sources) sources_step ;;
+        plist) plist_step ;;
         lint) lint_step ;;
         run) run_step ;;
         declarations) declarations_step ;;

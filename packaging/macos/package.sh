@@ -1,0 +1,61 @@
+#!/bin/bash
+# package.sh [--dmg]   on a Mac: builds Brimwatch.app with everything that it needs inside, and signs it
+#
+#   --dmg                  also dist/Brimwatch-VERSION.dmg
+#   BRIMWATCH_SIGN_AS=ID   the identity to sign with; without it the signature holds on this Mac alone
+#
+# Written from the documentation of macdeployqt, codesign and hdiutil. It has NEVER BEEN RUN: nobody who
+# worked on it had a Mac. docs/macos.md says what else only a Mac can tell.
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+cd "$root"
+
+dmg=''
+for argument; do
+    case $argument in
+        --dmg) dmg=1 ;;
+        *)
+            sed -n '2,8s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
+            exit 2
+            ;;
+    esac
+done
+if [ "$(uname -s)" != Darwin ]; then
+    echo "package.sh: this runs on a Mac alone" >&2
+    exit 1
+fi
+
+cmake --preset macos
+cmake --build --preset macos
+rm -rf dist
+cmake --install build/macos --prefix dist
+
+app=dist/Brimwatch.app
+# It looks for the QML modules that our views import.
+macdeployqt "$app" -qmldir="$root/src/views" -libpath="$app/Contents/Frameworks"
+
+# Inner code first; the bundle's own signature seals the rest.
+sign() { codesign --force --timestamp=none --sign - "$@"; }
+hardened=()
+if [ -n "${BRIMWATCH_SIGN_AS:-}" ]; then
+    sign() { codesign --force --timestamp --options runtime --sign "$BRIMWATCH_SIGN_AS" "$@"; }
+    hardened=(--entitlements packaging/macos/Brimwatch.entitlements)
+fi
+while IFS= read -r -d '' library; do
+    sign "$library"
+done < <(find "$app/Contents" -name '*.dylib' -print0)
+while IFS= read -r -d '' framework; do
+    sign "$framework"
+done < <(find "$app/Contents/Frameworks" -maxdepth 1 -name '*.framework' -print0)
+sign ${hardened[@]+"${hardened[@]}"} "$app"
+codesign --verify --deep --strict --verbose=2 "$app"
+
+if [ -n "$dmg" ]; then
+    version=$(/usr/libexec/PlistBuddy -c 'Print :CFBundleShortVersionString' "$app/Contents/Info.plist")
+    staging=$(mktemp -d)
+    trap 'rm -rf "$staging"' EXIT
+    cp -R "$app" "$staging/"
+    ln -s /Applications "$staging/Applications"
+    hdiutil create -volname Brimwatch -srcfolder "$staging" -format UDZO -ov "dist/Brimwatch-$version.dmg"
+fi
+echo "$app"

@@ -1,5 +1,6 @@
 #include "app/item_description.h"
 
+#include "app/state_description.h"
 #include "core/plain_text.h"
 #include "service/quota_service.h"
 
@@ -16,9 +17,10 @@ constexpr qsizetype longestName = 150;
 constexpr qsizetype longestRest = 12; // ", ", ": " and "100.0%"
 static_assert(2 * longestName + longestRest <= ItemDescription::longestLine);
 
-QString oneLine(const QString &text)
+/// What a daemon puts into its names: everyone on the session bus reads them in a tooltip.
+QString publicLine(const QString &text, const service::QuotaService &service, qsizetype longest)
 {
-    return asOneLine(text, ItemDescription::longestLine);
+    return asOneLine(withoutSecrets(text, service, QString()), longest);
 }
 
 qsizetype countBuckets(const model::QuotaSummary &summary)
@@ -30,18 +32,19 @@ qsizetype countBuckets(const model::QuotaSummary &summary)
 }
 
 /// The lines of the first buckets, at most so many.
-QStringList firstBuckets(const model::QuotaSummary &summary, qsizetype most)
+QStringList firstBuckets(
+    const model::QuotaSummary &summary, const service::QuotaService &service, qsizetype most)
 {
     QStringList lines;
     const auto groups = summary.sortedGroups();
     for (const auto &group : groups) {
-        const QString groupName = asOneLine(group.displayName, longestName);
+        const QString groupName = publicLine(group.displayName, service, longestName);
         const auto buckets = group.sortedBuckets();
         for (const auto &bucket : buckets) {
             if (lines.size() == most)
                 return lines;
-            lines.append(groupName + u", "_s + asOneLine(bucket.displayName, longestName) + u": "_s
-                + bucket.formattedPercentage());
+            lines.append(groupName + u", "_s + publicLine(bucket.displayName, service, longestName)
+                + u": "_s + bucket.formattedPercentage());
         }
     }
     return lines;
@@ -52,17 +55,18 @@ QStringList firstBuckets(const model::QuotaSummary &summary, qsizetype most)
 ItemDescription describeItem(const service::QuotaService &service)
 {
     ItemDescription description;
-    description.title = oneLine(service.menuBarTitle());
+    description.title = publicLine(service.menuBarTitle(), service, ItemDescription::longestLine);
     const auto &status = service.connectionStatus();
     if (const auto &summary = service.quotaSummary()) {
         const auto room = ItemDescription::mostLines - (status.isConnected() ? 0 : 1);
         if (countBuckets(*summary) <= room)
-            description.lines = firstBuckets(*summary, room);
+            description.lines = firstBuckets(*summary, service, room);
         else
-            description.lines = firstBuckets(*summary, room - 1) << u"…"_s;
+            description.lines = firstBuckets(*summary, service, room - 1) << u"…"_s;
     }
     if (!status.isConnected())
-        description.lines.append(oneLine(status.displayText()));
+        description.lines.append(
+            publicLine(status.displayText(), service, ItemDescription::longestLine));
     return description;
 }
 

@@ -222,6 +222,18 @@ private Q_SLOTS:
         QVERIFY(m_popover->shown);
     }
 
+    void aTokenInANameStaysOutOfTheDescription()
+    {
+        auto summary = summaryWith(0.8, 0.55);
+        summary.groups[0].displayName = u"Gemini 0123-secret Models"_s;
+        QTRY_VERIFY(m_fetching->isWaiting());
+        m_fetching->answer(service::FetchedQuota{
+            .summary = summary, .daemon = {.httpPort = 1, .csrfToken = u"0123-secret"_s}});
+        QTRY_COMPARE(m_item->descriptions.last().lines.size(), 2);
+        QCOMPARE(
+            m_item->descriptions.last().lines.first(), u"Gemini … Models, Five hours: 80.0%"_s);
+    }
+
     void theChangesOfOneTurnRebuildOnce()
     {
         QTRY_VERIFY(m_fetching->isWaiting());

@@ -94,12 +94,13 @@ quota 0.9 0.05
 check "a refresh ends well" brimwatchctl refresh
 check "and a quota that has become critical turns red" wait_for 30 shows red
 shot critical
+shot without
 
 brimwatchctl toggle
-check "toggle opens the popover" wait_for 30 popover_open "$program_pid"
+check "toggle opens the popover" wait_for 30 shown
 shot popover
 brimwatchctl toggle
-check "and closes it" wait_for 30 popover_closed "$program_pid"
+check "and closes it" wait_for 30 hidden
 
 if [ "$kind" = watches ]; then
     end_process "$program_pid"

@@ -1,7 +1,6 @@
 #include "dbus/fake_tray_manager.h"
 #include "dbus/item_samples.h"
 #include "dbus/private_display.h"
-#include "platform/linux/hover_text.h"
 #include "platform/linux/symbols/svg_symbols.h"
 #include "platform/linux/x_connection.h"
 #include "platform/linux/xembed_presentation.h"
@@ -12,7 +11,6 @@
 #include <QWindow>
 
 #include <memory>
-#include <optional>
 
 namespace brimwatch::platform {
 

@@ -1,5 +1,4 @@
 #include "platform/linux/desktop_appearance.h"
-#include "platform/linux/system_colors.h"
 #include "platform/linux/x_connection.h"
 #include "platform/linux/xsettings.h"
 #include "private_display.h"

@@ -5,6 +5,7 @@
 #include "platform/linux/bus_state.h"
 
 #include <QDBusError>
+#include <QMetaMethod>
 #include <QStringList>
 #include <QTimer>
 
@@ -58,6 +59,10 @@ void BusService::finishRefresh(const std::optional<QString> &error)
 void BusService::setReport(Report report)
 {
     m_report = std::move(report);
+    // Nobody heard what was asked before.
+    const auto asked = m_asked;
+    for (const Request request : asked)
+        QTimer::singleShot(0, this, [this, request] { carryOut(request); });
 }
 
 QString BusService::state() const
@@ -143,15 +148,19 @@ void BusService::Quit()
     ask(&RemoteControl::quitRequested);
 }
 
+void BusService::carryOut(Request request)
+{
+    // The name is ours a moment before there is a program behind it: what is asked then waits.
+    if (isSignalConnected(QMetaMethod::fromSignal(request)) && m_asked.removeOne(request))
+        Q_EMIT(this->*request)();
+}
+
 void BusService::ask(Request request)
 {
     if (m_asked.contains(request))
         return;
     m_asked.append(request);
-    QTimer::singleShot(0, this, [this, request] {
-        m_asked.removeOne(request);
-        Q_EMIT(this->*request)();
-    });
+    QTimer::singleShot(0, this, [this, request] { carryOut(request); });
 }
 
 } // namespace brimwatch::platform

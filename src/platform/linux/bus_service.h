@@ -65,6 +65,7 @@ private:
 
     /// Carries it out from the event loop: the caller still waits for its answer.
     void ask(Request request);
+    void carryOut(Request request);
 
     QDBusConnection m_bus;
     QString m_version;

@@ -52,6 +52,21 @@ function(brimwatch_library name)
     target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS} brimwatch_strict_flags)
 endfunction()
 
+# brimwatch_loads(TARGET MACRO LIBRARY): TARGET loads LIBRARY when it is needed, under the name that MACRO has in its
+# sources. A name without a folder is looked for along the run path of the program, wherever it is installed.
+function(brimwatch_loads target macro library)
+    set(name "$<TARGET_FILE_NAME:${library}>")
+    if(APPLE)
+        # There it has to be asked for.
+        string(PREPEND name "@rpath/")
+    elseif(BRIMWATCH_SANITIZE)
+        # The sanitizers stand between the program and the loader, which then sees their run path.
+        set(name "$<TARGET_FILE:${library}>")
+    endif()
+    target_compile_definitions(${target} PRIVATE "${macro}=\"${name}\"")
+    add_dependencies(${target} ${library})
+endfunction()
+
 # brimwatch_executable(NAME SOURCES... LINKS...)
 function(brimwatch_executable name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")

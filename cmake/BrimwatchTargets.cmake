@@ -34,9 +34,49 @@ add_library(brimwatch_strict_flags INTERFACE)
 target_link_libraries(brimwatch_strict_flags INTERFACE brimwatch_build_flags)
 target_compile_options(brimwatch_strict_flags INTERFACE -Wshadow)
 
+# What nearly every file of ours includes, read once for all of them; for whoever builds the tests again and again. A
+# file still includes what it uses: without the option it has to, and clangd looks at it without.
+if(BRIMWATCH_PRECOMPILED_HEADERS)
+    # For compiler caches, which have to see what was read before.
+    target_compile_options(brimwatch_build_flags INTERFACE -fpch-preprocess)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Network Qml Quick)
+    file(GENERATE OUTPUT "${PROJECT_BINARY_DIR}/precompiled.cpp" CONTENT "")
+    function(_brimwatch_precompile name)
+        cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "MODULES;HEADERS")
+        add_library(${name} OBJECT "${PROJECT_BINARY_DIR}/precompiled.cpp")
+        target_link_libraries(${name} PRIVATE Qt6::Core brimwatch_strict_flags)
+        # Not linked, which would define macros that not every target has.
+        foreach(module IN LISTS arg_MODULES)
+            target_include_directories(${name} SYSTEM PRIVATE
+                $<TARGET_PROPERTY:Qt6::${module},INTERFACE_INCLUDE_DIRECTORIES>)
+        endforeach()
+        target_precompile_headers(${name} PRIVATE ${arg_HEADERS})
+    endfunction()
+    set(headers
+        <algorithm> <array> <chrono> <cmath> <functional> <limits> <memory> <optional> <string> <utility> <vector>
+        <QByteArray> <QDateTime> <QDir> <QFile> <QFileInfo> <QJsonArray> <QJsonDocument> <QJsonObject> <QList>
+        <QLoggingCategory> <QObject> <QProcess> <QPromise> <QString> <QStringList> <QTemporaryDir> <QTimer> <QUrl>
+        <QVariant>)
+    _brimwatch_precompile(brimwatch_precompiled
+        MODULES DBus Gui
+        HEADERS ${headers}
+            <QColor> <QGuiApplication> <QImage> <QPainter>
+            <QDBusArgument> <QDBusConnection> <QDBusError> <QDBusMessage> <QDBusMetaType> <QDBusPendingCallWatcher>)
+    _brimwatch_precompile(brimwatch_precompiled_views
+        MODULES Gui Network Qml Quick
+        HEADERS ${headers} <QtQml/qqmlprivate.h> <QQmlEngine> <QQuickItem>)
+endif()
+
 function(_brimwatch_target name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "PRECOMPILED" "")
     target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    if(BRIMWATCH_PRECOMPILED_HEADERS)
+        if(NOT arg_PRECOMPILED)
+            set(arg_PRECOMPILED brimwatch_precompiled)
+        endif()
+        target_precompile_headers(${name} REUSE_FROM ${arg_PRECOMPILED})
+    endif()
 endfunction()
 
 # brimwatch_library(NAME [SHARED] SOURCES... [LINKS...] [PRIVATE_LINKS...]): a folder of src/ as a library. LINKS are what

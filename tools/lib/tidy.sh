@@ -22,6 +22,8 @@ trap 'rm -rf "$work"' EXIT
 awk -v root="$root" '
     match($0, /^ *"command": "/) {
         command = substr($0, RLENGTH + 1)
+        # The compiler has read common headers before; here each file stands for itself.
+        gsub(/ -fpch-preprocess| -Winvalid-pch| -include [^ ]*cmake_pch\.hxx/, "", command)
         output = command; sub(/.* -o /, "", output); sub(/ .*/, "", output)
     }
     match($0, /^ *"file": "/) {

@@ -1,8 +1,5 @@
-#include "app/app_delegate.h"
 #include "app/command_line.h"
-#include "app/views_library.h"
-#include "core/clock.h"
-#include "discovery/daemon_discovery_service.h"
+#include "app/program.h"
 #include "platform/macos/mac_appearance.h"
 #include "platform/macos/mac_application_presence.h"
 #include "platform/macos/mac_information.h"
@@ -14,106 +11,64 @@
 #include "platform/macos/mac_popover.h"
 #include "platform/macos/mac_status_item.h"
 #include "platform/macos/mac_symbols.h"
-#include "service/diagnostics.h"
-#include "service/launch_at_login_service.h"
-#include "service/low_quota_alerts.h"
-#include "service/quota_fetch_client.h"
 #include "service/settings.h"
 
 #include <QGuiApplication>
-#include <QPointer>
 
-#include <optional>
+#include <memory>
+#include <utility>
 
 using namespace brimwatch;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// Everything that lives as long as the program, put together in the order in which one stands on
-/// the other.
-class Program {
+/// What macOS brings, and the program on it.
+class MacProgram {
 public:
-    Program()
+    MacProgram()
         : m_settings(
               service::SettingsStore::UserDefaults{.domain = QStringLiteral(BRIMWATCH_IDENTIFIER)})
-        , m_discovery(qEnvironmentVariable("HOME"))
-        , m_fetchClient(m_discovery, m_clock)
-        , m_launchAtLogin(m_loginItem)
-        , m_alerts(m_clock, m_settings, m_notifier)
-        , m_delegate(
-              m_presence, [this] { return makeQuotaService(); },
-              [this](service::QuotaService &service) { return makeController(service); })
+        , m_program({.settings = m_settings,
+              .appearance = m_appearance,
+              .presence = m_presence,
+              .loginItem = m_loginItem,
+              .notifier = m_notifier,
+              .opener = m_opener,
+              .pasteboard = m_pasteboard,
+              .symbols = m_symbols,
+              .information = platform::macAppInformation(),
+              .makeStatusItem =
+                  [this] {
+                      auto item = std::make_unique<platform::MacStatusItem>();
+                      m_statusItem = item.get();
+                      return item;
+                  },
+              .makePopover =
+                  [this](platform::PopoverContentFactory factory) {
+                      return std::make_unique<platform::MacPopover>(
+                          std::move(factory), [item = m_statusItem] { return item->button(); });
+                  }})
     {
     }
 
     void launchWhenLaunched()
     {
-        m_presence.whenLaunched([this] { m_delegate.applicationDidFinishLaunching(); });
+        m_presence.whenLaunched([this] { m_program.launch(); });
     }
 
 private:
-    std::unique_ptr<service::QuotaService> makeQuotaService()
-    {
-        return std::make_unique<service::QuotaService>(
-            service::QuotaService::Dependencies{.clock = m_clock,
-                .fetching = m_fetchClient,
-                .settings = m_settings,
-                .alerts = &m_alerts,
-                .launchAtLogin = &m_launchAtLogin});
-    }
-
-    std::unique_ptr<app::StatusBarController> makeController(service::QuotaService &quotaService)
-    {
-        m_diagnostics.emplace(
-            quotaService, platform::macAppInformation(), qEnvironmentVariable("HOME"));
-        auto factory = app::viewsFromLibrary({.quotaService = quotaService,
-            .appearance = m_appearance,
-            .symbols = m_symbols,
-            .opener = m_opener,
-            .pasteboard = m_pasteboard,
-            .launchAtLogin = m_launchAtLogin,
-            .diagnostics = *m_diagnostics,
-            .terminate = [this] { m_presence.terminate(); },
-            .close = [this] { closePopover(); }});
-        auto statusItem = std::make_unique<platform::MacStatusItem>();
-        // The controller lets the popover go before the item.
-        auto popover = std::make_unique<platform::MacPopover>(
-            std::move(factory), [item = statusItem.get()] { return item->button(); });
-        m_popover = popover.get();
-        auto controller = std::make_unique<app::StatusBarController>(
-            app::StatusBarController::Dependencies{.quotaService = quotaService,
-                .clock = m_clock,
-                .statusItem = std::move(statusItem),
-                .popover = std::move(popover),
-                .symbolExists = [this](const QString &name) { return m_symbols.has(name); }});
-        QObject::connect(&m_notifier, &platform::Notifier::activated, controller.get(),
-            &app::StatusBarController::showPopover);
-        return controller;
-    }
-
-    void closePopover()
-    {
-        if (m_popover != nullptr)
-            m_popover->performClose();
-    }
-
-    SystemClock m_clock;
     service::SettingsStore m_settings;
-    discovery::DaemonDiscoveryService m_discovery;
-    service::QuotaFetchClient m_fetchClient;
     platform::MacAppearance m_appearance;
     platform::MacOpener m_opener;
     platform::MacLoginItem m_loginItem;
-    service::LaunchAtLoginService m_launchAtLogin;
     platform::MacSymbols m_symbols;
     platform::MacNotifier m_notifier;
-    service::LowQuotaAlerts m_alerts;
     platform::MacPasteboard m_pasteboard;
-    std::optional<service::Diagnostics> m_diagnostics;
     platform::MacApplicationPresence m_presence;
-    QPointer<platform::Popover> m_popover;
-    app::AppDelegate m_delegate;
+    platform::MacStatusItem *m_statusItem
+        = nullptr; ///< The program's, which the popover stands at.
+    app::Program m_program;
 };
 
 } // namespace
@@ -126,7 +81,7 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(u"Brimwatch"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(BRIMWATCH_VERSION));
     const QGuiApplication application(argc, argv);
-    Program program;
+    MacProgram program;
     program.launchWhenLaunched();
     return QGuiApplication::exec();
 }

@@ -11,6 +11,7 @@ Item {
     implicitHeight: label.height + 6
 
     Capsule {
+        objectName: "pillGround"
         anchors.fill: parent
         color: root.tint
         opacity: 0.12
@@ -19,6 +20,7 @@ Item {
     Capsule {
         id: dot
 
+        objectName: "pillDot"
         x: 8
         anchors.verticalCenter: parent.verticalCenter
         width: 7

@@ -15,6 +15,7 @@ Item {
     Accessible.ignored: !visible
 
     Capsule {
+        objectName: "statusDot"
         // Beside the first line's middle.
         y: Math.round((metrics.height - height) / 2)
         width: 6

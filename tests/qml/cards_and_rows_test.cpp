@@ -38,6 +38,7 @@ private Q_SLOTS:
     void anEmptyDescriptionLeavesNoGap();
     void aDescriptionStandsBetweenHeaderAndRows();
     void aWindowIsShownInUpperCase();
+    void anEmptyWindowIsShownAsOne();
     void aBucketWithoutWindowShowsOnlyItsName();
     void aBucketWithoutResetTimeIsActiveAndHasNoTimestamp();
     void aResetTodayShowsItsTime();
@@ -79,6 +80,8 @@ void CardsAndRowsTest::theFractionDecidesTextColourAndBar()
     QCOMPARE(fixture.text(u"percentageText"_s), text);
     QCOMPARE(
         fixture.item(u"percentageText"_s)->property("color").value<QColor>(), systemColor(color));
+    QCOMPARE(fixture.item(u"pillDot"_s)->property("color").value<QColor>(), systemColor(color));
+    QCOMPARE(fixture.item(u"pillGround"_s)->property("color").value<QColor>(), systemColor(color));
     const QQuickItem *track = fixture.item(u"barTrack"_s);
     const QQuickItem *fill = fixture.item(u"barFill"_s);
     QCOMPARE(track->height(), 6.0);
@@ -155,6 +158,14 @@ void CardsAndRowsTest::aWindowIsShownInUpperCase()
     fixture.show();
     fixture.answer(oneGroup({test::sampleBucket(u"a"_s, u"A"_s, u"5h"_s, 0.5, 60)}));
     QTRY_COMPARE(fixture.text(u"bucketWindow"_s), u"5H WINDOW"_s);
+}
+
+void CardsAndRowsTest::anEmptyWindowIsShownAsOne()
+{
+    PopoverFixture fixture;
+    fixture.show();
+    fixture.answer(oneGroup({test::sampleBucket(u"a"_s, u"A"_s, u""_s, 0.5, 60)}));
+    QTRY_COMPARE(fixture.text(u"bucketWindow"_s), u" WINDOW"_s);
 }
 
 void CardsAndRowsTest::aBucketWithoutWindowShowsOnlyItsName()

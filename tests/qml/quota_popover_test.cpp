@@ -2,6 +2,7 @@
 #include "qml/popover_fixture.h"
 #include "qml/samples.h"
 #include "views/popover_model.h"
+#include "views/theme.h"
 
 #include <QAccessible>
 #include <QQuickItem>
@@ -68,6 +69,7 @@ private Q_SLOTS:
     void theStatusLineFollowsTheConnection();
     void aLongErrorTakesTwoLinesAndATooltipSaysAllOfIt();
     void theTooltipOfTheRefreshButtonNamesTheShortcut();
+    void theTooltipOfTheGearNamesWhatItOpens();
     void theRefreshButtonRefreshesAndIsDisabledMeanwhile();
     void controlRTwiceIsOneRefreshAndOneSpin();
     void aRefreshByTheTimerSpins();
@@ -240,13 +242,19 @@ void QuotaPopoverTest::theStatusLineFollowsTheConnection()
 {
     PopoverFixture fixture;
     fixture.show();
+    const auto dot
+        = [&fixture] { return fixture.item(u"statusDot"_s)->property("color").value<QColor>(); };
+    const views::Theme theme(fixture.appearance, fixture.symbols);
     QCOMPARE(fixture.text(u"statusText"_s), u"Connecting..."_s);
+    QCOMPARE(dot(), theme.orange());
     fixture.answer(test::sampleSummary());
     QCOMPARE(fixture.text(u"statusText"_s), u"Connected (Port 42424)"_s);
+    QCOMPARE(dot(), theme.color(model::ColorToken::SystemGreen));
     fixture.service.refresh();
     QCOMPARE(fixture.text(u"statusText"_s), u"Connected (Port 42424)"_s);
     fixture.fail(u"gone"_s);
     QCOMPARE(fixture.text(u"statusText"_s), *fixture.service.errorMessage());
+    QCOMPARE(dot(), theme.red());
 }
 
 void QuotaPopoverTest::aLongErrorTakesTwoLinesAndATooltipSaysAllOfIt()
@@ -282,6 +290,15 @@ void QuotaPopoverTest::theTooltipOfTheRefreshButtonNamesTheShortcut()
     QTest::mouseMove(&fixture.window(), fixture.middle(u"refreshButton"_s));
     QTRY_COMPARE(fixture.text(u"toolTip"_s), platform::wording().refreshToolTip);
     QVERIFY(fixture.text(u"toolTip"_s).startsWith(u"Refresh Quota ("_s));
+}
+
+void QuotaPopoverTest::theTooltipOfTheGearNamesWhatItOpens()
+{
+    PopoverFixture fixture;
+    fixture.show();
+    fixture.answer(test::sampleSummary());
+    QTest::mouseMove(&fixture.window(), fixture.middle(u"settingsButton"_s));
+    QTRY_COMPARE(fixture.text(u"toolTip"_s), u"Preferences"_s);
 }
 
 void QuotaPopoverTest::theRefreshButtonRefreshesAndIsDisabledMeanwhile()

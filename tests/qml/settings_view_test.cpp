@@ -80,9 +80,9 @@ private Q_SLOTS:
 
     void theFacesSlideOverEachOther()
     {
-        m_fixture->window().contentItem()->childItems().constFirst();
+        // Within one turn of the event loop, in which no time passes for what moves.
         m_fixture->content->showSettings();
-        QTRY_VERIFY(m_fixture->item(u"settingsFace"_s) != nullptr);
+        QVERIFY(m_fixture->item(u"settingsFace"_s) != nullptr);
         const QQuickItem *face = m_fixture->item(u"settingsFace"_s);
         QVERIFY(face->x() > 0);
         QVERIFY(face->opacity() < 1);
@@ -114,6 +114,34 @@ private Q_SLOTS:
     {
         QTest::keyClick(&m_fixture->window(), Qt::Key_Comma, Qt::ControlModifier);
         QTRY_VERIFY(m_fixture->item(u"doneButton"_s) != nullptr);
+    }
+
+    void theOtherShortcutsWorkOnTheSettingsToo()
+    {
+        m_fixture->showSettings();
+        // While its icon turns a refresh is deaf.
+        QTRY_VERIFY(!m_fixture->model().spin()->isSpinning());
+        QTest::keyClick(&m_fixture->window(), Qt::Key_R, Qt::ControlModifier);
+        m_fixture->awaitRefresh();
+        QTest::keyClick(&m_fixture->window(), Qt::Key_Q, Qt::ControlModifier);
+        QCOMPARE(m_fixture->terminated, 1);
+    }
+
+    void whatWasSetStaysOnEitherWayBack()
+    {
+        for (const QString &way : {u"backButton"_s, u"doneButton"_s}) {
+            const bool before = m_fixture->service.showClaudeInToolbar();
+            m_fixture->showSettings();
+            click(*m_fixture, u"showClaude"_s);
+            QCOMPARE(m_fixture->service.showClaudeInToolbar(), !before);
+            click(*m_fixture, way);
+            QTRY_VERIFY(m_fixture->item(u"doneButton"_s) == nullptr);
+            QCOMPARE(m_fixture->service.showClaudeInToolbar(), !before);
+            m_fixture->showSettings();
+            QCOMPARE(isOn(*m_fixture, u"showClaude"_s), !before);
+            QTest::keyClick(&m_fixture->window(), Qt::Key_Escape);
+            QTRY_VERIFY(m_fixture->item(u"doneButton"_s) == nullptr);
+        }
     }
 
     void theSettingsStayWhileThePopoverIsClosed()
@@ -360,6 +388,23 @@ private Q_SLOTS:
         m_fixture->service.setLowQuotaThreshold(50);
         QTest::keyClick(&m_fixture->window(), Qt::Key_Right);
         QCOMPARE(m_fixture->service.lowQuotaThreshold(), 50.0);
+    }
+
+    void aThresholdThatTheSliderCannotGiveIsShownAndKept_data()
+    {
+        QTest::addColumn<double>("threshold");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("below") << 2.0 << u"2%"_s;
+        QTest::newRow("above") << 80.0 << u"80%"_s;
+    }
+    void aThresholdThatTheSliderCannotGiveIsShownAndKept()
+    {
+        QFETCH(double, threshold);
+        m_fixture->service.setNotifyOnLowQuota(true);
+        m_fixture->service.setLowQuotaThreshold(threshold);
+        m_fixture->showSettings();
+        QTEST(m_fixture->text(u"thresholdText"_s), "text");
+        QCOMPARE(m_fixture->service.lowQuotaThreshold(), threshold);
     }
 
     void theDiagnosticsShowTheDaemonWithItsTokenCut()

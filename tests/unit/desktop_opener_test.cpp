@@ -162,6 +162,16 @@ private Q_SLOTS:
         QVERIFY(handler.opened().isEmpty());
     }
 
+    void aFolderThatIsNotThereIsNotOpened()
+    {
+        DesktopOpener opener(pathsHere(), [this] { return directories(); });
+        FileHandler handler;
+        const auto there = QUrl::fromLocalFile(m_folder->filePath(u"home"_s));
+        opener.openUrl(QUrl::fromLocalFile(m_folder->filePath(u"gone"_s)));
+        opener.openUrl(there);
+        QCOMPARE(handler.opened(), QList<QUrl>{there});
+    }
+
 private:
     /// Four paths as those of the installers, in a folder of our own where none exists.
     QStringList pathsHere() const

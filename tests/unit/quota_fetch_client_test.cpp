@@ -569,6 +569,18 @@ private Q_SLOTS:
         QCOMPARE(error.message, u"Could not connect to the server."_s);
     }
 
+    void afterOneThatRefusesTheNextIsAsked()
+    {
+        SampleDaemonProcess good;
+        QVERIFY2(m_daemons->start(good), qPrintable(good.errorText()));
+        QVERIFY(m_daemons->askLast(good.filePath()));
+        QVERIFY(m_daemons->announce(
+            u"ls_b.json"_s, {{u"httpPort"_s, test::closedPort()}, {u"csrfToken"_s, u"t"_s}}));
+        const auto result = fetch();
+        QVERIFY(result.has_value());
+        QCOMPARE(result->daemon.filePath, good.filePath());
+    }
+
     void theLatestTransportErrorCountsEvenBeforeADaemonThatAnswersSomethingElse()
     {
         SampleDaemonProcess closing;

@@ -281,6 +281,19 @@ private Q_SLOTS:
         QVERIFY(!m_item->labels.last().image.has_value());
     }
 
+    void withAllModelsSwitchedOffTheIconAloneIsLeft()
+    {
+        QTRY_VERIFY(m_fetching->isWaiting());
+        m_fetching->answer(
+            service::FetchedQuota{.summary = summaryWith(0.8, 0.55), .daemon = {.httpPort = 1}});
+        QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 80% · W: 55%"_s);
+        m_service->setShowGeminiInToolbar(false);
+        m_service->setShowArgonInToolbar(false);
+        m_service->setShowClaudeInToolbar(false);
+        QTRY_COMPARE(m_item->labels.last().plainTitle(), QString());
+        QVERIFY(m_item->labels.last().image.has_value());
+    }
+
     void aClickOpensThePopoverAtTheItemAndGivesItTheKeyboard()
     {
         const platform::ItemAnchor anchor{

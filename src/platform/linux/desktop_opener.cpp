@@ -87,6 +87,9 @@ bool DesktopOpener::openAntigravity()
 
 void DesktopOpener::openUrl(const QUrl &url)
 {
+    // A desktop's own program would open a window to say that it is not there.
+    if (url.isLocalFile() && !QFileInfo::exists(url.toLocalFile()))
+        return;
     QDesktopServices::openUrl(url);
 }
 

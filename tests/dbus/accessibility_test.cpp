@@ -23,6 +23,7 @@
 #include <cstdlib>
 #include <functional>
 #include <memory>
+#include <string_view>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch;
@@ -153,8 +154,54 @@ public:
             xcb_get_image_data_length(image.get())};
     }
 
+    /// The window that the clipboard's content is asked of; 0 without one.
+    xcb_window_t clipboardOwner() const
+    {
+        constexpr std::string_view name = "CLIPBOARD";
+        const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> atom(
+            xcb_intern_atom_reply(
+                m_connection, xcb_intern_atom(m_connection, 0, name.size(), name.data()), nullptr),
+            &std::free);
+        if (!atom)
+            return XCB_NONE;
+        const std::unique_ptr<xcb_get_selection_owner_reply_t, decltype(&std::free)> owner(
+            xcb_get_selection_owner_reply(
+                m_connection, xcb_get_selection_owner(m_connection, atom->atom), nullptr),
+            &std::free);
+        return owner ? owner->owner : XCB_NONE;
+    }
+
 private:
     xcb_connection_t *m_connection;
+};
+
+/// What another program pastes.
+QString pasted()
+{
+    QProcess reader;
+    reader.start(u"xclip"_s, {u"-o"_s, u"-selection"_s, u"clipboard"_s});
+    return reader.waitForFinished(patience) ? QString::fromUtf8(reader.readAllStandardOutput())
+                                            : QString();
+}
+
+/// A program that runs for as long as this lives.
+class Running {
+public:
+    explicit Running(const QString &command) { m_process.start(command, QStringList()); }
+    ~Running()
+    {
+        m_process.kill();
+        m_process.waitForFinished(patience);
+    }
+    Running(const Running &) = delete;
+    Running &operator=(const Running &) = delete;
+    Running(Running &&) = delete;
+    Running &operator=(Running &&) = delete;
+
+    bool isStarted() { return m_process.waitForStarted(patience); }
+
+private:
+    QProcess m_process;
 };
 
 /// The program, started in a home of its own, with its popover open.
@@ -166,8 +213,7 @@ public:
     }
     ~Session()
     {
-        m_program.terminate();
-        if (!m_program.waitForFinished(patience))
+        if (!end())
             m_program.kill();
         // The next one shall find the bus empty.
         static_cast<void>(QTest::qWaitFor([this] { return m_bus.programs().isEmpty(); }, patience));
@@ -178,6 +224,13 @@ public:
     Session &operator=(Session &&) = delete;
 
     QString inHome(const QString &path) const { return m_home.filePath(path); }
+
+    /// Ends the program, as a session does.
+    bool end()
+    {
+        m_program.terminate();
+        return m_program.state() == QProcess::NotRunning || m_program.waitForFinished(patience);
+    }
 
     /// A daemon that answers quota that resets in 2 hours, 3 minutes and up to 59 seconds.
     bool startDaemon(const QStringList &options = {})
@@ -348,6 +401,7 @@ private Q_SLOTS:
     void anOpenPickerReadsAsItsDump_data();
     void anOpenPickerReadsAsItsDump();
     void whatAScreenReaderDoesIsStored();
+    void aCopiedReportOutlivesThePopoverAndTheProgram();
     void aClosedPopoverIsNotRead();
     void whileOnlySecondsPassNothingIsTold();
 
@@ -522,6 +576,36 @@ void AccessibilityTest::whatAScreenReaderDoesIsStored()
 
     QVERIFY(session.act(u"push button"_s, u"Done"_s, u"Press"_s));
     QVERIFY(session.awaitOne(u"push button"_s, u"Open Antigravity"_s));
+}
+
+void AccessibilityTest::aCopiedReportOutlivesThePopoverAndTheProgram()
+{
+    Session session(m_bus);
+    QVERIFY(session.startDaemon());
+    QVERIFY(session.open());
+    QVERIFY(session.act(u"push button"_s, u"Preferences"_s, u"Press"_s));
+    QVERIFY(session.act(u"push button"_s, u"Copy Diagnostics"_s, u"Press"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        pasted().startsWith("--- Brimwatch Diagnostics ---\nApp Version: "_L1), patience);
+    const QString report = pasted();
+    QVERIFY(report.contains("\nDaemon CSRF: 0123456789abcdef\n"_L1));
+
+    QVERIFY(session.click());
+    QVERIFY(session.await([](const AccessibleNode &all) {
+        return all.find(u"push button"_s, u"Quit App"_s) == nullptr;
+    }));
+    QCOMPARE(pasted(), report);
+
+    // A manager of the clipboard takes over what it finds.
+    const Screen screen;
+    const auto ours = screen.clipboardOwner();
+    QVERIFY(ours != XCB_NONE);
+    Running manager(u"xclipboard"_s);
+    QVERIFY(manager.isStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(
+        screen.clipboardOwner() != ours && screen.clipboardOwner() != XCB_NONE, patience);
+    QVERIFY(session.end());
+    QCOMPARE(pasted(), report);
 }
 
 void AccessibilityTest::aClosedPopoverIsNotRead()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 #include <functional>
 
 namespace brimwatch {
@@ -37,5 +39,5 @@ struct PopoverDependencies {
 
 /// The one door of the views' library: makes the popover's content. The caller owns it. Null when
 /// the views cannot be made.
-extern "C" brimwatch::platform::PopoverContent *brimwatch_make_popover_content(
+extern "C" Q_DECL_EXPORT brimwatch::platform::PopoverContent *brimwatch_make_popover_content(
     const brimwatch::views::PopoverDependencies &dependencies);

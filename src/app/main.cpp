@@ -14,6 +14,7 @@
 #include "platform/linux/panel_status_item.h"
 #include "platform/linux/qt_application_presence.h"
 #include "platform/linux/qt_pasteboard.h"
+#include "platform/linux/resume_watch.h"
 #include "platform/linux/symbols/svg_symbols.h"
 #include "platform/linux/x11_popover.h"
 #include "platform/linux/x_connection.h"
@@ -85,9 +86,22 @@ public:
     {
     }
 
-    void launch() { m_program.launch(); }
+    void launch()
+    {
+        m_program.launch();
+        // The system bus is of no use to the item: it can wait until that is on its way.
+        QMetaObject::invokeMethod(&m_notifier, [this] { watchForResume(); }, Qt::QueuedConnection);
+    }
 
 private:
+    /// What was shown before a night in suspend is old.
+    void watchForResume()
+    {
+        m_resumeWatch.emplace(QDBusConnection::systemBus());
+        QObject::connect(&*m_resumeWatch, &platform::ResumeWatch::resumed, &*m_resumeWatch,
+            [this] { m_program.refresh(); });
+    }
+
     service::SettingsStore m_settings;
     QDBusConnection m_bus;
     platform::XConnection m_xConnection;
@@ -101,6 +115,7 @@ private:
     platform::QtPasteboard m_pasteboard;
     platform::QtApplicationPresence m_presence;
     app::Program m_program;
+    std::optional<platform::ResumeWatch> m_resumeWatch;
 };
 
 /// What a second start says as it ends, and its exit status.

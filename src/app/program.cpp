@@ -24,6 +24,12 @@ Program::Program(Desktop desktop)
 {
 }
 
+void Program::refresh()
+{
+    if (auto *service = m_delegate.quotaService())
+        service->refresh();
+}
+
 std::unique_ptr<service::QuotaService> Program::makeQuotaService()
 {
     return std::make_unique<service::QuotaService>(

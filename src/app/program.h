@@ -61,6 +61,9 @@ public:
     /// To be called once the event loop runs, or is about to.
     void launch() { m_delegate.applicationDidFinishLaunching(); }
 
+    /// Asks the daemon now, unless that is under way.
+    void refresh();
+
 private:
     std::unique_ptr<service::QuotaService> makeQuotaService();
     std::unique_ptr<StatusBarController> makeController(service::QuotaService &quotaService);

@@ -117,6 +117,29 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, patience);
     }
 
+    void itAsksTheDaemonWhenTheMachineIsBackFromSuspend()
+    {
+        test::SampleDaemonProcess daemon;
+        QVERIFY2(daemon.start(), qPrintable(daemon.errorText()));
+        // One bus is both: the session's and the system's.
+        auto environment = Program::usual();
+        environment.insert(
+            u"DBUS_SYSTEM_BUS_ADDRESS"_s, qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"));
+        test::OtherProgram logind;
+        QVERIFY(logind.takeName(u"org.freedesktop.login1"_s));
+        const Program program(environment);
+        QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, patience);
+        const auto before = daemon.stats()->requests;
+        const auto announce = [&logind] {
+            auto signal = QDBusMessage::createSignal(u"/org/freedesktop/login1"_s,
+                u"org.freedesktop.login1.Manager"_s, u"PrepareForSleep"_s);
+            signal << false;
+            return logind.bus().send(signal);
+        };
+        // It may be said before the program listens.
+        QTRY_VERIFY_WITH_TIMEOUT(announce() && daemon.stats()->requests > before, patience);
+    }
+
     void itEndsWhenOthersSaySo()
     {
         Program program;

@@ -81,8 +81,17 @@ void StatusBarController::popoverDidClose()
 void StatusBarController::setupSubscribers()
 {
     connect(&m_quotaService, &service::QuotaService::objectWillChange, this, [this] {
-        if (m_updatePending || m_quotaService.revision() == m_drawnRevision)
+        if (m_updatePending)
             return;
+        if (m_quotaService.revision() == m_drawnRevision) {
+            // The time alone passes: the label has none in it, and the description minutes. A clock
+            // that was set back counts as a minute too.
+            constexpr qint64 minute = 60;
+            const qint64 age = m_describedAt.secsTo(m_clock.now());
+            if (age < 0 || age >= minute)
+                describeStatusItem();
+            return;
+        }
         m_updatePending = true;
         // The signal comes before the value is stored; a turn of the event loop later it is.
         QMetaObject::invokeMethod(
@@ -98,6 +107,12 @@ void StatusBarController::updateStatusItem()
     m_drawnRevision = m_quotaService.revision();
     m_label = model::composeLabel(m_quotaService.labelInput(), m_label, m_symbolExists);
     m_statusItem->setLabel(m_label);
+    describeStatusItem();
+}
+
+void StatusBarController::describeStatusItem()
+{
+    m_describedAt = m_clock.now();
     m_statusItem->setDescription(describeItem(m_quotaService));
 }
 

@@ -57,6 +57,7 @@ private:
     void popoverDidClose();
     void setupSubscribers();
     void updateStatusItem();
+    void describeStatusItem();
 
     service::QuotaService &m_quotaService;
     const Clock &m_clock;
@@ -65,6 +66,7 @@ private:
     model::SymbolExists m_symbolExists;
     model::LabelComposition m_label;
     bool m_updatePending = false;
+    QDateTime m_describedAt; ///< As which the countdowns of the description count.
     quint64 m_drawnRevision = 0; ///< Of the service, when the label was composed last.
     std::optional<QDateTime> m_popoverCloseTime; ///< Absent: in the distant past.
 };

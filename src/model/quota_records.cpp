@@ -117,6 +117,12 @@ QString countdownText(const QDateTime &now, const QDateTime &reset)
     return text(s / hour, "h "_L1, s % hour / minute, u'm');
 }
 
+QString withoutSeconds(const QString &countdown)
+{
+    const auto minutes = countdown.indexOf("m "_L1);
+    return minutes < 0 ? countdown : countdown.left(minutes + 1);
+}
+
 double QuotaBucket::percentage() const
 {
     return clampedPercentage(remainingFraction);

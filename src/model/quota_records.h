@@ -17,6 +17,8 @@ enum class QuotaTier { healthy, warning, critical };
 
 /// How long it is from `now` to `reset`: "2d 3h", "5h 2m", "12m 5s"; "Refreshed" when it has come.
 QString countdownText(const QDateTime &now, const QDateTime &reset);
+/// A countdown for what is not written anew each second: "12m" for "12m 5s".
+QString withoutSeconds(const QString &countdown);
 
 /// One quota window of a group of models, as the daemon gives it.
 struct QuotaBucket {

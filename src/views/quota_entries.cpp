@@ -22,13 +22,6 @@ bool assign(QString &member, const QString &value)
     return true;
 }
 
-/// A countdown without its seconds: "12m" for "12m 5s".
-QString withoutSeconds(const QString &countdown)
-{
-    const auto minutes = countdown.indexOf("m "_L1);
-    return minutes < 0 ? countdown : countdown.left(minutes + 1);
-}
-
 } // namespace
 
 QString shownText(const QString &text)
@@ -88,7 +81,7 @@ void BucketEntry::setTime(const QDateTime &now)
     percentage.chop(1);
     if (assign(m_accessibleName,
             m_groupName + ", "_L1 + displayName() + ", "_L1 + percentage
-                + " percent left, resets in "_L1 + withoutSeconds(countdown)))
+                + " percent left, resets in "_L1 + model::withoutSeconds(countdown)))
         Q_EMIT accessibleNameChanged();
 }
 

@@ -1,6 +1,7 @@
 #include "app/app_delegate.h"
 #include "app/item_description.h"
 #include "app/status_bar_controller.h"
+#include "core/date_styles.h"
 #include "platform/application_presence.h"
 #include "service/quota_service.h"
 #include "support/fake_fetching.h"
@@ -380,6 +381,54 @@ private Q_SLOTS:
                 u"Gemini Models, Five hours: 80.0%"_s, u"Gemini Models, Weekly limit: 55.5%"_s}));
     }
 
+    void theDescriptionCountsDownInWholeMinutes()
+    {
+        auto summary = summaryWith(0.8, 0.55);
+        summary.groups[0].buckets[0].resetTime = inSeconds(4 * 24h + 5h);
+        summary.groups[0].buckets[1].resetTime = inSeconds(12min + 30s);
+        show(summary);
+        QTRY_COMPARE(m_item->descriptions.last().lines,
+            (QStringList{u"Gemini Models, Five hours: 80.0%, resets in 12m"_s,
+                u"Gemini Models, Weekly limit: 55.0%, resets in 4d 5h"_s}));
+        const auto labels = m_item->labels.size();
+        const auto described = m_item->descriptions.size();
+        for (int second = 0; second < 59; ++second)
+            m_clock->advance(1s);
+        QCOMPARE(m_item->descriptions.size(), described);
+        m_clock->advance(2s);
+        QCOMPARE(m_item->descriptions.size(), described + 1);
+        QCOMPARE(m_item->descriptions.last().lines.first(),
+            u"Gemini Models, Five hours: 80.0%, resets in 11m"_s);
+        QCOMPARE(m_item->labels.size(), labels);
+    }
+
+    void aResetThatHasPassedIsNotCountedTo()
+    {
+        auto summary = summaryWith(0.8, 0.55);
+        summary.groups[0].buckets[1].resetTime = inSeconds(0s);
+        show(summary);
+        QTRY_COMPARE(
+            m_item->descriptions.last().lines.first(), u"Gemini Models, Five hours: 80.0%"_s);
+    }
+
+    void theTitleOfWhatIsOldSaysSinceWhen()
+    {
+        show(summaryWith(0.8, 0.55));
+        const QString title = u"✦ 5h: 80% · W: 55%"_s;
+        QCOMPARE(app::describeItem(*m_service).title, title);
+        const auto updated = m_service->lastUpdated();
+        QVERIFY(updated.has_value());
+        m_clock->advance(5s);
+        m_service->refresh();
+        QTRY_VERIFY(m_fetching->isWaiting());
+        m_fetching->answer(tl::unexpected(
+            discovery::DaemonError{.kind = discovery::DaemonError::Kind::noDaemonFound}));
+        QTRY_VERIFY(m_service->connectionStatus().isOffline());
+        QCOMPARE(app::describeItem(*m_service).title,
+            title + " (last update: "_L1 + DateStyles::user().dateAbbreviatedTimeStandard(*updated)
+                + u')');
+    }
+
     void theDescriptionSaysWhatIsWrong()
     {
         QCOMPARE(app::describeItem(*m_service).lines, (QStringList{u"Connecting..."_s}));
@@ -503,6 +552,12 @@ private:
         m_fetching->answer(service::FetchedQuota{.summary = summary, .daemon = {.httpPort = 1}});
         QTRY_VERIFY(m_service->connectionStatus().isConnected());
         QTRY_VERIFY(!m_service->isRefreshing());
+    }
+
+    /// As a daemon writes the moment that comes so much later.
+    QString inSeconds(std::chrono::seconds time) const
+    {
+        return m_clock->now().addSecs(time.count()).toUTC().toString(Qt::ISODate);
     }
 
     std::unique_ptr<QTemporaryDir> m_home;

@@ -1,5 +1,6 @@
 #include "app/app_delegate.h"
 #include "app/command_line.h"
+#include "app/no_panel_notice.h"
 #include "app/remote_access.h"
 #include "app/toolkit_setup.h"
 #include "app/views_library.h"
@@ -107,11 +108,16 @@ private:
             .close = [this] { closePopover(); }});
         auto popover = makePopover(std::move(factory));
         m_popover = popover.get();
+        auto statusItem = std::make_unique<platform::PanelStatusItem>(
+            m_xConnection, m_bus, m_labelPainter, m_appearance);
+        m_noPanelNotice.emplace(m_clock, m_notifier, qEnvironmentVariable("XDG_RUNTIME_DIR"),
+            platform::currentDesktops());
+        QObject::connect(statusItem.get(), &platform::PanelStatusItem::registered,
+            &*m_noPanelNotice, &app::NoPanelNotice::panelCame);
         auto controller = std::make_unique<app::StatusBarController>(
             app::StatusBarController::Dependencies{.quotaService = quotaService,
                 .clock = m_clock,
-                .statusItem = std::make_unique<platform::PanelStatusItem>(
-                    m_xConnection, m_bus, m_labelPainter, m_appearance),
+                .statusItem = std::move(statusItem),
                 .popover = std::move(popover),
                 .symbolExists = [this](const QString &name) { return m_symbols.has(name); }});
         QObject::connect(controller.get(), &app::StatusBarController::quitRequested,
@@ -173,6 +179,7 @@ private:
     platform::LabelPainter m_labelPainter;
     platform::DesktopNotifier m_notifier;
     service::LowQuotaAlerts m_alerts;
+    std::optional<app::NoPanelNotice> m_noPanelNotice;
     platform::QtPasteboard m_pasteboard;
     std::optional<service::Diagnostics> m_diagnostics;
     platform::QtApplicationPresence m_presence;

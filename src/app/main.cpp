@@ -20,6 +20,7 @@
 #include "platform/linux/qt_application_presence.h"
 #include "platform/linux/qt_pasteboard.h"
 #include "platform/linux/symbols/svg_symbols.h"
+#include "platform/linux/window_popover.h"
 #include "platform/linux/x11_popover.h"
 #include "platform/linux/x_connection.h"
 #include "platform/linux/xsettings.h"
@@ -58,8 +59,7 @@ public:
         , m_xSettings(m_xConnection)
         , m_appearance(m_bus, m_xConnection.isValid() ? &m_xSettings : nullptr,
               QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
-              QGuiApplication::platformName() == "xcb"_L1 ? platform::TextScaling::Toolkits
-                                                          : platform::TextScaling::Ours)
+              onX11() ? platform::TextScaling::Toolkits : platform::TextScaling::Ours)
         , m_loginItem({.configHome
                           = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
                           .program = QCoreApplication::applicationFilePath(),
@@ -130,10 +130,16 @@ private:
         return controller;
     }
 
+    static bool onX11() { return QGuiApplication::platformName() == "xcb"_L1; }
+
     static std::unique_ptr<platform::Popover> makePopover(platform::PopoverContentFactory factory)
     {
         if (platform::LayerSurface::isOffered())
             return std::make_unique<platform::LayerPopover>(std::move(factory));
+        if (!onX11())
+            return std::make_unique<platform::WindowPopover>(std::move(factory));
+        if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
+            return std::make_unique<platform::XwaylandPopover>(std::move(factory));
         return std::make_unique<platform::X11Popover>(std::move(factory));
     }
 

@@ -1,6 +1,8 @@
 #include "app/command_line.h"
+#include "app/no_panel_notice.h"
 #include "app/program.h"
 #include "app/toolkit_setup.h"
+#include "core/clock.h"
 #include "platform/linux/application_icon.h"
 #include "platform/linux/autostart_login_item.h"
 #include "platform/linux/bus_service.h"
@@ -16,6 +18,7 @@
 #include "platform/linux/qt_pasteboard.h"
 #include "platform/linux/resume_watch.h"
 #include "platform/linux/symbols/svg_symbols.h"
+#include "platform/linux/window_popover.h"
 #include "platform/linux/x11_popover.h"
 #include "platform/linux/x_connection.h"
 #include "platform/linux/xsettings.h"
@@ -38,10 +41,19 @@ namespace {
 // As large as servers show it, at twice the resolution.
 constexpr int notificationIconSide = 96;
 
+bool onX11()
+{
+    return QGuiApplication::platformName() == "xcb"_L1;
+}
+
 std::unique_ptr<platform::Popover> makePopover(platform::PopoverContentFactory factory)
 {
     if (platform::LayerSurface::isOffered())
         return std::make_unique<platform::LayerPopover>(std::move(factory));
+    if (!onX11())
+        return std::make_unique<platform::WindowPopover>(std::move(factory));
+    if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
+        return std::make_unique<platform::XwaylandPopover>(std::move(factory));
     return std::make_unique<platform::X11Popover>(std::move(factory));
 }
 
@@ -53,8 +65,7 @@ public:
         , m_xSettings(m_xConnection)
         , m_appearance(m_bus, m_xConnection.isValid() ? &m_xSettings : nullptr,
               QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
-              QGuiApplication::platformName() == "xcb"_L1 ? platform::TextScaling::Toolkits
-                                                          : platform::TextScaling::Ours)
+              onX11() ? platform::TextScaling::Toolkits : platform::TextScaling::Ours)
         , m_loginItem({.configHome
                           = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
                           .program = QCoreApplication::applicationFilePath(),
@@ -76,11 +87,7 @@ public:
               .pasteboard = m_pasteboard,
               .symbols = m_symbols,
               .information = platform::linuxAppInformation(),
-              .makeStatusItem =
-                  [this] {
-                      return std::make_unique<platform::PanelStatusItem>(
-                          m_xConnection, m_bus, m_labelPainter, m_appearance);
-                  },
+              .makeStatusItem = [this] { return makeStatusItem(); },
               .makePopover = makePopover,
               .remoteControl = &remoteControl})
     {
@@ -94,6 +101,17 @@ public:
     }
 
 private:
+    std::unique_ptr<platform::StatusItem> makeStatusItem()
+    {
+        auto item = std::make_unique<platform::PanelStatusItem>(
+            m_xConnection, m_bus, m_labelPainter, m_appearance);
+        m_noPanelNotice.emplace(m_clock, m_notifier, qEnvironmentVariable("XDG_RUNTIME_DIR"),
+            platform::currentDesktops());
+        QObject::connect(item.get(), &platform::PanelStatusItem::registered, &*m_noPanelNotice,
+            &app::NoPanelNotice::panelCame);
+        return item;
+    }
+
     /// What was shown before a night in suspend is old.
     void watchForResume()
     {
@@ -102,6 +120,7 @@ private:
             [this] { m_program.refresh(); });
     }
 
+    SystemClock m_clock;
     service::SettingsStore m_settings;
     QDBusConnection m_bus;
     platform::XConnection m_xConnection;
@@ -114,6 +133,7 @@ private:
     platform::DesktopNotifier m_notifier;
     platform::QtPasteboard m_pasteboard;
     platform::QtApplicationPresence m_presence;
+    std::optional<app::NoPanelNotice> m_noPanelNotice;
     app::Program m_program;
     std::optional<platform::ResumeWatch> m_resumeWatch;
 };

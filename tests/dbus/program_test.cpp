@@ -257,6 +257,18 @@ private Q_SLOTS:
         QVERIFY(!third.hasEnded());
     }
 
+    void aStartWithoutABusFindsAFirstThatHasOne()
+    {
+        Program first;
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        // Whoever starts after the bus has gone is in the same place.
+        Program second(Program::withoutBus());
+        QVERIFY(second.waitForEnd());
+        QCOMPARE(second.exitCode(), 0);
+        QVERIFY(second.errors().startsWith(u"brimwatch: already running; "_s));
+        QVERIFY(!first.hasEnded());
+    }
+
     void aRuntimeFolderThatHoldsNoLockStopsNobody()
     {
         test::SampleDaemonProcess daemon;

@@ -57,12 +57,12 @@ shot() { "$root/tools/panels/shot.sh" "$out/pictures/$1.png" ${2:+"$2"} 2>>"$out
 click() { "$root/tools/panels/click.sh" "$@"; }
 key() { "$root/tools/panels/key.sh" "$@"; }
 
-# popover_place: where the popover is; nothing while it is closed. sway lists the windows of its layers nowhere: there it
+# popover_place: where the popover is; nothing while it is closed. No window of a layer is listed anywhere: there it
 # is what changed on the screen since the picture `without`, if that is as large.
 popover_place()
 {
     local place
-    if [ -z "${SWAYSOCK:-}" ]; then
+    if [ -z "${BRIMWATCH_LAYERS:-}" ]; then
         popover_places "$program_pid" | head -n 1
         return
     fi

@@ -26,9 +26,19 @@ private Q_SLOTS:
         QCOMPARE(
             popoverPlace(QRect(1260, 0, 20, 28), size, screen, area), QRect(QPoint(900, 28), size));
         QCOMPARE(popoverPlace(QRect(0, 0, 20, 28), size, screen, area), QRect(QPoint(0, 28), size));
-        // A panel at the side: the item's middle decides the height.
-        QCOMPARE(popoverPlace(QRect(0, 300, 30, 30), size, screen, QRect(30, 0, 1250, 720)),
+    }
+
+    void besideAnUprightPanelItsMiddleIsAtTheItems()
+    {
+        const QRect screen(0, 0, 1280, 720);
+        const QSize size(380, 490);
+        const QRect leftPanel(30, 0, 1250, 720);
+        QCOMPARE(popoverPlace(QRect(0, 300, 30, 30), size, screen, leftPanel),
+            QRect(QPoint(30, 70), size));
+        QCOMPARE(popoverPlace(QRect(0, 690, 30, 30), size, screen, leftPanel),
             QRect(QPoint(30, 230), size));
+        QCOMPARE(popoverPlace(QRect(1250, 0, 30, 30), size, screen, QRect(0, 0, 1250, 720)),
+            QRect(QPoint(870, 0), size));
     }
 
     void aPopoverLargerThanTheWorkAreaFillsIt()

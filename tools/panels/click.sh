@@ -10,6 +10,8 @@ if [ -n "${SWAYSOCK:-}" ]; then
     fi
     exec python3 "$here/vpointer.py" click "$x" "$y" "$button"
 fi
+# A nested compositor takes its input from the display around it.
+export DISPLAY=${BRIMWATCH_OUTER_DISPLAY:-${DISPLAY:-}}
 # Two moves: some panels ignore a press that no motion over the item went before.
 xdotool mousemove "$((x > 3 ? x - 3 : x + 3))" "$y" sleep 0.05 mousemove "$x" "$y" sleep 0.15
 [ "$button" = 0 ] || exec xdotool mousedown "$button" sleep 0.05 mouseup "$button"

@@ -7,7 +7,7 @@ READY_S=60
 # shellcheck source=lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-session_start()
+configure()
 {
     local settings=$DIR/home/.config/glib-2.0/settings extension="'ubuntu-appindicators@ubuntu.com'"
     [ "${EXTENSION:-1}" = 1 ] || extension=
@@ -33,6 +33,8 @@ INI
     env_set XDG_CURRENT_DESKTOP GNOME
 }
 
+session_start() { configure; }
+
 panel_start() { spawn panel gnome-shell --x11 --sm-disable; }
 
 # The shell starts in its overview, which hides the desktop and takes clicks.
@@ -52,4 +54,5 @@ panel_ready()
     [ "${EXTENSION:-1}" = 0 ] || { sni_host_registered && tray_manager_runs; }
 }
 
-panel_main "$@"
+# Sourced, it only tells how its panel is started.
+[ "$0" != "${BASH_SOURCE[0]}" ] || panel_main "$@"

@@ -33,12 +33,15 @@ popover_open() { [ -n "$(popover_places "$1")" ]; }
 
 popover_closed() { [ -z "$(popover_places "$1")" ]; }
 
-# managed_windows PID: its windows that the window manager lists, and with it taskbars and switchers.
-# Items in a panel and popups are none of them.
+# managed_windows PID: its windows that the window manager lists, but for those that are to be left out of taskbars
+# and switchers. Items in a panel and popups are none of them.
 managed_windows()
 {
     "$HELPERS/x-windows" "$1" | awk '{ print $1 }' |
-        grep -Fx -f <(xprop -root _NET_CLIENT_LIST | grep -o '0x[0-9a-f]*')
+        grep -Fx -f <(xprop -root _NET_CLIENT_LIST | grep -o '0x[0-9a-f]*') |
+        while read -r window; do
+            xprop -id "$window" _NET_WM_STATE | grep -q _NET_WM_STATE_SKIP_TASKBAR || echo "$window"
+        done
 }
 
 # window_list_is_kept: there is a window manager that keeps such a list.
@@ -99,6 +102,26 @@ coloured_pixels()
             if (want == "red" && (h <= 12 || h >= 345)) n++
         }
         END { print n + 0 }'
+}
+
+# coloured_at_edges FILE.png: how many pixels of the outermost row and column on each side have a colour.
+coloured_at_edges()
+{
+    local gravity count sum=0
+    for gravity in North South; do
+        count=$(colourful "$1" "$gravity" 0x1) && sum=$((sum + count))
+    done
+    for gravity in West East; do
+        count=$(colourful "$1" "$gravity" 1x0) && sum=$((sum + count))
+    done
+    echo "$sum"
+}
+
+# colourful FILE.png GRAVITY WxH: how many pixels of that part are clearly no grey.
+colourful()
+{
+    convert "$1" -alpha off -gravity "$2" -crop "$3+0+0" +repage -colorspace HSB -channel G -separate +channel \
+        -threshold 45% -format '%[fx:round(mean*w*h)]' info:
 }
 
 # middle_of X Y WIDTH HEIGHT

@@ -7,4 +7,5 @@ if [ -n "${SWAYSOCK:-}" ]; then
     [[ $1 != *+* ]] || modifier=("${1%+*}")
     exec wtype -s 300 ${modifier:+-M "${modifier[@]}"} -k "${1##*+}" ${modifier:+-m "${modifier[@]}"} -s 100
 fi
+export DISPLAY=${BRIMWATCH_OUTER_DISPLAY:-${DISPLAY:-}}
 exec xdotool key "$1"

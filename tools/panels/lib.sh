@@ -4,6 +4,7 @@
 #   PANEL.sh start [DIR] [--no-panel]   print `export ...` lines (also in DIR/env); DIR/log has the logs
 #   PANEL.sh panel DIR                  start the panel program of a started session (again)
 #   PANEL.sh unpanel DIR                end the panel program alone
+#   PANEL.sh crash DIR                  the same without a word to it, with what it has started
 #   PANEL.sh stop [DIR]                 end only what that start began
 #   PANEL.sh env [DIR]                  print the lines again
 #   PANEL.sh run [DIR] -- COMMAND...    start, run COMMAND inside, stop; the command's status
@@ -64,7 +65,7 @@ start_bus()
 {
     write_bus_conf "$1"
     spawn "dbus-$1" dbus-daemon --nofork --nosyslog --nopidfile --config-file="$DIR/$1.conf"
-    wait_for 10 test -S "$RUN/$1" || die "the bus did not start, see $DIR/log/dbus-$1.log"
+    wait_for 40 test -S "$RUN/$1" || die "the bus did not start, see $DIR/log/dbus-$1.log"
 }
 
 start_xvfb()
@@ -86,7 +87,7 @@ value_of() { printf '%s\n' "${ENVV[@]}" | sed -n "s/^$1=//p" | tail -n 1; }
 start_openbox()
 {
     spawn openbox openbox
-    wait_for 10 window_manager_runs || die "openbox did not start, see $DIR/log/openbox.log"
+    wait_for 40 window_manager_runs || die "openbox did not start, see $DIR/log/openbox.log"
 }
 
 # What "ready" can mean --------------------------------------------------------------------------
@@ -167,6 +168,31 @@ end_panel()
     end_process "$(cat "$DIR/panel.pid")" || die "the panel does not end"
 }
 
+# in_session PID: the processes of the session that it leads.
+in_session()
+{
+    local leader=$1 file stat
+    for file in /proc/[0-9]*/stat; do
+        { read -r stat <"$file"; } 2>/dev/null || continue
+        # The name may hold anything; what follows it is state, parent, group and session.
+        # shellcheck disable=SC2086
+        set -- ${stat##*) }
+        [ "$4" != "$leader" ] || [ "$1" = Z ] || echo "${stat%% *}"
+    done
+}
+
+nobody_in_session() { [ -z "$(in_session "$1")" ]; }
+
+crash_panel()
+{
+    local leader pids
+    leader=$(cat "$DIR/panel.pid")
+    mapfile -t pids < <(in_session "$leader")
+    [ ${#pids[@]} -gt 0 ] || die "there is no panel"
+    kill -9 "${pids[@]}" 2>/dev/null || true
+    wait_for 10 nobody_in_session "$leader" || die "the panel does not end"
+}
+
 session_start_all()
 {
     [ ! -f "$DIR/id" ] || all_gone "$(cat "$DIR/id")" || die "already running in $DIR"
@@ -197,7 +223,7 @@ session_start_all()
     env_set DBUS_SESSION_BUS_ADDRESS "unix:path=$RUN/bus"
     env_set NO_AT_BRIDGE 1
     # What the surroundings run on is not what runs inside.
-    printf 'unset WAYLAND_DISPLAY XAUTHORITY SWAYSOCK QT_QPA_PLATFORM\n' >>"$DIR/env.new"
+    printf 'unset WAYLAND_DISPLAY XAUTHORITY SWAYSOCK QT_QPA_PLATFORM BRIMWATCH_OUTER_DISPLAY BRIMWATCH_LAYERS\n' >>"$DIR/env.new"
     [ "$DISPLAY_KIND" = none ] || start_xvfb
     start_bus bus
     session_start
@@ -240,6 +266,10 @@ panel_main()
             load_state
             end_panel
             ;;
+        crash)
+            load_state
+            crash_panel
+            ;;
         run)
             [ "${1:-}" != -- ] || shift
             session_start_all >/dev/null
@@ -253,7 +283,7 @@ panel_main()
             exit "$status"
             ;;
         *)
-            sed -n '4,9s/^#   //p' "${BASH_SOURCE[0]}" >&2
+            sed -n '4,10s/^#   //p' "${BASH_SOURCE[0]}" >&2
             exit 2
             ;;
     esac

@@ -5,7 +5,7 @@ NAME=lxqt
 # shellcheck source=lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-session_start()
+configure()
 {
     local plugins='taskbar, spacer, statusnotifier'
     [ "$CLOCK" = off ] || plugins="$plugins, worldclock"
@@ -40,9 +40,14 @@ alignment=Right
 type=worldclock
 INI
     printf '[General]\ntheme=system\nicon_theme=breeze\n[Qt]\nstyle=Fusion\n' >"$DIR/home/.config/lxqt/lxqt.conf"
-    env_set XDG_CURRENT_DESKTOP LXQt
     # Debian keeps the defaults of LXQt there.
     env_set XDG_CONFIG_DIRS /usr/share/lxqt:/etc/xdg
+}
+
+session_start()
+{
+    configure
+    env_set XDG_CURRENT_DESKTOP LXQt
     start_openbox
 }
 
@@ -50,4 +55,5 @@ panel_start() { spawn panel lxqt-panel; }
 
 panel_ready() { sni_host_registered; }
 
-panel_main "$@"
+# Sourced, it only tells how its panel is started.
+[ "$0" != "${BASH_SOURCE[0]}" ] || panel_main "$@"

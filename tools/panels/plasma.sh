@@ -85,7 +85,7 @@ INI
     done >"$config/kded5rc"
 }
 
-session_start()
+configure()
 {
     write_config
     env_set XDG_CURRENT_DESKTOP KDE
@@ -94,23 +94,42 @@ session_start()
     ENVV+=(QT_QUICK_BACKEND=software LIBGL_ALWAYS_SOFTWARE=1 KDE_NO_GLOBAL_MENU=1)
     start_bus system
     ENVV+=("DBUS_SYSTEM_BUS_ADDRESS=unix:path=$RUN/system")
-    spawn kwin kwin_x11
-    spawn kded kded5
+}
+
+start_services()
+{
     local activities
+    spawn kded kded5
     activities=$(dpkg -L kactivitymanagerd | grep '/libexec/kactivitymanagerd$')
     spawn activity "$activities"
     wait_for 20 bus_has org.kde.kded5 || die "kded5 did not start, see $DIR/log/kded.log"
 }
 
+session_start()
+{
+    configure
+    spawn kwin kwin_x11
+    start_services
+}
+
 panel_start() { spawn panel plasmashell --no-respawn; }
 
-# It takes items and shows windows well before it draws itself: the middle of its row is then still wallpaper.
+# A nested session is seen on the display around it.
+on_screen()
+{
+    local outer
+    outer=$(value_of BRIMWATCH_OUTER_DISPLAY)
+    inside ${outer:+env DISPLAY="$outer"} "$@"
+}
+
+# It takes items and shows windows well before it draws itself: the middle of its row is then still wallpaper, which is
+# black. A compositor may let some of that through.
 panel_is_drawn()
 {
     local y=2
     [ "${PANEL_POS:-3}" = 4 ] && y=$((${SIZE#*x} - 3))
     [ "${PANEL_POS:-3}" -ge 5 ] ||
-        [ "$(inside import -silent -window root -crop "400x1+$((${SIZE%x*} / 2))+$y" +repage -format '%k %[fx:mean>0.8]' info:)" = "1 1" ]
+        [ "$(on_screen import -silent -window root -crop "400x1+$((${SIZE%x*} / 2))+$y" +repage -format '%k %[fx:mean>0.5]' info:)" = "1 1" ]
 }
 
 panel_ready()
@@ -118,4 +137,5 @@ panel_ready()
     sni_host_registered && [ -n "$(inside xdotool search --onlyvisible --class plasmashell)" ] && panel_is_drawn
 }
 
-panel_main "$@"
+# Sourced, it only tells how its panel is started.
+[ "$0" != "${BASH_SOURCE[0]}" ] || panel_main "$@"

@@ -7,4 +7,5 @@ if [ -n "${SWAYSOCK:-}" ]; then
     IFS='x+' read -r width height x y <<<"$geometry"
     exec grim -g "$x,$y ${width}x$height" "$out"
 fi
+export DISPLAY=${BRIMWATCH_OUTER_DISPLAY:-${DISPLAY:-}}
 exec import -silent -window root ${geometry:+-crop "$geometry" +repage} -define png:compression-level=9 "$out"

@@ -1,5 +1,6 @@
 # shellcheck shell=bash
 # A headless, software-rendered sway with a pointer; Xwayland on demand. Sourced after lib.sh, with DISPLAY_KIND=none.
+# SWAY_CONFIG holds further lines of its configuration.
 
 start_sway()
 {
@@ -10,6 +11,7 @@ xwayland enable
 output * mode ${SIZE} bg #000000 solid_color
 default_border none
 seat seat0 hide_cursor 0
+${SWAY_CONFIG:-}
 exec_always printf 'WAYLAND_DISPLAY=%s\nDISPLAY=%s\nSWAYSOCK=%s\n' "\$WAYLAND_DISPLAY" "\$DISPLAY" "\$SWAYSOCK" > $DIR/sway.vars.tmp && mv $DIR/sway.vars.tmp $DIR/sway.vars
 CONF
     env_set XDG_CURRENT_DESKTOP sway
@@ -19,13 +21,14 @@ CONF
     # sway refuses to run as root.
     [ "$(id -u)" != 0 ] || preload=("LD_PRELOAD=$HELPERS/stay-root")
     spawn sway env "${preload[@]}" sway -c "$config/sway/config"
-    wait_for 20 test -s "$DIR/sway.vars" || die "sway did not start, see $DIR/log/sway.log"
+    wait_for 40 test -s "$DIR/sway.vars" || die "sway did not start, see $DIR/log/sway.log"
     while read -r line; do
         [ -z "${line#*=}" ] || env_set "${line%%=*}" "${line#*=}"
     done <"$DIR/sway.vars"
     env_set GDK_BACKEND wayland
+    env_set BRIMWATCH_LAYERS 1
     env_set BRIMWATCH_PANEL_SIZE "$SIZE"
     # A headless seat has no pointer at all until somebody brings one.
     spawn vpointer python3 "$PANELS/vpointer.py" serve
-    wait_for 10 test -S "$RUN/vpointer" || die "no virtual pointer, see $DIR/log/vpointer.log"
+    wait_for 40 test -S "$RUN/vpointer" || die "no virtual pointer, see $DIR/log/vpointer.log"
 }

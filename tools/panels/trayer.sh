@@ -5,6 +5,8 @@ NAME=trayer
 # shellcheck source=lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
+configure() { :; }
+
 session_start() { start_openbox; }
 
 panel_start()
@@ -17,4 +19,5 @@ panel_start()
 # An empty trayer shows no window: what counts is who owns the tray.
 panel_ready() { tray_manager_runs; }
 
-panel_main "$@"
+# Sourced, it only tells how its panel is started.
+[ "$0" != "${BASH_SOURCE[0]}" ] || panel_main "$@"

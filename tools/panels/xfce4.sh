@@ -6,7 +6,7 @@ SERVICES="org.xfce.Xfconf ca.desrt.dconf"
 # shellcheck source=lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-session_start()
+configure()
 {
     local conf=$DIR/home/.config/xfce4/xfconf/xfce-perchannel-xml position='p=6;x=0;y=0' clock=
     [ "${PANEL_POS:-top}" = top ] || position='p=8;x=640;y=706'
@@ -37,13 +37,19 @@ session_start()
   </property>
 </channel>
 XML
+}
+
+session_start()
+{
+    configure
     env_set XDG_CURRENT_DESKTOP XFCE
     spawn xfwm4 xfwm4 --compositor="${COMPOSITOR:-off}"
-    wait_for 10 window_manager_runs || die "xfwm4 did not start, see $DIR/log/xfwm4.log"
+    wait_for 40 window_manager_runs || die "xfwm4 did not start, see $DIR/log/xfwm4.log"
 }
 
 panel_start() { spawn panel xfce4-panel --disable-wm-check; }
 
 panel_ready() { sni_host_registered && tray_manager_runs; }
 
-panel_main "$@"
+# Sourced, it only tells how its panel is started.
+[ "$0" != "${BASH_SOURCE[0]}" ] || panel_main "$@"

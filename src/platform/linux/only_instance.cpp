@@ -54,7 +54,7 @@ void OnlyInstance::requestName(Attempt attempt)
             if (reply.isError())
                 decideByLock();
             else if (reply.value() == primaryOwner)
-                Q_EMIT decided(Standing::First);
+                decideByName();
             else if (reply.value() == exists && attempt == Attempt::First)
                 askOther();
             else
@@ -76,6 +76,15 @@ void OnlyInstance::askOther()
                 // It may have been about to end: then the name is free now.
                 requestName(Attempt::AfterSilence);
         });
+}
+
+void OnlyInstance::decideByName()
+{
+    // For starts after the bus has gone. That another holds it says nothing here: it may be of
+    // another session's bus.
+    if (m_lock)
+        m_lock->tryLock();
+    Q_EMIT decided(Standing::First);
 }
 
 void OnlyInstance::decideByLock()

@@ -14,7 +14,8 @@ namespace brimwatch::platform {
 
 /// Whether this process is the user's one Brimwatch. It is when it gets the program's name on the
 /// session bus; whoever finds it taken asks its owner to open the popover. Without a bus, or on one
-/// that gives us no name, a lock file decides.
+/// that gives us no name, a lock file decides; it is held with the name too, as a bus may go before
+/// the session does.
 class OnlyInstance final : public QObject {
     Q_OBJECT
 
@@ -50,6 +51,7 @@ private:
 
     void requestName(Attempt attempt);
     void askOther();
+    void decideByName();
     void decideByLock();
 
     QDBusConnection m_bus;

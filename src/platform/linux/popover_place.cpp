@@ -30,10 +30,15 @@ LayerPlace fitted(LayerPlace place, const QSize &screen)
 
 QRect popoverPlace(const QRect &item, const QSize &size, const QRect &screen, const QRect &workArea)
 {
-    const bool below = item.center().y() < screen.center().y();
-    const int x = item.left() + item.width() / 2 - size.width() / 2;
-    const int y = below ? item.bottom() + 1 : item.top() - size.height();
     const QSize room = size.boundedTo(workArea.size());
+    const bool below = item.center().y() < screen.center().y();
+    int x = item.left() + item.width() / 2 - size.width() / 2;
+    int y = below ? item.bottom() + 1 : item.top() - size.height();
+    // What keeps the item's columns free for itself is an upright panel.
+    if (item.right() < workArea.left() || item.left() > workArea.right()) {
+        x = item.right() < workArea.left() ? workArea.left() : workArea.right() + 1 - room.width();
+        y = item.top() + item.height() / 2 - size.height() / 2;
+    }
     const int left = std::max(workArea.left(), std::min(x, workArea.right() + 1 - room.width()));
     const int top = std::max(workArea.top(), std::min(y, workArea.bottom() + 1 - room.height()));
     return {QPoint(left, top), room};

@@ -8,8 +8,8 @@
 namespace brimwatch::platform {
 
 /// Where a popover of `size` goes: below `item` when that stands in the upper half of `screen`,
-/// else above it, its middle at the item's, within `workArea`. All in one coordinate system. It
-/// is no larger than that.
+/// else above it, its middle at the item's, within `workArea`; beside an upright panel, at the
+/// item's height. All in one coordinate system. It is no larger than `workArea`.
 QRect popoverPlace(
     const QRect &item, const QSize &size, const QRect &screen, const QRect &workArea);
 

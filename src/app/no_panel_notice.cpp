@@ -1,0 +1,64 @@
+#include "app/no_panel_notice.h"
+
+#include "core/clock.h"
+#include "platform/notifier.h"
+
+#include <QFile>
+
+#include <utility>
+
+namespace brimwatch::app {
+
+using namespace Qt::Literals::StringLiterals;
+
+NoPanelNotice::NoPanelNotice(Clock &clock, platform::Notifier &notifier, QString sessionFolder,
+    QStringList desktops, QObject *parent)
+    : QObject(parent)
+    , m_notifier(notifier)
+    , m_sessionFolder(std::move(sessionFolder))
+    , m_desktops(std::move(desktops))
+    , m_timer(clock.every(patience, [this] { tell(); }))
+{
+}
+
+NoPanelNotice::~NoPanelNotice() = default;
+
+void NoPanelNotice::panelCame()
+{
+    m_timer.reset();
+}
+
+void NoPanelNotice::tell()
+{
+    if (std::exchange(m_due, true))
+        return;
+    // Not from within: it is the timer that calls.
+    QMetaObject::invokeMethod(this, [this] { m_timer.reset(); }, Qt::QueuedConnection);
+    if (isToldFirst())
+        m_notifier.post(noPanelNotification(m_desktops));
+}
+
+bool NoPanelNotice::isToldFirst() const
+{
+    if (m_sessionFolder.isEmpty())
+        return true;
+    QFile told(m_sessionFolder + u'/' + toldFile);
+    return told.open(QIODevice::WriteOnly | QIODevice::NewOnly) || !told.exists();
+}
+
+platform::Notification noPanelNotification(const QStringList &desktops)
+{
+    const QString advice = desktops.contains(u"GNOME"_s, Qt::CaseInsensitive)
+        ? u"GNOME shows status items only with an extension: install AppIndicator (on Debian the "
+          u"package "
+          "gnome-shell-extension-appindicator), log in again and switch it on in Extensions."_s
+        : u"This desktop has no place for status items now: add a status tray (also called system "
+          u"tray or notification "
+          "area) to your panel."_s;
+    return {.identifier = NoPanelNotice::identifier,
+        .title = u"Brimwatch is running, but no panel shows it"_s,
+        .body = advice
+            + u" Until then, starting Brimwatch again or \"brimwatchctl toggle\" opens your quota."_s};
+}
+
+} // namespace brimwatch::app

@@ -1,0 +1,130 @@
+#include "platform/linux/placed_popover.h"
+
+#include "platform/linux/native_geometry.h"
+#include "platform/linux/popover_place.h"
+
+#include <QCursor>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWindow>
+
+#include <utility>
+
+namespace brimwatch::platform {
+
+PlacedPopover::PlacedPopover(PopoverContentFactory factory, Qt::WindowFlags flags, QObject *parent)
+    : Popover(parent)
+    , m_factory(std::move(factory))
+    , m_flags(flags)
+{
+}
+
+PlacedPopover::~PlacedPopover()
+{
+    if (m_window != nullptr)
+        m_window->removeEventFilter(this);
+}
+
+QWindow *PlacedPopover::window() const
+{
+    return m_window;
+}
+
+void PlacedPopover::prepare()
+{
+    load();
+}
+
+void PlacedPopover::show(const ItemAnchor &anchor)
+{
+    if (!anchor.bounds && !anchor.pointer) {
+        // The toolkit's idea of the pointer is right on every panel tried, also where the panel's
+        // is not.
+        const QPoint cursor = QCursor::pos();
+        showBeside(QRect(cursor, QSize(1, 1)), QGuiApplication::screenAt(cursor));
+        return;
+    }
+    const QPoint pointer = anchor.pointer ? *anchor.pointer : anchor.bounds->center();
+    QScreen *screen = screenAtNative(pointer);
+    const QRect item = anchor.bounds ? fromNative(*anchor.bounds, screen)
+                                     : QRect(fromNative(pointer, screen), QSize(1, 1));
+    showBeside(item, screen);
+}
+
+void PlacedPopover::showUnclicked(const std::optional<QRect> &item)
+{
+    if (item) {
+        PlacedPopover::show({.bounds = item, .pointer = {}});
+        return;
+    }
+    if (m_lastItem) {
+        // Its screen may be gone by now.
+        if (QScreen *screen = QGuiApplication::screenAt(m_lastItem->center())) {
+            showBeside(*m_lastItem, screen);
+            return;
+        }
+    }
+    QScreen *screen = QGuiApplication::screenAt(QCursor::pos());
+    if (screen == nullptr)
+        screen = QGuiApplication::primaryScreen();
+    if (screen == nullptr)
+        return;
+    showBeside(likelyItemPlace(screen->geometry(), screen->availableGeometry()), screen);
+}
+
+void PlacedPopover::showBeside(const QRect &item, QScreen *screen)
+{
+    if (m_shown || !load())
+        return;
+    m_shown = true;
+    m_content->setShown(true);
+    m_lastItem = item;
+    if (screen == nullptr)
+        screen = QGuiApplication::primaryScreen();
+    if (screen != nullptr) {
+        m_window->setScreen(screen);
+        m_window->setGeometry(
+            popoverPlace(item, m_content->size(), screen->geometry(), screen->availableGeometry()));
+    }
+    aboutToShow();
+    m_window->show();
+}
+
+void PlacedPopover::showSettings()
+{
+    if (m_content)
+        m_content->showSettings();
+}
+
+void PlacedPopover::performClose()
+{
+    if (m_window != nullptr)
+        m_window->hide();
+}
+
+bool PlacedPopover::load()
+{
+    if (m_window != nullptr)
+        return true;
+    m_content = m_factory();
+    if (!m_content)
+        return false;
+    m_window = &m_content->window();
+    m_window->setFlags(m_flags);
+    m_window->installEventFilter(this);
+    return true;
+}
+
+bool PlacedPopover::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_window && event->type() == QEvent::Hide && m_shown) {
+        m_shown = false;
+        hidden();
+        m_content->setShown(false);
+        Q_EMIT didClose();
+    }
+    return Popover::eventFilter(watched, event);
+}
+
+} // namespace brimwatch::platform

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/popover.h"
+#include "platform/popover_content.h"
+
+#include <QPointer>
+#include <QRect>
+
+class QScreen;
+class QWindow;
+
+namespace brimwatch::platform {
+
+/// What popovers have in common that are windows of their own, at a place that they ask for: the
+/// place, the loading, and the news of their end. How they come by their input, and what closes
+/// them, is each one's own.
+class PlacedPopover : public Popover {
+    Q_OBJECT
+
+public:
+    ~PlacedPopover() override;
+    PlacedPopover(const PlacedPopover &) = delete;
+    PlacedPopover &operator=(const PlacedPopover &) = delete;
+    PlacedPopover(PlacedPopover &&) = delete;
+    PlacedPopover &operator=(PlacedPopover &&) = delete;
+
+    bool isShown() const override { return m_shown; }
+    void prepare() override;
+    void show(const ItemAnchor &anchor) override;
+    void showUnclicked(const std::optional<QRect> &item) override;
+    void showSettings() override;
+    void performClose() override;
+
+protected:
+    PlacedPopover(PopoverContentFactory factory, Qt::WindowFlags flags, QObject *parent);
+
+    /// Null until the content is loaded.
+    QWindow *window() const;
+    /// Shows it beside `item`, in the toolkit's coordinates, on that screen.
+    void showBeside(const QRect &item, QScreen *screen);
+
+    /// The window is about to be shown, and has its place.
+    virtual void aboutToShow() { }
+    /// The window was hidden; didClose() follows.
+    virtual void hidden() { }
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    bool load();
+
+    PopoverContentFactory m_factory;
+    Qt::WindowFlags m_flags;
+    std::unique_ptr<PopoverContent> m_content;
+    QPointer<QWindow> m_window;
+    std::optional<QRect> m_lastItem; ///< What it was shown beside the last time.
+    bool m_shown = false;
+};
+
+} // namespace brimwatch::platform

@@ -1,0 +1,96 @@
+#include "platform/linux/window_popover.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QRasterWindow>
+#include <QScreen>
+
+#include <utility>
+
+namespace brimwatch::platform {
+
+WindowPopover::WindowPopover(PopoverContentFactory factory, QObject *parent)
+    : PlacedPopover(std::move(factory), Qt::Tool | Qt::FramelessWindowHint, parent)
+{
+}
+
+void WindowPopover::show(const ItemAnchor &anchor)
+{
+    // The toolkit does not know where the pointer is over what is not its own: it would say where
+    // it was last.
+    if (!anchor.bounds && !anchor.pointer)
+        showUnclicked(std::nullopt);
+    else
+        PlacedPopover::show(anchor);
+}
+
+void WindowPopover::makeKey()
+{
+    if (isShown())
+        window()->requestActivate();
+}
+
+bool WindowPopover::eventFilter(QObject *watched, QEvent *event)
+{
+    // Later: the window is not done with it.
+    if (watched == window() && event->type() == QEvent::FocusOut)
+        QMetaObject::invokeMethod(this, &WindowPopover::performClose, Qt::QueuedConnection);
+    return PlacedPopover::eventFilter(watched, event);
+}
+
+/// An invisible window over a whole screen but for the popover.
+class XwaylandPopover::Catcher final : public QRasterWindow {
+public:
+    Catcher(XwaylandPopover &popover, QScreen *screen, const QRect &hole)
+        : m_popover(popover)
+    {
+        QSurfaceFormat transparent = format();
+        transparent.setAlphaBufferSize(8);
+        setFormat(transparent);
+        setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint
+            | Qt::WindowDoesNotAcceptFocus);
+        setScreen(screen);
+        setGeometry(screen->geometry());
+        setMask(QRegion(QRect(QPoint(), screen->size()))
+                .subtracted(hole.translated(-screen->geometry().topLeft())));
+        show();
+    }
+
+protected:
+    void paintEvent(QPaintEvent * /*event*/) override
+    {
+        QPainter painter(this);
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        painter.fillRect(QRect(QPoint(), size()), Qt::transparent);
+    }
+    void mousePressEvent(QMouseEvent * /*event*/) override
+    {
+        // Not from within: it ends this window.
+        QMetaObject::invokeMethod(&m_popover, &Popover::performClose, Qt::QueuedConnection);
+    }
+
+private:
+    XwaylandPopover &m_popover;
+};
+
+XwaylandPopover::XwaylandPopover(PopoverContentFactory factory, QObject *parent)
+    : WindowPopover(std::move(factory), parent)
+{
+}
+
+XwaylandPopover::~XwaylandPopover() = default;
+
+void XwaylandPopover::aboutToShow()
+{
+    const auto screens = QGuiApplication::screens();
+    for (QScreen *screen : screens)
+        m_catchers.push_back(std::make_unique<Catcher>(*this, screen, window()->geometry()));
+}
+
+void XwaylandPopover::hidden()
+{
+    m_catchers.clear();
+}
+
+} // namespace brimwatch::platform

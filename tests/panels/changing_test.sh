@@ -1,0 +1,102 @@
+#!/bin/bash
+# changing_test.sh changing   drives the program while panels of several kinds follow each other under it.
+#
+# The program and the sample daemon are those of $BRIMWATCH_BUILD (default build/dev). Logs and pictures stay in
+# $BRIMWATCH_PANEL_LOGS (default build/panels)/changing. Prints a line a check and `N passed, N failed` last.
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+PROGRAM=changing_test
+# shellcheck source=../../tools/lib/common.sh
+. "$root/tools/lib/common.sh"
+
+if [ "$*" != changing ]; then
+    sed -n '2,5s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
+    exit 2
+fi
+script=$root/tools/panels/changing.sh
+build=${BRIMWATCH_BUILD:-$root/build/dev}
+out=${BRIMWATCH_PANEL_LOGS:-$root/build/panels}/changing
+desktop=changing
+# shellcheck source=../support/desktop_test.sh
+. "$root/tests/support/desktop_test.sh"
+
+panel_of_kind() { KIND=$1 "$script" panel "$session"; }
+
+# wide_as WIDTH HEIGHT, square_as WIDTH HEIGHT: of the embedded item.
+wide_as() { [ "${1:-0}" -ge $((3 * ${2:-1})) ]; }
+square_as() { [ "${1:-0}" -ge 8 ] && [ "${1:-0}" -le $((2 * ${2:-1})) ]; }
+
+embedded_size() { embedded_items "$program_pid" | head -n 1 | cut -d ' ' -f 3,4; }
+
+# stands_as wide|square|registered: once, so, and in no other way.
+stands_as()
+{
+    case $1 in
+        wide | square)
+            # shellcheck disable=SC2046
+            embedded_once "$program_pid" && [ -z "$(registered_items)" ] && "${1}_as" $(embedded_size)
+            ;;
+        registered) registered_once && nothing_embedded "$program_pid" ;;
+    esac
+}
+
+stands_nowhere() { [ -z "$(registered_items)" ] && nothing_embedded "$program_pid"; }
+
+click_embedded()
+{
+    # shellcheck disable=SC2046
+    click $(middle_of $(embedded_items "$program_pid" | head -n 1)) 1
+}
+
+# The play ---------------------------------------------------------------------------------------
+"$script" start "$session" --no-panel >/dev/null 2>"$out/session.log" || {
+    cat "$out/session.log" >&2
+    die "the session does not start, logs in $session/log"
+}
+# shellcheck source=/dev/null
+. "$session/env"
+HELPERS=$("$root/tools/panels/helpers.sh")
+PANELS=$root/tools/panels
+# shellcheck source=../../tools/panels/item.sh
+. "$root/tools/panels/item.sh"
+
+"$daemon" --speed 0 >"$out/daemon.log" 2>&1 &
+daemon_pid=$!
+disown
+wait_for 30 grep -q '^ready ' "$out/daemon.log" || die "the sample daemon did not start, see $out/daemon.log"
+"$program" >"$out/program.log" 2>&1 &
+program_pid=$!
+disown
+
+while read -r kind form; do
+    needed "$kind starts" panel_of_kind "$kind"
+    check "the item stands on $kind in the way that suits it" wait_for 30 stands_as "$form"
+    if [ "$form" != registered ]; then
+        click 40 600 0
+        click_embedded
+        check "a click on $kind opens the popover" wait_for 30 shown
+        key Escape
+        check "Escape closes it" wait_for 30 hidden
+    fi
+    shot "$kind"
+    "$script" crash "$session"
+    check "without $kind it stands nowhere" wait_for 30 stands_nowhere
+done <<'KINDS'
+trayer wide
+lxqt registered
+polybar square
+xfce4 wide
+trayer wide
+KINDS
+
+# Two at a time: the item stays where it is well, and goes on where the other is left.
+panel_of_kind trayer
+needed "trayer is back" wait_for 30 stands_as wide
+first=$(cat "$session/panel.pid")
+panel_of_kind lxqt
+check "the item stays on trayer when lxqt comes beside it" wait_for 30 stands_as wide
+end_process "$first"
+check "and is on lxqt when trayer has gone" wait_for 30 stands_as registered
+panel_of_kind trayer
+check "and on trayer again when that comes back" wait_for 30 stands_as wide
+check "the program has run all the while" alive "$program_pid"

@@ -1,0 +1,120 @@
+#include "app/no_panel_notice.h"
+#include "platform/notifier.h"
+#include "support/test_clock.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace brimwatch;
+using namespace std::chrono_literals;
+
+namespace {
+
+class FakeNotifier final : public platform::Notifier {
+public:
+    void requestAuthorization() override { }
+    void post(const platform::Notification &notification) override { posted.append(notification); }
+
+    QList<platform::Notification> posted;
+};
+
+} // namespace
+
+class NoPanelNoticeTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aMinuteWithoutAPanelIsToldOnce()
+    {
+        const app::NoPanelNotice notice(m_clock, m_notifier, folder(), {});
+        m_clock.advance(59s);
+        QCOMPARE(m_notifier.posted.size(), 0);
+        m_clock.advance(1s);
+        QCOMPARE(m_notifier.posted.size(), 1);
+        QCOMPARE(m_notifier.posted.first().identifier, QString(app::NoPanelNotice::identifier));
+        m_clock.advance(24h);
+        QCOMPARE(m_notifier.posted.size(), 1);
+        QTRY_VERIFY(m_clock.periods().empty());
+    }
+
+    void aPanelInTimeIsNothingToTell()
+    {
+        app::NoPanelNotice notice(m_clock, m_notifier, folder(), {});
+        m_clock.advance(59s);
+        notice.panelCame();
+        QVERIFY(m_clock.periods().empty());
+        m_clock.advance(24h);
+        QCOMPARE(m_notifier.posted.size(), 0);
+        QVERIFY(!QFileInfo::exists(folder() + u'/' + app::NoPanelNotice::toldFile));
+    }
+
+    void aPanelThatComesTooLateChangesNothing()
+    {
+        app::NoPanelNotice notice(m_clock, m_notifier, folder(), {});
+        m_clock.advance(10min);
+        notice.panelCame();
+        m_clock.advance(10min);
+        QCOMPARE(m_notifier.posted.size(), 1);
+    }
+
+    void aSecondStartInTheSessionSaysNothing()
+    {
+        const app::NoPanelNotice first(m_clock, m_notifier, folder(), {});
+        m_clock.advance(1min);
+        const app::NoPanelNotice second(m_clock, m_notifier, folder(), {});
+        m_clock.advance(1min);
+        QCOMPARE(m_notifier.posted.size(), 1);
+
+        // The next session has a folder of its own.
+        const QTemporaryDir next;
+        const app::NoPanelNotice third(m_clock, m_notifier, next.path(), {});
+        m_clock.advance(1min);
+        QCOMPARE(m_notifier.posted.size(), 2);
+    }
+
+    void whereNothingCanBeKeptEachStartTells_data()
+    {
+        QTest::addColumn<QString>("place");
+        QTest::newRow("no folder named") << QString();
+        QTest::newRow("a folder that is not there") << u"/dev/null/session"_s;
+    }
+    void whereNothingCanBeKeptEachStartTells()
+    {
+        QFETCH(QString, place);
+        for (int start = 1; start <= 2; ++start) {
+            const app::NoPanelNotice notice(m_clock, m_notifier, place, {});
+            m_clock.advance(2min);
+            QCOMPARE(m_notifier.posted.size(), start);
+        }
+    }
+
+    void itSaysWhatToDoThere()
+    {
+        const auto gnome = app::noPanelNotification({u"ubuntu"_s, u"GNOME"_s});
+        QVERIFY(gnome.body.contains(u"AppIndicator"_s));
+        const auto other = app::noPanelNotification({u"i3"_s});
+        QVERIFY(other.body.contains(u"add a status tray"_s));
+        QVERIFY(!other.body.contains(u"GNOME"_s));
+        for (const auto &notification : {gnome, other})
+            QVERIFY(notification.body.contains(u"starting Brimwatch again"_s));
+    }
+
+    void init()
+    {
+        m_session = std::make_unique<QTemporaryDir>();
+        m_notifier.posted.clear();
+    }
+
+private:
+    QString folder() const { return m_session->path(); }
+
+    test::TestClock m_clock{QDateTime(QDate(2026, 11, 16), QTime(9, 0), Qt::UTC)};
+    FakeNotifier m_notifier;
+    std::unique_ptr<QTemporaryDir> m_session;
+};
+
+QTEST_GUILESS_MAIN(NoPanelNoticeTest)
+#include "no_panel_notice_test.moc"

@@ -34,13 +34,13 @@ stands_as()
     case $1 in
         wide | square)
             # shellcheck disable=SC2046
-            embedded_once "$program_pid" && [ -z "$(registered_items)" ] && "${1}_as" $(embedded_size)
+            embedded_once "$program_pid" && [ -z "$(registered_items "$program_pid")" ] && "${1}_as" $(embedded_size)
             ;;
-        registered) registered_once && nothing_embedded "$program_pid" ;;
+        registered) registered_once "$program_pid" && nothing_embedded "$program_pid" ;;
     esac
 }
 
-stands_nowhere() { [ -z "$(registered_items)" ] && nothing_embedded "$program_pid"; }
+stands_nowhere() { [ -z "$(registered_items "$program_pid")" ] && nothing_embedded "$program_pid"; }
 
 click_embedded()
 {

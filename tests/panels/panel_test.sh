@@ -55,7 +55,7 @@ item_is_there_once()
     if [ "$protocol" = xembed ]; then
         embedded_once "$program_pid"
     else
-        registered_once
+        registered_once "$program_pid"
     fi
 }
 
@@ -64,16 +64,16 @@ item_is_gone()
     if [ "$protocol" = xembed ]; then
         nothing_embedded "$program_pid"
     else
-        [ -z "$(registered_items)" ]
+        [ -z "$(registered_items "$program_pid")" ]
     fi
 }
 
 published_in_one_way_only()
 {
     if [ "$protocol" = xembed ]; then
-        embedded_once "$program_pid" && [ -z "$(registered_items)" ]
+        embedded_once "$program_pid" && [ -z "$(registered_items "$program_pid")" ]
     else
-        registered_once && { [ -n "${BRIMWATCH_LAYERS:-}" ] || nothing_embedded "$program_pid"; }
+        registered_once "$program_pid" && { [ -n "${BRIMWATCH_LAYERS:-}" ] || nothing_embedded "$program_pid"; }
     fi
 }
 

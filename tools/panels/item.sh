@@ -47,15 +47,22 @@ managed_windows()
 # window_list_is_kept: there is a window manager that keeps such a list.
 window_list_is_kept() { xprop -root _NET_CLIENT_LIST | grep -q 'window id'; }
 
-# registered_items: what the watcher of this session's bus lists, one a line.
+# registered_items PID: what the watcher of this session's bus lists of that process, one a line. A desktop has items of its
+# own there; what nobody stands behind any more is listed too.
 registered_items()
 {
+    local item owner
     dbus-send --session --print-reply --dest=org.kde.StatusNotifierWatcher /StatusNotifierWatcher \
         org.freedesktop.DBus.Properties.Get string:org.kde.StatusNotifierWatcher \
-        string:RegisteredStatusNotifierItems 2>/dev/null | sed -n 's/^ *string "\(.*\)"$/\1/p'
+        string:RegisteredStatusNotifierItems 2>/dev/null | sed -n 's/^ *string "\(.*\)"$/\1/p' |
+        while IFS= read -r item; do
+            owner=$(dbus-send --session --print-reply=literal --dest=org.freedesktop.DBus / \
+                org.freedesktop.DBus.GetConnectionUnixProcessID "string:${item%%/*}" 2>/dev/null)
+            [ -n "$owner" ] && [ "${owner##* }" != "$1" ] || echo "$item"
+        done
 }
 
-registered_once() { [ "$(registered_items | wc -l)" = 1 ]; }
+registered_once() { [ "$(registered_items "$1" | wc -l)" = 1 ]; }
 
 # differ ONE.png OTHER.png: they are not the same picture.
 differ()

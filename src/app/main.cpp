@@ -1,6 +1,7 @@
 #include "app/app_delegate.h"
 #include "app/command_line.h"
 #include "app/remote_access.h"
+#include "app/replacement.h"
 #include "app/toolkit_setup.h"
 #include "app/views_library.h"
 #include "core/clock.h"
@@ -79,7 +80,12 @@ public:
     {
     }
 
-    void launch() { m_delegate.applicationDidFinishLaunching(); }
+    void launch()
+    {
+        m_delegate.applicationDidFinishLaunching();
+        if (app::takesOverOpening())
+            Q_EMIT m_remoteControl.showRequested();
+    }
 
 private:
     std::unique_ptr<service::QuotaService> makeQuotaService()
@@ -105,7 +111,7 @@ private:
             .diagnostics = *m_diagnostics,
             .terminate = [this] { m_presence.terminate(); },
             .close = [this] { closePopover(); }});
-        auto popover = makePopover(std::move(factory));
+        auto popover = makePopover(unlessReplaced(std::move(factory)));
         m_popover = popover.get();
         auto controller = std::make_unique<app::StatusBarController>(
             app::StatusBarController::Dependencies{.quotaService = quotaService,
@@ -122,6 +128,20 @@ private:
         m_remoteAccess.emplace(
             quotaService, *m_diagnostics, m_remoteControl, qEnvironmentVariable("HOME"));
         return controller;
+    }
+
+    /// The views of an upgraded program are not for us: the first click is the time to go on as it.
+    static platform::PopoverContentFactory unlessReplaced(platform::PopoverContentFactory factory)
+    {
+        return [factory = std::move(factory)]() -> std::unique_ptr<platform::PopoverContent> {
+            if (!app::programWasReplaced(QCoreApplication::applicationFilePath()))
+                return factory();
+            // Whoever asked has an answer first.
+            QMetaObject::invokeMethod(
+                QCoreApplication::instance(),
+                [] { QCoreApplication::exit(app::replacementStatus); }, Qt::QueuedConnection);
+            return nullptr;
+        };
     }
 
     static std::unique_ptr<platform::Popover> makePopover(platform::PopoverContentFactory factory)
@@ -202,15 +222,11 @@ int endSecondStart(platform::OnlyInstance::Standing standing)
     return 0;
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+/// Until the program ends; sets the path of the program.
+int run(int argc, char **argv, QString &path)
 {
-    if (const auto answered = app::answerCommandLine(argc, argv))
-        return *answered;
-    if (!app::displayIsThere())
-        return 1;
     const auto application = app::makeApplication(argc, argv);
+    path = QCoreApplication::applicationFilePath();
     const auto bus = QDBusConnection::sessionBus();
     // On the bus before the name is ours, so that nobody finds the name without it.
     platform::BusService busService(bus, QCoreApplication::applicationVersion());
@@ -227,4 +243,21 @@ int main(int argc, char **argv)
         });
     onlyInstance.claim();
     return QGuiApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (const auto answered = app::answerCommandLine(argc, argv))
+        return *answered;
+    if (!app::displayIsThere())
+        return 1;
+    QString path;
+    const int status = run(argc, argv, path);
+    if (status != app::replacementStatus)
+        return status;
+    app::continueAs(path);
+    std::fputs("brimwatch: was upgraded while it ran, and cannot start the new program\n", stderr);
+    return 1;
 }

@@ -1,6 +1,7 @@
 #include "app/command_line.h"
 #include "app/no_panel_notice.h"
 #include "app/program.h"
+#include "app/replacement.h"
 #include "app/toolkit_setup.h"
 #include "core/clock.h"
 #include "platform/linux/application_icon.h"
@@ -46,8 +47,23 @@ bool onX11()
     return QGuiApplication::platformName() == "xcb"_L1;
 }
 
-std::unique_ptr<platform::Popover> makePopover(platform::PopoverContentFactory factory)
+/// The views of an upgraded program are not for us: the first click is the time to go on as it.
+platform::PopoverContentFactory unlessReplaced(platform::PopoverContentFactory factory)
 {
+    return [factory = std::move(factory)]() -> std::unique_ptr<platform::PopoverContent> {
+        if (!app::programWasReplaced(QCoreApplication::applicationFilePath()))
+            return factory();
+        // Whoever asked has an answer first.
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [] { QCoreApplication::exit(app::replacementStatus); },
+            Qt::QueuedConnection);
+        return nullptr;
+    };
+}
+
+std::unique_ptr<platform::Popover> makePopover(platform::PopoverContentFactory views)
+{
+    auto factory = unlessReplaced(std::move(views));
     if (platform::LayerSurface::isOffered())
         return std::make_unique<platform::LayerPopover>(std::move(factory));
     if (!onX11())
@@ -61,7 +77,8 @@ std::unique_ptr<platform::Popover> makePopover(platform::PopoverContentFactory f
 class LinuxProgram {
 public:
     LinuxProgram(QDBusConnection bus, platform::RemoteControl &remoteControl)
-        : m_bus(std::move(bus))
+        : m_remoteControl(remoteControl)
+        , m_bus(std::move(bus))
         , m_xSettings(m_xConnection)
         , m_appearance(m_bus, m_xConnection.isValid() ? &m_xSettings : nullptr,
               QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
@@ -89,13 +106,15 @@ public:
               .information = platform::linuxAppInformation(),
               .makeStatusItem = [this] { return makeStatusItem(); },
               .makePopover = makePopover,
-              .remoteControl = &remoteControl})
+              .remoteControl = &m_remoteControl})
     {
     }
 
     void launch()
     {
         m_program.launch();
+        if (app::takesOverOpening())
+            Q_EMIT m_remoteControl.showRequested();
         // The system bus is of no use to the item: it can wait until that is on its way.
         QMetaObject::invokeMethod(&m_notifier, [this] { watchForResume(); }, Qt::QueuedConnection);
     }
@@ -120,6 +139,7 @@ private:
             [this] { m_program.refresh(); });
     }
 
+    platform::RemoteControl &m_remoteControl;
     SystemClock m_clock;
     service::SettingsStore m_settings;
     QDBusConnection m_bus;
@@ -159,15 +179,11 @@ int endSecondStart(platform::OnlyInstance::Standing standing)
     return 0;
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+/// Until the program ends; sets the path of the program.
+int run(int argc, char **argv, QString &path)
 {
-    if (const auto answered = app::answerCommandLine(argc, argv))
-        return *answered;
-    if (!app::displayIsThere())
-        return 1;
     const auto application = app::makeApplication(argc, argv);
+    path = QCoreApplication::applicationFilePath();
     const auto bus = QDBusConnection::sessionBus();
     // On the bus before the name is ours, so that nobody finds the name without it.
     platform::BusService busService(bus, QCoreApplication::applicationVersion());
@@ -184,4 +200,21 @@ int main(int argc, char **argv)
         });
     onlyInstance.claim();
     return QGuiApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (const auto answered = app::answerCommandLine(argc, argv))
+        return *answered;
+    if (!app::displayIsThere())
+        return 1;
+    QString path;
+    const int status = run(argc, argv, path);
+    if (status != app::replacementStatus)
+        return status;
+    app::continueAs(path);
+    std::fputs("brimwatch: was upgraded while it ran, and cannot start the new program\n", stderr);
+    return 1;
 }

@@ -36,10 +36,11 @@ inline void emptyHome()
 /// The program in a process of its own, on the test's display and bus.
 class Program {
 public:
-    explicit Program(const QProcessEnvironment &environment = usual())
+    explicit Program(const QProcessEnvironment &environment = usual(),
+        const QString &program = QStringLiteral(BRIMWATCH_PROGRAM))
     {
         m_process.setProcessEnvironment(environment);
-        m_process.start(QStringLiteral(BRIMWATCH_PROGRAM), QStringList());
+        m_process.start(program, QStringList());
         m_process.waitForStarted(patience);
     }
     ~Program()
@@ -72,6 +73,7 @@ public:
         return environment;
     }
 
+    qint64 pid() const { return m_process.processId(); }
     void send(int signal) { ::kill(static_cast<pid_t>(m_process.processId()), signal); }
     void crash()
     {

@@ -140,6 +140,30 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(announce() && daemon.stats()->requests > before, patience);
     }
 
+    void upgradedBeforeThePopoverIsLoadedItGoesOnAsTheNewProgram()
+    {
+        const QString path = QDir::home().filePath(u"brimwatch"_s);
+        const QString upgrade = QDir::home().filePath(u"brimwatch.new"_s);
+        QVERIFY(QFile::copy(QStringLiteral(BRIMWATCH_PROGRAM), path));
+        QVERIFY(QFile::copy(QStringLiteral(BRIMWATCH_PROGRAM), upgrade));
+        Program program(Program::usual(), path);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        const QString owner = m_caller.owner();
+        const QString link = u"/proc/%1/exe"_s.arg(program.pid());
+        QCOMPARE(QFile::symLinkTarget(link), path);
+
+        // As package managers do.
+        QCOMPARE(::rename(qPrintable(upgrade), qPrintable(path)), 0);
+        QVERIFY(QFile::symLinkTarget(link) != path);
+        QCOMPARE(m_caller.call(u"Toggle"_s).type(), QDBusMessage::ReplyMessage);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, patience);
+        QVERIFY(!program.hasEnded());
+        QCOMPARE(QFile::symLinkTarget(link), path);
+        QVERIFY(m_caller.owner() != owner);
+        QCOMPARE(m_caller.call(u"Toggle"_s).type(), QDBusMessage::ReplyMessage);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 0, patience);
+    }
+
     void itEndsWhenOthersSaySo()
     {
         Program program;

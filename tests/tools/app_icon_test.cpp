@@ -52,6 +52,7 @@ class AppIconTest : public QObject {
 
 private Q_SLOTS:
     void theIconHoldsOurDrawingInEverySizeThatIsAskedFor();
+    void aPictureIsAsLargeAsItIsAskedFor();
     void whatIsNoDrawingMakesNoIcon();
     void aWrongUseIsSaid();
 
@@ -78,6 +79,18 @@ void AppIconTest::theIconHoldsOurDrawingInEverySizeThatIsAskedFor()
     QCOMPARE(sides, expected);
 }
 
+void AppIconTest::aPictureIsAsLargeAsItIsAskedFor()
+{
+    for (const int side : {16, 22, 512}) {
+        const QString path = m_folder.filePath(u"icon.png"_s);
+        QCOMPARE(run({QStringLiteral(BRIMWATCH_DRAWING), path, QString::number(side)}), 0);
+        const QImage picture(path, "PNG");
+        QCOMPARE(picture.size(), QSize(side, side));
+        QCOMPARE(picture.pixelColor(0, 0).alpha(), 0);
+        QCOMPARE(picture.pixelColor(side / 2, side / 2).alpha(), 255);
+    }
+}
+
 void AppIconTest::whatIsNoDrawingMakesNoIcon()
 {
     const QString path = m_folder.filePath(u"none.icns"_s);
@@ -89,6 +102,11 @@ void AppIconTest::whatIsNoDrawingMakesNoIcon()
 void AppIconTest::aWrongUseIsSaid()
 {
     QCOMPARE(run({}), 2);
+    for (const auto &side : {u"0"_s, u"-1"_s, u"large"_s, u"4097"_s}) {
+        const QString path = m_folder.filePath(u"wrong.png"_s);
+        QCOMPARE(run({QStringLiteral(BRIMWATCH_DRAWING), path, side}), 2);
+        QVERIFY(!QFile::exists(path));
+    }
 }
 
 QTEST_GUILESS_MAIN(AppIconTest)

@@ -1,5 +1,7 @@
 // brimwatch-app-icon DRAWING.svg ICON.icns: the drawing in the sizes that macOS asks for, in one
 // file.
+// brimwatch-app-icon DRAWING.svg PICTURE.png SIDE: the drawing as one picture, SIDE pixels wide and
+// high.
 //
 // An icns file is a header, then for each picture four letters, its length with these eight bytes,
 // and the picture as a PNG file; numbers are big-endian.
@@ -14,6 +16,7 @@
 
 #include <array>
 #include <cstdio>
+#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -61,14 +64,47 @@ void append(QByteArray &bytes, const char *letters, const QByteArray &content)
     bytes.append(content);
 }
 
+QByteArray icns(QSvgRenderer &drawing)
+{
+    QByteArray content;
+    for (const Picture &picture : pictures) {
+        const QByteArray encoded = png(drawing, picture.side);
+        if (encoded.isEmpty())
+            return {};
+        append(content, picture.letters, encoded);
+    }
+    QByteArray icon;
+    append(icon, "icns", content);
+    return icon;
+}
+
+/// A picture's side in pixels; absent when the text is none.
+std::optional<int> sideOf(const char *text)
+{
+    constexpr int largest = 4096;
+    bool isNumber = false;
+    const int side = QByteArray(text).toInt(&isNumber);
+    return isNumber && side > 0 && side <= largest ? std::optional(side) : std::nullopt;
+}
+
+int wrongUsage()
+{
+    std::fputs("Usage: brimwatch-app-icon DRAWING.svg ICON.icns\n"
+               "       brimwatch-app-icon DRAWING.svg PICTURE.png SIDE\n",
+        stderr);
+    return 2;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    if (argc != 3) {
-        std::fputs("Usage: brimwatch-app-icon DRAWING.svg ICON.icns\n", stderr);
-        return 2;
-    }
+    constexpr int withSide = 4;
+    if (argc != withSide - 1 && argc != withSide)
+        return wrongUsage();
+    const auto side = argc == withSide ? sideOf(argv[3]) : std::nullopt;
+    if (argc == withSide && !side)
+        return wrongUsage();
     QFile file(QString::fromLocal8Bit(argv[1]));
     if (!file.open(QIODevice::ReadOnly)) {
         std::fprintf(
@@ -80,17 +116,11 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "brimwatch-app-icon: %s is no drawing\n", argv[1]);
         return 1;
     }
-    QByteArray content;
-    for (const Picture &picture : pictures) {
-        const QByteArray encoded = png(drawing, picture.side);
-        if (encoded.isEmpty()) {
-            std::fputs("brimwatch-app-icon: a picture cannot be written as PNG\n", stderr);
-            return 1;
-        }
-        append(content, picture.letters, encoded);
+    const QByteArray icon = side ? png(drawing, *side) : icns(drawing);
+    if (icon.isEmpty()) {
+        std::fputs("brimwatch-app-icon: a picture cannot be written as PNG\n", stderr);
+        return 1;
     }
-    QByteArray icon;
-    append(icon, "icns", content);
     QSaveFile out(QString::fromLocal8Bit(argv[2]));
     if (!out.open(QIODevice::WriteOnly) || out.write(icon) != icon.size() || !out.commit()) {
         std::fprintf(

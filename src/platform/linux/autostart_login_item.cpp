@@ -37,7 +37,7 @@ const QString newEntry = u"[Desktop Entry]\n"
                          "Type=Application\n"
                          "Name=Brimwatch\n"
                          "Comment=Shows in the panel how much Antigravity model quota is left\n"
-                         "Icon=brimwatch\n"
+                         "Icon=" BRIMWATCH_IDENTIFIER "\n"
                          "Terminal=false\n"_s;
 
 /// Whether the entry would start something, were it not switched off.

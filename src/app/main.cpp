@@ -12,6 +12,7 @@
 #include "platform/linux/desktop_appearance.h"
 #include "platform/linux/desktop_notifier.h"
 #include "platform/linux/desktop_opener.h"
+#include "platform/linux/kwin_panels.h"
 #include "platform/linux/label_painter.h"
 #include "platform/linux/layer_popover.h"
 #include "platform/linux/linux_app_information.h"
@@ -132,10 +133,13 @@ private:
 
     static bool onX11() { return QGuiApplication::platformName() == "xcb"_L1; }
 
-    static std::unique_ptr<platform::Popover> makePopover(platform::PopoverContentFactory factory)
+    std::unique_ptr<platform::Popover> makePopover(platform::PopoverContentFactory factory)
     {
         if (platform::LayerSurface::isOffered())
-            return std::make_unique<platform::LayerPopover>(std::move(factory));
+            return std::make_unique<platform::LayerPopover>(
+                std::move(factory), [this](const QSize &desktop) {
+                    return platform::kwinPanels(desktop, m_xConnection);
+                });
         if (!onX11())
             return std::make_unique<platform::WindowPopover>(std::move(factory));
         if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))

@@ -10,6 +10,7 @@
 #include "platform/linux/desktop_appearance.h"
 #include "platform/linux/desktop_notifier.h"
 #include "platform/linux/desktop_opener.h"
+#include "platform/linux/kwin_panels.h"
 #include "platform/linux/label_painter.h"
 #include "platform/linux/layer_popover.h"
 #include "platform/linux/linux_app_information.h"
@@ -61,11 +62,16 @@ platform::PopoverContentFactory unlessReplaced(platform::PopoverContentFactory f
     };
 }
 
-std::unique_ptr<platform::Popover> makePopover(platform::PopoverContentFactory views)
+/// The popover of this session. The connection outlives it.
+std::unique_ptr<platform::Popover> makePopover(
+    platform::PopoverContentFactory views, const platform::XConnection &xConnection)
 {
     auto factory = unlessReplaced(std::move(views));
     if (platform::LayerSurface::isOffered())
-        return std::make_unique<platform::LayerPopover>(std::move(factory));
+        return std::make_unique<platform::LayerPopover>(
+            std::move(factory), [&xConnection](const QSize &desktop) {
+                return platform::kwinPanels(desktop, xConnection);
+            });
     if (!onX11())
         return std::make_unique<platform::WindowPopover>(std::move(factory));
     if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
@@ -105,7 +111,10 @@ public:
               .symbols = m_symbols,
               .information = platform::linuxAppInformation(),
               .makeStatusItem = [this] { return makeStatusItem(); },
-              .makePopover = makePopover,
+              .makePopover =
+                  [this](platform::PopoverContentFactory views) {
+                      return makePopover(std::move(views), m_xConnection);
+                  },
               .remoteControl = &m_remoteControl})
     {
     }

@@ -67,6 +67,19 @@ private Q_SLOTS:
         QCOMPARE(likelyItemPlace(QRect(100, 0, 1280, 720), workArea), QRect(place, QSize(1, 1)));
     }
 
+    void aLayerKeepsOffPanelsAtTheEdgesThatItHangsFrom()
+    {
+        using enum LayerPlace::Edge;
+        const QMargins panels(40, 36, 0, 44);
+        const LayerPlace above{.edges = Top | Left, .margins = QMargins(900, 0, 0, 0)};
+        QCOMPARE(keptOff(panels, above).margins, QMargins(900, 36, 0, 0));
+        const LayerPlace below{.edges = Bottom | Left, .margins = QMargins(0, 0, 0, 0)};
+        QCOMPARE(keptOff(panels, below).margins, QMargins(40, 0, 0, 44));
+        const LayerPlace whole{.edges = Top | Bottom | Right};
+        QCOMPARE(keptOff(panels, whole).margins, QMargins(0, 36, 0, 44));
+        QCOMPARE(keptOff(QMargins(), above).margins, above.margins);
+    }
+
     void onALayerThePopoverHangsFromTheEdgeNextToTheItem_data()
     {
         using enum LayerPlace::Edge;

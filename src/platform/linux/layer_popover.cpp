@@ -69,9 +69,10 @@ private:
     std::unique_ptr<LayerSurface> m_surface;
 };
 
-LayerPopover::LayerPopover(PopoverContentFactory factory, QObject *parent)
+LayerPopover::LayerPopover(PopoverContentFactory factory, PanelRoom panelRoom, QObject *parent)
     : Popover(parent)
     , m_factory(std::move(factory))
+    , m_panelRoom(std::move(panelRoom))
 {
     m_patience.setSingleShot(true);
     m_patience.setInterval(patience);
@@ -180,6 +181,10 @@ void LayerPopover::showContent(QScreen *screen, const LayerPlace &place)
 {
     m_patience.stop();
     LayerPlace wanted = place;
+    // Read each time: panels come, go and move.
+    const QScreen *any = QGuiApplication::primaryScreen();
+    if (m_panelRoom && any != nullptr)
+        wanted = keptOff(m_panelRoom(any->virtualSize()), place);
     wanted.takesKeyboard = true;
     m_surface = LayerSurface::show(m_content->window(), screen, wanted);
     if (!m_surface) {

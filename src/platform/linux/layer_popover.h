@@ -4,9 +4,11 @@
 #include "platform/popover.h"
 #include "platform/popover_content.h"
 
+#include <QMargins>
 #include <QPointer>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -22,7 +24,12 @@ class LayerPopover final : public Popover {
     Q_OBJECT
 
 public:
-    explicit LayerPopover(PopoverContentFactory factory, QObject *parent = nullptr);
+    /// The room of panels that the compositor does not keep layers off by itself, on a desktop of
+    /// that size.
+    using PanelRoom = std::function<QMargins(const QSize &desktop)>;
+
+    explicit LayerPopover(
+        PopoverContentFactory factory, PanelRoom panelRoom = {}, QObject *parent = nullptr);
     ~LayerPopover() override;
 
     bool isShown() const override;
@@ -44,6 +51,7 @@ private:
     void showAtLikelyPlace();
 
     PopoverContentFactory m_factory;
+    PanelRoom m_panelRoom;
     std::unique_ptr<PopoverContent> m_content;
     std::vector<std::unique_ptr<Catcher>> m_catchers;
     std::unique_ptr<LayerSurface> m_surface; ///< The content's, while it shows.

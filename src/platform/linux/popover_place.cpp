@@ -86,4 +86,17 @@ LayerPlace cornerLayer(const QSize &size, const QSize &screen)
     return fitted({.edges = LayerPlace::Top | LayerPlace::Right, .size = size}, screen);
 }
 
+LayerPlace keptOff(const QMargins &panels, LayerPlace place)
+{
+    const auto keep = [&place](LayerPlace::Edge edge, int margin, int panel) {
+        return (place.edges & edge) != 0 ? std::max(margin, panel) : margin;
+    };
+    const QMargins margins = place.margins;
+    place.margins = QMargins(keep(LayerPlace::Left, margins.left(), panels.left()),
+        keep(LayerPlace::Top, margins.top(), panels.top()),
+        keep(LayerPlace::Right, margins.right(), panels.right()),
+        keep(LayerPlace::Bottom, margins.bottom(), panels.bottom()));
+    return place;
+}
+
 } // namespace brimwatch::platform

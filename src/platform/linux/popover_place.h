@@ -2,6 +2,7 @@
 
 #include "platform/linux/layer_shell.h"
 
+#include <QMargins>
 #include <QRect>
 #include <QSize>
 
@@ -24,5 +25,8 @@ QRect likelyItemPlace(const QRect &screen, const QRect &workArea);
 LayerPlace popoverLayer(const QPoint &item, const QSize &size, const QSize &screen);
 /// The same where nobody knows of an item: in the top right corner.
 LayerPlace cornerLayer(const QSize &size, const QSize &screen);
+
+/// The place, but off panels that take that room at the edges of the screen.
+LayerPlace keptOff(const QMargins &panels, LayerPlace place);
 
 } // namespace brimwatch::platform

@@ -1,0 +1,110 @@
+#!/bin/bash
+# gnome-plain_test.sh gnome-plain   drives the program where no panel takes its item: on GNOME without extensions.
+#
+# The program and the sample daemon are those of $BRIMWATCH_BUILD (default build/dev). Logs and pictures stay in
+# $BRIMWATCH_PANEL_LOGS (default build/panels)/gnome-plain. Prints a line a check and `N passed, N failed` last. Takes
+# more than a minute, for so long the program waits for a panel.
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+PROGRAM=gnome-plain_test
+# shellcheck source=../../tools/lib/common.sh
+. "$root/tools/lib/common.sh"
+
+if [ "$*" != gnome-plain ]; then
+    sed -n '2,7s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
+    exit 2
+fi
+script=$root/tools/panels/gnome-plain.sh
+build=${BRIMWATCH_BUILD:-$root/build/dev}
+out=${BRIMWATCH_PANEL_LOGS:-$root/build/panels}/gnome-plain
+desktop=gnome-plain
+# shellcheck source=../support/desktop_test.sh
+. "$root/tests/support/desktop_test.sh"
+
+requests() { grep -c '^request ' "$out/daemon.log"; }
+asked_more_than() { [ "$(requests)" -gt "$1" ]; }
+
+# How often the first who said it did: the shell's own server hands each on, which is seen on the bus once more.
+told()
+{
+    awk '/^method call/ { sender = $4 }
+        /string "Brimwatch is running, but no panel shows it"/ { if (first == "") first = sender; said[sender]++ }
+        END { print said[first] + 0 }' "$out/notifications.log"
+}
+told_once() { [ "$(told)" = 1 ]; }
+
+second_start() { timeout 30 "$program" 2>"$out/second.log" && grep -q 'its popover is open now' "$out/second.log"; }
+
+# Where panels have their items, and off the panel.
+in_the_corner()
+{
+    local x y width height
+    read -r x y width height < <(popover_place)
+    [ $((x + width)) -le "$screen_width" ] && [ $((x + width)) -ge $((screen_width - 16)) ] && [ "$y" -ge 20 ] && [ "$y" -le 64 ]
+}
+
+# The notification's banner drops from the top, in the middle, on a black desktop.
+banner_place()
+{
+    shot now
+    convert "$out/pictures/now.png" -fill black -colorize 100 "$out/pictures/black.png"
+    largest_difference "$out/pictures/black.png" "$out/pictures/now.png" "$((screen_width / 2))x160+$((screen_width / 4))+32"
+}
+banner_shown() { [ -n "$(banner_place)" ]; }
+no_banner_shown() { ! banner_shown; }
+
+click_banner()
+{
+    # shellcheck disable=SC2046
+    click $(middle_of $(banner_place)) 1
+}
+
+# The play ---------------------------------------------------------------------------------------
+"$script" start "$session" >/dev/null 2>"$out/session.log" || {
+    cat "$out/session.log" >&2
+    die "the session does not start, logs in $session/log"
+}
+# shellcheck source=/dev/null
+. "$session/env"
+HELPERS=$("$root/tools/panels/helpers.sh")
+PANELS=$root/tools/panels
+# shellcheck source=../../tools/panels/item.sh
+. "$root/tools/panels/item.sh"
+shot screen
+read -r screen_width screen_height < <(identify -format '%w %h' "$out/pictures/screen.png")
+click 40 $((screen_height - 60)) 0
+
+dbus-monitor --session "interface='org.freedesktop.Notifications',member='Notify'" >"$out/notifications.log" &
+monitor_pid=$!
+disown
+"$daemon" --speed 0 --log >"$out/daemon.log" 2>&1 &
+daemon_pid=$!
+disown
+wait_for 30 grep -q '^ready ' "$out/daemon.log" || die "the sample daemon did not start, see $out/daemon.log"
+"$program" >"$out/program.log" 2>&1 &
+program_pid=$!
+disown
+
+needed "the program works without a place for its item" wait_for 30 asked_more_than 0
+check "it shows nothing by itself" hidden
+check "nothing of it is in the panel" nothing_embedded "$program_pid"
+check "a second start opens the popover, and ends well" second_start
+check "it is shown" wait_for 30 shown
+check "in the corner where panels have their items" in_the_corner
+shot open
+asked=$(requests)
+key ctrl+r
+check "it has the keyboard: Ctrl+R refreshes" wait_for 30 asked_more_than "$asked"
+key Escape
+check "Escape closes it" wait_for 30 hidden
+
+# The shell announces something itself as it starts.
+needed "the desktop announces nothing now" wait_for 60 no_banner_shown
+check "after a minute a notification says what to do" wait_for 120 told_once
+check "it is remembered for the session" wait_for 10 test -f "$XDG_RUNTIME_DIR/brimwatch.no-panel-told"
+if check "the desktop shows it" wait_for 30 banner_shown; then
+    shot notification
+    click_banner
+    check "a click on it opens the popover" wait_for 30 shown
+fi
+check "it was said once" told_once

@@ -64,7 +64,7 @@ platform::PopoverContentFactory unlessReplaced(platform::PopoverContentFactory f
 
 /// The popover of this session. The connection outlives it.
 std::unique_ptr<platform::Popover> makePopover(
-    platform::PopoverContentFactory views, const platform::XConnection &xConnection)
+    platform::PopoverContentFactory views, platform::XConnection &xConnection)
 {
     auto factory = unlessReplaced(std::move(views));
     if (platform::LayerSurface::isOffered())

@@ -39,17 +39,19 @@ QDBusMessage readingCall()
 
 ProgramError errorOf(const QDBusMessage &answer)
 {
-    const ProgramError notRunning{
-        .kind = ProgramError::Kind::NotRunning, .message = u"Brimwatch is not running"_s};
+    const auto notRunning = [] {
+        return ProgramError{
+            .kind = ProgramError::Kind::NotRunning, .message = u"Brimwatch is not running"_s};
+    };
     // What the bus says of a name that it is not to start; the library has no number for it.
     if (answer.errorName() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1)
-        return notRunning;
+        return notRunning();
     switch (QDBusError(answer).type()) {
     case QDBusError::ServiceUnknown:
     case QDBusError::Disconnected:
     case QDBusError::NoServer:
     case QDBusError::InternalError:
-        return notRunning;
+        return notRunning();
     case QDBusError::NoReply:
     case QDBusError::Timeout:
     case QDBusError::TimedOut:

@@ -147,11 +147,11 @@ past_the_guard() { sleep 0.4; }
 
 # Coming and going -------------------------------------------------------------------------------
 restarts_wanted=${BRIMWATCH_PANEL_RESTARTS:-5}
-# What the program may have grown by then, in KiB of its proportional share. The allocator keeps some of what was
+# What the program may have grown by then, in KiB of what it alone has written to. The allocator keeps some of what was
 # freed; a presentation that stays behind costs more than that within a hundred restarts.
 growth_allowed=1024
 
-memory() { awk '$1 == "Pss:" { print $2 }' "/proc/$program_pid/smaps_rollup"; }
+memory() { awk '$1 == "Private_Dirty:" { print $2 }' "/proc/$program_pid/smaps_rollup"; }
 
 restart_panel()
 {
@@ -328,11 +328,12 @@ if [ "$restarts" = yes ]; then
         check "which shows the quota" locate_item && wait_for 30 label_has green
     fi
 fi
-if [ -f "$session/sway.pid" ]; then
-    end_at_once sway
-else
-    end_at_once xvfb
-fi
+case $panel in
+    sway | swaybar) end_at_once sway ;;
+    # Its compositor outlives the display that it draws on.
+    plasma-wayland) end_at_once kwin ;;
+    *) end_at_once xvfb ;;
+esac
 check "when the display goes, the program ends" wait_for 5 gone "$program_pid"
 if [ "$restarts" = yes ]; then
     check "with status 1, not by a crash" has_ended_with 1

@@ -24,7 +24,7 @@ export restarts bus
 look_at_screen()
 {
     shot screen
-    read -r screen_width screen_height < <(identify -format '%w %h' "$out/pictures/screen.png")
+    read -r screen_width screen_height < <(identify -format '%w %h\n' "$out/pictures/screen.png")
     panel_strip=$((screen_width / 3))x40+$((screen_width - screen_width / 3))+0
 }
 

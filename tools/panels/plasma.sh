@@ -122,14 +122,13 @@ on_screen()
     inside ${outer:+env DISPLAY="$outer"} "$@"
 }
 
-# It takes items and shows windows well before it draws itself: the middle of its row is then still wallpaper, which is
-# black. A compositor may let some of that through.
+# It takes items and shows windows well before it draws itself: the middle of its row is then still wallpaper.
 panel_is_drawn()
 {
     local y=2
     [ "${PANEL_POS:-3}" = 4 ] && y=$((${SIZE#*x} - 3))
     [ "${PANEL_POS:-3}" -ge 5 ] ||
-        [ "$(on_screen import -silent -window root -crop "400x1+$((${SIZE%x*} / 2))+$y" +repage -format '%k %[fx:mean>0.5]' info:)" = "1 1" ]
+        [ "$(on_screen import -silent -window root -crop "400x1+$((${SIZE%x*} / 2))+$y" +repage -format '%k %[fx:mean>0.8]' info:)" = "1 1" ]
 }
 
 panel_ready()

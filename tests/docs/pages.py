@@ -1,0 +1,66 @@
+#!/usr/bin/env python3
+"""pages.py ROOT   links between pages lead somewhere, and docs/settings.md tells of the settings that there are."""
+
+import pathlib
+import re
+import sys
+
+ROOT = pathlib.Path(sys.argv[1])
+
+
+def anchors(page):
+    """What headings are called in links."""
+    headings = re.findall(r"^#+ (.*)$", page.read_text(encoding="utf-8"), flags=re.M)
+    return {re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-") for heading in headings}
+
+
+def broken_links():
+    pages = [ROOT / "README.md", ROOT / "CONTRIBUTING.md", ROOT / "CHANGELOG.md", *sorted((ROOT / "docs").glob("*.md"))]
+    links = 0
+    for page in pages:
+        for target in re.findall(r"\]\(([^)\s]+)\)", page.read_text(encoding="utf-8")):
+            if re.match(r"[a-z]+:", target):
+                continue
+            links += 1
+            path, _, anchor = target.partition("#")
+            aim = (page.parent / path).resolve() if path else page
+            if not aim.exists():
+                yield f"{page.relative_to(ROOT)}: nothing at {target}"
+            elif anchor and anchor not in anchors(aim):
+                yield f"{page.relative_to(ROOT)}: no heading for {target}"
+    if links < 20:
+        yield f"only {links} links were found: the search is broken"
+    for page in sorted((ROOT / "docs").glob("*.md")):
+        if not any(f"{page.name}" in other.read_text(encoding="utf-8") for other in pages if other != page):
+            yield f"no page leads to docs/{page.name}"
+
+
+def wrong_settings():
+    source = (ROOT / "src/service/settings.h").read_text(encoding="utf-8")
+    known = {key: fallback.strip('"') for key, fallback in
+             re.findall(r'\.key = "(\w+)",\s*\.fallback = ("?[\w.]+"?)', source)}
+    page = (ROOT / "docs/settings.md").read_text(encoding="utf-8")
+    told = {key: default for key, default in re.findall(r"^\| [^|]+ \| `(\w+)` \| ([^|]+) \|", page, flags=re.M)}
+    if len(known) < 10:
+        yield f"only {len(known)} settings were found: the search is broken"
+    for key in known.keys() - told.keys():
+        yield f"docs/settings.md does not tell of {key}"
+    for key in told.keys() - known.keys():
+        yield f"docs/settings.md: there is no setting {key}"
+    for key in known.keys() & told.keys():
+        if known[key].removesuffix(".0") != told[key].strip():
+            yield f"docs/settings.md: the default of {key} is {known[key]}"
+    view = (ROOT / "src/views/SettingsView.qml").read_text(encoding="utf-8")
+    for name in re.findall(r"^\| ([^|]+) \| (?:`\w+`)? ?\|", page, flags=re.M):
+        if not re.search(rf'"{re.escape(name)}:?"', view):
+            yield f"docs/settings.md: the settings show no {name}"
+
+
+def main():
+    wrong = [*broken_links(), *wrong_settings()]
+    print("\n".join(wrong) or "all links lead somewhere, all settings are told of")
+    return 1 if wrong else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,153 @@
+#!/bin/bash
+# pictures.sh [NAME...]   takes the pictures of the documentation anew, from the real program
+#
+#   desktop   the label and the popover on the Xfce panel, light and dark
+#   faces     the settings, and the popover while the daemon does not answer
+#   bars      waybar, i3blocks, polybar and tmux with the examples for them
+#
+# Without NAMEs all of them. They go to $BRIMWATCH_PICTURES (default docs/pictures). Packages that are missing are
+# installed, given root or sudo without a password.
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+PROGRAM=pictures
+# shellcheck source=lib/common.sh
+. "$root/tools/lib/common.sh"
+
+# The part of it that runs in a session, with the folder of the part that does not.
+inside=''
+if [ "${1:-}" = --inside ] && [ $# = 2 ]; then
+    inside=1 work=$2
+    set -- faces
+fi
+names=("$@")
+[ ${#names[@]} -gt 0 ] || names=(desktop faces bars)
+for name in "${names[@]}"; do
+    case $name in
+        desktop | faces | bars) ;;
+        *)
+            sed -n '2,9s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
+            exit 2
+            ;;
+    esac
+done
+bars=(waybar i3blocks polybar tmux)
+purposes=(build run panel-xfce4)
+[[ " ${names[*]} " != *" bars "* ]] || purposes+=(bars)
+[[ " ${names[*]} " != *" faces "* ]] || purposes+=(panel-trayer)
+[ -n "${BRIMWATCH_PACKAGES_CHECKED:-}$inside" ] || "$root/tools/lib/packages.sh" "${purposes[@]}"
+
+build=${BRIMWATCH_BUILD:-$root/build/release}
+if [ -z "$inside" ]; then
+    out=${BRIMWATCH_PICTURES:-$root/docs/pictures}
+    mkdir -p "$out"
+    out=$(cd "$out" && pwd)
+    work=$(mktemp -d "${TMPDIR:-/tmp}/brimwatch-pictures.XXXXXX")
+    trap 'rm -rf "$work"' EXIT
+    trap 'exit 130' INT TERM
+fi
+# shellcheck source=lib/build.sh
+. "$root/tools/lib/build.sh"
+build_programs() { [ -n "${BRIMWATCH_BUILD:-}" ] || build_preset release || exit 1; }
+
+# keep FILE.png NAME: as one of the documentation's, without what would differ from day to day but the picture.
+keep()
+{
+    convert "$1" -strip -define png:compression-level=9 -define png:exclude-chunks=date,time "$out/$2.png"
+    say "$out/$2.png"
+}
+
+desktop()
+{
+    # Without a display it shows itself on a virtual one.
+    env -u DISPLAY -u WAYLAND_DISPLAY "$root/run" --demo --pictures "$work/desktop" >"$work/log" 2>&1 || {
+        tail -n 20 "$work/log" >&2
+        die "./run took no pictures"
+    }
+    local name
+    for name in label-light label-dark popover-light popover-dark; do keep "$work/desktop/$name.png" "$name"; done
+}
+
+# in_a_session COMMAND...: on a display and a bus of their own.
+in_a_session()
+{
+    BRIMWATCH_PACKAGES_CHECKED=1 "$root/tools/panels/trayer.sh" run "$work/session" -- "$@" >>"$work/log" 2>&1 ||
+        die "no picture: $(tail -n 3 "$work/log")"
+}
+
+# take_faces, inside: what the program shows without a daemon, and its settings with one.
+take_faces()
+{
+    local program daemon
+    HELPERS=$("$root/tools/panels/helpers.sh")
+    # shellcheck source=panels/item.sh
+    . "$root/tools/panels/item.sh"
+    mkdir -p "$HOME/.gemini/antigravity/daemon"
+    "$build/src/app/brimwatch" &
+    program=$!
+    wait_for 30 is_offline || die "the program does not answer"
+    "$build/src/cli/brimwatchctl" toggle
+    shoot_popover "$program" offline
+    "$build/src/cli/brimwatchctl" toggle
+    "$build/tools/sample-daemon/brimwatch-sample-daemon" --speed 0 >"$work/daemon" &
+    daemon=$!
+    wait_for 30 grep -q '^ready ' "$work/daemon" || die "the sample daemon did not start"
+    "$build/src/cli/brimwatchctl" refresh
+    "$build/src/cli/brimwatchctl" settings
+    shoot_popover "$program" settings
+    end_process "$program"
+    end_process "$daemon"
+}
+
+is_offline() { [ "$("$build/src/cli/brimwatchctl" status --template '{source} {state}')" = "program offline" ]; }
+
+# settled FILE.png GEOMETRY: takes pictures until two in a row agree.
+settled()
+{
+    "$root/tools/panels/shot.sh" "$work/one.png" "$2" && "$root/tools/panels/shot.sh" "$1" "$2" && ! differ "$work/one.png" "$1"
+}
+
+# shoot_popover PID NAME
+shoot_popover()
+{
+    wait_for 30 popover_open "$1" || die "the popover does not open"
+    # shellcheck disable=SC2046
+    wait_for 30 settled "$work/$2.png" "$(geometry_of $(popover_places "$1" | head -n 1))" || die "the popover does not come to rest"
+}
+
+faces()
+{
+    build_programs
+    in_a_session "${BASH_SOURCE[0]}" --inside "$work"
+    keep "$work/offline.png" offline
+    keep "$work/settings.png" settings
+}
+
+# Where the bar has our text.
+place_in()
+{
+    case $1 in
+        tmux) echo 560x24+460+198 ;;
+        *) echo 560x26+720+0 ;;
+    esac
+}
+
+bars()
+{
+    local bar
+    build_programs
+    for bar in "${bars[@]}"; do
+        # Their test shows the quota in the bar and takes pictures on the way.
+        BRIMWATCH_BUILD=$build BRIMWATCH_BAR_LOGS=$work/bars "$root/tests/bars/bar_test.sh" "$bar" >"$work/log" 2>&1 || {
+            grep FAILED "$work/log" >&2 || tail -n 5 "$work/log" >&2
+            die "$bar does not show what it should"
+        }
+        convert "$work/bars/$bar/pictures/running.png" -crop "$(place_in "$bar")" +repage "$work/$bar.png"
+        keep "$work/$bar.png" "bar-$bar"
+    done
+}
+
+if [ -n "$inside" ]; then
+    take_faces
+else
+    for name in "${names[@]}"; do "$name"; done
+fi

@@ -66,6 +66,20 @@ flags()
 # Of two that fit, the last one counts.
 cut_paths="-ffile-prefix-map=$root=. -ffile-prefix-map=$build=build"
 log=$build/package.log
+# Resources have one date whatever the commit, so that what was built before does not keep another.
+build_targets() { env -u SOURCE_DATE_EPOCH QT_RCC_SOURCE_DATE_OVERRIDE=1 QT_HASH_SEED=0 cmake --build "$build" --target "$@"; }
+# What is made of the QML files, before it is built; what is as it should be keeps its date.
+compile_qml()
+{
+    local file files
+    mapfile -t files < <(ninja -C "$build" -t targets all | sed -n 's|^\(src/views/\.rcc/qmlcache/.*_qml\.cpp\): .*|\1|p')
+    [ ${#files[@]} -gt 0 ] || { echo "no target is made of QML files"; return 1; }
+    build_targets "${files[@]}" || return
+    for file in "${files[@]}"; do
+        awk -f "$here/steady-order.awk" "$build/$file" >"$build/ordered" || return
+        cmp -s "$build/ordered" "$build/$file" || cp "$build/ordered" "$build/$file" || return
+    done
+}
 say "Building the package in $build ..."
 {
     cmake -S "$root" -B "$build" -G Ninja \
@@ -78,7 +92,8 @@ say "Building the package in $build ..."
         -DCMAKE_SHARED_LINKER_FLAGS="$(flags LDFLAGS)" \
         -DBRIMWATCH_ZSH_COMPLETIONS=share/zsh/vendor-completions \
         -DBRIMWATCH_TESTS=OFF -DBRIMWATCH_SAMPLE_DAEMON=OFF -DBRIMWATCH_PRECOMPILED_HEADERS=ON &&
-        cmake --build "$build" --target brimwatch brimwatchctl brimwatch_views brimwatch_fetch brimwatch_icons
+        compile_qml &&
+        build_targets brimwatch brimwatchctl brimwatch_views brimwatch_fetch brimwatch_icons
 } >"$log" 2>&1 || {
     tail -n 40 "$log" >&2
     die "building failed; the whole of it is in $log"

@@ -37,17 +37,6 @@ desktop=$server
 
 program_runs() { alive "$program_pid"; }
 
-requests() { grep -c '^request ' "$out/daemon.log"; }
-asked_more_than() { [ "$(requests)" -gt "$1" ]; }
-
-# Until the daemon was asked again: while a refresh shows, another one is not begun.
-refreshed()
-{
-    asked_more_than "$asked" && return
-    key ctrl+r
-    wait_for 1 asked_more_than "$asked"
-}
-
 # quota FIVE_HOURS WEEK: what the daemon answers from now on. The name shows what a server makes of markup.
 quota()
 {

@@ -76,3 +76,16 @@ popover_place()
 
 shown() { [ -n "$(popover_place)" ]; }
 hidden() { ! shown; }
+
+# What the sample daemon was asked ------------------------------------------------------------------
+requests() { grep -c '^request ' "${out:?}/daemon.log"; }
+asked_more_than() { [ "$(requests)" -gt "$1" ]; }
+
+# Has the popover refresh by its key, until the daemon was asked more than `asked` times: while a refresh shows, another
+# one is not begun, and a window manager gives the keyboard when it has time.
+refreshed()
+{
+    asked_more_than "${asked:?}" && return
+    key ctrl+r
+    wait_for 1 asked_more_than "$asked"
+}

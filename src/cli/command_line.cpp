@@ -60,7 +60,7 @@ Result<void, QString> readStatusOptions(const QStringList &arguments, Options &o
     bool hasFormat = false;
     bool hasTemplate = false;
     for (qsizetype i = 0; i < arguments.size(); ++i) {
-        const QString argument = arguments[i];
+        const QString &argument = arguments[i];
         if (argument == "--watch"_L1) {
             options.watch = true;
         } else if (const auto format = valueOf("--format"_L1, arguments, i)) {

@@ -218,7 +218,7 @@ private Q_SLOTS:
 
     void jsonIsAsItsSchemaSays()
     {
-        const auto check = [this](const QString &output) {
+        const auto check = [](const QString &output) {
             const QString file = QDir::homePath() + "/instance.json"_L1;
             QVERIFY(write(file, output.toUtf8()));
             const auto ended = run(u"/usr/bin/python3"_s,

@@ -333,8 +333,10 @@ private Q_SLOTS:
         const auto counts = [&] {
             return QList<qsizetype>{shown.size(), toggled.size(), settings.size(), quit.size()};
         };
-        QList<qsizetype> expected{member == u"Show"_s, member == u"Toggle"_s,
-            member == u"ShowSettings"_s, member == u"Quit"_s};
+        const auto once
+            = [&member](const QString &called) -> qsizetype { return member == called ? 1 : 0; };
+        QList<qsizetype> expected{
+            once(u"Show"_s), once(u"Toggle"_s), once(u"ShowSettings"_s), once(u"Quit"_s)};
         QTRY_COMPARE(counts(), expected);
     }
 

@@ -3,7 +3,6 @@
 #include "dbus/program_process.h"
 #include "platform/linux/bus_names.h"
 #include "platform/linux/bus_state.h"
-#include "platform/linux/only_instance.h"
 #include "support/sample_daemon_process.h"
 
 #include <QCoreApplication>
@@ -22,6 +21,7 @@
 #include <xcb/xcb.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <memory>
 
 using namespace Qt::Literals::StringLiterals;
@@ -61,27 +61,31 @@ private:
     test::OtherProgram m_program;
 };
 
+/// What an X server answers, freed as the library allocated it.
+template <typename T> std::unique_ptr<T, decltype(&std::free)> owned(T *reply)
+{
+    return {reply, &std::free};
+}
+
 /// How many windows of the popover's size are to be seen.
 int popovers()
 {
     constexpr int leastWidth = 300;
     xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
     const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
-    auto *tree = xcb_query_tree_reply(connection, xcb_query_tree(connection, root), nullptr);
+    const auto tree
+        = owned(xcb_query_tree_reply(connection, xcb_query_tree(connection, root), nullptr));
     int count = 0;
-    for (int i = 0; tree != nullptr && i < xcb_query_tree_children_length(tree); ++i) {
-        const auto window = xcb_query_tree_children(tree)[i];
-        auto *attributes = xcb_get_window_attributes_reply(
-            connection, xcb_get_window_attributes(connection, window), nullptr);
-        auto *geometry
-            = xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window), nullptr);
-        if (attributes != nullptr && geometry != nullptr
-            && attributes->map_state == XCB_MAP_STATE_VIEWABLE && geometry->width >= leastWidth)
+    for (int i = 0; tree && i < xcb_query_tree_children_length(tree.get()); ++i) {
+        const auto window = xcb_query_tree_children(tree.get())[i];
+        const auto attributes = owned(xcb_get_window_attributes_reply(
+            connection, xcb_get_window_attributes(connection, window), nullptr));
+        const auto geometry = owned(
+            xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window), nullptr));
+        if (attributes && geometry && attributes->map_state == XCB_MAP_STATE_VIEWABLE
+            && geometry->width >= leastWidth)
             ++count;
-        free(attributes);
-        free(geometry);
     }
-    free(tree);
     xcb_disconnect(connection);
     return count;
 }

@@ -113,7 +113,7 @@ void PopoverFixture::awaitEndOfRefresh()
         layOut();
 }
 
-void PopoverFixture::layOut()
+void PopoverFixture::layOut() const
 {
     // A picture needs all items in their places.
     static_cast<void>(window().grabWindow());

@@ -72,7 +72,7 @@ public:
 
 private:
     void awaitEndOfRefresh();
-    void layOut();
+    void layOut() const;
 };
 
 } // namespace brimwatch::test

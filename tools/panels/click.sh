@@ -5,9 +5,6 @@ set -eu
 x=$1 y=$2 button=${3:-1}
 here=$(dirname "${BASH_SOURCE[0]}")
 if [ -n "${SWAYSOCK:-}" ]; then
-    if [ "$button" = 0 ]; then
-        exec python3 "$here/vpointer.py" move "$x" "$y"
-    fi
     exec python3 "$here/vpointer.py" click "$x" "$y" "$button"
 fi
 # A nested compositor takes its input from the display around it.

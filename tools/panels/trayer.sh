@@ -1,6 +1,6 @@
 #!/bin/bash
 # trayer (XEmbed alone: nobody watches for SNI items on this bus) with openbox on Xvfb.
-# PANEL_SIZE=28
+# PANEL_SIZE=28 PANEL_POS=top|bottom|left|right MONITOR=0 WIDTH_TYPE=request|percent, for `start` and `panel`
 NAME=trayer
 # shellcheck source=lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -11,9 +11,9 @@ session_start() { start_openbox; }
 
 panel_start()
 {
-    spawn panel trayer --edge top --align right --widthtype request --heighttype pixel \
-        --height "${PANEL_SIZE:-28}" --SetDockType true --SetPartialStrut true --tint 0x303030 \
-        --transparent true --alpha 0
+    spawn panel trayer --edge "${PANEL_POS:-top}" --align right --monitor "${MONITOR:-0}" \
+        --widthtype "${WIDTH_TYPE:-request}" --heighttype pixel --height "${PANEL_SIZE:-28}" \
+        --SetDockType true --SetPartialStrut true --tint 0x303030 --transparent true --alpha 0
 }
 
 # An empty trayer shows no window: what counts is who owns the tray.

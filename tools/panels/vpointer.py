@@ -2,10 +2,11 @@
 """Virtual pointer for wlroots compositors (a headless seat has no pointer at all).
 
 vpointer.py serve                 hold a zwlr_virtual_pointer_v1; obey $XDG_RUNTIME_DIR/vpointer
-vpointer.py move X Y | click X Y BUTTON | scroll X Y STEPS
-No dependency: speaks the Wayland wire protocol itself. Needs BRIMWATCH_PANEL_SIZE=WxH.
+vpointer.py click X Y BUTTON      4 and 5 are the wheel, 0 only moves the pointer there
+Places are those of sway's layout, in which an output may begin left of 0 or above it.
+No dependency: speaks the Wayland wire protocol itself.
 """
-import os, socket, struct, sys, time
+import json, os, socket, struct, subprocess, sys, time
 
 RUN = os.environ["XDG_RUNTIME_DIR"]
 CTL = os.path.join(RUN, "vpointer")
@@ -13,7 +14,6 @@ BTN = {1: 0x110, 2: 0x112, 3: 0x111}            # BTN_LEFT, BTN_MIDDLE, BTN_RIGH
 
 
 def serve():
-    w, h = map(int, os.environ["BRIMWATCH_PANEL_SIZE"].split("x"))
     s = socket.socket(socket.AF_UNIX)
     s.connect(os.path.join(RUN, os.environ["WAYLAND_DISPLAY"]))
 
@@ -51,7 +51,7 @@ def serve():
     now = lambda: int(time.monotonic() * 1000) & 0xffffffff
     frame = lambda: req(5, 4)
 
-    def move(x, y):
+    def move(x, y, w, h):
         req(5, 1, struct.pack("=IIIII", now(), x, y, w, h)); frame()
 
     def button(b, down):
@@ -61,7 +61,7 @@ def serve():
         req(5, 5, struct.pack("=I", 0))
         req(5, 7, struct.pack("=IIii", now(), 0, int(steps * 15 * 256), steps)); frame()
 
-    move(w // 2, h // 2)
+    move(1, 1, 2, 2)
     if os.path.exists(CTL):
         os.unlink(CTL)
     c = socket.socket(socket.AF_UNIX); c.bind(CTL); c.listen(4)
@@ -75,17 +75,31 @@ def serve():
             sys.exit("compositor went away")
         except BlockingIOError:
             pass
-        x, y = int(a[1]), int(a[2])
-        move(x - 3 if x > 3 else x + 3, y); time.sleep(0.05); move(x, y); time.sleep(0.15)
-        if a[0] == "click" and int(a[3]) in BTN:
-            button(int(a[3]), 1); time.sleep(0.05); button(int(a[3]), 0)
-        elif a[0] == "click":
-            scroll(-1 if int(a[3]) == 4 else 1)
+        x, y, number, *size = map(int, a)
+        move(x - 3 if x > 3 else x + 3, y, *size); time.sleep(0.05); move(x, y, *size); time.sleep(0.15)
+        if number in BTN:
+            button(number, 1); time.sleep(0.05); button(number, 0)
+        elif number in (4, 5):
+            scroll(-1 if number == 4 else 1)
         k.sendall(b"ok"); k.close()
+
+
+def layout():
+    """Where sway's layout begins, and its size: a pointer's place is told as a part of it."""
+    outputs = json.loads(subprocess.run(["swaymsg", "-r", "-t", "get_outputs"], check=True, capture_output=True).stdout)
+    rects = [output["rect"] for output in outputs if output["active"]]
+    left, top = min(r["x"] for r in rects), min(r["y"] for r in rects)
+    return left, top, max(r["x"] + r["width"] for r in rects) - left, max(r["y"] + r["height"] for r in rects) - top
+
+
+def click(x, y, number):
+    left, top, width, height = layout()
+    c = socket.socket(socket.AF_UNIX); c.connect(CTL)
+    c.sendall(f"{x - left} {y - top} {number} {width} {height}".encode())
+    return c.recv(8) == b"ok"
 
 
 if __name__ == "__main__":
     if sys.argv[1:2] == ["serve"]:
         serve()
-    c = socket.socket(socket.AF_UNIX); c.connect(CTL); c.sendall(" ".join(sys.argv[1:]).encode())
-    sys.exit(0 if c.recv(8) == b"ok" else 1)
+    sys.exit(0 if click(*map(int, sys.argv[2:5])) else 1)

@@ -2,8 +2,9 @@
  *                              ID X Y WIDTH HEIGHT viewable|hidden toplevel|embedded|inner
  *                            X and Y are those of the inner edge on the screen; `embedded` is a
  * window inside another process's window (an item in a panel), `inner` one inside another window of
- * the same process. x-windows --tray-manager   true (status 0) when somebody owns the tray for
- * XEmbed icons
+ * the same process.
+ * x-windows --tray-manager   true (status 0) when somebody owns the tray for XEmbed icons
+ * x-windows --close PID      asks its outer windows to close, as their close buttons would
  *
  * The server is asked which process a window belongs to: no window needs to say it of itself. */
 #include <stdio.h>
@@ -16,6 +17,7 @@ enum { MaxDepth = 32 };
 
 static xcb_connection_t *x;
 static xcb_window_t root;
+static int closing;
 
 /* The window manager's frame belongs to another process as well: what tells it from a panel's slot
  * is that the window manager gives what it frames a WM_STATE. */
@@ -52,6 +54,26 @@ static long owner(xcb_window_t window)
     return pid;
 }
 
+static xcb_atom_t atom_of(const char *name)
+{
+    xcb_intern_atom_reply_t *reply
+        = xcb_intern_atom_reply(x, xcb_intern_atom(x, 0, (uint16_t)strlen(name), name), NULL);
+    const xcb_atom_t atom = reply ? reply->atom : XCB_ATOM_NONE;
+    free(reply);
+    return atom;
+}
+
+static void ask_to_close(xcb_window_t window)
+{
+    const xcb_client_message_event_t event = {.response_type = XCB_CLIENT_MESSAGE,
+        .format = 32,
+        .window = window,
+        .type = atom_of("WM_PROTOCOLS"),
+        .data.data32 = {atom_of("WM_DELETE_WINDOW"), XCB_CURRENT_TIME}};
+    xcb_send_event(x, 0, window, XCB_EVENT_MASK_NO_EVENT, (const char *)&event);
+    xcb_flush(x);
+}
+
 static void walk(xcb_window_t window, long wanted, long parent_owner, int depth)
 {
     xcb_query_tree_reply_t *tree;
@@ -74,6 +96,8 @@ static void walk(xcb_window_t window, long wanted, long parent_owner, int depth)
                     kind = "toplevel";
                 else if (parent_owner == wanted)
                     kind = "inner";
+                if (closing && strcmp(kind, "toplevel") == 0)
+                    ask_to_close(child);
                 printf("0x%x %d %d %d %d %s %s\n", child, place->dst_x, place->dst_y, size->width,
                     size->height,
                     state->map_state == XCB_MAP_STATE_VIEWABLE ? "viewable" : "hidden", kind);
@@ -92,23 +116,19 @@ static int tray_manager(int screen)
     char name[32];
     int owned = 0;
     snprintf(name, sizeof name, "_NET_SYSTEM_TRAY_S%d", screen);
-    xcb_intern_atom_reply_t *atom
-        = xcb_intern_atom_reply(x, xcb_intern_atom(x, 0, (uint16_t)strlen(name), name), NULL);
-    if (atom) {
-        xcb_get_selection_owner_reply_t *reply
-            = xcb_get_selection_owner_reply(x, xcb_get_selection_owner(x, atom->atom), NULL);
-        owned = reply && reply->owner != XCB_NONE;
-        free(reply);
-    }
-    free(atom);
+    xcb_get_selection_owner_reply_t *reply
+        = xcb_get_selection_owner_reply(x, xcb_get_selection_owner(x, atom_of(name)), NULL);
+    owned = reply && reply->owner != XCB_NONE;
+    free(reply);
     return owned;
 }
 
 int main(int argc, char **argv)
 {
     int screen_number = 0;
-    if (argc != 2) {
-        fprintf(stderr, "usage: x-windows PID | --tray-manager\n");
+    closing = argc == 3 && strcmp(argv[1], "--close") == 0;
+    if (argc != 2 && !closing) {
+        fprintf(stderr, "usage: x-windows [--close] PID | --tray-manager\n");
         return 2;
     }
     x = xcb_connect(NULL, &screen_number);
@@ -124,9 +144,9 @@ int main(int argc, char **argv)
         return tray_manager(screen_number) ? 0 : 1;
 
     char *end = NULL;
-    const long pid = strtol(argv[1], &end, 10);
+    const long pid = strtol(argv[argc - 1], &end, 10);
     if (pid <= 0 || *end != '\0') {
-        fprintf(stderr, "x-windows: not a process id: %s\n", argv[1]);
+        fprintf(stderr, "x-windows: not a process id: %s\n", argv[argc - 1]);
         return 2;
     }
     /* Ids without the version asked first are refused. */

@@ -125,7 +125,7 @@ void LayerPopover::performClose()
     m_patience.stop();
     m_catchers.clear();
     if (m_surface) {
-        m_content->window().hide();
+        m_surface->hide();
         // Later: a key of the window may have closed it, and it hears of that key until it returns.
         m_surface.release()->deleteLater();
     }

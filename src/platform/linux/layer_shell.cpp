@@ -208,12 +208,20 @@ std::unique_ptr<LayerSurface> LayerSurface::show(
     return layer;
 }
 
-LayerSurface::~LayerSurface()
+void LayerSurface::hide()
 {
-    m_window.hide();
+    // First, as a role goes before its surface. Hiding ends the surface, and sway (seen with 1.7) can
+    // crash when an output goes with a layer whose surface is gone.
     if (m_surface != nullptr)
         wl_proxy_marshal_flags(
             m_surface, Destroy, nullptr, wl_proxy_get_version(m_surface), WL_MARSHAL_FLAG_DESTROY);
+    m_surface = nullptr;
+    m_window.hide();
+}
+
+LayerSurface::~LayerSurface()
+{
+    hide();
     // A surface that has had a role cannot take it again.
     m_window.destroy();
 }

@@ -45,6 +45,10 @@ public:
     LayerSurface(LayerSurface &&) = delete;
     LayerSurface &operator=(LayerSurface &&) = delete;
 
+    /// Hides the window for good. That is all that may happen to it while it handles an event; the
+    /// destructor frees what it drew on.
+    void hide();
+
 Q_SIGNALS:
     /// The compositor took the surface away: its output is gone, or it locked the screen.
     void closed();

@@ -21,6 +21,7 @@
 #include "platform/linux/resume_watch.h"
 #include "platform/linux/symbols/svg_symbols.h"
 #include "platform/linux/window_popover.h"
+#include "platform/linux/x11_desktop.h"
 #include "platform/linux/x11_popover.h"
 #include "platform/linux/x_connection.h"
 #include "platform/linux/xsettings.h"
@@ -28,6 +29,7 @@
 
 #include <QDBusConnection>
 #include <QGuiApplication>
+#include <QScreen>
 #include <QStandardPaths>
 
 #include <cstdio>
@@ -72,11 +74,20 @@ std::unique_ptr<platform::Popover> makePopover(
             std::move(factory), [&xConnection](const QSize &desktop) {
                 return platform::kwinPanels(desktop, xConnection);
             });
+    // Compositors put everything together.
+    const auto always = [] { return true; };
     if (!onX11())
-        return std::make_unique<platform::WindowPopover>(std::move(factory));
-    if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
-        return std::make_unique<platform::XwaylandPopover>(std::move(factory));
-    return std::make_unique<platform::X11Popover>(std::move(factory));
+        return std::make_unique<platform::WindowPopover>(std::move(factory),
+            platform::WindowSurroundings{
+                .workArea = [](const QScreen &screen) { return screen.availableGeometry(); },
+                .isComposited = always});
+    platform::WindowSurroundings surroundings{.workArea
+        = [&xConnection](const QScreen &screen) { return platform::workArea(screen, xConnection); },
+        .isComposited = [&xConnection] { return platform::isComposited(xConnection); }};
+    if (!qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
+        return std::make_unique<platform::X11Popover>(std::move(factory), std::move(surroundings));
+    surroundings.isComposited = always;
+    return std::make_unique<platform::XwaylandPopover>(std::move(factory), std::move(surroundings));
 }
 
 /// What Linux desktops bring, and the program on it.

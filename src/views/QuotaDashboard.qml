@@ -102,7 +102,7 @@ FocusScope {
         objectName: "body"
         y: headerLine.y + 1
         width: parent.width
-        height: footerLine.y - y
+        height: footer.y - 1 - y
 
         QuotaGroupList {
             id: list
@@ -131,22 +131,10 @@ FocusScope {
         }
     }
 
-    Rectangle {
-        id: footerLine
-
-        y: footer.y - 1
-        width: parent.width
-        height: 1
-        color: Theme.divider
-    }
-
-    Rectangle {
+    FooterBar {
         id: footer
 
-        y: parent.height - height
-        width: parent.width
         height: Math.max(updated.height, open.height) + 16
-        color: Theme.footerBackground
 
         // What is read stands around what is drawn: Qt tells of each change of the text of what a screen reader sees, and
         // this one changes each second.

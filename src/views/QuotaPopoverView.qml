@@ -60,11 +60,28 @@ Item {
         }
     }
 
+    PopoverShadow {
+        anchors.fill: parent
+        radius: Theme.cornerRadius * Theme.textScale
+        strength: Theme.shadowStrength
+        visible: strength > 0
+    }
+
     Item {
         width: root.width / Theme.textScale
         height: root.height / Theme.textScale
         scale: Theme.textScale
         transformOrigin: Item.TopLeft
+        // A face that comes or goes is not to be seen on the shadow.
+        clip: Theme.cornerRadius > 0
+
+        // Else it is the window's.
+        Rectangle {
+            anchors.fill: parent
+            radius: Theme.cornerRadius
+            color: Theme.ground
+            visible: radius > 0
+        }
 
         QuotaDashboard {
             id: dashboard
@@ -119,6 +136,7 @@ Item {
 
         Rectangle {
             anchors.fill: parent
+            radius: Theme.cornerRadius
             color: "transparent"
             border.color: Theme.frame
             border.width: 1

@@ -108,7 +108,7 @@ Item {
         objectName: "settingsList"
         y: headerLine.y + 1
         width: parent.width
-        height: footerLine.y - y
+        height: footer.y - 1 - y
         contentHeight: sections.height + 28
 
         Accessible.role: Accessible.Pane
@@ -429,22 +429,10 @@ Item {
         }
     }
 
-    Rectangle {
-        id: footerLine
-
-        y: footer.y - 1
-        width: parent.width
-        height: 1
-        color: Theme.divider
-    }
-
-    Rectangle {
+    FooterBar {
         id: footer
 
-        y: parent.height - height
-        width: parent.width
         height: Math.max(version.height, quit.height) + 16
-        color: Theme.footerBackground
 
         SpokenLabel {
             id: version

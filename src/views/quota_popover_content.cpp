@@ -1,9 +1,12 @@
 #include "views/quota_popover_content.h"
 
+#include "views/popover_shadow.h"
+
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QKeySequence>
 #include <QLoggingCategory>
+#include <QMouseEvent>
 #include <QQmlComponent>
 #include <QQuickItem>
 
@@ -45,6 +48,15 @@ void PopoverWindow::keyPressEvent(QKeyEvent *event)
         m_model.close();
     else
         event->ignore();
+}
+
+void PopoverWindow::mousePressEvent(QMouseEvent *event)
+{
+    if ((QRectF(QPointF(), size()) - m_shadow).contains(event->position()))
+        QQuickWindow::mousePressEvent(event);
+    else
+        // Not from within: some platforms end the window with it.
+        QMetaObject::invokeMethod(&m_model, &PopoverModel::close, Qt::QueuedConnection);
 }
 
 QuotaPopoverContent::QuotaPopoverContent(const PopoverDependencies &dependencies)
@@ -94,11 +106,9 @@ QuotaPopoverContent::QuotaPopoverContent(const PopoverDependencies &dependencies
     QObject::connect(
         &m_model, &PopoverModel::showingSettingsChanged, &m_settingsModel, settingsSeen);
     QObject::connect(&m_model, &PopoverModel::isShownChanged, &m_settingsModel, settingsSeen);
-    m_root->setSize(m_window.size());
-    QObject::connect(&m_window, &QQuickWindow::widthChanged, m_root.get(),
-        [this](int windowWidth) { m_root->setWidth(windowWidth); });
-    QObject::connect(&m_window, &QQuickWindow::heightChanged, m_root.get(),
-        [this](int windowHeight) { m_root->setHeight(windowHeight); });
+    layOut();
+    QObject::connect(&m_window, &QQuickWindow::widthChanged, m_root.get(), [this] { layOut(); });
+    QObject::connect(&m_window, &QQuickWindow::heightChanged, m_root.get(), [this] { layOut(); });
 }
 
 QuotaPopoverContent::~QuotaPopoverContent() = default;
@@ -122,12 +132,40 @@ QSize QuotaPopoverContent::size() const
     return (QSizeF(width, height) * m_theme.textScale()).toSize();
 }
 
+QMargins QuotaPopoverContent::shadow() const
+{
+    return m_window.shadow();
+}
+
+void QuotaPopoverContent::setTranslucent(bool translucent)
+{
+    const QMargins shadow = translucent ? PopoverShadow::extent : QMargins();
+    if (m_window.shadow() == shadow)
+        return;
+    // The native window is of the one kind or the other from its making.
+    m_window.destroy();
+    QSurfaceFormat format = m_window.requestedFormat();
+    format.setAlphaBufferSize(translucent ? 8 : -1);
+    m_window.setFormat(format);
+    m_window.setShadow(shadow);
+    m_theme.setFloating(translucent);
+    layOut();
+}
+
 void QuotaPopoverContent::followTheme()
 {
-    m_window.setColor(m_theme.ground());
-    const QSize wanted = size();
+    m_window.setColor(m_theme.cornerRadius() > 0 ? QColor(Qt::transparent) : m_theme.ground());
+    const QSize wanted = size().grownBy(m_window.shadow());
     if (std::exchange(m_size, wanted) != wanted)
         m_window.resize(wanted);
+}
+
+/// The view fills the window but for its shadow.
+void QuotaPopoverContent::layOut()
+{
+    const QRect frame = QRect(QPoint(), m_window.size()) - m_window.shadow();
+    m_root->setPosition(frame.topLeft());
+    m_root->setSize(frame.size());
 }
 
 } // namespace brimwatch::views

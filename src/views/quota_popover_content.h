@@ -14,20 +14,27 @@
 namespace brimwatch::views {
 
 /// The popover's window. Keys that no control takes are its own: refresh, settings, quit and close.
+/// A press on the shadow is one beside the popover, which closes it.
 class PopoverWindow final : public QQuickWindow {
     Q_OBJECT
 
 public:
     explicit PopoverWindow(PopoverModel &model);
 
+    /// How wide its shadow is on each side; none at first.
+    QMargins shadow() const { return m_shadow; }
+    void setShadow(const QMargins &shadow) { m_shadow = shadow; }
+
 Q_SIGNALS:
     void settingsWanted();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
 
 private:
     PopoverModel &m_model;
+    QMargins m_shadow;
 };
 
 /// The quota popover in a window: 380 by 490, times the text scale.
@@ -48,11 +55,14 @@ public:
 
     QWindow &window() override { return m_window; }
     QSize size() const override;
+    void setTranslucent(bool translucent) override;
+    QMargins shadow() const override;
     void setShown(bool shown) override;
     void showSettings() override;
 
 private:
     void followTheme();
+    void layOut();
 
     // Made in this order: what is below uses what is above.
     Theme m_theme;

@@ -114,4 +114,25 @@ double Theme::textScale() const
     return m_appearance.textScale();
 }
 
+void Theme::setFloating(bool floating)
+{
+    if (m_floating == floating)
+        return;
+    m_floating = floating;
+    Q_EMIT changed();
+}
+
+int Theme::cornerRadius() const
+{
+    return m_floating ? 10 : 0;
+}
+
+double Theme::shadowStrength() const
+{
+    if (!m_floating)
+        return 0;
+    // On dark ground less is not to be seen.
+    return ground().lightnessF() < 0.5 ? 0.6 : 0.3;
+}
+
 } // namespace brimwatch::views

@@ -53,6 +53,8 @@ class Theme final : public QObject {
     Q_PROPERTY(QString fixedFontFamily READ fixedFontFamily CONSTANT FINAL)
     Q_PROPERTY(bool reducesMotion READ reducesMotion NOTIFY changed FINAL)
     Q_PROPERTY(double textScale READ textScale NOTIFY changed FINAL)
+    Q_PROPERTY(int cornerRadius READ cornerRadius NOTIFY changed FINAL)
+    Q_PROPERTY(double shadowStrength READ shadowStrength NOTIFY changed FINAL)
 
 public:
     /// Both outlive the theme.
@@ -108,6 +110,13 @@ public:
     /// How much larger than drawn everything is shown, 1 for as drawn.
     double textScale() const;
 
+    /// Whether the popover floats: it has round corners and a shadow then. It does not at first.
+    void setFloating(bool floating);
+    /// Of the popover; 0 for square corners.
+    int cornerRadius() const;
+    /// The opacity of the popover's shadow where it is darkest; 0 for none.
+    double shadowStrength() const;
+
     const platform::SymbolSource &symbols() const { return m_symbols; }
 
 Q_SIGNALS:
@@ -116,6 +125,7 @@ Q_SIGNALS:
 private:
     platform::Appearance &m_appearance;
     const platform::SymbolSource &m_symbols;
+    bool m_floating = false;
 };
 
 } // namespace brimwatch::views

@@ -142,6 +142,19 @@ popover_is_drawn()
 # second; a person's next click comes later than that.
 past_the_guard() { sleep 0.4; }
 
+# Presses just within its edges, where nothing is to be pressed: they must not count as presses elsewhere. Where it is
+# only known from a picture, its shadow cannot be told from it.
+click_its_edges()
+{
+    local x y width height
+    [ -z "${BRIMWATCH_LAYERS:-}" ] || return 0
+    read -r x y width height < <(popover_place)
+    click $((x + 3)) $((y + height / 2))
+    click $((x + width - 4)) $((y + 30))
+    click $((x + width / 2)) $((y + 4))
+    click $((x + width / 4)) $((y + height - 4))
+}
+
 # Coming and going -------------------------------------------------------------------------------
 restarts_wanted=${BRIMWATCH_PANEL_RESTARTS:-5}
 # What the program may have grown by then, in KiB of what it alone has written to. The allocator keeps some of what was
@@ -253,6 +266,8 @@ if check "a left click opens the popover" wait_for 30 shown; then
     past_the_guard
     click_item 1
     check "after that a click opens it" wait_for 30 shown
+    click_its_edges
+    check "clicks within its edges leave it open" shown
     asked=$(requests)
     check "it has the keyboard: Ctrl+R refreshes" wait_for 30 refreshed
     key Escape

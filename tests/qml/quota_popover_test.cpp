@@ -49,6 +49,16 @@ double right(const QQuickItem *item)
     return item->mapToScene(QPointF(item->width(), 0)).x();
 }
 
+/// How a popover that is seen through looks before something white.
+QImage onWhite(PopoverFixture &fixture)
+{
+    if (fixture.window().color().alpha() != 0)
+        qFatal("the window is not seen through");
+    fixture.window().setColor(Qt::white);
+    fixture.show();
+    return fixture.window().grabWindow();
+}
+
 } // namespace
 
 class QuotaPopoverTest : public QObject {
@@ -57,6 +67,10 @@ class QuotaPopoverTest : public QObject {
 private Q_SLOTS:
     void theWindowIs380By490();
     void largerTextMakesTheWholePopoverLarger();
+    void wherePopoversAreSeenThroughTheyHaveRoundCornersAndAShadow();
+    void onDarkGroundTheShadowIsDarker();
+    void aPressOnTheShadowCloses();
+    void withoutATranslucentWindowItIsSquareAgain();
     void beforeTheFirstAnswerTheLoadingStateShows();
     void anAnswerShowsACardForEachGroupInOrder();
     void cardsAreThereBeforeTheFirstFrame();
@@ -125,6 +139,90 @@ void QuotaPopoverTest::largerTextMakesTheWholePopoverLarger()
     fixture.appearance.scale = 1;
     Q_EMIT fixture.appearance.changed();
     QTRY_COMPARE(fixture.window().size(), QSize(380, 490));
+}
+
+void QuotaPopoverTest::wherePopoversAreSeenThroughTheyHaveRoundCornersAndAShadow()
+{
+    PopoverFixture fixture;
+    fixture.load();
+    fixture.content->setTranslucent(true);
+    const QMargins shadow = fixture.content->shadow();
+    QVERIFY(shadow.left() > 0 && shadow.right() > 0 && shadow.top() > 0 && shadow.bottom() > 0);
+    QCOMPARE(fixture.content->size(), QSize(380, 490));
+    QCOMPARE(fixture.window().size(), QSize(380, 490).grownBy(shadow));
+    QCOMPARE(fixture.window().requestedFormat().alphaBufferSize(), 8);
+    const QImage picture = onWhite(fixture);
+    QCOMPARE(picture.size(), fixture.window().size());
+    const QRect frame = QRect(QPoint(), picture.size()) - shadow;
+    const auto shade = [&picture](QPoint point) { return 255 - qGray(picture.pixel(point)); };
+
+    // The corners are cut off: there is some shadow, and neither line nor ground.
+    const int besideTheFrame = shade({frame.center().x(), frame.bottom() + 1});
+    QVERIFY(besideTheFrame >= 30);
+    for (const QPoint &corner :
+        {frame.topLeft(), frame.topRight(), frame.bottomLeft(), frame.bottomRight()}) {
+        QVERIFY2(shade(corner) > 0, "a corner of the popover is drawn");
+        QVERIFY2(shade(corner) < besideTheFrame, "a corner of the popover has a line");
+    }
+    // The line is all around.
+    const QPoint middle = frame.center();
+    for (const QPoint &onFrame :
+        {QPoint(frame.left(), middle.y()), QPoint(frame.right(), middle.y()),
+            QPoint(middle.x(), frame.top()), QPoint(middle.x(), frame.bottom())})
+        QVERIFY(std::abs(shade(onFrame) - shade({frame.left(), middle.y()})) <= 8);
+    QVERIFY(shade({frame.left(), middle.y()}) > shade({frame.left() + 2, middle.y()}));
+    // The shadow begins at the frame and ends within the window.
+    QVERIFY(besideTheFrame > shade({middle.x(), frame.bottom() + 9}));
+    QVERIFY(shade({frame.left() - 1, middle.y()}) >= 20);
+    for (const QPoint &rim : {QPoint(0, middle.y()), QPoint(picture.width() - 1, middle.y()),
+             QPoint(middle.x(), 0), QPoint(middle.x(), picture.height() - 1), QPoint(0, 0)})
+        QVERIFY2(shade(rim) <= 2, "the shadow is cut off");
+}
+
+void QuotaPopoverTest::onDarkGroundTheShadowIsDarker()
+{
+    const auto shade = [](PopoverFixture &fixture) {
+        fixture.load();
+        fixture.content->setTranslucent(true);
+        const QImage picture = onWhite(fixture);
+        return 255
+            - qGray(picture.pixel(
+                picture.width() / 2, picture.height() - fixture.content->shadow().bottom()));
+    };
+    PopoverFixture light;
+    PopoverFixture dark;
+    dark.appearance.ground = platform::Ground::Dark;
+    QVERIFY(shade(dark) > shade(light));
+}
+
+void QuotaPopoverTest::aPressOnTheShadowCloses()
+{
+    PopoverFixture fixture;
+    fixture.load();
+    fixture.content->setTranslucent(true);
+    fixture.show();
+    const QMargins shadow = fixture.content->shadow();
+    QTest::mouseClick(&fixture.window(), Qt::LeftButton, {}, QPoint(shadow.left(), shadow.top()));
+    QTest::mouseClick(
+        &fixture.window(), Qt::LeftButton, {}, QPoint(fixture.window().width() / 2, 2));
+    QTRY_COMPARE(fixture.closed, 1);
+}
+
+void QuotaPopoverTest::withoutATranslucentWindowItIsSquareAgain()
+{
+    PopoverFixture fixture;
+    fixture.load();
+    fixture.content->setTranslucent(true);
+    fixture.show();
+    fixture.hide();
+    fixture.content->setTranslucent(false);
+    QVERIFY(fixture.content->shadow().isNull());
+    QCOMPARE(fixture.window().size(), QSize(380, 490));
+    fixture.show();
+    const QImage picture = fixture.window().grabWindow();
+    QCOMPARE(picture.size(), QSize(380, 490));
+    QCOMPARE(qAlpha(picture.pixel(0, 0)), 255);
+    QCOMPARE(qAlpha(picture.pixel(379, 489)), 255);
 }
 
 void QuotaPopoverTest::beforeTheFirstAnswerTheLoadingStateShows()

@@ -66,6 +66,11 @@ public:
 
     QWindow &window() override { return m_window; }
     QSize size() const override { return m_window.size(); }
+    void setTranslucent(bool translucent) override
+    {
+        m_calls.append(translucent ? u"translucent"_s : u"opaque"_s);
+    }
+    QMargins shadow() const override { return {}; }
     void setShown(bool shown) override { m_calls.append(shown ? u"shown"_s : u"hidden"_s); }
     void showSettings() override { m_calls.append(u"settings"_s); }
 

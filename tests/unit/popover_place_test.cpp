@@ -80,23 +80,43 @@ private Q_SLOTS:
         QCOMPARE(keptOff(QMargins(), above).margins, above.margins);
     }
 
+    void aShadowLiesAroundThePlace()
+    {
+        using enum LayerPlace::Edge;
+        const QMargins shadow(14, 10, 14, 18);
+        const LayerPlace above = grownBy(
+            shadow, {.edges = Top | Left, .size = {380, 490}, .margins = {900, 36, 0, 0}});
+        QCOMPARE(above.size, QSize(408, 518));
+        QCOMPARE(above.margins.left(), 886);
+        QCOMPARE(above.margins.top(), 26);
+        // Between two edges it reaches over both, and the compositor has the size.
+        const LayerPlace between
+            = grownBy(shadow, {.edges = Top | Bottom | Right, .size = {380, 0}});
+        QCOMPARE(between.size, QSize(408, 0));
+        QCOMPARE(between.margins, QMargins(-14, -10, -14, -18));
+    }
+
     void onALayerThePopoverHangsFromTheEdgeNextToTheItem_data()
     {
         using enum LayerPlace::Edge;
         QTest::addColumn<QPoint>("item");
         QTest::addColumn<quint32>("edges");
         QTest::addColumn<QMargins>("margins");
-        QTest::newRow("above") << QPoint(640, 14) << quint32(Top | Left) << QMargins(450, 0, 0, 0);
+        QTest::newRow("above") << QPoint(639, 14) << quint32(Top | Left) << QMargins(449, 0, 0, 0);
+        QTest::newRow("above, right of the middle")
+            << QPoint(740, 14) << quint32(Top | Right) << QMargins(0, 0, 350, 0);
         QTest::newRow("above, at the right")
-            << QPoint(1270, 14) << quint32(Top | Left) << QMargins(900, 0, 0, 0);
+            << QPoint(1270, 14) << quint32(Top | Right) << QMargins(0, 0, 0, 0);
         QTest::newRow("below, at the left")
             << QPoint(20, 710) << quint32(Bottom | Left) << QMargins(0, 0, 0, 0);
-        QTest::newRow("at the left")
-            << QPoint(10, 360) << quint32(Top | Left) << QMargins(0, 115, 0, 0);
+        QTest::newRow("at the left, in the middle")
+            << QPoint(10, 359) << quint32(Top | Left) << QMargins(0, 114, 0, 0);
+        QTest::newRow("at the left, below the middle")
+            << QPoint(10, 400) << quint32(Bottom | Left) << QMargins(0, 0, 0, 75);
         QTest::newRow("at the right, low")
-            << QPoint(1275, 600) << quint32(Top | Right) << QMargins(0, 230, 0, 0);
+            << QPoint(1275, 600) << quint32(Bottom | Right) << QMargins(0, 0, 0, 0);
         QTest::newRow("in the corner")
-            << QPoint(1279, 0) << quint32(Top | Left) << QMargins(900, 0, 0, 0);
+            << QPoint(1279, 0) << quint32(Top | Right) << QMargins(0, 0, 0, 0);
     }
     void onALayerThePopoverHangsFromTheEdgeNextToTheItem()
     {

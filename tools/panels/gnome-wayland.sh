@@ -33,4 +33,5 @@ panel_ready()
     [ "${EXTENSION:-1}" = 0 ] || { sni_host_registered && tray_manager_runs; }
 }
 
-panel_main "$@"
+# Sourced, it only tells how its session is started.
+[ "$0" != "${BASH_SOURCE[0]}" ] || panel_main "$@"

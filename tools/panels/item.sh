@@ -6,8 +6,9 @@
 
 PANELS=${PANELS:-$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)}
 
-# The popover's window is as large as the popover.
+# How large the popover is. Where windows may be seen through, its own has a shadow around it.
 POPOVER_WIDTH=380 POPOVER_HEIGHT=490
+SHADOW_LEFT=14 SHADOW_TOP=10 SHADOW_WIDTH=28 SHADOW_HEIGHT=28
 
 # windows_of PID KIND: the places of its windows that can be seen and are of that kind.
 windows_of()
@@ -23,10 +24,13 @@ embedded_once() { [ "$(embedded_items "$1" | wc -l)" = 1 ]; }
 
 nothing_embedded() { [ -z "$(embedded_items "$1")" ]; }
 
-# popover_places PID: where the popover is shown; nothing when it is closed.
+# popover_places PID: where the popover is shown, without its shadow; nothing when it is closed.
 popover_places()
 {
-    windows_of "$1" toplevel | awk -v w=$POPOVER_WIDTH -v h=$POPOVER_HEIGHT '$3 == w && $4 == h'
+    windows_of "$1" toplevel | awk -v w=$POPOVER_WIDTH -v h=$POPOVER_HEIGHT \
+        -v left=$SHADOW_LEFT -v top=$SHADOW_TOP -v wide=$SHADOW_WIDTH -v high=$SHADOW_HEIGHT '
+        $3 == w && $4 == h
+        $3 == w + wide && $4 == h + high { print $1 + left, $2 + top, w, h }'
 }
 
 popover_open() { [ -n "$(popover_places "$1")" ]; }

@@ -12,7 +12,9 @@ case $panel in
     xfce4 | mate) protocol=xembed form=wide restarts=yes bus=needed ;;
     trayer) protocol=xembed form=wide restarts=yes bus=unused ;;
     gnome | gnome-wayland) protocol=xembed form=wide restarts=no bus=needed ;;
-    lxqt | plasma | plasma-wayland | swaybar) protocol=sni form=badge restarts=yes bus=needed ;;
+    lxqt | plasma | swaybar) protocol=sni form=badge restarts=yes bus=needed ;;
+    # Its panel takes minutes to come back.
+    plasma-wayland) protocol=sni form=badge restarts=no bus=needed ;;
     i3bar | polybar) protocol=xembed form=badge restarts=yes bus=unused ;;
     sway) protocol=sni form=wide restarts=yes bus=needed ;;
     *) die "it is not known how $panel shows our item" ;;

@@ -10,7 +10,6 @@
 #include <QFileInfo>
 #include <QLoggingCategory>
 
-#include <cstring>
 #include <utility>
 
 namespace brimwatch::platform {
@@ -158,11 +157,8 @@ void HostDetector::findTrayManager()
 
 TrayManagerFacts HostDetector::describeTrayManager()
 {
-    const QByteArray pidProperty = m_x.property(m_manager, m_x.atom("_NET_WM_PID"));
-    if (pidProperty.size() == sizeof(std::uint32_t)) {
-        std::uint32_t pid = 0;
-        std::memcpy(&pid, pidProperty.constData(), sizeof pid);
-        if (const QString executable = m_executableOf(pid); !executable.isEmpty())
+    if (const auto pid = m_x.cardinals(m_manager, "_NET_WM_PID"); !pid.isEmpty()) {
+        if (const QString executable = m_executableOf(pid.first()); !executable.isEmpty())
             return {.executable = executable};
     }
     return {.executable = QString::fromUtf8(m_x.property(m_manager, XCB_ATOM_WM_NAME))};

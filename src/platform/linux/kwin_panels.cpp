@@ -3,11 +3,10 @@
 #include "platform/linux/x_connection.h"
 
 #include <QByteArray>
+#include <QList>
 
-#include <array>
 #include <cmath>
-#include <cstring>
-#include <optional>
+#include <cstdint>
 
 namespace brimwatch::platform {
 
@@ -18,18 +17,6 @@ constexpr const char *nameAtom = "_NET_WM_NAME";
 constexpr const char *geometryAtom = "_NET_DESKTOP_GEOMETRY";
 constexpr const char *workAreaAtom = "_NET_WORKAREA";
 
-template <std::size_t Count>
-std::optional<std::array<std::uint32_t, Count>> numbers(
-    XConnection &x, xcb_window_t window, const char *name)
-{
-    const QByteArray value = x.property(window, x.atom(name));
-    std::array<std::uint32_t, Count> result{};
-    if (static_cast<std::size_t>(value.size()) < sizeof result)
-        return std::nullopt;
-    std::memcpy(result.data(), value.constData(), sizeof result);
-    return result;
-}
-
 } // namespace
 
 QMargins kwinPanels(const QSize &desktop, XConnection &x)
@@ -38,16 +25,20 @@ QMargins kwinPanels(const QSize &desktop, XConnection &x)
         return {};
     x.prefetchAtoms({managerAtom, nameAtom, geometryAtom, workAreaAtom});
     const xcb_window_t root = x.screen()->root;
-    const auto manager = numbers<1>(x, root, managerAtom);
-    if (!manager || x.property(manager->front(), x.atom(nameAtom)) != "KWin")
+    const auto manager = x.cardinals(root, managerAtom);
+    if (manager.isEmpty() || x.property(manager.first(), x.atom(nameAtom)) != "KWin")
         return {};
     // There is one for each virtual desktop; they are alike, and the first is enough.
-    const auto area = numbers<4>(x, root, workAreaAtom);
-    const auto geometry = numbers<2>(x, root, geometryAtom);
-    if (!area || !geometry)
+    const auto area = x.cardinals(root, workAreaAtom);
+    const auto geometry = x.cardinals(root, geometryAtom);
+    if (area.size() < 4 || geometry.size() < 2)
         return {};
-    const auto [left, top, width, height] = *area;
-    const auto [wholeWidth, wholeHeight] = *geometry;
+    const std::uint32_t left = area[0];
+    const std::uint32_t top = area[1];
+    const std::uint32_t width = area[2];
+    const std::uint32_t height = area[3];
+    const std::uint32_t wholeWidth = geometry[0];
+    const std::uint32_t wholeHeight = geometry[1];
     if (wholeWidth == 0 || wholeHeight == 0 || left > wholeWidth || width > wholeWidth - left
         || top > wholeHeight || height > wholeHeight - top)
         return {};

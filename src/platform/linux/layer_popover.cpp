@@ -135,9 +135,14 @@ void LayerPopover::performClose()
 
 bool LayerPopover::load()
 {
+    if (m_content)
+        return true;
+    m_content = m_factory();
     if (!m_content)
-        m_content = m_factory();
-    return m_content != nullptr;
+        return false;
+    // Compositors put everything together.
+    m_content->setTranslucent(true);
+    return true;
 }
 
 bool LayerPopover::open()
@@ -185,6 +190,7 @@ void LayerPopover::showContent(QScreen *screen, const LayerPlace &place)
     const QScreen *any = QGuiApplication::primaryScreen();
     if (m_panelRoom && any != nullptr)
         wanted = keptOff(m_panelRoom(any->virtualSize()), place);
+    wanted = grownBy(m_content->shadow(), wanted);
     wanted.takesKeyboard = true;
     m_surface = LayerSurface::show(m_content->window(), screen, wanted);
     if (!m_surface) {

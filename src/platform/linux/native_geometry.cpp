@@ -9,12 +9,16 @@ QScreen *screenAtNative(QPoint native)
 {
     const auto screens = QGuiApplication::screens();
     for (QScreen *screen : screens) {
-        const QRect geometry = screen->geometry();
-        const QSizeF size = QSizeF(geometry.size()) * screen->devicePixelRatio();
-        if (QRectF(geometry.topLeft(), size).contains(native))
+        if (nativeGeometry(*screen).contains(native))
             return screen;
     }
     return QGuiApplication::primaryScreen();
+}
+
+QRect nativeGeometry(const QScreen &screen)
+{
+    const QRect geometry = screen.geometry();
+    return {geometry.topLeft(), (QSizeF(geometry.size()) * screen.devicePixelRatio()).toSize()};
 }
 
 QPoint fromNative(QPoint native, const QScreen *screen)

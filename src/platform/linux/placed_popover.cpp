@@ -13,11 +13,15 @@
 
 namespace brimwatch::platform {
 
-PlacedPopover::PlacedPopover(PopoverContentFactory factory, Qt::WindowFlags flags, QObject *parent)
+PlacedPopover::PlacedPopover(PopoverContentFactory factory, WindowSurroundings surroundings,
+    Qt::WindowFlags flags, QObject *parent)
     : Popover(parent)
     , m_factory(std::move(factory))
+    , m_surroundings(std::move(surroundings))
     , m_flags(flags)
 {
+    // The item has moved with its panel, or went with it.
+    connect(qGuiApp, &QGuiApplication::screenRemoved, this, &PlacedPopover::performClose);
 }
 
 PlacedPopover::~PlacedPopover()
@@ -29,6 +33,11 @@ PlacedPopover::~PlacedPopover()
 QWindow *PlacedPopover::window() const
 {
     return m_window;
+}
+
+QRect PlacedPopover::frame() const
+{
+    return m_window->geometry() - m_content->shadow();
 }
 
 void PlacedPopover::prepare()
@@ -70,7 +79,7 @@ void PlacedPopover::showUnclicked(const std::optional<QRect> &item)
         screen = QGuiApplication::primaryScreen();
     if (screen == nullptr)
         return;
-    showBeside(likelyItemPlace(screen->geometry(), screen->availableGeometry()), screen);
+    showBeside(likelyItemPlace(screen->geometry(), m_surroundings.workArea(*screen)), screen);
 }
 
 void PlacedPopover::showBeside(const QRect &item, QScreen *screen)
@@ -78,17 +87,25 @@ void PlacedPopover::showBeside(const QRect &item, QScreen *screen)
     if (m_shown || !load())
         return;
     m_shown = true;
+    m_content->setTranslucent(m_surroundings.isComposited());
     m_content->setShown(true);
     m_lastItem = item;
     if (screen == nullptr)
         screen = QGuiApplication::primaryScreen();
     if (screen != nullptr) {
         m_window->setScreen(screen);
-        m_window->setGeometry(
-            popoverPlace(item, m_content->size(), screen->geometry(), screen->availableGeometry()));
+        closeWith(screen);
+        m_window->setGeometry(windowPlace(item, m_content->size(), m_content->shadow(),
+            screen->geometry(), m_surroundings.workArea(*screen)));
     }
     aboutToShow();
     m_window->show();
+}
+
+QRect PlacedPopover::windowPlace(const QRect &item, const QSize &size, const QMargins &shadow,
+    const QRect &screen, const QRect &workArea) const
+{
+    return popoverPlace(item, size, screen, workArea) + shadow;
 }
 
 void PlacedPopover::showSettings()
@@ -101,6 +118,17 @@ void PlacedPopover::performClose()
 {
     if (m_window != nullptr)
         m_window->hide();
+}
+
+/// A screen of another size has its panels, and the item, elsewhere.
+void PlacedPopover::closeWith(QScreen *screen)
+{
+    if (m_screen == screen)
+        return;
+    if (m_screen != nullptr)
+        disconnect(m_screen, nullptr, this, nullptr);
+    m_screen = screen;
+    connect(screen, &QScreen::geometryChanged, this, &PlacedPopover::performClose);
 }
 
 bool PlacedPopover::load()

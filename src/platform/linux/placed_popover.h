@@ -5,11 +5,20 @@
 
 #include <QPointer>
 #include <QRect>
+#include <QScreen>
+#include <QWindow>
 
-class QScreen;
-class QWindow;
+#include <functional>
 
 namespace brimwatch::platform {
+
+/// What windows that choose their place are told of their surroundings.
+struct WindowSurroundings {
+    /// The part of a screen that panels leave free, in the toolkit's coordinates.
+    std::function<QRect(const QScreen &)> workArea;
+    /// Whether windows may be seen through now.
+    std::function<bool()> isComposited;
+};
 
 /// What popovers have in common that are windows of their own, at a place that they ask for: the
 /// place, the loading, and the news of their end. How they come by their input, and what closes
@@ -32,10 +41,18 @@ public:
     void performClose() override;
 
 protected:
-    PlacedPopover(PopoverContentFactory factory, Qt::WindowFlags flags, QObject *parent);
+    PlacedPopover(PopoverContentFactory factory, WindowSurroundings surroundings,
+        Qt::WindowFlags flags, QObject *parent);
+
+    /// Where the window goes, shadow and all, for a popover of `size` with that shadow beside
+    /// `item`. Here only the popover itself stays within the work area.
+    virtual QRect windowPlace(const QRect &item, const QSize &size, const QMargins &shadow,
+        const QRect &screen, const QRect &workArea) const;
 
     /// Null until the content is loaded.
     QWindow *window() const;
+    /// Where the popover stands, without the shadow that its window has room for.
+    QRect frame() const;
     /// Shows it beside `item`, in the toolkit's coordinates, on that screen.
     void showBeside(const QRect &item, QScreen *screen);
 
@@ -48,11 +65,14 @@ protected:
 
 private:
     bool load();
+    void closeWith(QScreen *screen);
 
     PopoverContentFactory m_factory;
+    WindowSurroundings m_surroundings;
     Qt::WindowFlags m_flags;
     std::unique_ptr<PopoverContent> m_content;
     QPointer<QWindow> m_window;
+    QPointer<QScreen> m_screen; ///< Where it was shown the last time.
     std::optional<QRect> m_lastItem; ///< What it was shown beside the last time.
     bool m_shown = false;
 };

@@ -20,6 +20,7 @@ LayerPlace fitted(LayerPlace place, const QSize &screen)
     if (place.size.height() > screen.height() - largestPanels) {
         place.edges |= LayerPlace::Top | LayerPlace::Bottom;
         place.margins.setTop(0);
+        place.margins.setBottom(0);
         place.size.setHeight(0);
     }
     place.size.setWidth(std::min(place.size.width(), screen.width()));
@@ -65,18 +66,27 @@ LayerPlace popoverLayer(const QPoint &item, const QSize &size, const QSize &scre
 {
     const int toBottom = screen.height() - 1 - item.y();
     const int toRight = screen.width() - 1 - item.x();
-    LayerPlace place{.size = size};
+    const auto nearSide = item.x() <= toRight ? LayerPlace::Left : LayerPlace::Right;
+    const auto nearEnd = item.y() <= toBottom ? LayerPlace::Top : LayerPlace::Bottom;
+    LayerPlace place{.edges = nearSide | nearEnd, .size = size};
+    // Margins are from what panels leave, of which nobody tells how much it is: those from the near
+    // edges are right wherever another panel stands.
+    const int left = startAround(item.x(), size.width(), screen.width());
+    const int top = startAround(item.y(), size.height(), screen.height());
+    const int right = std::max(0, screen.width() - left - size.width());
+    const int bottom = std::max(0, screen.height() - top - size.height());
     // Panels above and below are the usual ones: in a corner it is one of them.
     constexpr int thickPanel = 64;
     const int toUsualPanel = std::min(item.y(), toBottom);
     if (toUsualPanel < thickPanel || toUsualPanel <= std::min(item.x(), toRight)) {
-        place.edges
-            = (item.y() <= toBottom ? LayerPlace::Top : LayerPlace::Bottom) | LayerPlace::Left;
-        place.margins.setLeft(startAround(item.x(), size.width(), screen.width()));
+        if (nearSide == LayerPlace::Left)
+            place.margins.setLeft(left);
+        else
+            place.margins.setRight(right);
+    } else if (nearEnd == LayerPlace::Top) {
+        place.margins.setTop(top);
     } else {
-        place.edges
-            = LayerPlace::Top | (item.x() <= toRight ? LayerPlace::Left : LayerPlace::Right);
-        place.margins.setTop(startAround(item.y(), size.height(), screen.height()));
+        place.margins.setBottom(bottom);
     }
     return fitted(place, screen);
 }
@@ -96,6 +106,17 @@ LayerPlace keptOff(const QMargins &panels, LayerPlace place)
         keep(LayerPlace::Top, margins.top(), panels.top()),
         keep(LayerPlace::Right, margins.right(), panels.right()),
         keep(LayerPlace::Bottom, margins.bottom(), panels.bottom()));
+    return place;
+}
+
+LayerPlace grownBy(const QMargins &shadow, LayerPlace place)
+{
+    // Where it is anchored on both sides, it has no size of its own.
+    if (place.size.width() > 0)
+        place.size.rwidth() += shadow.left() + shadow.right();
+    if (place.size.height() > 0)
+        place.size.rheight() += shadow.top() + shadow.bottom();
+    place.margins -= shadow;
     return place;
 }
 

@@ -29,4 +29,7 @@ LayerPlace cornerLayer(const QSize &size, const QSize &screen);
 /// The place, but off panels that take that room at the edges of the screen.
 LayerPlace keptOff(const QMargins &panels, LayerPlace place);
 
+/// The place of a window that has a shadow around what shall stand at `place`.
+LayerPlace grownBy(const QMargins &shadow, LayerPlace place);
+
 } // namespace brimwatch::platform

@@ -1,5 +1,7 @@
 #include "platform/linux/window_popover.h"
 
+#include "platform/linux/popover_place.h"
+
 #include <QEvent>
 #include <QGuiApplication>
 #include <QPainter>
@@ -10,8 +12,10 @@
 
 namespace brimwatch::platform {
 
-WindowPopover::WindowPopover(PopoverContentFactory factory, QObject *parent)
-    : PlacedPopover(std::move(factory), Qt::Tool | Qt::FramelessWindowHint, parent)
+WindowPopover::WindowPopover(
+    PopoverContentFactory factory, WindowSurroundings surroundings, QObject *parent)
+    : PlacedPopover(
+          std::move(factory), std::move(surroundings), Qt::Tool | Qt::FramelessWindowHint, parent)
 {
 }
 
@@ -29,6 +33,12 @@ void WindowPopover::makeKey()
 {
     if (isShown())
         window()->requestActivate();
+}
+
+QRect WindowPopover::windowPlace(const QRect &item, const QSize &size, const QMargins &shadow,
+    const QRect &screen, const QRect &workArea) const
+{
+    return popoverPlace(item, size.grownBy(shadow), screen, workArea);
 }
 
 bool WindowPopover::eventFilter(QObject *watched, QEvent *event)
@@ -74,8 +84,9 @@ private:
     XwaylandPopover &m_popover;
 };
 
-XwaylandPopover::XwaylandPopover(PopoverContentFactory factory, QObject *parent)
-    : WindowPopover(std::move(factory), parent)
+XwaylandPopover::XwaylandPopover(
+    PopoverContentFactory factory, WindowSurroundings surroundings, QObject *parent)
+    : WindowPopover(std::move(factory), std::move(surroundings), parent)
 {
 }
 
@@ -85,7 +96,7 @@ void XwaylandPopover::aboutToShow()
 {
     const auto screens = QGuiApplication::screens();
     for (QScreen *screen : screens)
-        m_catchers.push_back(std::make_unique<Catcher>(*this, screen, window()->geometry()));
+        m_catchers.push_back(std::make_unique<Catcher>(*this, screen, frame()));
 }
 
 void XwaylandPopover::hidden()

@@ -14,12 +14,16 @@ class WindowPopover : public PlacedPopover {
     Q_OBJECT
 
 public:
-    explicit WindowPopover(PopoverContentFactory factory, QObject *parent = nullptr);
+    WindowPopover(
+        PopoverContentFactory factory, WindowSurroundings surroundings, QObject *parent = nullptr);
 
     void show(const ItemAnchor &anchor) override;
     void makeKey() override;
 
 protected:
+    /// Window managers keep the whole window within the work area, and move what is not.
+    QRect windowPlace(const QRect &item, const QSize &size, const QMargins &shadow,
+        const QRect &screen, const QRect &workArea) const override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 };
 
@@ -31,7 +35,8 @@ class XwaylandPopover final : public WindowPopover {
     Q_OBJECT
 
 public:
-    explicit XwaylandPopover(PopoverContentFactory factory, QObject *parent = nullptr);
+    XwaylandPopover(
+        PopoverContentFactory factory, WindowSurroundings surroundings, QObject *parent = nullptr);
     ~XwaylandPopover() override;
     XwaylandPopover(const XwaylandPopover &) = delete;
     XwaylandPopover &operator=(const XwaylandPopover &) = delete;

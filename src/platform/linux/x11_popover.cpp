@@ -18,8 +18,10 @@ constexpr int grabInterval = 10;
 
 } // namespace
 
-X11Popover::X11Popover(PopoverContentFactory factory, QObject *parent)
-    : PlacedPopover(std::move(factory), Qt::Popup | Qt::FramelessWindowHint, parent)
+X11Popover::X11Popover(
+    PopoverContentFactory factory, WindowSurroundings surroundings, QObject *parent)
+    : PlacedPopover(
+          std::move(factory), std::move(surroundings), Qt::Popup | Qt::FramelessWindowHint, parent)
 {
     m_grabTimer.setInterval(grabInterval);
     connect(&m_grabTimer, &QTimer::timeout, this, &X11Popover::grab);

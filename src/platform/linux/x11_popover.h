@@ -12,7 +12,8 @@ class X11Popover final : public PlacedPopover {
     Q_OBJECT
 
 public:
-    explicit X11Popover(PopoverContentFactory factory, QObject *parent = nullptr);
+    X11Popover(
+        PopoverContentFactory factory, WindowSurroundings surroundings, QObject *parent = nullptr);
 
     void makeKey() override;
 

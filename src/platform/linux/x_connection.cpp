@@ -29,11 +29,37 @@ xcb_atom_t atomOf(xcb_connection_t *connection, xcb_intern_atom_cookie_t cookie)
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
+xcb_get_property_cookie_t askForProperty(
+    xcb_connection_t *connection, xcb_window_t window, xcb_atom_t name)
+{
+    return xcb_get_property(
+        connection, 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, maximumPropertyBytes / 4);
+}
+
+QByteArray valueOf(xcb_connection_t *connection, xcb_get_property_cookie_t cookie)
+{
+    const XcbPointer<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(connection, cookie, nullptr));
+    if (!reply)
+        return {};
+    return {static_cast<const char *>(xcb_get_property_value(reply.get())),
+        xcb_get_property_value_length(reply.get())};
+}
+
 } // namespace
 
 void FreeReply::operator()(void *reply) const
 {
     std::free(reply); // NOLINT(cppcoreguidelines-no-malloc): libxcb allocates with malloc
+}
+
+QList<std::uint32_t> cardinalsOf(const QByteArray &value)
+{
+    QList<std::uint32_t> result(value.size() / qsizetype(sizeof(std::uint32_t)));
+    if (result.isEmpty())
+        return result;
+    std::memcpy(result.data(), value.constData(), result.size() * sizeof(std::uint32_t));
+    return result;
 }
 
 XConnection::XConnection(QObject *parent)
@@ -110,14 +136,27 @@ QByteArray XConnection::property(xcb_window_t window, xcb_atom_t name) const
 {
     if (!isValid())
         return {};
-    const XcbPointer<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection(),
-        xcb_get_property(
-            connection(), 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, maximumPropertyBytes / 4),
-        nullptr));
-    if (!reply)
-        return {};
-    return {static_cast<const char *>(xcb_get_property_value(reply.get())),
-        xcb_get_property_value_length(reply.get())};
+    return valueOf(connection(), askForProperty(connection(), window, name));
+}
+
+QList<QByteArray> XConnection::properties(const QList<xcb_window_t> &windows, const char *name)
+{
+    const xcb_atom_t wanted = atom(name);
+    QList<QByteArray> values(windows.size());
+    if (!isValid() || wanted == XCB_ATOM_NONE)
+        return values;
+    std::vector<xcb_get_property_cookie_t> asked;
+    asked.reserve(windows.size());
+    for (const xcb_window_t window : windows)
+        asked.push_back(askForProperty(connection(), window, wanted));
+    for (std::size_t i = 0; i < asked.size(); ++i)
+        values[static_cast<qsizetype>(i)] = valueOf(connection(), asked[i]);
+    return values;
+}
+
+QList<std::uint32_t> XConnection::cardinals(xcb_window_t window, const char *name)
+{
+    return cardinalsOf(property(window, atom(name)));
 }
 
 void XConnection::selectInput(xcb_window_t window, std::uint32_t mask) const

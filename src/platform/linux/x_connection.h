@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <QList>
 #include <QObject>
 
 #include <xcb/xcb.h>
@@ -25,6 +26,9 @@ struct FreeReply {
 
 /// What libxcb hands out and expects to be freed.
 template <typename T> using XcbPointer = std::unique_ptr<T, FreeReply>;
+
+/// The numbers of 32 bits in a property's value.
+QList<std::uint32_t> cardinalsOf(const QByteArray &value);
 
 /// A connection to the X server beside the toolkit's own: the panel item and the desktop's settings
 /// are there on Wayland too, through Xwayland, where the toolkit has none.
@@ -52,6 +56,10 @@ public:
     xcb_window_t selectionOwner(xcb_atom_t selection) const;
     /// The property's value as bytes, at most 256 KiB; empty when there is none.
     QByteArray property(xcb_window_t window, xcb_atom_t name) const;
+    /// The same of many windows in one go; one value a window, in their order.
+    QList<QByteArray> properties(const QList<xcb_window_t> &windows, const char *name);
+    /// A property that holds numbers of 32 bits, as most do; empty when there is none.
+    QList<std::uint32_t> cardinals(xcb_window_t window, const char *name);
     /// Asks for the events of `mask` of a window of somebody else's, beside those asked for before.
     void selectInput(xcb_window_t window, std::uint32_t mask) const;
     void flush() const;

@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <cstring>
 
 namespace brimwatch::platform {
 
@@ -52,16 +51,6 @@ constexpr const char *utf8Atom = "UTF8_STRING";
 constexpr std::array windowEvents{XCB_EVENT_MASK_EXPOSURE, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
     XCB_EVENT_MASK_BUTTON_PRESS, XCB_EVENT_MASK_BUTTON_RELEASE, XCB_EVENT_MASK_ENTER_WINDOW,
     XCB_EVENT_MASK_LEAVE_WINDOW, XCB_EVENT_MASK_POINTER_MOTION};
-
-/// Property values of numbers, as many as there are whole ones.
-template <std::size_t Most>
-std::size_t readNumbers(const QByteArray &property, std::array<std::uint32_t, Most> &numbers)
-{
-    const auto count
-        = std::min(Most, static_cast<std::size_t>(property.size()) / sizeof(std::uint32_t));
-    std::memcpy(numbers.data(), property.constData(), count * sizeof(std::uint32_t));
-    return count;
-}
 
 /// How bright a colour looks, 0 to 1 (Rec. 709 weights).
 double brightness(double red, double green, double blue)
@@ -151,10 +140,9 @@ void XembedPresentation::createWindow()
     if (!m_x.isValid())
         return;
     m_x.selectInput(m_manager, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
-    std::array<std::uint32_t, 1> visual{};
     std::optional<XPixelFormat> format;
-    if (readNumbers(m_x.property(m_manager, m_x.atom(visualAtom)), visual) == visual.size())
-        format = pixelFormat(m_x, visual.front());
+    if (const auto visual = m_x.cardinals(m_manager, visualAtom); !visual.isEmpty())
+        format = pixelFormat(m_x, visual.first());
     if (!format)
         format = pixelFormat(m_x, m_x.screen()->root_visual);
     if (!format) {
@@ -384,8 +372,8 @@ void XembedPresentation::readPanelColors()
 {
     // Red, green and blue of the panel's own symbols, each to 65535; what follows is for errors and
     // such.
-    std::array<std::uint32_t, 3> symbols{};
-    if (readNumbers(m_x.property(m_manager, m_x.atom(colorsAtom)), symbols) < symbols.size()) {
+    const auto symbols = m_x.cardinals(m_manager, colorsAtom);
+    if (symbols.size() < 3) {
         m_panelGround.reset();
         m_panelFollowsTheme = false;
         return;

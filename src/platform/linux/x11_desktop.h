@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QList>
+#include <QRect>
+#include <QSize>
+
+#include <array>
+#include <cstdint>
+
+class QScreen;
+
+namespace brimwatch::platform {
+
+class XConnection;
+
+/// The room at the edges of the X11 desktop that a panel keeps for itself, in native pixels: how
+/// much at the left, the right, the top and the bottom, and then from where to where along each of
+/// these, first and last pixel (_NET_WM_STRUT_PARTIAL).
+using Strut = std::array<std::uint32_t, 12>;
+
+/// `monitor` without the struts that reach into it. All in native pixels; the struts are those of
+/// a desktop of size `desktop`. What would leave nothing of a monitor was meant for another one.
+QRect withoutStruts(const QRect &monitor, const QSize &desktop, const QList<Strut> &struts);
+
+/// `area` of `monitor` without the panels that stand there: windows that are much longer than thick,
+/// at the edge that they are nearest to. All in native pixels.
+QRect withoutDocks(const QRect &area, const QRect &monitor, const QList<QRect> &docks);
+
+/// The part of the screen that panels leave free, in the toolkit's coordinates.
+///
+/// The toolkit knows one work area for all monitors (_NET_WORKAREA), which says little of each.
+/// Panels tell their struts, which cannot be told of an edge between two monitors, so their windows
+/// count as well, and some window managers a work area a monitor (_GTK_WORKAREAS_D0).
+QRect workArea(const QScreen &screen, XConnection &x);
+
+/// Whether somebody puts the X server's windows together, so that one may be seen through.
+bool isComposited(XConnection &x);
+
+} // namespace brimwatch::platform

@@ -100,16 +100,7 @@ alert_settled()
 }
 
 # The play ---------------------------------------------------------------------------------------
-"$script" start "$session" >/dev/null 2>"$out/session.log" || {
-    cat "$out/session.log" >&2
-    die "$server does not start, logs in $session/log"
-}
-# shellcheck source=/dev/null
-. "$session/env"
-HELPERS=$("$root/tools/panels/helpers.sh")
-PANELS=$root/tools/panels
-# shellcheck source=../../tools/panels/item.sh
-. "$root/tools/panels/item.sh"
+start_session
 
 dbus-monitor --session "interface='org.freedesktop.Notifications'" "type='method_return'" >"$out/bus.log" 2>"$out/monitor.log" &
 monitor_pid=$!
@@ -120,13 +111,8 @@ shot without
 screen=$(identify -format '%wx%h+0+0' "$out/pictures/without.png")
 
 quota 0.081 0.125
-"$daemon" --summary "$out/quota.json" --log >"$out/daemon.log" 2>&1 &
-daemon_pid=$!
-disown
-wait_for 30 grep -q '^ready ' "$out/daemon.log" || die "the sample daemon did not start, see $out/daemon.log"
-"$program" >"$out/program.log" 2>&1 &
-program_pid=$!
-disown
+start_daemon --summary "$out/quota.json" --log
+start_program
 
 needed "quota that is low is announced" wait_for 30 alerted 2
 check "each bucket on its own" has_alert '^0 [0-9]+ Brimwatch Alert: 8\.1% Remaining$'

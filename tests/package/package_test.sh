@@ -31,46 +31,12 @@ mkdir -p "$out/packages" "$out/log"
 bare=$(mktemp -d "${TMPDIR:-/tmp}/brimwatch-bare.XXXXXX")
 scratch=$(mktemp -d "${TMPDIR:-/tmp}/brimwatch-package.XXXXXX")
 chmod 755 "$bare"
-passed=0 failed=0 display_pid='' bus_pid='' daemon_pid='' program_pid=''
-
-finish()
-{
-    local status=$?
-    trap - EXIT INT TERM
-    end_process "$program_pid"
-    end_process "$daemon_pid"
-    end_process "$bus_pid"
-    end_process "$display_pid"
-    # Nothing is mounted in it: what was, was so for the programs inside alone.
-    rm -rf --one-file-system "$bare" "$scratch"
-    if [ "$status" != 0 ] && [ "$failed" = 0 ]; then
-        failed=1
-    fi
-    echo "$passed passed, $failed failed"
-    [ "$failed" = 0 ] || echo "Logs: $out/log"
-    [ "$failed" = 0 ] && [ "$passed" -gt 0 ]
-    exit
-}
-trap finish EXIT
-trap 'exit 130' INT TERM
-
-check()
-{
-    local sentence=$1
-    shift
-    if "$@"; then
-        passed=$((passed + 1))
-        printf 'ok      package: %s\n' "$sentence"
-    else
-        failed=$((failed + 1))
-        printf 'FAILED  package: %s\n' "$sentence"
-        return 1
-    fi
-}
-
-needed() { check "$@" || exit 1; }
-
-is() { [ "$1" = "$2" ] || { printf 'got: %s\nnot: %s\n' "$1" "$2" >&2; return 1; }; }
+label=package
+# shellcheck source=../support/checks.sh
+. "$root/tests/support/checks.sh"
+# Nothing is mounted in it: what was, was so for the programs inside alone.
+clean_up() { rm -rf --one-file-system "$bare" "$scratch"; }
+logs_are() { echo "Logs: $out/log"; }
 
 # The package --------------------------------------------------------------------------------------
 version=$(dpkg-parsechangelog -l "$root/packaging/debian/changelog" -S Version)

@@ -49,24 +49,10 @@ click_embedded()
 }
 
 # The play ---------------------------------------------------------------------------------------
-"$script" start "$session" --no-panel >/dev/null 2>"$out/session.log" || {
-    cat "$out/session.log" >&2
-    die "the session does not start, logs in $session/log"
-}
-# shellcheck source=/dev/null
-. "$session/env"
-HELPERS=$("$root/tools/panels/helpers.sh")
-PANELS=$root/tools/panels
-# shellcheck source=../../tools/panels/item.sh
-. "$root/tools/panels/item.sh"
+NO_PANEL=1 start_session
 
-"$daemon" --speed 0 >"$out/daemon.log" 2>&1 &
-daemon_pid=$!
-disown
-wait_for 30 grep -q '^ready ' "$out/daemon.log" || die "the sample daemon did not start, see $out/daemon.log"
-"$program" >"$out/program.log" 2>&1 &
-program_pid=$!
-disown
+start_daemon --speed 0
+start_program
 
 while read -r kind form; do
     needed "$kind starts" panel_of_kind "$kind"

@@ -64,16 +64,7 @@ click_banner()
 }
 
 # The play ---------------------------------------------------------------------------------------
-"$script" start "$session" >/dev/null 2>"$out/session.log" || {
-    cat "$out/session.log" >&2
-    die "the session does not start, logs in $session/log"
-}
-# shellcheck source=/dev/null
-. "$session/env"
-HELPERS=$("$root/tools/panels/helpers.sh")
-PANELS=$root/tools/panels
-# shellcheck source=../../tools/panels/item.sh
-. "$root/tools/panels/item.sh"
+start_session
 shot screen
 read -r screen_width screen_height < <(identify -format '%w %h' "$out/pictures/screen.png")
 click 40 $((screen_height - 60)) 0
@@ -81,13 +72,8 @@ click 40 $((screen_height - 60)) 0
 dbus-monitor --session "interface='org.freedesktop.Notifications',member='Notify'" >"$out/notifications.log" &
 monitor_pid=$!
 disown
-"$daemon" --speed 0 --log >"$out/daemon.log" 2>&1 &
-daemon_pid=$!
-disown
-wait_for 30 grep -q '^ready ' "$out/daemon.log" || die "the sample daemon did not start, see $out/daemon.log"
-"$program" >"$out/program.log" 2>&1 &
-program_pid=$!
-disown
+start_daemon --speed 0 --log
+start_program
 
 needed "the program works without a place for its item" wait_for 30 asked_more_than 0
 check "it shows nothing by itself" hidden

@@ -24,13 +24,6 @@ desktop=$panel
 # shellcheck source=../support/desktop_test.sh
 . "$root/tests/support/desktop_test.sh"
 
-start_program()
-{
-    "$program" >>"$out/program.log" 2>&1 &
-    program_pid=$!
-    disown
-}
-
 end_program()
 {
     end_process "$program_pid"
@@ -212,25 +205,13 @@ says_why() { grep -qE '^The (X11|Wayland) connection broke' "$out/ended.log"; }
 has_not_grown() { [ -n "${growth:-}" ] && [ "$growth" -le "$growth_allowed" ]; }
 
 # The play ---------------------------------------------------------------------------------------
-CLOCK=off "$script" start "$session" >/dev/null 2>"$out/session.log" || {
-    cat "$out/session.log" >&2
-    die "$panel does not start, logs in $session/log"
-}
-# shellcheck source=/dev/null
-. "$session/env"
-HELPERS=$("$root/tools/panels/helpers.sh")
-PANELS=$root/tools/panels
-# shellcheck source=../../tools/panels/item.sh
-. "$root/tools/panels/item.sh"
+CLOCK=off start_session
 
 # shellcheck source=../../tools/panels/on-panel.sh
 . "$root/tools/panels/on-panel.sh"
 look_at_screen
 
-"$daemon" --speed 0 --log >"$out/daemon.log" 2>&1 &
-daemon_pid=$!
-disown
-wait_for 30 grep -q '^ready ' "$out/daemon.log" || die "the sample daemon did not start, see $out/daemon.log"
+start_daemon --speed 0 --log
 
 shot without
 start_program

@@ -143,13 +143,6 @@ bar_stands()
     [ -z "$(changed "$1" without)" ] && [ "$(identify -format %k "$out/pictures/without-$1.png")" -ge 2 ]
 }
 
-start_program()
-{
-    "$program" >>"$out/program.log" 2>&1 &
-    program_pid=$!
-    disown
-}
-
 # bar_at EDGE: ends the bar and starts it there; the program is away meanwhile, so that the item can be told from it.
 bar_at()
 {
@@ -161,16 +154,7 @@ bar_at()
 }
 
 # The play ---------------------------------------------------------------------------------------
-OUTPUT_WINDOWS=1 CLOCK=off "$script" start "$session" --no-panel >/dev/null 2>"$out/session.log" || {
-    cat "$out/session.log" >&2
-    die "the session does not start, logs in $session/log"
-}
-# shellcheck source=/dev/null
-. "$session/env"
-HELPERS=$("$root/tools/panels/helpers.sh")
-PANELS=$root/tools/panels
-# shellcheck source=../../tools/panels/item.sh
-. "$root/tools/panels/item.sh"
+NO_PANEL=1 OUTPUT_WINDOWS=1 CLOCK=off start_session
 
 swaymsg -q create_output
 swaymsg -q create_output
@@ -184,10 +168,7 @@ for output in 1 2 3 4; do
     needed "one stands on output $output" wait_for 30 bar_stands $output
 done
 
-"$daemon" --speed 0 >"$out/daemon.log" 2>&1 &
-daemon_pid=$!
-disown
-wait_for 30 grep -q '^ready ' "$out/daemon.log" || die "the sample daemon did not start, see $out/daemon.log"
+start_daemon --speed 0
 start_program
 
 for output in 1 2 3 4; do

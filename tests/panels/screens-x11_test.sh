@@ -92,16 +92,7 @@ scrolled_in()
 }
 
 # The play ---------------------------------------------------------------------------------------
-SIZE=2560x1440 "$script" start "$session" --no-panel >/dev/null 2>"$out/session.log" || {
-    cat "$out/session.log" >&2
-    die "the session does not start, logs in $session/log"
-}
-# shellcheck source=/dev/null
-. "$session/env"
-HELPERS=$("$root/tools/panels/helpers.sh")
-PANELS=$root/tools/panels
-# shellcheck source=../../tools/panels/item.sh
-. "$root/tools/panels/item.sh"
+NO_PANEL=1 SIZE=2560x1440 start_session
 
 {
     xrandr --setmonitor left 1280/340x1440/380+0+0 screen
@@ -109,13 +100,8 @@ PANELS=$root/tools/panels
 } >/dev/null
 needed "there are two monitors" monitors_are 2
 
-"$daemon" --speed 0 >"$out/daemon.log" 2>&1 &
-daemon_pid=$!
-disown
-wait_for 30 grep -q '^ready ' "$out/daemon.log" || die "the sample daemon did not start, see $out/daemon.log"
-"$program" >"$out/program.log" 2>&1 &
-program_pid=$!
-disown
+start_daemon --speed 0
+start_program
 
 left=(0 0 1280 1440) right=(1280 0 2560 720)
 for monitor in left right; do

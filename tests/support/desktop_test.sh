@@ -13,49 +13,46 @@ rm -rf "$out"
 mkdir -p "$out/pictures"
 out=$(cd "$out" && pwd)
 session=$out/session
-passed=0 failed=0 program_pid='' daemon_pid='' monitor_pid=''
-
-finish()
-{
-    local status=$?
-    trap - EXIT INT TERM
-    end_process "$program_pid"
-    end_process "$daemon_pid"
-    end_process "$monitor_pid"
-    "$script" stop "$session"
-    if [ "$status" != 0 ] && [ "$failed" = 0 ]; then
-        failed=1
-    fi
-    echo "$passed passed, $failed failed"
-    [ "$failed" = 0 ] || echo "Logs and pictures of $desktop: $out"
-    [ "$failed" = 0 ] && [ "$passed" -gt 0 ]
-    exit
-}
-trap finish EXIT
-trap 'exit 130' INT TERM
-
-# check SENTENCE COMMAND...: one result.
-check()
-{
-    local sentence=$1
-    shift
-    if "$@"; then
-        passed=$((passed + 1))
-        printf 'ok      %s: %s\n' "$desktop" "$sentence"
-    else
-        failed=$((failed + 1))
-        printf 'FAILED  %s: %s\n' "$desktop" "$sentence"
-        shot "failed-$failed"
-        return 1
-    fi
-}
-
-# needed SENTENCE COMMAND...: the same, and nothing that follows makes sense without it.
-needed() { check "$@" || exit 1; }
+label=$desktop
+# shellcheck source=../support/checks.sh
+. "$root/tests/support/checks.sh"
+clean_up() { "$script" stop "$session"; }
+check_failed() { shot "failed-$failed"; }
+logs_are() { echo "Logs and pictures of $desktop: $out"; }
 
 shot() { "$root/tools/panels/shot.sh" "$out/pictures/$1.png" ${2:+"$2"} 2>>"$out/shot.log" || true; }
 click() { "$root/tools/panels/click.sh" "$@"; }
 key() { "$root/tools/panels/key.sh" "$@"; }
+
+# start_session: the desktop, in whose session everything is from then on; with NO_PANEL=1 without its panel.
+start_session()
+{
+    "$script" start "$session" ${NO_PANEL:+--no-panel} >/dev/null 2>"$out/session.log" || {
+        cat "$out/session.log" >&2
+        die "$desktop does not start, logs in $session/log"
+    }
+    # shellcheck source=/dev/null
+    . "$session/env"
+    HELPERS=$("$root/tools/panels/helpers.sh")
+    PANELS=$root/tools/panels
+    # shellcheck source=../../tools/panels/item.sh
+    . "$root/tools/panels/item.sh"
+}
+
+start_daemon() # start_daemon OPTION...
+{
+    "$daemon" "$@" >"$out/daemon.log" 2>&1 &
+    daemon_pid=$!
+    disown
+    wait_for 30 grep -q '^ready ' "$out/daemon.log" || die "the sample daemon did not start, see $out/daemon.log"
+}
+
+start_program()
+{
+    "$program" >>"$out/program.log" 2>&1 &
+    program_pid=$!
+    disown
+}
 
 # popover_place: where the popover is; nothing while it is closed. No window of a layer is listed anywhere: there it
 # is what changed on the screen since the picture `without`, if that is as large.

@@ -1,46 +1,12 @@
 # shellcheck shell=bash
 # A home, display, session bus and sample daemon of a test's own; sourced after common.sh with `root` and `build`. They
-# end with the script, which prints `N passed, N failed` last and fails when a check did or there was none.
+# end with the script, whose checks are counted.
 
 : "${root:?}" "${build:?}"
 scratch=$(mktemp -d "${TMPDIR:-/tmp}/brimwatch-test.XXXXXX")
-passed=0 failed=0 display_pid='' bus_pid='' daemon_pid='' program_pid=''
-
-finish()
-{
-    local status=$?
-    trap - EXIT INT TERM
-    end_process "$program_pid"
-    end_process "$daemon_pid"
-    end_process "$bus_pid"
-    end_process "$display_pid"
-    rm -rf "$scratch"
-    if [ "$status" != 0 ] && [ "$failed" = 0 ]; then
-        failed=1
-    fi
-    echo "$passed passed, $failed failed"
-    [ "$failed" = 0 ] && [ "$passed" -gt 0 ]
-    exit
-}
-trap finish EXIT
-trap 'exit 130' INT TERM
-
-# check SENTENCE COMMAND...: one result.
-check()
-{
-    local sentence=$1
-    shift
-    if "$@"; then
-        passed=$((passed + 1))
-        echo "ok      $sentence"
-    else
-        failed=$((failed + 1))
-        echo "FAILED  $sentence"
-        return 1
-    fi
-}
-
-is() { [ "$1" = "$2" ] || { printf 'got: %s\nnot: %s\n' "$1" "$2" >&2; return 1; }; }
+# shellcheck source=../support/checks.sh
+. "$root/tests/support/checks.sh"
+clean_up() { rm -rf "$scratch"; }
 
 own_home()
 {

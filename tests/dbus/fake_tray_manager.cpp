@@ -59,7 +59,7 @@ FakeTrayManager::FakeTrayManager(Manners manners)
             m_x.atom("_NET_SYSTEM_TRAY_VISUAL"), XCB_ATOM_VISUALID, 32, 1, &visual);
     }
     if (m_manners.symbols)
-        announceColors(*m_manners.symbols);
+        announceColors(QList<QColor>(4, *m_manners.symbols));
 
     const xcb_atom_t selection = m_x.atom("_NET_SYSTEM_TRAY_S0");
     xcb_set_selection_owner(c, m_selectionWindow, selection, XCB_CURRENT_TIME);
@@ -150,21 +150,25 @@ void FakeTrayManager::setSlotSize(QSize size)
 
 void FakeTrayManager::setSymbols(QColor color)
 {
-    announceColors(color);
+    setColors(QList<QColor>(4, color));
+}
+
+void FakeTrayManager::setColors(const QList<QColor> &colors)
+{
+    announceColors(colors);
     m_x.flush();
 }
 
-void FakeTrayManager::announceColors(QColor color)
+void FakeTrayManager::announceColors(const QList<QColor> &colors)
 {
-    const QRgba64 rgba = color.rgba64();
-    std::array<std::uint32_t, 12> numbers{};
-    for (std::size_t i = 0; i < numbers.size(); i += 3) {
-        numbers[i] = rgba.red();
-        numbers[i + 1] = rgba.green();
-        numbers[i + 2] = rgba.blue();
+    QList<std::uint32_t> numbers;
+    for (const QColor &color : colors) {
+        const QRgba64 rgba = color.rgba64();
+        numbers.append({rgba.red(), rgba.green(), rgba.blue()});
     }
     xcb_change_property(m_x.connection(), XCB_PROP_MODE_REPLACE, m_selectionWindow,
-        m_x.atom("_NET_SYSTEM_TRAY_COLORS"), XCB_ATOM_CARDINAL, 32, numbers.size(), numbers.data());
+        m_x.atom("_NET_SYSTEM_TRAY_COLORS"), XCB_ATOM_CARDINAL, 32,
+        static_cast<std::uint32_t>(numbers.size()), numbers.data());
 }
 
 void FakeTrayManager::throwOut()

@@ -47,6 +47,8 @@ public:
 
     void setSlotSize(QSize size);
     void setSymbols(QColor color);
+    /// Tells its colours: those of its symbols, of errors, warnings and success.
+    void setColors(const QList<QColor> &colors);
     /// Puts the last item out of the tray.
     void throwOut();
     /// What the last item shows, with its alpha channel if it has one.
@@ -59,7 +61,7 @@ public:
 private:
     void handle(const xcb_generic_event_t *event);
     void giveSlot(QSize asked);
-    void announceColors(QColor color);
+    void announceColors(const QList<QColor> &colors);
     xcb_visualid_t transparentVisual() const;
 
     platform::XConnection m_x;

@@ -71,6 +71,7 @@ private Q_SLOTS:
     void withoutATransparentVisualThePanelsGroundStaysBehindTheLabel();
     void onAnOpaqueLightPanelTheLabelIsDark();
     void thePanelsOwnSymbolsTellLightFromDark();
+    void coloursFromBeforeThePanelHasReadItsThemeDoNotCount();
     void aPanelOfTheThemesKindFollowsTheTheme();
     void aPanelOfAnotherKindThanTheThemeStaysAsItIs();
     void aHigherSlotIsDrawnAnewInItsMiddle();
@@ -218,6 +219,16 @@ void XembedPresentationTest::thePanelsOwnSymbolsTellLightFromDark()
     m_manager->setSymbols(Qt::white);
     QTRY_VERIFY(isDrawn(Ground::Dark));
     QVERIFY(!isDrawn(Ground::Light));
+}
+
+void XembedPresentationTest::coloursFromBeforeThePanelHasReadItsThemeDoNotCount()
+{
+    dock({.symbols = QColor(0x2e, 0x34, 0x36), .program = {}});
+    QTRY_VERIFY(isDrawn(Ground::Light));
+    m_manager->setColors({Qt::black, Qt::red, Qt::yellow, Qt::green});
+    QTRY_VERIFY(isDrawn(Ground::Dark));
+    m_manager->setColors({Qt::black, QColor(0xcc, 0, 0), Qt::yellow, Qt::green});
+    QTRY_VERIFY(isDrawn(Ground::Light));
 }
 
 void XembedPresentationTest::aPanelOfTheThemesKindFollowsTheTheme()

@@ -373,7 +373,10 @@ void XembedPresentation::readPanelColors()
     // Red, green and blue of the panel's own symbols, each to 65535; what follows is for errors and
     // such.
     const auto symbols = m_x.cardinals(m_manager, colorsAtom);
-    if (symbols.size() < 3) {
+    // What GNOME Shell's tray (seen with 43) begins with: when it is set up before the shell has
+    // read its theme, it goes on to tell these, which are nobody's.
+    static const QList<std::uint32_t> unread{0, 0, 0, 65535, 0, 0, 65535, 65535, 0, 0, 65535, 0};
+    if (symbols.size() < 3 || symbols == unread) {
         m_panelGround.reset();
         m_panelFollowsTheme = false;
         return;

@@ -67,6 +67,15 @@ if(BRIMWATCH_PRECOMPILED_HEADERS)
         HEADERS ${headers} <QtQml/qqmlprivate.h> <QQmlEngine> <QQuickItem>)
 endif()
 
+# brimwatch_for_size(NAME PRECOMPILED): a released library is made short rather than fast, and with it what it is
+# precompiled with, as the compiler takes no other.
+function(brimwatch_for_size name precompiled)
+    target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-Os>)
+    if(TARGET ${precompiled})
+        target_compile_options(${precompiled} PRIVATE $<$<CONFIG:Release>:-Os>)
+    endif()
+endfunction()
+
 function(_brimwatch_target name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "PRECOMPILED" "")
     target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")

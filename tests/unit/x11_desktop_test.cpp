@@ -4,6 +4,8 @@
 
 using namespace brimwatch::platform;
 
+Q_DECLARE_METATYPE(Strut)
+
 // Two monitors: a large one at the left, and a smaller one at its right whose lower end is higher.
 constexpr QSize desktop(2560, 1440);
 constexpr QRect large(0, 0, 1280, 1440);
@@ -75,8 +77,6 @@ private Q_SLOTS:
         QTEST(withoutDocks(small, small, {dock}), "left");
     }
 };
-
-Q_DECLARE_METATYPE(Strut)
 
 QTEST_GUILESS_MAIN(X11DesktopTest)
 #include "x11_desktop_test.moc"

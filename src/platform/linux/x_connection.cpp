@@ -58,7 +58,8 @@ QList<std::uint32_t> cardinalsOf(const QByteArray &value)
     QList<std::uint32_t> result(value.size() / qsizetype(sizeof(std::uint32_t)));
     if (result.isEmpty())
         return result;
-    std::memcpy(result.data(), value.constData(), result.size() * sizeof(std::uint32_t));
+    std::memcpy(result.data(), value.constData(),
+        static_cast<std::size_t>(result.size()) * sizeof(std::uint32_t));
     return result;
 }
 
@@ -146,7 +147,7 @@ QList<QByteArray> XConnection::properties(const QList<xcb_window_t> &windows, co
     if (!isValid() || wanted == XCB_ATOM_NONE)
         return values;
     std::vector<xcb_get_property_cookie_t> asked;
-    asked.reserve(windows.size());
+    asked.reserve(static_cast<std::size_t>(windows.size()));
     for (const xcb_window_t window : windows)
         asked.push_back(askForProperty(connection(), window, wanted));
     for (std::size_t i = 0; i < asked.size(); ++i)

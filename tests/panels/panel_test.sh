@@ -131,6 +131,9 @@ popover_is_drawn()
         [ "$(coloured_pixels "$out/pictures/popover.png" orange)" -ge 40 ]
 }
 
+# Each costs tens of MiB, and the popover is drawn without.
+no_driver_is_loaded() { [ -r "/proc/$program_pid/maps" ] && ! grep -qE '/(libLLVM|libEGL_|libGLX_|dri/)' "/proc/$program_pid/maps"; }
+
 # A click that closed the popover must not open it again, so the program is deaf for a quarter of a
 # second; a person's next click comes later than that.
 past_the_guard() { sleep 0.4; }
@@ -236,6 +239,7 @@ if check "a left click opens the popover" wait_for 30 shown; then
     check "the popover is on the screen as a whole" on_the_screen
     check "the popover is beside the item" beside_the_item
     check "the popover shows the quota" wait_for 30 popover_is_drawn
+    check "and no driver of a graphics card was loaded for it" no_driver_is_loaded
     [ "$panel" = plasma-wayland ] || check "the popover makes no entry in a taskbar" no_window_is_listed
     click 40 $((screen_height - 60))
     check "a click elsewhere closes it" wait_for 30 hidden

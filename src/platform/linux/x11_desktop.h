@@ -22,8 +22,8 @@ using Strut = std::array<std::uint32_t, 12>;
 /// a desktop of size `desktop`. What would leave nothing of a monitor was meant for another one.
 QRect withoutStruts(const QRect &monitor, const QSize &desktop, const QList<Strut> &struts);
 
-/// `area` of `monitor` without the panels that stand there: windows that are much longer than thick,
-/// at the edge that they are nearest to. All in native pixels.
+/// `area` of `monitor` without the panels that stand there: windows that are much longer than
+/// thick, at the edge that they are nearest to. All in native pixels.
 QRect withoutDocks(const QRect &area, const QRect &monitor, const QList<QRect> &docks);
 
 /// The part of the screen that panels leave free, in the toolkit's coordinates.

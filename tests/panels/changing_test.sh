@@ -42,12 +42,6 @@ stands_as()
 
 stands_nowhere() { [ -z "$(registered_items "$program_pid")" ] && nothing_embedded "$program_pid"; }
 
-click_embedded()
-{
-    # shellcheck disable=SC2046
-    click $(middle_of $(embedded_items "$program_pid" | head -n 1)) 1
-}
-
 # The play ---------------------------------------------------------------------------------------
 NO_PANEL=1 start_session
 
@@ -58,7 +52,6 @@ while read -r kind form; do
     needed "$kind starts" panel_of_kind "$kind"
     check "the item stands on $kind in the way that suits it" wait_for 30 stands_as "$form"
     if [ "$form" != registered ]; then
-        click 40 600 0
         click_embedded
         check "a click on $kind opens the popover" wait_for 30 shown
         key Escape

@@ -40,12 +40,6 @@ window_place() { windows_of "$program_pid" toplevel | head -n 1; }
 window_shown() { [ -n "$(window_place)" ]; }
 window_hidden() { ! window_shown; }
 
-click_item()
-{
-    # shellcheck disable=SC2046
-    click $(middle_of $(embedded_items "$program_pid" | head -n 1)) 1
-}
-
 within() # within LEFT TOP RIGHT BOTTOM
 {
     local x y width height
@@ -111,7 +105,7 @@ for monitor in left right; do
     for edge in top bottom left right; do
         where="$edge of the $monitor monitor"
         needed "a panel at the $where has the item" panel_at $edge $number "${place[@]}"
-        click_item
+        click_embedded
         if check "a click there opens the popover" wait_for 30 window_shown; then
             check "at the item, where the panel ends" at_the_item
             check "on what is left of that monitor" within "${free[@]}"
@@ -131,7 +125,7 @@ for monitor in left right; do
 done
 
 needed "a panel on the right monitor has the item" panel_at top 1 "${right[@]}"
-click_item
+click_embedded
 needed "a click opens the popover" wait_for 30 window_shown
 xrandr --delmonitor right
 check "the popover goes with its monitor" wait_for 30 window_hidden
@@ -147,7 +141,7 @@ wait_for 30 nothing_embedded "$program_pid"
 xrandr --delmonitor left
 xrandr --setmonitor small 640/170x400/105+0+0 screen >/dev/null
 needed "a panel on a small monitor has the item" panel_at top 0 0 0 640 400
-click_item
+click_embedded
 if check "a click opens the popover" wait_for 30 window_shown; then
     check "on what is left of the monitor" within "${free[@]}"
     check "where the panel ends" at_the_item

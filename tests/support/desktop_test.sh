@@ -54,6 +54,21 @@ start_program()
     disown
 }
 
+# An item that is a window of our own: the same before and after the pointer has gone away, as a panel may still be laying out.
+embedded_place_settled()
+{
+    place_of_item=$(embedded_items "$program_pid" | head -n 1)
+    click 40 360 0
+    [ -n "$place_of_item" ] && [ "$place_of_item" = "$(embedded_items "$program_pid" | head -n 1)" ]
+}
+
+click_embedded()
+{
+    wait_for 30 embedded_place_settled
+    # shellcheck disable=SC2046,SC2086
+    click $(middle_of $place_of_item) 1
+}
+
 # popover_place: where the popover is; nothing while it is closed. No window of a layer is listed anywhere: there it
 # is what changed on the screen since the picture `without`, if that is as large.
 popover_place()

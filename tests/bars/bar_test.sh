@@ -54,16 +54,7 @@ shows_both() { shot now "$strip" && has "$1" && has "$2"; }
 answers() { [ "$(brimwatchctl status --template '{source}' 2>/dev/null)" = "$1" ]; }
 
 # The play ---------------------------------------------------------------------------------------
-"$script" start "$session" --no-panel >/dev/null 2>"$out/session.log" || {
-    cat "$out/session.log" >&2
-    die "the display for $bar does not start, logs in $session/log"
-}
-# shellcheck source=/dev/null
-. "$session/env"
-HELPERS=$("$root/tools/panels/helpers.sh")
-PANELS=$root/tools/panels
-# shellcheck source=../../tools/panels/item.sh
-. "$root/tools/panels/item.sh"
+NO_PANEL=1 start_session
 shot empty "$strip"
 "$script" panel "$session" || die "$bar does not start, logs in $session/log"
 
@@ -71,17 +62,12 @@ shot empty "$strip"
 shot offline
 
 quota 0.9 0.4
-"$daemon" --summary "$out/quota.json" >"$out/daemon.log" 2>&1 &
-daemon_pid=$!
-disown
-wait_for 30 grep -q '^ready ' "$out/daemon.log" || die "the sample daemon did not start, see $out/daemon.log"
+start_daemon --summary "$out/quota.json"
 if [ "$kind" = asks ]; then
     check "without the program it shows what the daemon says" wait_for 30 shows orange
     shot without-program
 fi
-"$program" >"$out/program.log" 2>&1 &
-program_pid=$!
-disown
+start_program
 needed "the program runs" wait_for 30 answers program
 if [ "$colours" = lowest ]; then
     check "it shows the lowest quota in its colour" wait_for 30 shows orange

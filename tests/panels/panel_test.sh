@@ -30,13 +30,6 @@ end_program()
     program_pid=
 }
 
-# One of our own, whose status is asked for when it has ended.
-start_program_to_its_end()
-{
-    "$program" >"$out/ended.log" 2>&1 &
-    program_pid=$!
-}
-
 program_runs() { alive "$program_pid"; }
 
 # The item ---------------------------------------------------------------------------------------
@@ -120,20 +113,6 @@ beside_the_item()
     [ "$x" -le $((ix + iw)) ] && [ $((x + width)) -ge "$ix" ] && [ "$y" -ge $((iy - 2)) ] && [ "$y" -le $((iy + ih + 48)) ]
 }
 
-popover_is_drawn()
-{
-    local place
-    place=$(popover_place)
-    # shellcheck disable=SC2046,SC2086
-    shot popover "$(geometry_of $place)"
-    [ "$(identify -format %k "$out/pictures/popover.png")" -ge 40 ] &&
-        [ "$(coloured_pixels "$out/pictures/popover.png" green)" -ge 40 ] &&
-        [ "$(coloured_pixels "$out/pictures/popover.png" orange)" -ge 40 ]
-}
-
-# Each costs tens of MiB, and the popover is drawn without.
-no_driver_is_loaded() { [ -r "/proc/$program_pid/maps" ] && ! grep -qE '/(libLLVM|libEGL_|libGLX_|dri/)' "/proc/$program_pid/maps"; }
-
 # A click that closed the popover must not open it again, so the program is deaf for a quarter of a
 # second; a person's next click comes later than that.
 past_the_guard() { sleep 0.4; }
@@ -182,28 +161,11 @@ crash_panel_again_and_again()
     growth=$((after - before))
 }
 
-# end_at_once NAME: ends a program of the session without a word to it, NAME being what it was spawned as.
-end_at_once()
-{
-    local pid
-    pid=$(cat "$session/$1.pid")
-    kill -9 "$pid" && wait_for 10 gone "$pid"
-}
-
 # A second start that finds no bus: it says why, and leaves the first alone.
 a_second_start_finds_the_lock()
 {
     timeout 20 "$program" >"$out/second.log" 2>&1 && grep -q '^brimwatch: already running; ' "$out/second.log"
 }
-
-has_ended_with() # has_ended_with STATUS
-{
-    local status=0
-    wait "$program_pid" 2>/dev/null || status=$?
-    [ "$status" = "$1" ]
-}
-
-says_why() { grep -qE '^The (X11|Wayland) connection broke' "$out/ended.log"; }
 
 has_not_grown() { [ -n "${growth:-}" ] && [ "$growth" -le "$growth_allowed" ]; }
 

@@ -18,7 +18,17 @@ label=$desktop
 . "$root/tests/support/checks.sh"
 clean_up() { "$script" stop "$session"; }
 check_failed() { shot "failed-$failed"; }
-logs_are() { echo "Logs and pictures of $desktop: $out"; }
+# Where a test runs unattended, nothing but what it printed is left: so the ends of the logs are told as well.
+logs_are()
+{
+    local log
+    echo "Logs and pictures of $desktop: $out"
+    for log in "$out"/*.log "$session"/log/*.log; do
+        [ -s "$log" ] || continue
+        printf -- '--- the end of %s\n' "${log#"$out/"}"
+        tail -n 12 "$log" | cut -c1-300
+    done
+}
 
 shot() { "$root/tools/panels/shot.sh" "$out/pictures/$1.png" ${2:+"$2"} 2>>"$out/shot.log" || true; }
 click() { "$root/tools/panels/click.sh" "$@"; }
@@ -52,6 +62,31 @@ start_program()
     "$program" >>"$out/program.log" 2>&1 &
     program_pid=$!
     disown
+}
+
+# start_program_to_its_end: as a child of ours, whose status is asked for when it has ended.
+start_program_to_its_end()
+{
+    "$program" >"$out/ended.log" 2>&1 &
+    program_pid=$!
+}
+
+has_ended_with() # has_ended_with STATUS
+{
+    local status=0
+    wait "$program_pid" 2>/dev/null || status=$?
+    [ "$status" = "$1" ]
+}
+
+# It said that its display had gone.
+says_why() { grep -qE '^The (X11|Wayland) connection broke' "$out/ended.log"; }
+
+# end_at_once NAME: ends a program of the session without a word to it, NAME being what it was spawned as.
+end_at_once()
+{
+    local pid
+    pid=$(cat "$session/$1.pid")
+    kill -9 "$pid" && wait_for 10 gone "$pid"
 }
 
 # An item that is a window of our own: the same before and after the pointer has gone away, as a panel may still be laying out.
@@ -88,6 +123,20 @@ popover_place()
 
 shown() { [ -n "$(popover_place)" ]; }
 hidden() { ! shown; }
+
+popover_is_drawn()
+{
+    local place
+    place=$(popover_place)
+    # shellcheck disable=SC2046,SC2086
+    shot popover "$(geometry_of $place)"
+    [ "$(identify -format %k "$out/pictures/popover.png")" -ge 40 ] &&
+        [ "$(coloured_pixels "$out/pictures/popover.png" green)" -ge 40 ] &&
+        [ "$(coloured_pixels "$out/pictures/popover.png" orange)" -ge 40 ]
+}
+
+# Each costs tens of MiB, and the popover is drawn without.
+no_driver_is_loaded() { [ -r "/proc/$program_pid/maps" ] && ! grep -qE '/(libLLVM|libEGL_|libGLX_|dri/)' "/proc/$program_pid/maps"; }
 
 # What the sample daemon was asked ------------------------------------------------------------------
 requests() { grep -c '^request ' "${out:?}/daemon.log"; }

@@ -28,6 +28,17 @@ env_set()
     ENVV+=("$1=$2")
 }
 
+# env_unset NAME: what runs inside must not see it.
+env_unset()
+{
+    local entry kept=()
+    for entry in "${ENVV[@]}"; do
+        [ "${entry%%=*}" = "$1" ] || kept+=("$entry")
+    done
+    ENVV=("${kept[@]}")
+    printf 'unset %s\n' "$1" >>"$DIR/env.new"
+}
+
 # spawn NAME COMMAND...: in the background, in the session's environment alone, tagged for stop.
 spawn()
 {

@@ -1,5 +1,7 @@
 #include "platform/linux/layer_shell.h"
 
+#include "platform/linux/undecorated_window.h"
+
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWindow>
@@ -122,20 +124,6 @@ void request(wl_proxy *proxy, SurfaceRequest opcode, Arguments... arguments)
 {
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the library's only way
     wl_proxy_marshal_flags(proxy, opcode, nullptr, wl_proxy_get_version(proxy), 0, arguments...);
-}
-
-/// Our windows have no decoration. To learn whether they could, the toolkit would load the driver
-/// of OpenGL at the first window, with all behind it: 30 MiB (seen with Mesa 22.3). It reads this
-/// variable but then, and programs that we start do not see it.
-void showUndecorated(QWindow &window)
-{
-    constexpr const char *undecorated = "QT_WAYLAND_DISABLE_WINDOWDECORATION";
-    const bool usersChoice = qEnvironmentVariableIsSet(undecorated);
-    if (!usersChoice)
-        qputenv(undecorated, "1");
-    window.show();
-    if (!usersChoice)
-        qunsetenv(undecorated);
 }
 
 } // namespace

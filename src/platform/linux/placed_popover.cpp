@@ -2,6 +2,7 @@
 
 #include "platform/linux/native_geometry.h"
 #include "platform/linux/popover_place.h"
+#include "platform/linux/undecorated_window.h"
 
 #include <QCursor>
 #include <QEvent>
@@ -99,7 +100,7 @@ void PlacedPopover::showBeside(const QRect &item, QScreen *screen)
             screen->geometry(), m_surroundings.workArea(*screen)));
     }
     aboutToShow();
-    m_window->show();
+    showUndecorated(*m_window);
 }
 
 QRect PlacedPopover::windowPlace(const QRect &item, const QSize &size, const QMargins &shadow,

@@ -1,0 +1,79 @@
+#!/bin/bash
+# weston_test.sh   drives the program on a Wayland compositor with neither a layer shell nor Xwayland nor a place for items:
+# the popover is a plain window there, where the compositor wants it.
+#
+# The program and the sample daemon are those of $BRIMWATCH_BUILD (default build/dev). Logs and pictures stay in
+# $BRIMWATCH_PANEL_LOGS (default build/panels)/weston. Prints a line a check and `N passed, N failed` last.
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+PROGRAM=weston_test
+# shellcheck source=../../tools/lib/common.sh
+. "$root/tools/lib/common.sh"
+
+desktop=weston
+script=$root/tools/panels/$desktop.sh
+build=${BRIMWATCH_BUILD:-$root/build/dev}
+out=${BRIMWATCH_PANEL_LOGS:-$root/build/panels}/$desktop
+# shellcheck source=../support/desktop_test.sh
+. "$root/tests/support/desktop_test.sh"
+ctl=$build/src/cli/brimwatchctl
+[ -x "$ctl" ] || die "$ctl is not built"
+
+second_start() { timeout 30 "$program" 2>"$out/second.log" && grep -q 'its popover is open now' "$out/second.log"; }
+
+# Weston places windows at random.
+click_elsewhere()
+{
+    local x y width height
+    read -r x y width height < <(popover_place)
+    if [ "$x" -gt 80 ]; then
+        click 40 $((screen_height / 2))
+    else
+        click $((screen_width - 40)) $((screen_height / 2))
+    fi
+}
+
+click_within()
+{
+    # shellcheck disable=SC2046
+    click $(middle_of $(popover_place))
+}
+
+# The play ---------------------------------------------------------------------------------------
+start_session
+shot screen
+read -r screen_width screen_height < <(identify -format '%w %h' "$out/pictures/screen.png")
+click 40 $((screen_height - 60))
+shot without
+start_daemon --speed 0 --log
+start_program_to_its_end
+
+needed "the program works without a place for its item" wait_for 30 asked_more_than 0
+check "it shows nothing by itself" hidden
+check "a second start opens the popover, and ends well" second_start
+check "it is shown" wait_for 30 shown
+check "with the quota" wait_for 30 popover_is_drawn
+check "and no driver of a graphics card was loaded for it" no_driver_is_loaded
+shot open
+asked=$(requests)
+check "it has the keyboard: Ctrl+R refreshes" wait_for 30 refreshed
+click_within
+check "a click within leaves it open" shown
+key Escape
+check "Escape closes it" wait_for 30 hidden
+
+"$ctl" toggle
+check "brimwatchctl opens it" wait_for 30 shown
+click_elsewhere
+check "a click on another window closes it" wait_for 30 hidden
+"$ctl" settings
+check "brimwatchctl opens the settings" wait_for 30 shown
+shot settings
+"$ctl" toggle
+check "and closes them" wait_for 30 hidden
+
+end_at_once weston
+check "when the compositor goes, the program ends" wait_for 5 gone "$program_pid"
+check "with status 1, not by a crash" has_ended_with 1
+check "and a line that says why" says_why
+program_pid=

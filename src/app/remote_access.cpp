@@ -6,10 +6,13 @@
 
 #include <QTimer>
 
+#include <chrono>
 #include <optional>
 #include <utility>
 
 namespace brimwatch::app {
+
+using namespace std::chrono_literals;
 
 RemoteAccess::RemoteAccess(service::QuotaService &quotaService,
     const service::Diagnostics &diagnostics, platform::RemoteControl &remoteControl, QString home)
@@ -47,15 +50,16 @@ void RemoteAccess::follow()
 
 void RemoteAccess::refresh()
 {
-    constexpr qint64 pause = 1000; // Milliseconds.
     // Who joins a refresh asks nothing of the daemon.
     if (m_quotaService.isRefreshing())
         return;
-    if (m_sinceRefresh.isValid() && !m_sinceRefresh.hasExpired(pause)) {
-        QTimer::singleShot(int(pause - m_sinceRefresh.elapsed()), this, &RemoteAccess::refresh);
+    // Asked once: what is left must not have passed between the question and the timer.
+    if (const auto left = m_pause.remainingTimeAsDuration(); left > 0ns) {
+        QTimer::singleShot(
+            std::chrono::ceil<std::chrono::milliseconds>(left), this, &RemoteAccess::refresh);
         return;
     }
-    m_sinceRefresh.start();
+    m_pause.setRemainingTime(1s);
     m_quotaService.refresh();
 }
 

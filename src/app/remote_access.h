@@ -2,7 +2,7 @@
 
 #include "platform/published_state.h"
 
-#include <QElapsedTimer>
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QString>
 
@@ -42,7 +42,7 @@ private:
     QString m_home;
     bool m_updatePending = false;
     quint64 m_publishedRevision = 0; ///< Of the service.
-    QElapsedTimer m_sinceRefresh; ///< Since the last one that was asked for; invalid before.
+    QDeadlineTimer m_pause{0}; ///< After one that was asked for.
 };
 
 } // namespace brimwatch::app

@@ -31,8 +31,6 @@ told()
 }
 told_once() { [ "$(told)" = 1 ]; }
 
-second_start() { timeout 30 "$program" 2>"$out/second.log" && grep -q 'its popover is open now' "$out/second.log"; }
-
 # Where panels have their items, and off the panel.
 in_the_corner()
 {

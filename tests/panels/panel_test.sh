@@ -230,6 +230,11 @@ if check "a right click opens it too" wait_for 30 shown; then
     check "and a click elsewhere closes it" wait_for 30 hidden
     past_the_guard
 fi
+if [ -n "${BRIMWATCH_LAYERS:-}" ]; then
+    check "toggled in a hurry it opens still" toggled_in_a_hurry
+    key Escape
+    check "and closes" wait_for 30 hidden
+fi
 needed "the program has run all the while" program_runs
 
 if [ "$restarts" = yes ]; then

@@ -16,10 +16,6 @@ build=${BRIMWATCH_BUILD:-$root/build/dev}
 out=${BRIMWATCH_PANEL_LOGS:-$root/build/panels}/$desktop
 # shellcheck source=../support/desktop_test.sh
 . "$root/tests/support/desktop_test.sh"
-ctl=$build/src/cli/brimwatchctl
-[ -x "$ctl" ] || die "$ctl is not built"
-
-second_start() { timeout 30 "$program" 2>"$out/second.log" && grep -q 'its popover is open now' "$out/second.log"; }
 
 # Weston places windows at random.
 click_elsewhere()
@@ -66,6 +62,9 @@ check "Escape closes it" wait_for 30 hidden
 check "brimwatchctl opens it" wait_for 30 shown
 click_elsewhere
 check "a click on another window closes it" wait_for 30 hidden
+check "toggled in a hurry it opens still" toggled_in_a_hurry
+"$ctl" toggle
+check "and closes" wait_for 30 hidden
 "$ctl" settings
 check "brimwatchctl opens the settings" wait_for 30 shown
 shot settings

@@ -6,7 +6,8 @@
 : "${root:?}" "${build:?}" "${script:?}" "${desktop:?}" "${out:?}"
 program=$build/src/app/brimwatch
 daemon=$build/tools/sample-daemon/brimwatch-sample-daemon
-for file in "$program" "$daemon"; do
+ctl=$build/src/cli/brimwatchctl
+for file in "$program" "$daemon" "$ctl"; do
     [ -x "$file" ] || die "$file is not built"
 done
 rm -rf "$out"
@@ -62,6 +63,17 @@ start_program()
     "$program" >>"$out/program.log" 2>&1 &
     program_pid=$!
     disown
+}
+
+# A second start, which opens the popover of the first.
+second_start() { timeout 30 "$program" 2>"$out/second.log" && grep -q 'its popover is open now' "$out/second.log"; }
+
+# Opened and closed faster than anybody can, it still opens.
+toggled_in_a_hurry()
+{
+    local i
+    for ((i = 0; i < 40; ++i)); do "$ctl" toggle || return; done
+    second_start && wait_for 30 popover_is_drawn
 }
 
 # start_program_to_its_end: as a child of ours, whose status is asked for when it has ended.

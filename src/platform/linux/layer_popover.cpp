@@ -2,15 +2,17 @@
 
 #include "platform/linux/popover_place.h"
 
+#include <QBackingStore>
 #include <QEnterEvent>
 #include <QGuiApplication>
 #include <QLoggingCategory>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QRasterWindow>
 #include <QScreen>
+#include <QWindow>
 
 #include <chrono>
+#include <cstddef>
 #include <utility>
 
 namespace brimwatch::platform {
@@ -25,27 +27,45 @@ constexpr std::chrono::milliseconds patience{400};
 } // namespace
 
 /// An invisible window over a whole output, panels included.
-class LayerPopover::Catcher final : public QRasterWindow {
+class LayerPopover::Catcher final : public QWindow {
 public:
-    Catcher(LayerPopover &popover, QScreen *screen)
+    explicit Catcher(LayerPopover &popover)
         : m_popover(popover)
-        , m_screen(screen)
+        , m_surface(*this)
     {
         QSurfaceFormat transparent = format();
         transparent.setAlphaBufferSize(8);
         setFormat(transparent);
-        m_surface = LayerSurface::show(*this, screen, {.coversPanels = true});
+        connect(&m_surface, &LayerSurface::closed, &m_popover, &LayerPopover::performClose);
+        // They are as large as an output.
+        connect(&m_surface, &LayerSurface::gone, this, [this] { m_pixels.reset(); });
     }
 
-    bool isShown() const { return m_surface != nullptr; }
-    LayerSurface *surface() const { return m_surface.get(); }
+    /// False when the compositor does not take it.
+    bool cover(QScreen *screen)
+    {
+        m_screen = screen;
+        return m_surface.show(screen, {.coversPanels = true});
+    }
+    void uncover() { m_surface.hide(); }
 
 protected:
-    void paintEvent(QPaintEvent * /*event*/) override
+    void exposeEvent(QExposeEvent * /*event*/) override
     {
-        QPainter painter(this);
-        painter.setCompositionMode(QPainter::CompositionMode_Source);
-        painter.fillRect(QRect(QPoint(), size()), Qt::transparent);
+        if (!isExposed())
+            return;
+        const QRect all(QPoint(), size());
+        if (!m_pixels)
+            m_pixels = std::make_unique<QBackingStore>(this);
+        m_pixels->resize(size());
+        m_pixels->beginPaint(all);
+        {
+            QPainter painter(m_pixels->paintDevice());
+            painter.setCompositionMode(QPainter::CompositionMode_Source);
+            painter.fillRect(all, Qt::transparent);
+        }
+        m_pixels->endPaint();
+        m_pixels->flush(all);
     }
     bool event(QEvent *event) override
     {
@@ -58,15 +78,16 @@ protected:
                 m_screen, static_cast<QMouseEvent *>(event)->position().toPoint());
         // NOLINTEND(cppcoreguidelines-pro-type-static-cast-downcast)
         else if (event->type() == QEvent::MouseButtonPress)
-            // Not from within: it ends this window.
+            // Not from within: it ends what this window is drawn on.
             QMetaObject::invokeMethod(&m_popover, &Popover::performClose, Qt::QueuedConnection);
-        return QRasterWindow::event(event);
+        return QWindow::event(event);
     }
 
 private:
     LayerPopover &m_popover;
     QPointer<QScreen> m_screen;
-    std::unique_ptr<LayerSurface> m_surface;
+    std::unique_ptr<QBackingStore> m_pixels; ///< While it shows.
+    LayerSurface m_surface;
 };
 
 LayerPopover::LayerPopover(PopoverContentFactory factory, PanelRoom panelRoom, QObject *parent)
@@ -123,12 +144,9 @@ void LayerPopover::performClose()
     m_shown = false;
     m_followsPointer = false;
     m_patience.stop();
-    m_catchers.clear();
-    if (m_surface) {
-        m_surface->hide();
-        // Later: a key of the window may have closed it, and it hears of that key until it returns.
-        m_surface.release()->deleteLater();
-    }
+    for (const auto &catcher : m_catchers)
+        catcher->uncover();
+    m_surface->hide();
     m_content->setShown(false);
     Q_EMIT didClose();
 }
@@ -142,6 +160,8 @@ bool LayerPopover::load()
         return false;
     // Compositors put everything together.
     m_content->setTranslucent(true);
+    m_surface.emplace(m_content->window());
+    connect(&*m_surface, &LayerSurface::closed, this, &LayerPopover::performClose);
     return true;
 }
 
@@ -150,14 +170,14 @@ bool LayerPopover::open()
     if (!load())
         return false;
     const auto screens = QGuiApplication::screens();
-    for (QScreen *screen : screens) {
-        auto catcher = std::make_unique<Catcher>(*this, screen);
-        if (!catcher->isShown())
-            continue;
-        connect(catcher->surface(), &LayerSurface::closed, this, &LayerPopover::performClose);
-        m_catchers.push_back(std::move(catcher));
+    bool covers = false;
+    for (qsizetype i = 0; i < screens.size(); ++i) {
+        const auto index = static_cast<std::size_t>(i);
+        if (index == m_catchers.size())
+            m_catchers.push_back(std::make_unique<Catcher>(*this));
+        covers = m_catchers[index]->cover(screens[i]) || covers;
     }
-    if (m_catchers.empty()) {
+    if (!covers) {
         qCWarning(layerLog) << "the compositor shows no overlay of ours - no popover";
         return false;
     }
@@ -192,12 +212,10 @@ void LayerPopover::showContent(QScreen *screen, const LayerPlace &place)
         wanted = keptOff(m_panelRoom(any->virtualSize()), place);
     wanted = grownBy(m_content->shadow(), wanted);
     wanted.takesKeyboard = true;
-    m_surface = LayerSurface::show(m_content->window(), screen, wanted);
-    if (!m_surface) {
+    if (!m_surface->show(screen, wanted)) {
         performClose();
         return;
     }
-    connect(m_surface.get(), &LayerSurface::closed, this, &LayerPopover::performClose);
     m_lastScreen = screen;
     m_lastPlace = place;
 }

@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class QScreen;
@@ -53,8 +54,8 @@ private:
     PopoverContentFactory m_factory;
     PanelRoom m_panelRoom;
     std::unique_ptr<PopoverContent> m_content;
-    std::vector<std::unique_ptr<Catcher>> m_catchers;
-    std::unique_ptr<LayerSurface> m_surface; ///< The content's, while it shows.
+    std::vector<std::unique_ptr<Catcher>> m_catchers; ///< As many as there ever were outputs.
+    std::optional<LayerSurface> m_surface; ///< The content's.
     bool m_shown = false;
     bool m_followsPointer = false; ///< Waits for an overlay to learn where the pointer is.
     QTimer m_patience; ///< For that.

@@ -10,7 +10,9 @@
 #include <wayland-client.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
+#include <thread>
 
 namespace brimwatch::platform {
 
@@ -62,6 +64,11 @@ enum SurfaceRequest : std::uint32_t {
 };
 constexpr std::uint32_t overlayLayer = 3;
 constexpr std::uint32_t exclusiveKeyboard = 1;
+
+/// How long the toolkit's thread has to be done with frames that were shown before a window went:
+/// far longer than it takes, and the least that somebody who opens it again has to wait.
+constexpr std::chrono::milliseconds leavingTime{250};
+constexpr std::chrono::milliseconds shortestLeavingTime{10};
 
 /// Looks for the layer shell among what the compositor announces.
 struct Search {
@@ -140,16 +147,30 @@ struct LayerSurface::Listener {
         surface->m_isConfigured = true;
         request(proxy, AckConfigure, serial);
     }
-    static void onClosed(void *data, wl_proxy * /*proxy*/)
+    static void onClosed(void *data, wl_proxy *proxy)
     {
         auto *surface = static_cast<LayerSurface *>(data);
-        QMetaObject::invokeMethod(surface, &LayerSurface::closed, Qt::QueuedConnection);
+        // Not from within: it ends the proxy. By then another one may be shown.
+        const auto tell = [surface, proxy] {
+            if (surface->m_surface == proxy)
+                Q_EMIT surface->closed();
+        };
+        QMetaObject::invokeMethod(surface, tell, Qt::QueuedConnection);
     }
 };
 
 LayerSurface::LayerSurface(QWindow &window)
     : m_window(window)
 {
+    m_leaving.setSingleShot(true);
+    m_leaving.setInterval(leavingTime);
+    connect(&m_leaving, &QTimer::timeout, this, &LayerSurface::hideAtOnce);
+}
+
+LayerSurface::~LayerSurface()
+{
+    hide();
+    finishHiding();
 }
 
 bool LayerSurface::isOffered()
@@ -157,75 +178,103 @@ bool LayerSurface::isOffered()
     return boundShell() != nullptr;
 }
 
-std::unique_ptr<LayerSurface> LayerSurface::show(
-    QWindow &window, QScreen *screen, const LayerPlace &place)
+bool LayerSurface::show(QScreen *screen, const LayerPlace &place)
+{
+    finishHiding();
+    m_window.setFlags(Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint);
+    if (screen != nullptr)
+        m_window.setScreen(screen);
+    // Each time it shows it has a new surface, as one that has had a role takes it no second time.
+    // Nothing is drawn on it before the event loop goes on.
+    showUndecorated(m_window);
+    if (!takeRole(screen, place)) {
+        giveRoleBack();
+        m_window.hide();
+        return false;
+    }
+    if (!m_configured.isEmpty())
+        m_window.resize(m_configured);
+    return true;
+}
+
+bool LayerSurface::takeRole(QScreen *screen, const LayerPlace &place)
 {
     wl_proxy *shell = boundShell();
-    if (shell == nullptr)
-        return nullptr;
-    window.setFlags(Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint);
-    if (screen != nullptr)
-        window.setScreen(screen);
-    window.create();
     auto *native = QGuiApplication::platformNativeInterface();
-    auto *surface = static_cast<wl_surface *>(native->nativeResourceForWindow("surface", &window));
+    auto *surface
+        = static_cast<wl_surface *>(native->nativeResourceForWindow("surface", &m_window));
+    if (shell == nullptr || surface == nullptr)
+        return false;
     auto *output = screen == nullptr
         ? nullptr
         : static_cast<wl_output *>(native->nativeResourceForScreen("output", screen));
-    if (surface == nullptr)
-        return nullptr;
-
-    std::unique_ptr<LayerSurface> layer(new LayerSurface(window));
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the library's only way
-    layer->m_surface = wl_proxy_marshal_flags(shell, GetLayerSurface, &surfaceInterface,
+    m_surface = wl_proxy_marshal_flags(shell, GetLayerSurface, &surfaceInterface,
         wl_proxy_get_version(shell), 0, nullptr, surface, output, overlayLayer, "brimwatch");
-    if (layer->m_surface == nullptr)
-        return nullptr;
+    if (m_surface == nullptr)
+        return false;
+    m_configured = {};
+    m_isConfigured = false;
     static Listener listener{.configure = Listener::onConfigure, .closed = Listener::onClosed};
-    wl_proxy_add_listener(layer->m_surface, reinterpret_cast<void (**)()>(&listener), layer.get());
+    wl_proxy_add_listener(m_surface, reinterpret_cast<void (**)()>(&listener), this);
     const QSize size = place.size.expandedTo(QSize(0, 0));
-    request(layer->m_surface, SetSize, static_cast<std::uint32_t>(size.width()),
+    request(m_surface, SetSize, static_cast<std::uint32_t>(size.width()),
         static_cast<std::uint32_t>(size.height()));
-    request(layer->m_surface, SetAnchor, place.edges);
-    request(layer->m_surface, SetExclusiveZone, place.coversPanels ? -1 : 0);
-    request(layer->m_surface, SetMargin, place.margins.top(), place.margins.right(),
+    request(m_surface, SetAnchor, place.edges);
+    request(m_surface, SetExclusiveZone, place.coversPanels ? -1 : 0);
+    request(m_surface, SetMargin, place.margins.top(), place.margins.right(),
         place.margins.bottom(), place.margins.left());
-    request(
-        layer->m_surface, SetKeyboardInteractivity, place.takesKeyboard ? exclusiveKeyboard : 0U);
+    request(m_surface, SetKeyboardInteractivity, place.takesKeyboard ? exclusiveKeyboard : 0U);
     wl_surface_commit(surface);
 
     // One round trip brings the size; a compositor may take a second one to make it up.
     constexpr int mostRounds = 3;
-    for (int round = 0; round < mostRounds && !layer->m_isConfigured; ++round) {
+    for (int round = 0; round < mostRounds && !m_isConfigured; ++round) {
         if (wl_display_roundtrip_queue(toolkitsDisplay(), ownQueue()) < 0)
             break;
     }
-    if (!layer->m_isConfigured)
-        return nullptr;
     // From now on the toolkit brings what comes for it.
-    wl_proxy_set_queue(layer->m_surface, nullptr);
-    if (!layer->m_configured.isEmpty())
-        window.resize(layer->m_configured);
-    showUndecorated(window);
-    return layer;
+    wl_proxy_set_queue(m_surface, nullptr);
+    return m_isConfigured;
+}
+
+void LayerSurface::giveRoleBack()
+{
+    if (m_surface == nullptr)
+        return;
+    wl_proxy_marshal_flags(
+        m_surface, Destroy, nullptr, wl_proxy_get_version(m_surface), WL_MARSHAL_FLAG_DESTROY);
+    m_surface = nullptr;
+    wl_display_flush(toolkitsDisplay());
 }
 
 void LayerSurface::hide()
 {
-    // First, as a role goes before its surface. Hiding ends the surface, and sway (seen with 1.7)
-    // can crash when an output goes with a layer whose surface is gone.
-    if (m_surface != nullptr)
-        wl_proxy_marshal_flags(
-            m_surface, Destroy, nullptr, wl_proxy_get_version(m_surface), WL_MARSHAL_FLAG_DESTROY);
-    m_surface = nullptr;
-    m_window.hide();
+    if (m_surface == nullptr)
+        return;
+    // A role goes before its surface. Hiding for the toolkit ends the surface, and sway (seen with
+    // 1.7) can crash when an output goes with a layer whose surface is gone.
+    giveRoleBack();
+    m_leaving.start();
 }
 
-LayerSurface::~LayerSurface()
+/// For who cannot wait.
+void LayerSurface::finishHiding()
 {
-    hide();
-    // A surface that has had a role cannot take it again.
-    m_window.destroy();
+    if (!m_leaving.isActive())
+        return;
+    // No frame is shown any more: what was told of them is here after the round trip, and soon with
+    // the toolkit's thread.
+    wl_display_roundtrip_queue(toolkitsDisplay(), ownQueue());
+    std::this_thread::sleep_for(shortestLeavingTime);
+    m_leaving.stop();
+    hideAtOnce();
+}
+
+void LayerSurface::hideAtOnce()
+{
+    m_window.hide();
+    Q_EMIT gone();
 }
 
 bool compositorHasLayerShell()

@@ -51,6 +51,14 @@ spawn()
 
 inside() { env -i "${ENVV[@]}" "$@"; }
 
+# on_screen COMMAND...: on the display that shows the session, which is another one for a nested one.
+on_screen()
+{
+    local outer
+    outer=$(value_of BRIMWATCH_OUTER_DISPLAY)
+    inside ${outer:+env DISPLAY="$outer"} "$@"
+}
+
 # No service is activated but those in $SERVICES: the bus must not start half a desktop.
 write_bus_conf()
 {

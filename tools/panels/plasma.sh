@@ -114,14 +114,6 @@ session_start()
 
 panel_start() { spawn panel plasmashell --no-respawn; }
 
-# A nested session is seen on the display around it.
-on_screen()
-{
-    local outer
-    outer=$(value_of BRIMWATCH_OUTER_DISPLAY)
-    inside ${outer:+env DISPLAY="$outer"} "$@"
-}
-
 # It takes items and shows windows well before it draws itself: the middle of its row is then still wallpaper.
 panel_is_drawn()
 {

@@ -21,8 +21,8 @@ locking=false
 INI
     # Clicks, keys and pictures go to the display around the session.
     env_set BRIMWATCH_OUTER_DISPLAY "$outer"
-    spawn weston weston --backend=x11-backend.so --use-pixman --width="${SIZE%x*}" --height="${SIZE#*x}" --socket=wayland-weston \
-        --idle-time=0
+    spawn weston weston --backend=x11-backend.so --use-pixman --width="${SIZE%x*}" --height="${SIZE#*x}" \
+        --socket=wayland-weston --idle-time=0
     wait_for 30 test -S "$RUN/wayland-weston" || die "weston did not start, see $DIR/log/weston.log"
     env_set WAYLAND_DISPLAY wayland-weston
     # What is on the screen is known from pictures alone.
@@ -32,6 +32,10 @@ INI
 
 panel_start() { spawn panel weston-terminal --maximized; }
 
-panel_ready() { inside sh -c 'exit 0'; }
+# Its light title bar goes from edge to edge.
+panel_ready()
+{
+    [ "$(on_screen import -silent -window root -crop "${SIZE%x*}x1+0+20" +repage -format '%[fx:mean>0.5]' info:)" = 1 ]
+}
 
 panel_main "$@"

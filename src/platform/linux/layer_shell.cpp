@@ -65,9 +65,10 @@ enum SurfaceRequest : std::uint32_t {
 constexpr std::uint32_t overlayLayer = 3;
 constexpr std::uint32_t exclusiveKeyboard = 1;
 
-/// How long the toolkit's thread has to be done with frames that were shown before a window went:
-/// far longer than it takes, and the least that somebody who opens it again has to wait.
+/// How long the toolkit's thread has to be done with the frames that were shown before a window
+/// went, which takes it far less.
 constexpr std::chrono::milliseconds leavingTime{250};
+/// The same where the window is to be shown again, or ends: all the while nothing else goes on.
 constexpr std::chrono::milliseconds shortestLeavingTime{10};
 
 /// Looks for the layer shell among what the compositor announces.

@@ -4,27 +4,27 @@
 #include "app/replacement.h"
 #include "app/toolkit_setup.h"
 #include "core/clock.h"
-#include "platform/linux/application_icon.h"
-#include "platform/linux/autostart_login_item.h"
-#include "platform/linux/bus_service.h"
-#include "platform/linux/desktop_appearance.h"
-#include "platform/linux/desktop_notifier.h"
-#include "platform/linux/desktop_opener.h"
-#include "platform/linux/kwin_panels.h"
-#include "platform/linux/label_painter.h"
-#include "platform/linux/layer_popover.h"
+#include "platform/linux/appearance/desktop_appearance.h"
+#include "platform/linux/bus/bus_service.h"
+#include "platform/linux/bus/single_instance.h"
+#include "platform/linux/desktop/application_icon.h"
+#include "platform/linux/desktop/autostart_login_item.h"
+#include "platform/linux/desktop/desktop_notifier.h"
+#include "platform/linux/desktop/desktop_opener.h"
+#include "platform/linux/desktop/qt_application_presence.h"
+#include "platform/linux/desktop/qt_pasteboard.h"
+#include "platform/linux/desktop/resume_watch.h"
 #include "platform/linux/linux_app_information.h"
-#include "platform/linux/only_instance.h"
-#include "platform/linux/panel_status_item.h"
-#include "platform/linux/qt_application_presence.h"
-#include "platform/linux/qt_pasteboard.h"
-#include "platform/linux/resume_watch.h"
+#include "platform/linux/popover/layer_popover.h"
+#include "platform/linux/popover/window_popover.h"
+#include "platform/linux/popover/x11_popover.h"
 #include "platform/linux/symbols/svg_symbols.h"
-#include "platform/linux/window_popover.h"
-#include "platform/linux/x11_desktop.h"
-#include "platform/linux/x11_popover.h"
-#include "platform/linux/x_connection.h"
-#include "platform/linux/xsettings.h"
+#include "platform/linux/tray/label_painter.h"
+#include "platform/linux/tray/panel_status_item.h"
+#include "platform/linux/x11/kwin_panels.h"
+#include "platform/linux/x11/work_area.h"
+#include "platform/linux/x11/x_connection.h"
+#include "platform/linux/x11/xsettings.h"
 #include "service/settings.h"
 
 #include <QDBusConnection>
@@ -179,9 +179,9 @@ private:
 };
 
 /// What a second start says as it ends, and its exit status.
-int endSecondStart(platform::OnlyInstance::Standing standing)
+int endSecondStart(platform::SingleInstance::Standing standing)
 {
-    using Standing = platform::OnlyInstance::Standing;
+    using Standing = platform::SingleInstance::Standing;
     switch (standing) {
     case Standing::OtherSilent:
         std::fputs("brimwatch: already running, but it does not answer\n", stderr);
@@ -207,11 +207,11 @@ int run(int argc, char **argv, QString &path)
     const auto bus = QDBusConnection::sessionBus();
     // On the bus before the name is ours, so that nobody finds the name without it.
     platform::BusService busService(bus, QCoreApplication::applicationVersion());
-    platform::OnlyInstance onlyInstance(bus, qEnvironmentVariable("XDG_RUNTIME_DIR"));
+    platform::SingleInstance onlyInstance(bus, qEnvironmentVariable("XDG_RUNTIME_DIR"));
     std::optional<LinuxProgram> program;
-    QObject::connect(&onlyInstance, &platform::OnlyInstance::decided, application.get(),
-        [&](platform::OnlyInstance::Standing standing) {
-            if (standing != platform::OnlyInstance::Standing::First) {
+    QObject::connect(&onlyInstance, &platform::SingleInstance::decided, application.get(),
+        [&](platform::SingleInstance::Standing standing) {
+            if (standing != platform::SingleInstance::Standing::First) {
                 QCoreApplication::exit(endSecondStart(standing));
                 return;
             }

@@ -1,7 +1,7 @@
 #include "app/toolkit_setup.h"
 
-#include "platform/linux/layer_shell.h"
-#include "platform/linux/popup_accessibility.h"
+#include "platform/linux/popover/layer_shell.h"
+#include "platform/linux/popover/popup_accessibility.h"
 
 #include <QByteArray>
 

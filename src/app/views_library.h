@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/popover_content.h"
-#include "views/popover_views.h"
+#include "views/views_library.h"
 
 namespace brimwatch::app {
 

@@ -1,9 +1,9 @@
 #include "cli/command_line.h"
-#include "cli/fallback.h"
+#include "cli/fetch_library.h"
 #include "cli/output.h"
 #include "cli/status.h"
 #include "cli/watch.h"
-#include "platform/linux/running_program.h"
+#include "platform/linux/bus/running_program.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/command_line.h"
-#include "platform/linux/running_program.h"
+#include "platform/linux/bus/running_program.h"
 
 #include <QObject>
 #include <QString>

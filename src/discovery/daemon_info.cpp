@@ -1,6 +1,6 @@
 #include "discovery/daemon_info.h"
 
-#include "model/json_fields.h"
+#include "core/json_fields.h"
 
 namespace brimwatch::discovery {
 
@@ -8,7 +8,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-DaemonInfo readDaemonInfo(model::JsonFields fields)
+DaemonInfo readDaemonInfo(JsonFields fields)
 {
     return {
         .pid = fields.optionalInteger("pid"_L1),
@@ -29,10 +29,10 @@ void insertIfPresent(QJsonObject &object, QLatin1StringView key, const std::opti
 
 } // namespace
 
-Result<DaemonInfo, model::DecodingError> decodeDaemonInfo(const QByteArray &json)
+Result<DaemonInfo, DecodingError> decodeDaemonInfo(const QByteArray &json)
 {
-    return model::parseJsonObject(json).and_then(
-        [](const QJsonObject &object) { return model::decodeRecord(object, readDaemonInfo); });
+    return parseJsonObject(json).and_then(
+        [](const QJsonObject &object) { return decodeRecord(object, readDaemonInfo); });
 }
 
 QJsonObject encode(const DaemonInfo &info)

@@ -27,7 +27,7 @@ struct DaemonInfo {
 
 /// All keys are optional, but one of a wrong type (a port as text, a pid with a fraction) refuses
 /// the file whole.
-Result<DaemonInfo, model::DecodingError> decodeDaemonInfo(const QByteArray &json);
+Result<DaemonInfo, DecodingError> decodeDaemonInfo(const QByteArray &json);
 QJsonObject encode(const DaemonInfo &info);
 
 } // namespace brimwatch::discovery

@@ -1,6 +1,6 @@
 #include "model/quota_json.h"
 
-#include "model/json_fields.h"
+#include "core/json_fields.h"
 
 #include <QJsonArray>
 

@@ -1,19 +1,13 @@
 #pragma once
 
+#include "core/json_fields.h"
 #include "core/result.h"
 #include "model/quota_records.h"
 
 #include <QByteArray>
 #include <QJsonObject>
-#include <QString>
 
 namespace brimwatch::model {
-
-/// Why a body is no record: the key path and what was expected there. It holds nothing of the
-/// body's values.
-struct DecodingError {
-    QString description;
-};
 
 /// Decodes a whole body. All or nothing: one missing, null or wrongly typed required field refuses
 /// it whole, as does a wrongly typed optional one, and nothing after it is read. Unknown keys are

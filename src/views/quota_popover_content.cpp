@@ -1,6 +1,6 @@
 #include "views/quota_popover_content.h"
 
-#include "views/popover_shadow.h"
+#include "views/drawing/popover_shadow.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "platform/popover_content.h"
-#include "views/popover_model.h"
-#include "views/popover_views.h"
-#include "views/settings_model.h"
-#include "views/theme.h"
+#include "views/models/popover_model.h"
+#include "views/models/settings_model.h"
+#include "views/models/theme.h"
+#include "views/views_library.h"
 
 #include <QQmlEngine>
 #include <QQuickWindow>

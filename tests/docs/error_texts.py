@@ -12,7 +12,8 @@ import sys
 LITERAL = re.compile(r'''(?:u8|[uUL])?(?:"((?:[^"\\]|\\.)*)"(?:_s|_L1)?|'([^'\\])')''')
 
 # What panels, not people, are told; what only a Mac says; why an answer of the daemon counts as none.
-NOT_FOR_PEOPLE = ("src/platform/macos/", "src/app/main_macos.cpp", "src/platform/linux/dbus_menu.cpp", "src/model/")
+NOT_FOR_PEOPLE = ("src/platform/macos/", "src/app/main_macos.cpp", "src/platform/linux/tray/dbus_menu.cpp", "src/model/",
+                  "src/core/json_fields.cpp")
 
 # Calls whose texts are shown, written or logged because something is wrong.
 CALLS = re.compile(
@@ -23,7 +24,7 @@ ALL_TEXTS = {"src/discovery/daemon_error.cpp": re.compile(r"\breturn\s"),
 MESSAGES = re.compile(r"(?:\.message|\.error|\.requiresApproval)\s*=(?!=)")
 STREAMS = re.compile(r"\bqC(?:Critical|Warning)\(\w+\)(?:\.\w+\(\))*\s*<<")
 # What the views say where there is something missing.
-QML_TEXTS = {"src/views/OfflineState.qml": None, "src/views/SettingsView.qml": ("noDaemonNote", "noStatsNote")}
+QML_TEXTS = {"src/views/dashboard/OfflineState.qml": None, "src/views/settings/SettingsView.qml": ("noDaemonNote", "noStatsNote")}
 # The same call also says what is no error, and names what is no sentence.
 NO_ERROR = {"Never", "Retry Connection", "brimwatch: already running; its popover is open now", "try 'brimwatchctl --help'",
             "Requires approval in macOS System Settings."}

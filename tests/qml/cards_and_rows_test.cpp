@@ -1,4 +1,4 @@
-#include "platform/linux/system_colors.h"
+#include "platform/linux/appearance/system_colors.h"
 #include "platform/wording.h"
 #include "qml/popover_fixture.h"
 #include "qml/samples.h"

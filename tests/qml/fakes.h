@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/appearance.h"
-#include "platform/linux/system_colors.h"
+#include "platform/linux/appearance/system_colors.h"
 #include "platform/opener.h"
 #include "platform/pasteboard.h"
 

@@ -1,6 +1,6 @@
 #include "qml/popover_fixture.h"
 #include "qml/samples.h"
-#include "views/theme.h"
+#include "views/models/theme.h"
 
 #include <QQmlComponent>
 #include <QQmlEngine>

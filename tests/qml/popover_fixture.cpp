@@ -1,7 +1,7 @@
 #include "qml/popover_fixture.h"
 
 #include "qml/samples.h"
-#include "views/popover_views.h"
+#include "views/views_library.h"
 
 #include <QTest>
 

@@ -9,7 +9,7 @@
 #include "support/fake_fetching.h"
 #include "support/fake_launch_at_login.h"
 #include "support/test_clock.h"
-#include "views/popover_model.h"
+#include "views/models/popover_model.h"
 
 #include <QQuickItem>
 #include <QQuickWindow>

@@ -1,8 +1,8 @@
 #include "platform/wording.h"
 #include "qml/popover_fixture.h"
 #include "qml/samples.h"
-#include "views/popover_model.h"
-#include "views/theme.h"
+#include "views/models/popover_model.h"
+#include "views/models/theme.h"
 
 #include <QAccessible>
 #include <QQuickItem>

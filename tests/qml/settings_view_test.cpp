@@ -2,7 +2,7 @@
 #include "platform/wording.h"
 #include "qml/popover_fixture.h"
 #include "qml/samples.h"
-#include "views/settings_model.h"
+#include "views/models/settings_model.h"
 
 #include <QQuickItem>
 #include <QTest>

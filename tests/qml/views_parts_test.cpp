@@ -1,7 +1,7 @@
-#include "views/quota_entries.h"
-#include "views/refresh_spin.h"
-#include "views/steady_text.h"
-#include "views/time_ago.h"
+#include "views/dashboard/refresh_spin.h"
+#include "views/drawing/tabular_text.h"
+#include "views/models/quota_entries.h"
+#include "views/models/time_ago.h"
 
 #include <QFontDatabase>
 #include <QSignalSpy>
@@ -119,9 +119,9 @@ void ViewsPartsTest::allDigitsAreEquallyWide()
     for (const QString &family : families) {
         QFont font(family);
         font.setPixelSize(11);
-        const qreal zeros = views::SteadyText::advance(font, u"Resets in 00m 00s"_s);
-        QCOMPARE(views::SteadyText::advance(font, u"Resets in 11m 74s"_s), zeros);
-        QVERIFY(views::SteadyText::advance(font, u"Resets in 111m 74s"_s) > zeros);
+        const qreal zeros = views::TabularText::advance(font, u"Resets in 00m 00s"_s);
+        QCOMPARE(views::TabularText::advance(font, u"Resets in 11m 74s"_s), zeros);
+        QVERIFY(views::TabularText::advance(font, u"Resets in 111m 74s"_s) > zeros);
     }
 }
 

@@ -16,7 +16,7 @@ namespace brimwatch::platform {
 
 namespace {
 
-Q_LOGGING_CATEGORY(lcSymbols, "brimwatch.platform", QtInfoMsg)
+Q_LOGGING_CATEGORY(lcSymbols, "brimwatch.symbols", QtInfoMsg)
 
 constexpr double gridHeight = 20;
 constexpr double gridHeightPerPoint = 1.15;

@@ -1,0 +1,223 @@
+#include "platform/linux/popover/layer_popover.h"
+
+#include "platform/linux/popover/layer_place.h"
+
+#include <QBackingStore>
+#include <QEnterEvent>
+#include <QGuiApplication>
+#include <QLoggingCategory>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QWindow>
+
+#include <chrono>
+#include <cstddef>
+#include <utility>
+
+namespace brimwatch::platform {
+
+namespace {
+
+Q_LOGGING_CATEGORY(layerLog, "brimwatch.popover", QtInfoMsg)
+
+// Compositors tell where the pointer is as soon as an overlay shows. A seat without one never does.
+constexpr std::chrono::milliseconds patience{400};
+
+} // namespace
+
+/// An invisible window over a whole output, panels included.
+class LayerPopover::Catcher final : public QWindow {
+public:
+    explicit Catcher(LayerPopover &popover)
+        : m_popover(popover)
+        , m_surface(*this)
+    {
+        QSurfaceFormat transparent = format();
+        transparent.setAlphaBufferSize(8);
+        setFormat(transparent);
+        connect(&m_surface, &LayerSurface::closed, &m_popover, &LayerPopover::performClose);
+        // They are as large as an output.
+        connect(&m_surface, &LayerSurface::gone, this, [this] { m_pixels.reset(); });
+    }
+
+    /// False when the compositor does not take it.
+    bool cover(QScreen *screen)
+    {
+        m_screen = screen;
+        return m_surface.show(screen, {.coversPanels = true});
+    }
+    void uncover() { m_surface.hide(); }
+
+protected:
+    void exposeEvent(QExposeEvent * /*event*/) override
+    {
+        if (!isExposed())
+            return;
+        const QRect all(QPoint(), size());
+        if (!m_pixels)
+            m_pixels = std::make_unique<QBackingStore>(this);
+        m_pixels->resize(size());
+        m_pixels->beginPaint(all);
+        {
+            QPainter painter(m_pixels->paintDevice());
+            painter.setCompositionMode(QPainter::CompositionMode_Source);
+            painter.fillRect(all, Qt::transparent);
+        }
+        m_pixels->endPaint();
+        m_pixels->flush(all);
+    }
+    bool event(QEvent *event) override
+    {
+        // NOLINTBEGIN(cppcoreguidelines-pro-type-static-cast-downcast): told by type()
+        if (event->type() == QEvent::Enter)
+            m_popover.pointerFound(
+                m_screen, static_cast<QEnterEvent *>(event)->position().toPoint());
+        else if (event->type() == QEvent::MouseMove)
+            m_popover.pointerFound(
+                m_screen, static_cast<QMouseEvent *>(event)->position().toPoint());
+        // NOLINTEND(cppcoreguidelines-pro-type-static-cast-downcast)
+        else if (event->type() == QEvent::MouseButtonPress)
+            // Not from within: it ends what this window is drawn on.
+            QMetaObject::invokeMethod(&m_popover, &Popover::performClose, Qt::QueuedConnection);
+        return QWindow::event(event);
+    }
+
+private:
+    LayerPopover &m_popover;
+    QPointer<QScreen> m_screen;
+    std::unique_ptr<QBackingStore> m_pixels; ///< While it shows.
+    LayerSurface m_surface;
+};
+
+LayerPopover::LayerPopover(PopoverContentFactory factory, PanelRoom panelRoom, QObject *parent)
+    : Popover(parent)
+    , m_factory(std::move(factory))
+    , m_panelRoom(std::move(panelRoom))
+{
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(patience);
+    connect(&m_patience, &QTimer::timeout, this, &LayerPopover::showAtLikelyPlace);
+    connect(qGuiApp, &QGuiApplication::screenRemoved, this, [this] { performClose(); });
+}
+
+LayerPopover::~LayerPopover() = default;
+
+bool LayerPopover::isShown() const
+{
+    return m_shown;
+}
+
+void LayerPopover::prepare()
+{
+    load();
+}
+
+void LayerPopover::show(const ItemAnchor & /*anchor*/)
+{
+    if (m_shown || !open())
+        return;
+    m_followsPointer = true;
+    m_patience.start();
+}
+
+void LayerPopover::showUnclicked(const std::optional<QRect> & /*item*/)
+{
+    if (m_shown || !open())
+        return;
+    if (!m_lastScreen.isNull())
+        showContent(m_lastScreen, m_lastPlace);
+    else
+        showAtLikelyPlace();
+}
+
+void LayerPopover::showSettings()
+{
+    if (m_content)
+        m_content->showSettings();
+}
+
+void LayerPopover::performClose()
+{
+    if (!m_shown)
+        return;
+    m_shown = false;
+    m_followsPointer = false;
+    m_patience.stop();
+    for (const auto &catcher : m_catchers)
+        catcher->uncover();
+    m_surface->hide();
+    m_content->setShown(false);
+    Q_EMIT didClose();
+}
+
+bool LayerPopover::load()
+{
+    if (m_content)
+        return true;
+    m_content = m_factory();
+    if (!m_content)
+        return false;
+    // Compositors put everything together.
+    m_content->setTranslucent(true);
+    m_surface.emplace(m_content->window());
+    connect(&*m_surface, &LayerSurface::closed, this, &LayerPopover::performClose);
+    return true;
+}
+
+bool LayerPopover::open()
+{
+    if (!load())
+        return false;
+    const auto screens = QGuiApplication::screens();
+    bool covers = false;
+    for (qsizetype i = 0; i < screens.size(); ++i) {
+        const auto index = static_cast<std::size_t>(i);
+        if (index == m_catchers.size())
+            m_catchers.push_back(std::make_unique<Catcher>(*this));
+        covers = m_catchers[index]->cover(screens[i]) || covers;
+    }
+    if (!covers) {
+        qCWarning(layerLog) << "the compositor shows no overlay of ours - no popover";
+        return false;
+    }
+    m_shown = true;
+    m_content->setShown(true);
+    return true;
+}
+
+void LayerPopover::pointerFound(QScreen *screen, QPoint place)
+{
+    if (!std::exchange(m_followsPointer, false) || screen == nullptr)
+        return;
+    showContent(screen, popoverLayer(place, m_content->size(), screen->size()));
+}
+
+void LayerPopover::showAtLikelyPlace()
+{
+    m_followsPointer = false;
+    // The compositor knows which output the user is at.
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    showContent(
+        nullptr, cornerLayer(m_content->size(), screen != nullptr ? screen->size() : QSize()));
+}
+
+void LayerPopover::showContent(QScreen *screen, const LayerPlace &place)
+{
+    m_patience.stop();
+    LayerPlace wanted = place;
+    // Read each time: panels come, go and move.
+    const QScreen *any = QGuiApplication::primaryScreen();
+    if (m_panelRoom && any != nullptr)
+        wanted = keptOff(m_panelRoom(any->virtualSize()), place);
+    wanted = grownBy(m_content->shadow(), wanted);
+    wanted.takesKeyboard = true;
+    if (!m_surface->show(screen, wanted)) {
+        performClose();
+        return;
+    }
+    m_lastScreen = screen;
+    m_lastPlace = place;
+}
+
+} // namespace brimwatch::platform

@@ -1,0 +1,159 @@
+#include "platform/linux/popover/placed_popover.h"
+
+#include "platform/linux/popover/popover_place.h"
+#include "platform/linux/popover/undecorated_window.h"
+#include "platform/linux/x11/native_geometry.h"
+
+#include <QCursor>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWindow>
+
+#include <utility>
+
+namespace brimwatch::platform {
+
+PlacedPopover::PlacedPopover(PopoverContentFactory factory, WindowSurroundings surroundings,
+    Qt::WindowFlags flags, QObject *parent)
+    : Popover(parent)
+    , m_factory(std::move(factory))
+    , m_surroundings(std::move(surroundings))
+    , m_flags(flags)
+{
+    // The item has moved with its panel, or went with it.
+    connect(qGuiApp, &QGuiApplication::screenRemoved, this, &PlacedPopover::performClose);
+}
+
+PlacedPopover::~PlacedPopover()
+{
+    if (m_window != nullptr)
+        m_window->removeEventFilter(this);
+}
+
+QWindow *PlacedPopover::window() const
+{
+    return m_window;
+}
+
+QRect PlacedPopover::frame() const
+{
+    return m_window->geometry() - m_content->shadow();
+}
+
+void PlacedPopover::prepare()
+{
+    load();
+}
+
+void PlacedPopover::show(const ItemAnchor &anchor)
+{
+    if (!anchor.bounds && !anchor.pointer) {
+        // The toolkit's idea of the pointer is right on every panel tried, also where the panel's
+        // is not.
+        const QPoint cursor = QCursor::pos();
+        showBeside(QRect(cursor, QSize(1, 1)), QGuiApplication::screenAt(cursor));
+        return;
+    }
+    const QPoint pointer = anchor.pointer ? *anchor.pointer : anchor.bounds->center();
+    QScreen *screen = screenAtNative(pointer);
+    const QRect item = anchor.bounds ? fromNative(*anchor.bounds, screen)
+                                     : QRect(fromNative(pointer, screen), QSize(1, 1));
+    showBeside(item, screen);
+}
+
+void PlacedPopover::showUnclicked(const std::optional<QRect> &item)
+{
+    if (item) {
+        PlacedPopover::show({.bounds = item, .pointer = {}});
+        return;
+    }
+    if (m_lastItem) {
+        // Its screen may be gone by now.
+        if (QScreen *screen = QGuiApplication::screenAt(m_lastItem->center())) {
+            showBeside(*m_lastItem, screen);
+            return;
+        }
+    }
+    QScreen *screen = QGuiApplication::screenAt(QCursor::pos());
+    if (screen == nullptr)
+        screen = QGuiApplication::primaryScreen();
+    if (screen == nullptr)
+        return;
+    showBeside(likelyItemPlace(screen->geometry(), m_surroundings.workArea(*screen)), screen);
+}
+
+void PlacedPopover::showBeside(const QRect &item, QScreen *screen)
+{
+    if (m_shown || !load())
+        return;
+    m_shown = true;
+    m_content->setTranslucent(m_surroundings.isComposited());
+    m_content->setShown(true);
+    m_lastItem = item;
+    if (screen == nullptr)
+        screen = QGuiApplication::primaryScreen();
+    if (screen != nullptr) {
+        m_window->setScreen(screen);
+        closeWith(screen);
+        m_window->setGeometry(windowPlace(item, m_content->size(), m_content->shadow(),
+            screen->geometry(), m_surroundings.workArea(*screen)));
+    }
+    aboutToShow();
+    showUndecorated(*m_window);
+}
+
+QRect PlacedPopover::windowPlace(const QRect &item, const QSize &size, const QMargins &shadow,
+    const QRect &screen, const QRect &workArea) const
+{
+    return popoverPlace(item, size, screen, workArea) + shadow;
+}
+
+void PlacedPopover::showSettings()
+{
+    if (m_content)
+        m_content->showSettings();
+}
+
+void PlacedPopover::performClose()
+{
+    if (m_window != nullptr)
+        m_window->hide();
+}
+
+/// A screen of another size has its panels, and the item, elsewhere.
+void PlacedPopover::closeWith(QScreen *screen)
+{
+    if (m_screen == screen)
+        return;
+    if (m_screen != nullptr)
+        disconnect(m_screen, nullptr, this, nullptr);
+    m_screen = screen;
+    connect(screen, &QScreen::geometryChanged, this, &PlacedPopover::performClose);
+}
+
+bool PlacedPopover::load()
+{
+    if (m_window != nullptr)
+        return true;
+    m_content = m_factory();
+    if (!m_content)
+        return false;
+    m_window = &m_content->window();
+    m_window->setFlags(m_flags);
+    m_window->installEventFilter(this);
+    return true;
+}
+
+bool PlacedPopover::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_window && event->type() == QEvent::Hide && m_shown) {
+        m_shown = false;
+        hidden();
+        m_content->setShown(false);
+        Q_EMIT didClose();
+    }
+    return Popover::eventFilter(watched, event);
+}
+
+} // namespace brimwatch::platform

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "platform/linux/tray/host_table.h"
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <xcb/xcb.h>
+
+#include <functional>
+#include <optional>
+
+class QDBusMessage;
+class QDBusServiceWatcher;
+
+namespace brimwatch::platform {
+
+class XConnection;
+
+/// Who shows our item now, and how. Two hosts are the same only when nobody has taken the place of
+/// the other in between.
+struct Host {
+    QString name;
+    PresentationKind wished = PresentationKind::None;
+    xcb_window_t trayManager = XCB_WINDOW_NONE; ///< Where to embed; none with the other protocols.
+    QString watcher; ///< The bus name of the watcher to register with; empty when embedding.
+
+    bool operator==(const Host &) const = default;
+};
+
+/// The path of the program of a process; empty when the system does not tell.
+using ExecutableOf = std::function<QString(qint64 pid)>;
+
+/// Asks the proc file system; where it hides the program, the name that the process was called by.
+QString executableOfProcess(qint64 pid);
+
+/// Follows who could show the item: the watcher on the session bus and the tray manager on the X
+/// screen, either of which may be missing for good. Blocks for neither the bus nor a host.
+///
+/// Panels bring their two halves one after the other. Where the second would change the choice, it
+/// is waited for, but not for long, so that the item does not jump from one protocol to the other
+/// at login.
+class HostDetector : public QObject {
+    Q_OBJECT
+
+public:
+    /// How long the rest of a panel is waited for.
+    static constexpr int patienceMilliseconds = 1000;
+
+    HostDetector(XConnection &x, QDBusConnection bus,
+        ExecutableOf executableOf = executableOfProcess, QObject *parent = nullptr);
+    ~HostDetector() override;
+
+    /// Begins to look. A tray manager that is right whatever the bus says is announced before this
+    /// returns.
+    void start();
+    const Host &host() const { return m_host; }
+
+Q_SIGNALS:
+    void hostChanged(const brimwatch::platform::Host &host);
+
+private:
+    void handle(const xcb_generic_event_t *event);
+    void findTrayManager();
+    TrayManagerFacts describeTrayManager();
+    void watcherOwnerChanged(const QString &owner);
+    void askForWatcher();
+    void askForProcess(const QString &owner);
+    void askForHosts(const QString &owner);
+    Q_SLOT void watcherHostsChanged(const QDBusMessage &message);
+    void choose();
+    void publish(const Host &host);
+
+    XConnection &m_x;
+    QDBusConnection m_bus;
+    ExecutableOf m_executableOf;
+    QDBusServiceWatcher *m_ownerWatcher = nullptr;
+    QTimer m_patience;
+    xcb_atom_t m_traySelection = XCB_ATOM_NONE;
+    xcb_window_t m_manager = XCB_WINDOW_NONE;
+    QString m_watcher;
+    TrayFacts m_facts;
+    bool m_patienceOver = false;
+    Host m_host;
+};
+
+} // namespace brimwatch::platform

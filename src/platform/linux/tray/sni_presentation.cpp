@@ -1,0 +1,422 @@
+#include "platform/linux/tray/sni_presentation.h"
+
+#include "core/plain_text.h"
+#include "platform/linux/tray/dbus_menu.h"
+#include "platform/linux/tray/label_painter.h"
+#include "sni_adaptor.h"
+#include "sni_menuless_adaptor.h"
+
+#include <QCoreApplication>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QPainter>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <optional>
+#include <utility>
+
+namespace brimwatch::platform {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr auto watcherService = "org.kde.StatusNotifierWatcher"_L1;
+constexpr auto itemPath = "/StatusNotifierItem"_L1;
+constexpr auto menuPath = "/StatusNotifierItem/Menu"_L1;
+constexpr auto busService = "org.freedesktop.DBus"_L1;
+
+// Every host reads all pictures again at each change, so there are few: one for each usual height
+// of a panel.
+constexpr std::array pictureSides{16, 22, 24, 32, 48};
+// Those of wide pictures: the usual one, and it twice for screens of high resolution.
+constexpr std::array wideHeights{22, 44};
+constexpr double wideRadius = 5;
+constexpr QColor pictureGround(0x20, 0x22, 0x26);
+constexpr QImage::Format pictureFormat = QImage::Format_ARGB32_Premultiplied;
+
+constexpr std::chrono::seconds pauseBetweenSignals{1};
+
+// Arguments below it in both directions are places within an item. Coordinates of screens have 16
+// bits.
+constexpr int largestItem = 64;
+constexpr int farthest = 0x7fff;
+
+enum MenuId : int { OpenId = 1, RefreshId, SettingsId, SeparatorId, QuitId };
+
+constexpr bool hasMenu(SniForm form)
+{
+    return form == SniForm::Portable;
+}
+
+/// Rounded at the corners, by `radius` in the picture's own units.
+void fillGround(QImage &picture, double radius)
+{
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(pictureGround);
+    painter.drawRoundedRect(
+        QRectF(QPointF(), QSizeF(picture.size()) / picture.devicePixelRatio()), radius, radius);
+}
+
+QList<DBusMenuEntry> menuEntries()
+{
+    return {{.id = OpenId, .label = u"Open"_s}, {.id = RefreshId, .label = u"Refresh"_s},
+        {.id = SettingsId, .label = u"Settings"_s},
+        {.id = SeparatorId, .label = {}, .separator = true}, {.id = QuitId, .label = u"Quit"_s}};
+}
+
+/// A line of text that no host takes for markup or for more than a line. The label comes as long as
+/// it is, and what stands for "&" is longer than it was.
+QString safeLine(const QString &text)
+{
+    QString line;
+    for (const QChar c : asOneLine(text, ItemDescription::longestLine)) {
+        if (c == u'&')
+            line += " and "_L1;
+        else if (c == u'<')
+            line += u'‹';
+        else if (c == u'>')
+            line += u'›';
+        else if (c == QChar::ObjectReplacementCharacter)
+            line += u' ';
+        else
+            line += c;
+    }
+    return asOneLine(line, ItemDescription::longestLine);
+}
+
+QString safeLines(const QStringList &texts)
+{
+    QStringList lines;
+    for (const auto &text : texts)
+        lines.append(safeLine(text));
+    return lines.join(u'\n');
+}
+
+std::optional<QPoint> globalPoint(int x, int y)
+{
+    const auto withinItem
+        = [](int coordinate) { return coordinate >= 0 && coordinate < largestItem; };
+    const auto tooFar
+        = [](int coordinate) { return coordinate < -farthest || coordinate > farthest; };
+    if ((withinItem(x) && withinItem(y)) || tooFar(x) || tooFar(y))
+        return std::nullopt;
+    return QPoint(x, y);
+}
+
+int nextNumber()
+{
+    static int number = 0;
+    return ++number;
+}
+
+} // namespace
+
+SniPresentation::SniPresentation(
+    SniForm form, const QDBusConnection &bus, const LabelPainter &painter, QObject *parent)
+    : Presentation(parent)
+    , m_form(form)
+    , m_bus(bus)
+    , m_painter(painter)
+    , m_watcher(watcherService, bus, QDBusServiceWatcher::WatchForOwnerChange)
+    , m_name(u"org.kde.StatusNotifierItem-%1-%2"_s.arg(QCoreApplication::applicationPid())
+              .arg(nextNumber()))
+{
+    registerSniTypes();
+    if (hasMenu(form))
+        new SniAdaptor(this);
+    else
+        new SniMenulessAdaptor(this);
+    m_texts = textsOf(m_wanted);
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(pauseBetweenSignals);
+    connect(&m_pause, &QTimer::timeout, this, &SniPresentation::announce);
+    // A new watcher starts with an empty list and asks nobody.
+    connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+        [this](const QString &, const QString &oldOwner) {
+            if (!oldOwner.isEmpty())
+                lose();
+        });
+    m_bus.connect({}, u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,
+        u"Disconnected"_s, this, SLOT(lose()));
+
+    if (!m_bus.registerObject(itemPath, this, QDBusConnection::ExportAdaptors)) {
+        QTimer::singleShot(0, this, &SniPresentation::lose);
+        return;
+    }
+    if (hasMenu(form)) {
+        m_menu = new DBusMenu(m_bus, menuPath, menuEntries(), this);
+        connect(m_menu, &DBusMenu::triggered, this, &SniPresentation::chooseFromMenu);
+    }
+    requestName();
+}
+
+SniPresentation::~SniPresentation()
+{
+    if (m_bus.objectRegisteredAt(itemPath) != this)
+        return;
+    m_bus.unregisterObject(itemPath);
+    auto release = QDBusMessage::createMethodCall(busService, u"/"_s, busService, u"ReleaseName"_s);
+    release << m_name;
+    m_bus.send(release);
+}
+
+void SniPresentation::present(const PresentedItem &item)
+{
+    if (m_lost || item == m_wanted)
+        return;
+    m_wanted = item;
+    if (!m_pause.isActive())
+        announce();
+}
+
+void SniPresentation::announce()
+{
+    const Texts before = std::exchange(m_texts, textsOf(m_wanted));
+    bool newIcon = false;
+    if (m_shownLabel != m_wanted.label) {
+        m_shownLabel = m_wanted.label;
+        // What nobody has asked for need not be drawn.
+        if (!m_pixmaps.isEmpty()) {
+            const SniPixmaps old = std::exchange(m_pixmaps, draw(m_shownLabel));
+            newIcon = m_pixmaps != old;
+        }
+    }
+    if (!m_wasRead)
+        return;
+
+    const bool newTitle = m_texts.title != before.title;
+    const bool newToolTip = m_texts.toolTip != before.toolTip;
+    const bool newLabel = m_texts.label != before.label || m_texts.labelGuide != before.labelGuide;
+    if (newIcon)
+        Q_EMIT NewIcon();
+    if (newTitle)
+        Q_EMIT NewTitle();
+    if (newToolTip)
+        Q_EMIT NewToolTip();
+    if (newLabel)
+        Q_EMIT XAyatanaNewLabel(m_texts.label, m_texts.labelGuide);
+    if (newIcon || newTitle || newToolTip || newLabel)
+        m_pause.start();
+}
+
+SniPresentation::Texts SniPresentation::textsOf(const PresentedItem &item)
+{
+    // The widest that a percentage gets, so that the panel's other items keep their places.
+    static const QRegularExpression percentage(u"[0-9]+%"_s);
+    const auto &description = item.description;
+    Texts texts;
+    texts.title = safeLine(description.title);
+    if (texts.title.isEmpty())
+        texts.title = u"Brimwatch"_s;
+    texts.toolTip = description.lines.isEmpty() ? texts.title : safeLines(description.lines);
+    texts.label = safeLine(item.label.plainTitle());
+    texts.labelGuide = texts.label;
+    texts.labelGuide.replace(percentage, u"100%"_s);
+    return texts;
+}
+
+SniPixmaps SniPresentation::draw(const model::LabelComposition &label)
+{
+    SniPixmaps pixmaps;
+    if (m_form == SniForm::Wide) {
+        for (const int height : wideHeights)
+            pixmaps.append(toSniPixmap(drawWide(label, height)));
+    } else {
+        for (const int side : pictureSides)
+            pixmaps.append(toSniPixmap(drawSquare(label, side)));
+    }
+    return pixmaps;
+}
+
+QImage SniPresentation::drawWide(const model::LabelComposition &label, int height)
+{
+    // Laid out once, at the usual height: all pictures have the same proportions.
+    LabelLook look{.height = wideHeights.front()};
+    const int width = m_steadyWidth.of(label, m_painter, look);
+    look.devicePixelRatio = static_cast<double>(height) / look.height;
+    QImage picture(
+        static_cast<int>(std::lround(width * look.devicePixelRatio)), height, pictureFormat);
+    picture.setDevicePixelRatio(look.devicePixelRatio);
+    fillGround(picture, wideRadius);
+    QPainter painter(&picture);
+    painter.drawImage(0, 0, m_painter.image(label, look));
+    return picture;
+}
+
+QImage SniPresentation::drawSquare(const model::LabelComposition &label, int side) const
+{
+    QImage square(side, side, pictureFormat);
+    fillGround(square, side / 5.0);
+    QPainter painter(&square);
+    // Numbers take all the room there is; a symbol stands clear of the edges.
+    const int margin = label.badge.numbers.isEmpty() ? std::max(1, side / 10) : side / 16;
+    // The look's own ground is the dark one.
+    painter.drawImage(margin, margin, m_painter.squareImage(label, LabelLook{}, side - 2 * margin));
+    return square;
+}
+
+void SniPresentation::requestName()
+{
+    constexpr uint doNotQueue = 4;
+    constexpr uint primaryOwner = 1;
+    auto request = QDBusMessage::createMethodCall(busService, u"/"_s, busService, u"RequestName"_s);
+    request << m_name << doNotQueue;
+    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(request), this);
+    connect(
+        watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
+            call->deleteLater();
+            const QDBusPendingReply<uint> reply = *call;
+            // Sandboxes may forbid the name. Watchers take that of the connection too.
+            const bool ours = !reply.isError() && reply.value() == primaryOwner;
+            registerItem(ours ? m_name : m_bus.baseService());
+        });
+}
+
+void SniPresentation::registerItem(const QString &name)
+{
+    auto request = QDBusMessage::createMethodCall(watcherService, u"/StatusNotifierWatcher"_s,
+        watcherService, u"RegisterStatusNotifierItem"_s);
+    request << name;
+    // Panels start watchers; one that the bus would start has no panel.
+    request.setAutoStartService(false);
+    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(request), this);
+    connect(
+        watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
+            call->deleteLater();
+            if (call->isError())
+                lose();
+            else if (!m_lost)
+                Q_EMIT registered();
+        });
+}
+
+void SniPresentation::chooseFromMenu(int id)
+{
+    switch (id) {
+    case OpenId:
+        Q_EMIT clicked({});
+        break;
+    case RefreshId:
+        Q_EMIT refreshRequested();
+        break;
+    case SettingsId:
+        Q_EMIT settingsRequested();
+        break;
+    case QuitId:
+        Q_EMIT quitRequested();
+        break;
+    default:
+        break;
+    }
+}
+
+void SniPresentation::lose()
+{
+    if (std::exchange(m_lost, true))
+        return;
+    m_pause.stop();
+    Q_EMIT lost();
+}
+
+void SniPresentation::Activate(int x, int y)
+{
+    // From the event loop: the popover may take its time, and the panel waits for our answer.
+    const ItemAnchor anchor{.bounds = {}, .pointer = globalPoint(x, y)};
+    QTimer::singleShot(0, this, [this, anchor] { Q_EMIT clicked(anchor); });
+}
+
+void SniPresentation::SecondaryActivate(int /*x*/, int /*y*/) { }
+
+// Hosts without menus of ours call it for a right click.
+void SniPresentation::ContextMenu(int x, int y)
+{
+    Activate(x, y);
+}
+
+void SniPresentation::Scroll(int /*delta*/, const QString & /*orientation*/) { }
+
+void SniPresentation::ProvideXdgActivationToken(const QString & /*token*/) { }
+
+void SniPresentation::XAyatanaSecondaryActivate(uint /*timestamp*/) { }
+
+QString SniPresentation::category() const
+{
+    return u"ApplicationStatus"_s;
+}
+
+QString SniPresentation::id() const
+{
+    return u"brimwatch"_s;
+}
+
+QString SniPresentation::status() const
+{
+    return u"Active"_s;
+}
+
+int SniPresentation::windowId() const
+{
+    return 0;
+}
+
+QDBusObjectPath SniPresentation::menu() const
+{
+    return QDBusObjectPath(menuPath);
+}
+
+bool SniPresentation::itemIsMenu() const
+{
+    return false;
+}
+
+QString SniPresentation::noName() const
+{
+    return u""_s;
+}
+
+SniPixmaps SniPresentation::noPixmaps() const
+{
+    return {};
+}
+
+QString SniPresentation::title()
+{
+    m_wasRead = true;
+    return m_texts.title;
+}
+
+SniPixmaps SniPresentation::iconPixmap()
+{
+    m_wasRead = true;
+    if (m_pixmaps.isEmpty())
+        m_pixmaps = draw(m_shownLabel);
+    return m_pixmaps;
+}
+
+SniToolTip SniPresentation::toolTip()
+{
+    m_wasRead = true;
+    return {.iconName = {}, .iconPixmaps = {}, .title = m_texts.toolTip, .text = {}};
+}
+
+QString SniPresentation::label()
+{
+    m_wasRead = true;
+    return m_texts.label;
+}
+
+QString SniPresentation::labelGuide()
+{
+    m_wasRead = true;
+    return m_texts.labelGuide;
+}
+
+} // namespace brimwatch::platform

@@ -1,9 +1,0 @@
-import QtQuick
-import Brimwatch
-
-// A line of small text between settings.
-SpokenLabel {
-    width: parent ? parent.width : implicitWidth
-    font.pixelSize: 11
-    wrapMode: Text.Wrap
-}

@@ -1,0 +1,81 @@
+import QtQuick
+import Brimwatch
+
+// Content that may be higher than there is room, with a mark that shows where in it one is. The keyboard can be at it when
+// there is something to scroll.
+Item {
+    id: root
+
+    default property alias content: flickable.flickableData
+    property alias contentHeight: flickable.contentHeight
+    property alias contentY: flickable.contentY
+    readonly property real furthest: Math.max(0, contentHeight - height)
+
+    function scrollTo(position: real) {
+        root.contentY = Math.max(0, Math.min(position, root.furthest));
+    }
+
+    // Scrolls no further than needed for all of an item of the content to be seen.
+    function reveal(item: Item) {
+        const margin = 8;
+        const top = item.mapToItem(flickable.contentItem, 0, 0).y - margin;
+        const bottom = top + item.height + 2 * margin;
+        if (top < root.contentY)
+            root.scrollTo(top);
+        else if (bottom > root.contentY + root.height)
+            root.scrollTo(bottom - root.height);
+    }
+
+    function handleScrollKey(event: KeyEvent) {
+        const line = 40;
+        const page = root.height - line;
+        const steps = ({
+            [Qt.Key_Up]: root.contentY - line,
+            [Qt.Key_Down]: root.contentY + line,
+            [Qt.Key_PageUp]: root.contentY - page,
+            [Qt.Key_PageDown]: root.contentY + page,
+            [Qt.Key_Home]: 0,
+            [Qt.Key_End]: root.furthest
+        });
+        if (!(event.key in steps))
+            return;
+        root.scrollTo(steps[event.key]);
+        event.accepted = true;
+    }
+
+    activeFocusOnTab: furthest > 0
+
+    // What goes away below takes the position with it.
+    onFurthestChanged: {
+        if (contentY > furthest)
+            scrollTo(furthest);
+    }
+
+    Flickable {
+        id: flickable
+
+        anchors.fill: parent
+        contentWidth: width
+        boundsBehavior: Flickable.StopAtBounds
+        clip: true
+    }
+
+    ScrollIndicator {
+        anchors.right: parent.right
+        y: 2
+        height: parent.height - 4
+        list: flickable
+        visible: part < 1
+    }
+
+    Rectangle {
+        objectName: "focusRing"
+        anchors.fill: parent
+        anchors.margins: 2
+        radius: 6
+        color: "transparent"
+        border.color: Theme.accent
+        border.width: 2
+        visible: root.activeFocus
+    }
+}

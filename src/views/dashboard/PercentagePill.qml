@@ -1,0 +1,42 @@
+import QtQuick
+import Brimwatch
+
+Item {
+    id: root
+
+    required property string text
+    required property color tint
+
+    implicitWidth: dot.width + 3 + label.width + 16
+    implicitHeight: label.height + 6
+
+    Capsule {
+        objectName: "pillGround"
+        anchors.fill: parent
+        color: root.tint
+        opacity: 0.12
+    }
+
+    Capsule {
+        id: dot
+
+        objectName: "pillDot"
+        x: 8
+        anchors.verticalCenter: parent.verticalCenter
+        width: 7
+        height: 7
+        color: root.tint
+    }
+
+    TabularText {
+        id: label
+
+        objectName: "percentageText"
+        x: dot.x + dot.width + 3
+        y: 3
+        text: root.text
+        color: root.tint
+        pixelSize: 14
+        weight: Font.Bold
+    }
+}

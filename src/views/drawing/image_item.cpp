@@ -1,0 +1,82 @@
+#include "views/drawing/image_item.h"
+
+#include "views/models/theme.h"
+
+#include <QQuickWindow>
+#include <QSGImageNode>
+#include <QSGTexture>
+
+#include <cmath>
+#include <memory>
+
+namespace brimwatch::views {
+
+ImageItem::ImageItem(QQuickItem *parent)
+    : QQuickItem(parent)
+{
+    setFlag(ItemHasContents);
+}
+
+ImageItem::~ImageItem() = default;
+
+QImage ImageItem::canvas(qreal scale) const
+{
+    QImage image(static_cast<int>(std::ceil(width() * scale)),
+        static_cast<int>(std::ceil(height() * scale)), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::transparent);
+    return image;
+}
+
+void ImageItem::redraw()
+{
+    m_stale = true;
+    update();
+}
+
+void ImageItem::componentComplete()
+{
+    QQuickItem::componentComplete();
+    m_theme = Theme::of(this);
+    if (m_theme == nullptr)
+        return;
+    connect(m_theme, &Theme::changed, this, [this] { themeChanged(); });
+    themeChanged();
+}
+
+void ImageItem::itemChange(ItemChange change, const ItemChangeData &data)
+{
+    if (change == ItemDevicePixelRatioHasChanged)
+        redraw();
+    QQuickItem::itemChange(change, data);
+}
+
+void ImageItem::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
+{
+    if (newGeometry.size() != oldGeometry.size())
+        redraw();
+    QQuickItem::geometryChange(newGeometry, oldGeometry);
+}
+
+QSGNode *ImageItem::updatePaintNode(QSGNode *node, UpdatePaintNodeData * /*data*/)
+{
+    if (node != nullptr && !m_stale)
+        return node;
+    m_stale = false;
+    delete node;
+    if (m_theme == nullptr || width() <= 0 || height() <= 0)
+        return nullptr;
+    const QImage image = draw(window()->effectiveDevicePixelRatio() * m_theme->textScale());
+    if (image.isNull())
+        return nullptr;
+
+    auto imageNode = std::unique_ptr<QSGImageNode>(window()->createImageNode());
+    imageNode->setOwnsTexture(true);
+    imageNode->setTexture(window()->createTextureFromImage(image));
+    imageNode->setFiltering(QSGTexture::Linear);
+    imageNode->setSourceRect(QRectF(QPointF(), QSizeF(image.size())));
+    imageNode->setRect(QRectF(QPointF(), image.deviceIndependentSize()));
+    return imageNode.release();
+}
+
+} // namespace brimwatch::views

@@ -1,0 +1,158 @@
+#include "views/drawing/tabular_text.h"
+
+#include "views/models/theme.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace brimwatch::views {
+namespace {
+
+constexpr QChar ellipsis(0x2026);
+
+bool isDigit(QChar character)
+{
+    return character >= u'0' && character <= u'9';
+}
+
+qreal widestDigit(const QFontMetricsF &metrics)
+{
+    qreal widest = 0;
+    for (char16_t digit = u'0'; digit <= u'9'; ++digit)
+        widest = std::max(widest, metrics.horizontalAdvance(QChar(digit)));
+    return widest;
+}
+
+/// Hands each piece of the text to `place` with its left end: runs without digits whole, digits one
+/// by one, each in the middle of its cell. Returns the right end of all.
+template <typename Place>
+qreal forEachPiece(const QFontMetricsF &metrics, const QString &text, Place place)
+{
+    const qreal cell = widestDigit(metrics);
+    qreal x = 0;
+    qsizetype begin = 0;
+    while (begin < text.size()) {
+        if (isDigit(text.at(begin))) {
+            const QString digit = text.mid(begin, 1);
+            place(x + (cell - metrics.horizontalAdvance(digit)) / 2, digit);
+            x += cell;
+            ++begin;
+            continue;
+        }
+        qsizetype end = begin;
+        while (end < text.size() && !isDigit(text.at(end)))
+            ++end;
+        const QString run = text.mid(begin, end - begin);
+        place(x, run);
+        x += metrics.horizontalAdvance(run);
+        begin += run.size();
+    }
+    return x;
+}
+
+qreal width(const QFontMetricsF &metrics, const QString &text)
+{
+    return forEachPiece(metrics, text, [](qreal, const QString &) { });
+}
+
+QString elided(const QFontMetricsF &metrics, QString text, qreal available)
+{
+    // A hair of slack: the item's width went through a layout that rounds.
+    if (width(metrics, text) <= available + 0.5)
+        return text;
+    while (!text.isEmpty()) {
+        text.chop(1);
+        if (width(metrics, text + ellipsis) <= available)
+            break;
+    }
+    return text + ellipsis;
+}
+
+} // namespace
+
+TabularText::TabularText(QQuickItem *parent)
+    : ImageItem(parent)
+{
+    m_font.setPixelSize(12);
+}
+
+TabularText::~TabularText() = default;
+
+void TabularText::setText(const QString &text)
+{
+    if (m_text == text)
+        return;
+    m_text = text;
+    layOut();
+    Q_EMIT textChanged();
+}
+
+void TabularText::setPixelSize(int size)
+{
+    if (m_font.pixelSize() == size || size <= 0)
+        return;
+    m_font.setPixelSize(size);
+    layOut();
+    Q_EMIT fontChanged();
+}
+
+void TabularText::setWeight(int weight)
+{
+    if (m_font.weight() == weight)
+        return;
+    m_font.setWeight(static_cast<QFont::Weight>(weight));
+    layOut();
+    Q_EMIT fontChanged();
+}
+
+void TabularText::setColor(const QColor &color)
+{
+    if (m_color == color)
+        return;
+    m_color = color;
+    redraw();
+    Q_EMIT colorChanged();
+}
+
+qreal TabularText::advance(const QFont &font, const QString &text)
+{
+    return brimwatch::views::width(QFontMetricsF(font), text);
+}
+
+QImage TabularText::draw(qreal scale) const
+{
+    QImage image = canvas(scale);
+    if (image.isNull())
+        return image;
+    QPainter painter(&image);
+    painter.setFont(m_font);
+    painter.setPen(m_color);
+    const QFontMetricsF metrics(m_font);
+    forEachPiece(metrics, elided(metrics, m_text, width()),
+        [&painter, &metrics](qreal x, const QString &piece) {
+            painter.drawText(QPointF(x, metrics.ascent()), piece);
+        });
+    return image;
+}
+
+void TabularText::themeChanged()
+{
+    m_font.setFamily(theme()->fontFamily());
+    layOut();
+}
+
+void TabularText::layOut()
+{
+    if (theme() == nullptr)
+        return;
+    const QFontMetricsF metrics(m_font);
+    setImplicitSize(
+        std::ceil(brimwatch::views::width(metrics, m_text)), std::ceil(metrics.height()));
+    setBaselineOffset(metrics.ascent());
+    redraw();
+}
+
+} // namespace brimwatch::views

@@ -1,0 +1,253 @@
+#include "views/models/popover_model.h"
+
+#include "platform/opener.h"
+#include "platform/wording.h"
+#include "service/quota_service.h"
+#include "views/models/theme.h"
+#include "views/models/time_ago.h"
+
+#include <QMetaObject>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace brimwatch::views {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr qsizetype groupsPerTurn = 4;
+
+/// The web page of the daemon at that port; invalid when there cannot be one.
+QUrl daemonPage(std::int64_t port)
+{
+    constexpr std::int64_t largestPort = 65535;
+    if (port < 0 || port > largestPort)
+        return {};
+    QUrl url;
+    url.setScheme(u"http"_s);
+    url.setHost(u"127.0.0.1"_s);
+    url.setPort(static_cast<int>(port));
+    url.setPath(u"/"_s);
+    return url;
+}
+
+/// The groups that get a card, each with the rows that are left for it.
+QList<ShownGroup> shownGroups(const QList<model::QuotaGroup> &groups)
+{
+    QList<ShownGroup> shown;
+    qsizetype rowsLeft = PopoverModel::mostRows;
+    for (const auto &group : groups) {
+        if (shown.size() == PopoverModel::mostGroups)
+            break;
+        const qsizetype rows = std::min<qsizetype>(group.bucketCount(), rowsLeft);
+        rowsLeft -= rows;
+        shown.append({.group = group, .rows = rows});
+    }
+    return shown;
+}
+
+} // namespace
+
+PopoverModel::PopoverModel(Dependencies dependencies, QObject *parent)
+    : QObject(parent)
+    , m_dependencies(std::move(dependencies))
+    , m_service(m_dependencies.quotaService)
+    , m_groups("group", [&theme = m_dependencies.theme] { return new GroupEntry(theme); })
+    // While nobody looks the icon need not turn on.
+    , m_spin([this] { return m_isShown && m_service.isRefreshing(); })
+{
+    connect(&m_dependencies.theme, &Theme::changed, this, &PopoverModel::statusColorChanged);
+    catchUp();
+}
+
+PopoverModel::~PopoverModel() = default;
+
+void PopoverModel::setShown(bool shown)
+{
+    if (m_isShown == shown)
+        return;
+    if (!shown)
+        m_service.disconnect(this);
+    m_isShown = shown;
+    if (shown) {
+        follow();
+        catchUp();
+        // Cards beyond the first ones follow when the first frame is on its way.
+        QMetaObject::invokeMethod(this, &PopoverModel::addGroups, Qt::QueuedConnection);
+    }
+    Q_EMIT isShownChanged();
+}
+
+void PopoverModel::setShowingSettings(bool showing)
+{
+    if (m_showingSettings == showing)
+        return;
+    m_showingSettings = showing;
+    Q_EMIT showingSettingsChanged();
+}
+
+void PopoverModel::follow()
+{
+    using service::QuotaService;
+    connect(&m_service, &QuotaService::quotaSummaryChanged, this, [this] {
+        readGroups();
+        readBody();
+    });
+    connect(&m_service, &QuotaService::connectionStatusChanged, this, &PopoverModel::readStatus);
+    connect(&m_service, &QuotaService::isRefreshingChanged, this, [this] {
+        readRefreshing();
+        readBody();
+    });
+    connect(&m_service, &QuotaService::errorMessageChanged, this, &PopoverModel::readError);
+    connect(&m_service, &QuotaService::lastUpdatedChanged, this, &PopoverModel::readUpdated);
+    connect(&m_service, &QuotaService::currentTimeChanged, this, &PopoverModel::readTime);
+}
+
+void PopoverModel::catchUp()
+{
+    readGroups();
+    readStatus();
+    readRefreshing();
+    readError();
+    readUpdated();
+    readBody();
+}
+
+void PopoverModel::readGroups()
+{
+    const auto &summary = m_service.quotaSummary();
+    const auto sorted = summary ? summary->sortedGroups() : QList<model::QuotaGroup>{};
+    m_sortedGroups = shownGroups(sorted);
+    const QString more = andMore(sorted.size() - m_sortedGroups.size());
+    if (m_moreText != more) {
+        m_moreText = more;
+        Q_EMIT moreTextChanged();
+    }
+    m_groups.update(m_sortedGroups.mid(0, m_groupsShown), m_service.currentTime());
+    if (m_isShown && m_groupsShown < m_sortedGroups.size())
+        QMetaObject::invokeMethod(this, &PopoverModel::addGroups, Qt::QueuedConnection);
+}
+
+void PopoverModel::addGroups()
+{
+    if (!m_isShown || m_groupsShown >= m_sortedGroups.size())
+        return;
+    m_groupsShown += groupsPerTurn;
+    readGroups();
+}
+
+void PopoverModel::readStatus()
+{
+    const auto &status = m_service.connectionStatus();
+    if (const QString text = shownText(status.displayText()); m_statusText != text) {
+        m_statusText = text;
+        Q_EMIT statusChanged();
+    }
+    if (m_statusColor != status.statusDotColor()) {
+        m_statusColor = status.statusDotColor();
+        Q_EMIT statusColorChanged();
+    }
+}
+
+void PopoverModel::readError()
+{
+    const QString text = shownText(m_service.errorMessage().value_or(QString()));
+    if (m_errorText == text)
+        return;
+    m_errorText = text;
+    Q_EMIT errorTextChanged();
+}
+
+void PopoverModel::readRefreshing()
+{
+    const bool isRefreshing = m_service.isRefreshing();
+    if (isRefreshing != m_isRefreshing) {
+        m_isRefreshing = isRefreshing;
+        Q_EMIT isRefreshingChanged();
+    }
+    if (isRefreshing && m_isShown)
+        m_spin.trigger();
+}
+
+void PopoverModel::readBody()
+{
+    Body body = Body::Offline;
+    if (const auto &summary = m_service.quotaSummary(); summary && !summary->groups.isEmpty())
+        body = Body::Cards;
+    else if (m_service.isRefreshing())
+        body = Body::Loading;
+    if (m_body == body)
+        return;
+    m_body = body;
+    Q_EMIT bodyChanged();
+}
+
+void PopoverModel::readUpdated()
+{
+    const auto &lastUpdated = m_service.lastUpdated();
+    const auto &now = m_service.currentTime();
+    const QString waiting = u"Waiting for update"_s;
+    const QString text = lastUpdated ? "Updated "_L1 + timeAgo(*lastUpdated, now) : waiting;
+    if (m_updatedText != text) {
+        m_updatedText = text;
+        Q_EMIT updatedTextChanged();
+    }
+    const QString spoken = lastUpdated ? "Updated "_L1 + spokenTimeAgo(*lastUpdated, now) : waiting;
+    if (m_updatedAccessibleName != spoken) {
+        m_updatedAccessibleName = spoken;
+        Q_EMIT updatedAccessibleNameChanged();
+    }
+}
+
+void PopoverModel::readTime()
+{
+    m_groups.setTime(m_service.currentTime());
+    readUpdated();
+}
+
+QColor PopoverModel::statusColor() const
+{
+    return m_dependencies.theme.color(m_statusColor);
+}
+
+QString PopoverModel::refreshToolTip() const
+{
+    return platform::wording().refreshToolTip;
+}
+
+void PopoverModel::performRefresh()
+{
+    if (m_spin.isSpinning() || m_service.isRefreshing())
+        return;
+    triggerSpinAnimation();
+    // Not within the caller's event: what the refresh changes shows with the next turn of the event
+    // loop.
+    QMetaObject::invokeMethod(&m_service, &service::QuotaService::refresh, Qt::QueuedConnection);
+}
+
+void PopoverModel::openAntigravity()
+{
+    if (m_dependencies.opener.openAntigravity())
+        return;
+    const auto &daemon = m_service.activeDaemon();
+    if (!daemon || !daemon->httpPort)
+        return;
+    if (const QUrl page = daemonPage(*daemon->httpPort); page.isValid())
+        m_dependencies.opener.openUrl(page);
+}
+
+void PopoverModel::quit() const
+{
+    if (m_dependencies.terminate)
+        m_dependencies.terminate();
+}
+
+void PopoverModel::close() const
+{
+    if (m_dependencies.close)
+        m_dependencies.close();
+}
+
+} // namespace brimwatch::views

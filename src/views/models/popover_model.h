@@ -1,0 +1,150 @@
+#pragma once
+
+#include "model/color_token.h"
+#include "views/dashboard/refresh_spin.h"
+#include "views/models/entry_list.h"
+#include "views/models/quota_entries.h"
+
+#include <QAbstractItemModel>
+#include <QColor>
+#include <QDateTime>
+#include <QObject>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+
+#include <functional>
+
+namespace brimwatch::platform {
+class Opener;
+}
+
+namespace brimwatch::service {
+class QuotaService;
+}
+
+namespace brimwatch::views {
+
+class Theme;
+
+/// What the dashboard shows and does. It follows the service only while it is shown; what happened
+/// meanwhile is caught up with before it shows.
+class PopoverModel final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Made by the popover's content.")
+    Q_PROPERTY(Body body READ body NOTIFY bodyChanged FINAL)
+    Q_PROPERTY(QAbstractItemModel *groups READ groups CONSTANT FINAL)
+    Q_PROPERTY(QString moreText READ moreText NOTIFY moreTextChanged FINAL)
+    Q_PROPERTY(QString statusText READ statusText NOTIFY statusChanged FINAL)
+    Q_PROPERTY(QColor statusColor READ statusColor NOTIFY statusColorChanged FINAL)
+    Q_PROPERTY(QString errorText READ errorText NOTIFY errorTextChanged FINAL)
+    Q_PROPERTY(QString updatedText READ updatedText NOTIFY updatedTextChanged FINAL)
+    Q_PROPERTY(QString updatedAccessibleName READ updatedAccessibleName NOTIFY
+            updatedAccessibleNameChanged FINAL)
+    Q_PROPERTY(QString refreshToolTip READ refreshToolTip CONSTANT FINAL)
+    Q_PROPERTY(bool isRefreshing READ isRefreshing NOTIFY isRefreshingChanged FINAL)
+    Q_PROPERTY(bool isShown READ isShown NOTIFY isShownChanged FINAL)
+    Q_PROPERTY(bool showingSettings READ showingSettings WRITE setShowingSettings NOTIFY
+            showingSettingsChanged FINAL)
+    Q_PROPERTY(brimwatch::views::RefreshSpin *spin READ spin CONSTANT FINAL)
+
+public:
+    enum class Body { Cards, Loading, Offline };
+    Q_ENUM(Body)
+
+    /// More cards, and more rows in all of them together, are only counted: no daemon means that
+    /// many, and a broken one shall not make the popover slow.
+    static constexpr qsizetype mostGroups = 100;
+    static constexpr qsizetype mostRows = 200;
+    /// As many cards as the first frame can show; the others follow a few at a time, so that the
+    /// first click is answered at once.
+    static constexpr qsizetype firstGroups = 3;
+
+    struct Dependencies {
+        service::QuotaService &quotaService;
+        const Theme &theme;
+        platform::Opener &opener;
+        std::function<void()> terminate;
+        std::function<void()> close;
+    };
+
+    explicit PopoverModel(Dependencies dependencies, QObject *parent = nullptr);
+    ~PopoverModel() override;
+
+    void setShown(bool shown);
+    bool isShown() const { return m_isShown; }
+
+    /// Which face the view shows. The view's own state: it sets this, and others only ask.
+    bool showingSettings() const { return m_showingSettings; }
+    void setShowingSettings(bool showing);
+
+    Body body() const { return m_body; }
+    /// The cards, each a GroupEntry in the role "group".
+    QAbstractItemModel *groups() { return &m_groups; }
+    /// "and 12 more" of the groups that have no card; empty when all have.
+    const QString &moreText() const { return m_moreText; }
+    const QString &statusText() const { return m_statusText; }
+    QColor statusColor() const;
+    /// Empty: there is no error.
+    const QString &errorText() const { return m_errorText; }
+    /// "Updated 42s ago" or "Waiting for update"
+    const QString &updatedText() const { return m_updatedText; }
+    /// The same in whole minutes: "Updated just now" for all of the first one.
+    const QString &updatedAccessibleName() const { return m_updatedAccessibleName; }
+    QString refreshToolTip() const;
+    bool isRefreshing() const { return m_isRefreshing; }
+    RefreshSpin *spin() { return &m_spin; }
+
+    /// Refreshes and spins, unless one or the other is under way.
+    Q_INVOKABLE void performRefresh();
+    void triggerSpinAnimation() { m_spin.trigger(); }
+    /// Opens the IDE; where none is installed, the daemon's own page. Without either nothing
+    /// happens.
+    Q_INVOKABLE void openAntigravity();
+    Q_INVOKABLE void quit() const;
+    Q_INVOKABLE void close() const;
+
+Q_SIGNALS:
+    void bodyChanged();
+    void moreTextChanged();
+    void statusChanged();
+    void statusColorChanged();
+    void errorTextChanged();
+    void updatedTextChanged();
+    void updatedAccessibleNameChanged();
+    void isRefreshingChanged();
+    void isShownChanged();
+    void showingSettingsChanged();
+
+private:
+    void follow();
+    void catchUp();
+    void readGroups();
+    void addGroups();
+    void readStatus();
+    void readError();
+    void readRefreshing();
+    void readBody();
+    void readUpdated();
+    void readTime();
+
+    Dependencies m_dependencies;
+    service::QuotaService &m_service;
+    EntryList<GroupEntry, ShownGroup> m_groups;
+    RefreshSpin m_spin;
+    QList<ShownGroup> m_sortedGroups;
+    qsizetype m_groupsShown = firstGroups;
+
+    bool m_isShown = false;
+    bool m_showingSettings = false;
+    bool m_isRefreshing = false;
+    Body m_body = Body::Offline;
+    QString m_moreText;
+    QString m_statusText;
+    model::ColorToken m_statusColor = model::ColorToken::SystemOrange;
+    QString m_errorText;
+    QString m_updatedText;
+    QString m_updatedAccessibleName;
+};
+
+} // namespace brimwatch::views

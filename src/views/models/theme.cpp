@@ -1,0 +1,138 @@
+#include "views/models/theme.h"
+
+#include "platform/appearance.h"
+
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QJSEngine>
+#include <QQmlEngine>
+#include <QVariant>
+
+#include <cmath>
+
+namespace brimwatch::views {
+namespace {
+
+constexpr const char *engineProperty = "brimwatchTheme";
+
+QColor toColor(const platform::Rgba &color)
+{
+    return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
+        static_cast<float>(color.blue), static_cast<float>(color.alpha));
+}
+
+QColor halfway(const QColor &a, const QColor &b)
+{
+    return QColor::fromRgbF(
+        (a.redF() + b.redF()) / 2, (a.greenF() + b.greenF()) / 2, (a.blueF() + b.blueF()) / 2);
+}
+
+/// Relative luminance as WCAG 2 defines it.
+double luminance(const QColor &color)
+{
+    const auto linear = [](double component) {
+        return component <= 0.03928 ? component / 12.92
+                                    : std::pow((component + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF())
+        + 0.0722 * linear(color.blueF());
+}
+
+} // namespace
+
+Theme::Theme(
+    platform::Appearance &appearance, const platform::SymbolSource &symbols, QObject *parent)
+    : QObject(parent)
+    , m_appearance(appearance)
+    , m_symbols(symbols)
+{
+    connect(&appearance, &platform::Appearance::changed, this, &Theme::changed);
+}
+
+Theme::~Theme() = default;
+
+void Theme::attachTo(QQmlEngine &engine)
+{
+    QJSEngine::setObjectOwnership(this, QJSEngine::CppOwnership);
+    engine.setProperty(engineProperty, QVariant::fromValue(this));
+}
+
+Theme *Theme::of(const QObject *object)
+{
+    const QQmlEngine *engine = qmlEngine(object);
+    return engine != nullptr ? engine->property(engineProperty).value<Theme *>() : nullptr;
+}
+
+Theme *Theme::create(QQmlEngine *engine, QJSEngine * /*scriptEngine*/)
+{
+    return engine->property(engineProperty).value<Theme *>();
+}
+
+QColor Theme::color(model::ColorToken token) const
+{
+    return toColor(m_appearance.color(token));
+}
+
+QColor Theme::color(model::ColorToken token, double opacity) const
+{
+    platform::Rgba color = m_appearance.color(token);
+    color.alpha *= opacity;
+    return toColor(color);
+}
+
+QColor Theme::onAccent() const
+{
+    // White stays until its contrast falls below 3 : 1, the least that WCAG 2 asks of controls.
+    const double contrastOfWhite = 1.05 / (luminance(accent()) + 0.05);
+    return contrastOfWhite >= 3 ? color(model::ColorToken::White) : QColor(Qt::black);
+}
+
+QColor Theme::ground() const
+{
+    return halfway(
+        color(model::ColorToken::WindowBackground), color(model::ColorToken::ControlBackground));
+}
+
+QString Theme::fontFamily() const
+{
+    const QString family = m_appearance.fontFamily();
+    return family.isEmpty() ? QGuiApplication::font().family() : family;
+}
+
+QString Theme::fixedFontFamily() const
+{
+    return QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
+}
+
+bool Theme::reducesMotion() const
+{
+    return m_appearance.reducesMotion();
+}
+
+double Theme::textScale() const
+{
+    return m_appearance.textScale();
+}
+
+void Theme::setFloating(bool floating)
+{
+    if (m_floating == floating)
+        return;
+    m_floating = floating;
+    Q_EMIT changed();
+}
+
+int Theme::cornerRadius() const
+{
+    return m_floating ? 10 : 0;
+}
+
+double Theme::shadowStrength() const
+{
+    if (!m_floating)
+        return 0;
+    // On dark ground less is not to be seen.
+    return ground().lightnessF() < 0.5 ? 0.6 : 0.3;
+}
+
+} // namespace brimwatch::views

@@ -1,0 +1,57 @@
+import QtQuick
+import Brimwatch
+
+// A titled group of settings.
+Column {
+    id: root
+
+    required property string title
+    required property string symbol
+    default property alias content: rows.data
+
+    width: parent ? parent.width : implicitWidth
+    spacing: 5
+
+    Accessible.role: Accessible.Grouping
+    Accessible.name: title
+
+    Row {
+        x: 2
+        spacing: 6
+
+        SymbolImage {
+            anchors.verticalCenter: parent.verticalCenter
+            name: root.symbol
+            pointSize: 11
+            weight: SymbolImage.Weight.Semibold
+            color: Theme.accent
+        }
+
+        AccessibleLabel {
+            text: root.title
+            font.pixelSize: 12
+            font.weight: Font.DemiBold
+
+            Accessible.role: Accessible.Heading
+            Accessible.focusable: false
+        }
+    }
+
+    Rectangle {
+        width: parent.width
+        height: rows.height + 16
+        radius: 10
+        color: Theme.cardBackground
+        border.color: Theme.cardOutline
+        border.width: 1
+
+        Column {
+            id: rows
+
+            x: 8
+            y: 8
+            width: parent.width - 16
+            spacing: 6
+        }
+    }
+}

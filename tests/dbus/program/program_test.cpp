@@ -1,0 +1,402 @@
+#include "dbus/program/program_process.h"
+#include "platform/linux/bus/bus_names.h"
+#include "platform/linux/bus/bus_state.h"
+#include "support/fake_watcher.h"
+#include "support/private_display.h"
+#include "support/sample_daemon_process.h"
+
+#include <QCoreApplication>
+#include <QDBusArgument>
+#include <QDBusConnectionInterface>
+#include <QDBusError>
+#include <QDBusPendingCall>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTest>
+
+#include <unistd.h>
+#include <xcb/xcb.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace brimwatch;
+
+namespace {
+
+using test::patience;
+using test::Program;
+
+/// The other end: somebody who calls the program.
+class Caller {
+public:
+    QDBusMessage call(const QString &member) { return m_program.call(message(member)); }
+    QDBusPendingCall start(const QString &member)
+    {
+        return m_program.bus().asyncCall(message(member));
+    }
+    QVariantMap properties()
+    {
+        const auto answer = m_program.call(platform::bus::service, platform::bus::path,
+            u"org.freedesktop.DBus.Properties"_s, u"GetAll"_s, {QString(platform::bus::interface)});
+        return qdbus_cast<QVariantMap>(answer.arguments().value(0));
+    }
+    QString state() { return properties().value(u"State"_s).toString(); }
+    QString owner() { return m_program.ownerOf(platform::bus::service); }
+
+private:
+    static QDBusMessage message(const QString &member)
+    {
+        auto call = QDBusMessage::createMethodCall(
+            platform::bus::service, platform::bus::path, platform::bus::interface, member);
+        call.setAutoStartService(false);
+        return call;
+    }
+
+    test::OtherProgram m_program;
+};
+
+/// What an X server answers, freed as the library allocated it.
+template <typename T> std::unique_ptr<T, decltype(&std::free)> owned(T *reply)
+{
+    return {reply, &std::free};
+}
+
+/// How many windows of the popover's size are to be seen.
+int popovers()
+{
+    constexpr int leastWidth = 300;
+    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    const auto tree
+        = owned(xcb_query_tree_reply(connection, xcb_query_tree(connection, root), nullptr));
+    int count = 0;
+    for (int i = 0; tree && i < xcb_query_tree_children_length(tree.get()); ++i) {
+        const auto window = xcb_query_tree_children(tree.get())[i];
+        const auto attributes = owned(xcb_get_window_attributes_reply(
+            connection, xcb_get_window_attributes(connection, window), nullptr));
+        const auto geometry = owned(
+            xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window), nullptr));
+        if (attributes && geometry && attributes->map_state == XCB_MAP_STATE_VIEWABLE
+            && geometry->width >= leastWidth)
+            ++count;
+    }
+    xcb_disconnect(connection);
+    return count;
+}
+
+QByteArray quota(double fiveHours, const QByteArray &name = "Gemini Models")
+{
+    return R"({"response":{"groups":[{"displayName":")" + name
+        + R"(","buckets":[{"bucketId":"gemini-5h","displayName":"Five hours","window":"5h",)"
+          R"("remainingFraction":)"
+        + QByteArray::number(fiveHours) + "}]}]}}";
+}
+
+} // namespace
+
+/// The real program and a sample daemon, on a display and a bus of their own.
+class ProgramTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup() { test::emptyHome(); }
+
+    void itOpensAndClosesThePopoverForOthers()
+    {
+        const Program program;
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        QCOMPARE(popovers(), 0);
+        QCOMPARE(m_caller.call(u"Toggle"_s).type(), QDBusMessage::ReplyMessage);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, patience);
+        QCOMPARE(m_caller.call(u"Show"_s).type(), QDBusMessage::ReplyMessage);
+        QCOMPARE(m_caller.call(u"Toggle"_s).type(), QDBusMessage::ReplyMessage);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 0, patience);
+        QCOMPARE(m_caller.call(u"ShowSettings"_s).type(), QDBusMessage::ReplyMessage);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, patience);
+    }
+
+    void itAsksTheDaemonWhenTheMachineIsBackFromSuspend()
+    {
+        test::SampleDaemonProcess daemon;
+        QVERIFY2(daemon.start(), qPrintable(daemon.errorText()));
+        // One bus is both: the session's and the system's.
+        auto environment = Program::usual();
+        environment.insert(
+            u"DBUS_SYSTEM_BUS_ADDRESS"_s, qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"));
+        test::OtherProgram logind;
+        QVERIFY(logind.takeName(u"org.freedesktop.login1"_s));
+        const Program program(environment);
+        QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, patience);
+        const auto before = daemon.stats()->requests;
+        const auto announce = [&logind] {
+            auto signal = QDBusMessage::createSignal(u"/org/freedesktop/login1"_s,
+                u"org.freedesktop.login1.Manager"_s, u"PrepareForSleep"_s);
+            signal << false;
+            return logind.bus().send(signal);
+        };
+        // It may be said before the program listens.
+        QTRY_VERIFY_WITH_TIMEOUT(announce() && daemon.stats()->requests > before, patience);
+    }
+
+    void upgradedBeforeThePopoverIsLoadedItGoesOnAsTheNewProgram()
+    {
+        const QString path = QDir::home().filePath(u"brimwatch"_s);
+        const QString upgrade = QDir::home().filePath(u"brimwatch.new"_s);
+        QVERIFY(QFile::copy(QStringLiteral(BRIMWATCH_PROGRAM), path));
+        QVERIFY(QFile::copy(QStringLiteral(BRIMWATCH_PROGRAM), upgrade));
+        Program program(Program::usual(), path);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        const QString owner = m_caller.owner();
+        const QString link = u"/proc/%1/exe"_s.arg(program.pid());
+        QCOMPARE(QFile::symLinkTarget(link), path);
+
+        // As package managers do.
+        QCOMPARE(::rename(qPrintable(upgrade), qPrintable(path)), 0);
+        QVERIFY(QFile::symLinkTarget(link) != path);
+        QCOMPARE(m_caller.call(u"Toggle"_s).type(), QDBusMessage::ReplyMessage);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, patience);
+        QVERIFY(!program.hasEnded());
+        QCOMPARE(QFile::symLinkTarget(link), path);
+        QVERIFY(m_caller.owner() != owner);
+        QCOMPARE(m_caller.call(u"Toggle"_s).type(), QDBusMessage::ReplyMessage);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 0, patience);
+    }
+
+    void itEndsWhenOthersSaySo()
+    {
+        Program program;
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        QCOMPARE(m_caller.call(u"Quit"_s).type(), QDBusMessage::ReplyMessage);
+        QVERIFY(program.waitForEnd());
+        QCOMPARE(program.exitCode(), 0);
+    }
+
+    void itsStateFollowsTheDaemon()
+    {
+        QVERIFY(writeSummary(quota(0.75)));
+        test::SampleDaemonProcess daemon;
+        QVERIFY2(daemon.start({u"--summary"_s, summaryFile()}), qPrintable(daemon.errorText()));
+        const Program program;
+        QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, patience);
+        auto state = platform::fromBusProperties(m_caller.properties());
+        QCOMPARE(state.port, daemon.httpPort());
+        QVERIFY(state.lowest);
+        QCOMPARE(state.lowest->percentage, 75.0);
+
+        QVERIFY(writeSummary(quota(0.25)));
+        QCOMPARE(m_caller.call(u"Refresh"_s).type(), QDBusMessage::ReplyMessage);
+        state = platform::fromBusProperties(m_caller.properties());
+        QCOMPARE(state.lowest->percentage, 25.0);
+
+        QVERIFY(daemon.terminate());
+        const auto answer = m_caller.call(u"Refresh"_s);
+        QCOMPARE(answer.errorName(), QString(platform::bus::refreshFailed));
+        state = platform::fromBusProperties(m_caller.properties());
+        QCOMPARE(state.connection, platform::PublishedState::Connection::Offline);
+        QCOMPARE(state.error, answer.errorMessage());
+        QCOMPARE(state.groups.size(), 1);
+    }
+
+    void aSecondStartOpensThePopoverOfTheFirst()
+    {
+        Program first;
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        const QString owner = m_caller.owner();
+        Program second;
+        QVERIFY(second.waitForEnd());
+        QCOMPARE(second.exitCode(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, patience);
+        QCOMPARE(m_caller.owner(), owner);
+        QVERIFY(!first.hasEnded());
+
+        // Where it is open already it stays.
+        Program third;
+        QVERIFY(third.waitForEnd());
+        QCOMPARE(third.exitCode(), 0);
+        QCOMPARE(popovers(), 1);
+    }
+
+    void startsAtTheSameTimeLeaveOneProgram()
+    {
+        QList<std::shared_ptr<Program>> starts;
+        constexpr int count = 4;
+        for (int i = 0; i < count; ++i)
+            starts.append(std::make_shared<Program>());
+        const auto running = [&starts] {
+            return std::ranges::count_if(
+                starts, [](const auto &start) { return !start->hasEnded(); });
+        };
+        QTRY_COMPARE_WITH_TIMEOUT(running(), 1, patience);
+        for (const auto &start : std::as_const(starts)) {
+            if (start->hasEnded())
+                QCOMPARE(start->exitCode(), 0);
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, patience);
+    }
+
+    void aSecondStartSaysSoWhenTheFirstHangs()
+    {
+        Program first;
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        first.send(SIGSTOP);
+        Program second;
+        QVERIFY(second.waitForEnd());
+        QCOMPARE(second.exitCode(), 1);
+        QCOMPARE(second.errors(), u"brimwatch: already running, but it does not answer\n"_s);
+        first.send(SIGCONT);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, patience);
+        QVERIFY(!first.hasEnded());
+    }
+
+    void aStartAfterACrashIsTheFirst()
+    {
+        Program first;
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        first.crash();
+        QTRY_VERIFY_WITH_TIMEOUT(m_caller.owner().isEmpty(), patience);
+        Program second;
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        QVERIFY(!second.hasEnded());
+    }
+
+    void withoutABusALockFileKeepsTheOneProgram()
+    {
+        test::SampleDaemonProcess daemon;
+        QVERIFY2(daemon.start(), qPrintable(daemon.errorText()));
+        const auto asked = [&daemon] { return daemon.stats()->requests; };
+        Program first(Program::withoutBus());
+        QTRY_COMPARE_WITH_TIMEOUT(asked(), 1, patience);
+        Program second(Program::withoutBus());
+        QVERIFY(second.waitForEnd());
+        QCOMPARE(second.exitCode(), 0);
+        QVERIFY(second.errors().startsWith(u"brimwatch: already running; "_s));
+        QCOMPARE(asked(), 1);
+        QVERIFY(!first.hasEnded());
+
+        first.crash();
+        Program third(Program::withoutBus());
+        QTRY_COMPARE_WITH_TIMEOUT(asked(), 2, patience);
+        QVERIFY(!third.hasEnded());
+    }
+
+    void aStartWithoutABusFindsAFirstThatHasOne()
+    {
+        Program first;
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        // Whoever starts after the bus has gone is in the same place.
+        Program second(Program::withoutBus());
+        QVERIFY(second.waitForEnd());
+        QCOMPARE(second.exitCode(), 0);
+        QVERIFY(second.errors().startsWith(u"brimwatch: already running; "_s));
+        QVERIFY(!first.hasEnded());
+    }
+
+    void aRuntimeFolderThatHoldsNoLockStopsNobody()
+    {
+        test::SampleDaemonProcess daemon;
+        QVERIFY2(daemon.start(), qPrintable(daemon.errorText()));
+        auto environment = Program::withoutBus();
+        environment.insert(u"XDG_RUNTIME_DIR"_s, u"/nowhere"_s);
+        const Program program(environment);
+        QTRY_COMPARE_WITH_TIMEOUT(daemon.stats()->requests, 1, patience);
+    }
+
+    void aFloodOfCallsLeavesItAsItWas()
+    {
+        test::SampleDaemonProcess daemon;
+        QVERIFY2(daemon.start(), qPrintable(daemon.errorText()));
+        const Program program;
+        QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, patience);
+        const auto flood = [this](const QString &member) {
+            constexpr int calls = 10'000;
+            QList<QDBusPendingCall> pending;
+            for (int i = 0; i < calls; ++i)
+                pending.append(m_caller.start(member));
+            for (const auto &call : std::as_const(pending)) {
+                QTRY_VERIFY_WITH_TIMEOUT(call.isFinished(), patience);
+                if (call.isError())
+                    QCOMPARE(call.error().type(), QDBusError::LimitsExceeded);
+            }
+        };
+        flood(u"Refresh"_s);
+        const auto asked = daemon.stats()->requests;
+        const auto before = program.memory();
+        QElapsedTimer since;
+        since.start();
+        for (int i = 0; i < 3; ++i)
+            flood(u"Refresh"_s);
+        // At most one a second, and one at each end.
+        QVERIFY(daemon.stats()->requests - asked <= since.elapsed() / 1000 + 2);
+        constexpr qint64 slack = 4LL * 1024 * 1024;
+        const auto grown = program.memory() - before;
+        QVERIFY2(grown <= slack, qPrintable(u"grew by %1 bytes"_s.arg(grown)));
+        QCOMPARE(m_caller.state(), u"connected"_s);
+    }
+
+    void neitherTokenNorHomeIsOnTheBus()
+    {
+        const QByteArray token = "token-that-nobody-may-see";
+        const QByteArray home = QDir::homePath().toUtf8();
+        QVERIFY(writeSummary(quota(0.75, "Gemini " + token + " at " + home + "/x")));
+        test::SampleDaemonProcess daemon;
+        QVERIFY2(
+            daemon.start({u"--summary"_s, summaryFile(), u"--token"_s, QString::fromLatin1(token)}),
+            qPrintable(daemon.errorText()));
+        QProcess monitor;
+        monitor.start(u"dbus-monitor"_s, {u"--session"_s});
+        QVERIFY(monitor.waitForStarted(patience));
+        QByteArray log;
+        const auto logged = [&monitor, &log](const QByteArray &text) {
+            log += monitor.readAllStandardOutput();
+            return log.contains(text);
+        };
+        // It has begun to listen once it hears somebody.
+        QTRY_VERIFY_WITH_TIMEOUT((m_caller.owner(), logged("GetNameOwner")), patience);
+
+        const Program program;
+        QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, patience);
+        QVERIFY(m_caller.call(u"Diagnostics"_s)
+                .arguments()
+                .value(0)
+                .toString()
+                .contains(u"Daemon CSRF: token-th...\n"_s));
+        QVERIFY(daemon.terminate());
+        QCOMPARE(m_caller.call(u"Refresh"_s).type(), QDBusMessage::ErrorMessage);
+        QTRY_VERIFY_WITH_TIMEOUT(logged("RefreshFailed"), patience);
+        QVERIFY(log.contains("PropertiesChanged"));
+        QVERIFY(log.contains("Gemini … at ~/x"));
+        QVERIFY(!log.contains(token));
+        // Other services of the bus are started with paths; ours have none.
+        QVERIFY(!log.contains(QByteArray(home + "/x")));
+        QVERIFY(!log.contains(QByteArray(home + "/.gemini")));
+        monitor.terminate();
+        monitor.waitForFinished(patience);
+    }
+
+private:
+    static QString summaryFile() { return QDir::homePath() + "/summary.json"_L1; }
+
+    static bool writeSummary(const QByteArray &json)
+    {
+        QFile file(summaryFile());
+        return file.open(QIODevice::WriteOnly) && file.write(json) == json.size();
+    }
+
+    Caller m_caller;
+};
+
+int main(int argc, char **argv)
+{
+    const test::PrivateDisplay display;
+    const QCoreApplication application(argc, argv);
+    ProgramTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "program_test.moc"

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "model/label_composition.h"
+#include "platform/appearance.h"
+#include "platform/linux/appearance/system_colors.h"
+#include "platform/linux/tray/presentation.h"
+
+#include <QColor>
+#include <QImage>
+#include <QString>
+
+#include <cmath>
+
+namespace brimwatch::test {
+
+using namespace Qt::Literals::StringLiterals;
+
+/// A desktop that looks as told.
+class FakeAppearance final : public platform::Appearance {
+public:
+    bool isDark() const override { return m_dark; }
+    platform::Rgba color(model::ColorToken token) const override
+    {
+        return platform::systemColor(token, platform::Ground::Dark);
+    }
+    QString fontFamily() const override { return u"DejaVu Sans"_s; }
+    double textScale() const override { return 1; }
+    bool reducesMotion() const override { return false; }
+
+    void setDark(bool dark)
+    {
+        m_dark = dark;
+        Q_EMIT changed();
+    }
+
+private:
+    bool m_dark = true;
+};
+
+/// "5h: 80% · W: 55%" behind a sparkle, or with other texts.
+inline platform::PresentedItem sampleItem(
+    const QString &first = u"5h: 80%"_s, const QString &second = u"W: 55%"_s)
+{
+    platform::PresentedItem item;
+    item.label.image = model::LabelImage{.symbol = {.name = u"sparkles"_s, .pointSize = 13},
+        .accessibleName = u"Gemini"_s,
+        .paddingLeft = 2,
+        .paddingRight = 4,
+        .paddingVertical = 2};
+    item.label.imagePosition = model::ImagePosition::Leading;
+    item.label.title
+        = {model::TextRun{.text = first, .color = model::ColorToken::AdaptiveHealthyGreen},
+            model::TextRun{.text = u" · "_s, .color = model::ColorToken::SecondaryLabel},
+            model::TextRun{.text = second, .color = model::ColorToken::SystemOrange}};
+    item.description = {.title = first + u" · "_s + second, .lines = {first, second}};
+    return item;
+}
+
+/// How many opaque pixels have the colour of that token on that ground.
+inline int countPixels(const QImage &image, model::ColorToken token, platform::Ground ground)
+{
+    const platform::Rgba rgba = platform::systemColor(token, ground);
+    const QColor wanted = QColor::fromRgbF(static_cast<float>(rgba.red),
+        static_cast<float>(rgba.green), static_cast<float>(rgba.blue));
+    constexpr int tolerance = 3;
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor color = image.pixelColor(x, y);
+            if (color.alpha() == 255 && std::abs(color.red() - wanted.red()) <= tolerance
+                && std::abs(color.green() - wanted.green()) <= tolerance
+                && std::abs(color.blue() - wanted.blue()) <= tolerance)
+                ++count;
+        }
+    }
+    return count;
+}
+
+} // namespace brimwatch::test

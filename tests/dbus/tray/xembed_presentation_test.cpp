@@ -1,0 +1,630 @@
+#include "dbus/tray/fake_tray_manager.h"
+#include "dbus/tray/item_samples.h"
+#include "platform/linux/symbols/svg_symbols.h"
+#include "platform/linux/tray/xembed_presentation.h"
+#include "platform/linux/x11/x_connection.h"
+#include "support/private_display.h"
+
+#include <QGuiApplication>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWindow>
+
+#include <memory>
+
+namespace brimwatch::platform {
+
+using namespace test;
+using model::ColorToken;
+
+namespace {
+
+constexpr int left = 1;
+constexpr int middle = 2;
+constexpr int right = 3;
+constexpr int wheelUp = 4;
+constexpr QPoint elsewhere(50, 650);
+
+/// The rectangle of what is drawn.
+QRect inkOf(const QImage &image)
+{
+    QRect ink;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixelColor(x, y).alpha() > 0)
+                ink |= QRect(x, y, 1, 1);
+        }
+    }
+    return ink;
+}
+
+QWindow *shownHoverText()
+{
+    const auto windows = QGuiApplication::topLevelWindows();
+    for (QWindow *window : windows) {
+        if (window->type() == Qt::ToolTip && window->isExposed())
+            return window;
+    }
+    return nullptr;
+}
+
+/// The sample with "80" in green over "55" in orange where there is no room for it.
+PresentedItem withBadge()
+{
+    PresentedItem item = test::sampleItem();
+    item.label.badge.numbers = {{.text = u"80"_s, .color = ColorToken::AdaptiveHealthyGreen},
+        {.text = u"55"_s, .color = ColorToken::SystemOrange}};
+    return item;
+}
+
+} // namespace
+
+class XembedPresentationTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void thePanelTakesTheItemOnce();
+    void theLabelIsDrawnInItsColoursOnATransparentGround();
+    void withoutATransparentVisualThePanelsGroundStaysBehindTheLabel();
+    void onAnOpaqueLightPanelTheLabelIsDark();
+    void thePanelsOwnSymbolsTellLightFromDark();
+    void coloursFromBeforeThePanelHasReadItsThemeDoNotCount();
+    void aPanelOfTheThemesKindFollowsTheTheme();
+    void aPanelOfAnotherKindThanTheThemeStaysAsItIs();
+    void aHigherSlotIsDrawnAnewInItsMiddle();
+    void aSlotLargerThanARequestIsDrawnWhole();
+    void aLabelThatGrowsGetsAWiderSlot();
+    void aLabelThatShrinksGetsANarrowerSlot();
+    void aPanelThatScalesWhatIsAskedForStillGivesAFittingSlot();
+    void otherPanelsMayShrinkBelowTheHeightThatTheyGave();
+    void aLabelWhoseNumbersShrinkKeepsItsSlot();
+    void aSlotThatStaysTooNarrowShowsTheSquare();
+    void aSlotThatStaysTooNarrowShowsTheNumbers();
+    void theBadgeAsksForASquare();
+    void aSlotThatIsWidenedLaterShowsTheLabelAgain();
+    void damageIsRepaired();
+    void theSameItemIsNotDrawnAgain();
+    void anotherDescriptionAloneIsNotDrawn();
+    void leftAndRightClicksCountWhenTheButtonIsLetGo();
+    void theMiddleButtonAndTheWheelDoNothing();
+    void lettingGoOutsideIsNoClick();
+    void lettingGoHereOfAPressElsewhereIsNoClick();
+    void clicksThatTheWindowManagerSendsCount();
+    void theEndOfThePanelIsReportedOnce();
+    void itemsLeftOnTheScreenByAnEndingPanelAreTakenAway();
+    void beingThrownOutIsReportedOnce();
+    void theWindowIsGoneWithThePresentation();
+    void aRestingPointerShowsTheDescriptionBesideTheItem();
+    void theHoverTextHasEveryLineOfTheFullestDescription();
+    void aPressTakesTheDescriptionAwayUntilThePointerHasLeft();
+    void theDescriptionGoesWithTheItem();
+
+private:
+    void dock(const FakeTrayManager::Manners &manners = {}, XembedForm form = XembedForm::Wide);
+    QPoint itemCentre() { return m_manager->slot().center(); }
+    /// Until the panel's half and ours have nothing more to say to each other.
+    void settle();
+    bool isDrawn(Ground ground = Ground::Dark)
+    {
+        const QImage picture = m_manager->picture();
+        return countPixels(picture, ColorToken::AdaptiveHealthyGreen, ground) > 0
+            && countPixels(picture, ColorToken::SystemOrange, ground) > 0;
+    }
+    bool isMarked(QColor color)
+    {
+        return m_manager->picture().pixelColor(0, 0).rgb() == color.rgb();
+    }
+
+    SvgSymbols m_symbols;
+    LabelPainter m_painter{m_symbols};
+    FakeAppearance m_appearance;
+    Pointer m_pointer;
+    std::unique_ptr<XConnection> m_x;
+    std::unique_ptr<FakeTrayManager> m_manager;
+    std::unique_ptr<XembedPresentation> m_item;
+    std::unique_ptr<QSignalSpy> m_registered;
+    std::unique_ptr<QSignalSpy> m_pressed;
+    std::unique_ptr<QSignalSpy> m_clicked;
+    std::unique_ptr<QSignalSpy> m_lost;
+};
+
+void XembedPresentationTest::init()
+{
+    m_pointer.moveTo(elsewhere);
+    m_x = std::make_unique<XConnection>();
+    QVERIFY(m_x->isValid());
+}
+
+void XembedPresentationTest::cleanup()
+{
+    m_appearance.setDark(true);
+    m_registered.reset();
+    m_clicked.reset();
+    m_pressed.reset();
+    m_lost.reset();
+    m_item.reset();
+    m_manager.reset();
+    m_x.reset();
+}
+
+void XembedPresentationTest::dock(const FakeTrayManager::Manners &manners, XembedForm form)
+{
+    m_manager = std::make_unique<FakeTrayManager>(manners);
+    m_item = std::make_unique<XembedPresentation>(
+        form, *m_x, m_manager->window(), m_painter, m_appearance);
+    m_registered = std::make_unique<QSignalSpy>(m_item.get(), &Presentation::registered);
+    m_pressed = std::make_unique<QSignalSpy>(m_item.get(), &Presentation::pressed);
+    m_clicked = std::make_unique<QSignalSpy>(m_item.get(), &Presentation::clicked);
+    m_lost = std::make_unique<QSignalSpy>(m_item.get(), &Presentation::lost);
+    m_item->present(sampleItem());
+}
+
+void XembedPresentationTest::settle()
+{
+    constexpr int rounds = 3;
+    for (int i = 0; i < rounds; ++i) {
+        m_x->selectionOwner(XCB_ATOM_PRIMARY);
+        m_manager->connection().selectionOwner(XCB_ATOM_PRIMARY);
+        QCoreApplication::processEvents();
+        QCoreApplication::processEvents();
+    }
+}
+
+void XembedPresentationTest::thePanelTakesTheItemOnce()
+{
+    dock();
+    QTRY_COMPARE(m_registered->count(), 1);
+    QTRY_VERIFY(isDrawn());
+    settle();
+    QCOMPARE(m_manager->docked().size(), 1);
+    QCOMPARE(m_registered->count(), 1);
+    QCOMPARE(m_lost->count(), 0);
+    QCOMPARE(m_manager->slot().height(), 28);
+    QCOMPARE(m_manager->slot().width(), m_manager->hintedSize().width());
+}
+
+void XembedPresentationTest::theLabelIsDrawnInItsColoursOnATransparentGround()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    const QImage picture = m_manager->picture();
+    QCOMPARE(picture.pixelColor(0, 0).alpha(), 0);
+    QCOMPARE(picture.pixelColor(picture.width() - 1, picture.height() - 1).alpha(), 0);
+}
+
+void XembedPresentationTest::withoutATransparentVisualThePanelsGroundStaysBehindTheLabel()
+{
+    dock({.transparent = false, .symbols = {}, .ground = QColor(0x20, 0x40, 0x60), .program = {}});
+    QTRY_VERIFY(isDrawn());
+    const QImage picture = m_manager->picture();
+    QCOMPARE(picture.pixelColor(0, 0), QColor(0x20, 0x40, 0x60));
+    QCOMPARE(
+        picture.pixelColor(picture.width() - 1, picture.height() - 1), QColor(0x20, 0x40, 0x60));
+}
+
+void XembedPresentationTest::onAnOpaqueLightPanelTheLabelIsDark()
+{
+    dock({.transparent = false, .symbols = {}, .ground = QColor(0xf0, 0xf0, 0xf0), .program = {}});
+    QTRY_VERIFY(isDrawn(Ground::Light));
+    QVERIFY(!isDrawn(Ground::Dark));
+}
+
+void XembedPresentationTest::thePanelsOwnSymbolsTellLightFromDark()
+{
+    dock({.symbols = QColor(0x2e, 0x34, 0x36), .program = {}});
+    QTRY_VERIFY(isDrawn(Ground::Light));
+    m_manager->setSymbols(Qt::white);
+    QTRY_VERIFY(isDrawn(Ground::Dark));
+    QVERIFY(!isDrawn(Ground::Light));
+}
+
+void XembedPresentationTest::coloursFromBeforeThePanelHasReadItsThemeDoNotCount()
+{
+    dock({.symbols = QColor(0x2e, 0x34, 0x36), .program = {}});
+    QTRY_VERIFY(isDrawn(Ground::Light));
+    m_manager->setColors({Qt::black, Qt::red, Qt::yellow, Qt::green});
+    QTRY_VERIFY(isDrawn(Ground::Dark));
+    m_manager->setColors({Qt::black, QColor(0xcc, 0, 0), Qt::yellow, Qt::green});
+    QTRY_VERIFY(isDrawn(Ground::Light));
+}
+
+void XembedPresentationTest::aPanelOfTheThemesKindFollowsTheTheme()
+{
+    m_appearance.setDark(false);
+    dock({.symbols = QColor(0x2e, 0x34, 0x36), .program = {}});
+    QTRY_VERIFY(isDrawn(Ground::Light));
+    m_appearance.setDark(true);
+    QTRY_VERIFY(isDrawn(Ground::Dark));
+    m_appearance.setDark(false);
+    QTRY_VERIFY(isDrawn(Ground::Light));
+}
+
+void XembedPresentationTest::aPanelOfAnotherKindThanTheThemeStaysAsItIs()
+{
+    m_appearance.setDark(false);
+    dock({.symbols = Qt::white, .program = {}});
+    QTRY_VERIFY(isDrawn(Ground::Dark));
+    m_appearance.setDark(true);
+    m_appearance.setDark(false);
+    settle();
+    QVERIFY(isDrawn(Ground::Dark));
+}
+
+void XembedPresentationTest::aHigherSlotIsDrawnAnewInItsMiddle()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    const QSize higher(m_manager->slot().width() + 60, 48);
+    m_manager->setSlotSize(higher);
+    QTRY_COMPARE(m_manager->picture().size(), higher);
+    QTRY_VERIFY(isDrawn());
+    const QRect ink = inkOf(m_manager->picture());
+    QVERIFY2(
+        ink.left() > 25 && ink.right() < higher.width() - 25, "not in the middle of the width");
+    QVERIFY2(ink.top() > 10 && ink.bottom() < 38, "not in the middle of the height");
+}
+
+void XembedPresentationTest::aSlotLargerThanARequestIsDrawnWhole()
+{
+    const QColor ground(0x20, 0x40, 0x60);
+    dock({.transparent = false, .symbols = {}, .ground = ground, .program = {}});
+    QTRY_VERIFY(isDrawn());
+    // 262140 bytes go into a request.
+    const QSize large(800, 350);
+    m_manager->setSlotSize(large);
+    QTRY_COMPARE(m_manager->picture().size(), large);
+    QTRY_VERIFY(isDrawn());
+    QCOMPARE(m_manager->picture().pixelColor(0, 0), ground);
+    QCOMPARE(m_manager->picture().pixelColor(799, 349), ground);
+}
+
+void XembedPresentationTest::aLabelThatGrowsGetsAWiderSlot()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    const int before = m_manager->slot().width();
+    m_item->present(sampleItem(u"Gem 5h: 100%"_s, u"Gem W: 100%"_s));
+    QTRY_VERIFY(m_manager->slot().width() > before + 20);
+    QCOMPARE(m_manager->slot().width(), m_manager->hintedSize().width());
+    QTRY_VERIFY(isDrawn());
+    // To the end: the orange run is the last one.
+    QTRY_VERIFY(inkOf(m_manager->picture()).right() > m_manager->slot().width() - 12);
+    QCOMPARE(m_manager->docked().size(), 1);
+}
+
+void XembedPresentationTest::aLabelThatShrinksGetsANarrowerSlot()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    const int before = m_manager->slot().width();
+    m_item->present(sampleItem(u"80%"_s, u"55%"_s));
+    QTRY_VERIFY(m_manager->slot().width() < before - 10);
+    QTRY_VERIFY(isDrawn());
+}
+
+void XembedPresentationTest::aLabelWhoseNumbersShrinkKeepsItsSlot()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    m_item->present(sampleItem(u"5h: 100%"_s));
+    const QSize narrow = m_manager->slot().size();
+    QTRY_VERIFY(m_manager->slot().width() > narrow.width());
+    const QRect wide = m_manager->slot();
+    m_item->present(sampleItem(u"5h: 7%"_s));
+    settle();
+    QTRY_VERIFY(isDrawn());
+    QCOMPARE(m_manager->slot(), wide);
+}
+
+void XembedPresentationTest::aPanelThatScalesWhatIsAskedForStillGivesAFittingSlot()
+{
+    dock({.symbols = {}, .height = 40, .proportional = true, .program = {}});
+    QTRY_VERIFY(isDrawn());
+    QTRY_COMPARE(m_manager->hintedSize().height(), 40);
+    QTRY_COMPARE(m_manager->slot().width(), m_manager->hintedSize().width());
+    QTRY_VERIFY(inkOf(m_manager->picture()).left() < 6);
+}
+
+void XembedPresentationTest::otherPanelsMayShrinkBelowTheHeightThatTheyGave()
+{
+    dock({.symbols = {}, .height = 40, .program = {}});
+    QTRY_VERIFY(isDrawn());
+    settle();
+    QVERIFY(m_manager->hintedSize().height() <= 22);
+}
+
+void XembedPresentationTest::aSlotThatStaysTooNarrowShowsTheSquare()
+{
+    dock({.symbols = {}, .widest = 28, .program = {}});
+    QTRY_COMPARE(m_registered->count(), 1);
+    // The sparkle in the middle, no run of text.
+    QTRY_VERIFY(countPixels(m_manager->picture(), ColorToken::Label, Ground::Dark) > 20);
+    QTRY_VERIFY(!inkOf(m_manager->picture()).isEmpty()
+        && std::abs(inkOf(m_manager->picture()).center().x() - 14) <= 1);
+    QCOMPARE(countPixels(m_manager->picture(), ColorToken::AdaptiveHealthyGreen, Ground::Dark), 0);
+}
+
+void XembedPresentationTest::aSlotThatStaysTooNarrowShowsTheNumbers()
+{
+    dock({.symbols = {}, .widest = 28, .program = {}});
+    m_item->present(withBadge());
+    QTRY_VERIFY(
+        countPixels(m_manager->picture(), ColorToken::AdaptiveHealthyGreen, Ground::Dark) > 20);
+    QVERIFY(countPixels(m_manager->picture(), ColorToken::SystemOrange, Ground::Dark) > 20);
+}
+
+void XembedPresentationTest::theBadgeAsksForASquare()
+{
+    dock({.symbols = {}, .height = 24, .program = {}}, XembedForm::Badge);
+    QTRY_COMPARE(m_registered->count(), 1);
+    m_item->present(withBadge());
+    QTRY_COMPARE(m_manager->slot().size(), QSize(24, 24));
+    QTRY_VERIFY(
+        countPixels(m_manager->picture(), ColorToken::AdaptiveHealthyGreen, Ground::Dark) > 20);
+    QVERIFY(countPixels(m_manager->picture(), ColorToken::SystemOrange, Ground::Dark) > 20);
+}
+
+void XembedPresentationTest::aSlotThatIsWidenedLaterShowsTheLabelAgain()
+{
+    dock({.symbols = {}, .widest = 28, .program = {}});
+    QTRY_VERIFY(!inkOf(m_manager->picture()).isEmpty()
+        && std::abs(inkOf(m_manager->picture()).center().x() - 14) <= 1);
+    m_manager->setSlotSize({300, 28});
+    QTRY_VERIFY(isDrawn());
+}
+
+void XembedPresentationTest::damageIsRepaired()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    m_manager->damage();
+    QTRY_VERIFY(isDrawn());
+}
+
+void XembedPresentationTest::theSameItemIsNotDrawnAgain()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    settle();
+    m_manager->mark(Qt::magenta);
+    QVERIFY(isMarked(Qt::magenta));
+    m_item->present(sampleItem());
+    settle();
+    QVERIFY(isMarked(Qt::magenta));
+    // The mark would not have survived a drawing.
+    m_item->present(sampleItem(u"5h: 79%"_s));
+    QTRY_VERIFY(!isMarked(Qt::magenta));
+}
+
+void XembedPresentationTest::anotherDescriptionAloneIsNotDrawn()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    settle();
+    m_manager->mark(Qt::magenta);
+    PresentedItem item = sampleItem();
+    item.description.lines.append(u"resets in 2h 10m"_s);
+    m_item->present(item);
+    settle();
+    QVERIFY(isMarked(Qt::magenta));
+}
+
+void XembedPresentationTest::leftAndRightClicksCountWhenTheButtonIsLetGo()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    const QPoint place = itemCentre() + QPoint(7, 3);
+    m_pointer.moveTo(place);
+    for (const int button : {left, right}) {
+        m_pointer.press(button);
+        QTRY_COMPARE(m_pressed->count(), 1);
+        m_pressed->clear();
+        settle();
+        QCOMPARE(m_clicked->count(), 0);
+        m_pointer.release(button);
+        QTRY_COMPARE(m_clicked->count(), 1);
+        settle();
+        QCOMPARE(m_clicked->count(), 1);
+        const auto anchor = m_clicked->takeFirst().first().value<ItemAnchor>();
+        QCOMPARE(anchor.pointer, place);
+        QCOMPARE(anchor.bounds, m_manager->slot());
+    }
+}
+
+void XembedPresentationTest::theMiddleButtonAndTheWheelDoNothing()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    m_pointer.moveTo(itemCentre());
+    m_pointer.click(middle);
+    m_pointer.click(wheelUp);
+    settle();
+    QCOMPARE(m_pressed->count(), 0);
+    QCOMPARE(m_clicked->count(), 0);
+    m_pointer.click(left);
+    QTRY_COMPARE(m_clicked->count(), 1);
+}
+
+void XembedPresentationTest::lettingGoOutsideIsNoClick()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    m_pointer.moveTo(itemCentre());
+    m_pointer.press(left);
+    m_pointer.moveTo(elsewhere);
+    m_pointer.release(left);
+    settle();
+    QCOMPARE(m_clicked->count(), 0);
+    // Nor does the press stay behind.
+    m_pointer.press(left);
+    m_pointer.moveTo(itemCentre());
+    m_pointer.release(left);
+    settle();
+    QCOMPARE(m_clicked->count(), 0);
+}
+
+void XembedPresentationTest::lettingGoHereOfAPressElsewhereIsNoClick()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    m_pointer.press(left);
+    m_pointer.moveTo(itemCentre());
+    m_pointer.release(left);
+    settle();
+    QCOMPARE(m_clicked->count(), 0);
+    m_pointer.click(left);
+    QTRY_COMPARE(m_clicked->count(), 1);
+}
+
+void XembedPresentationTest::clicksThatTheWindowManagerSendsCount()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    XConnection sender;
+    for (const std::uint8_t type :
+        {std::uint8_t{XCB_BUTTON_PRESS}, std::uint8_t{XCB_BUTTON_RELEASE}}) {
+        xcb_button_press_event_t event{};
+        event.response_type = type;
+        event.detail = left;
+        event.event = m_manager->docked().last();
+        event.root = sender.screen()->root;
+        event.event_x = 5;
+        event.event_y = 6;
+        event.root_x = 305;
+        event.root_y = 16;
+        xcb_send_event(sender.connection(), 0, event.event, XCB_EVENT_MASK_BUTTON_PRESS,
+            reinterpret_cast<const char *>(&event));
+    }
+    sender.flush();
+    QTRY_COMPARE(m_clicked->count(), 1);
+    QCOMPARE(m_clicked->first().first().value<ItemAnchor>().pointer, QPoint(305, 16));
+}
+
+void XembedPresentationTest::theEndOfThePanelIsReportedOnce()
+{
+    dock();
+    QTRY_COMPARE(m_registered->count(), 1);
+    m_manager.reset();
+    QTRY_COMPARE(m_lost->count(), 1);
+    m_item->present(sampleItem(u"5h: 10%"_s));
+    m_x->selectionOwner(XCB_ATOM_PRIMARY);
+    QCoreApplication::processEvents();
+    QCOMPARE(m_lost->count(), 1);
+}
+
+void XembedPresentationTest::itemsLeftOnTheScreenByAnEndingPanelAreTakenAway()
+{
+    dock({.symbols = {}, .savesItems = true, .program = {}});
+    QTRY_COMPARE(m_registered->count(), 1);
+    const xcb_window_t window = m_manager->docked().last();
+    m_manager.reset();
+    QTRY_COMPARE(m_lost->count(), 1);
+    const XcbPointer<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+        m_x->connection(), xcb_get_window_attributes(m_x->connection(), window), nullptr));
+    QVERIFY(!attributes || attributes->map_state == XCB_MAP_STATE_UNMAPPED);
+}
+
+void XembedPresentationTest::beingThrownOutIsReportedOnce()
+{
+    dock();
+    QTRY_COMPARE(m_registered->count(), 1);
+    m_manager->throwOut();
+    QTRY_COMPARE(m_lost->count(), 1);
+    settle();
+    QCOMPARE(m_lost->count(), 1);
+}
+
+void XembedPresentationTest::theWindowIsGoneWithThePresentation()
+{
+    dock();
+    QTRY_COMPARE(m_registered->count(), 1);
+    m_item.reset();
+    QTRY_COMPARE(m_manager->slot(), QRect());
+}
+
+void XembedPresentationTest::aRestingPointerShowsTheDescriptionBesideTheItem()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    m_pointer.moveTo(itemCentre());
+    QTRY_VERIFY(shownHoverText());
+    const QRect text = shownHoverText()->geometry();
+    const QRect item = m_manager->slot();
+    QVERIFY(text.top() > item.bottom() && text.top() < item.bottom() + 20);
+    QVERIFY(text.left() < item.right() && text.right() > item.left());
+    QVERIFY(QRect(0, 0, 1280, 720).contains(text));
+    // A further line shows at once.
+    PresentedItem item2 = sampleItem();
+    item2.description.lines.append(u"a third line"_s);
+    m_item->present(item2);
+    QTRY_VERIFY(shownHoverText() && shownHoverText()->height() > text.height());
+    m_pointer.moveTo(elsewhere);
+    QTRY_VERIFY(!shownHoverText());
+}
+
+void XembedPresentationTest::theHoverTextHasEveryLineOfTheFullestDescription()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    PresentedItem item = sampleItem();
+    item.description.lines = {u"bucket"_s};
+    m_item->present(item);
+    m_pointer.moveTo(itemCentre());
+    QTRY_VERIFY(shownHoverText());
+    const int ofOneLine = shownHoverText()->height();
+    item.description.lines.append(u"bucket"_s);
+    m_item->present(item);
+    QTRY_VERIFY(shownHoverText() && shownHoverText()->height() > ofOneLine);
+    const int lineHeight = shownHoverText()->height() - ofOneLine;
+
+    constexpr int most = ItemDescription::mostLines;
+    while (item.description.lines.size() < most - 1)
+        item.description.lines.append(QString(u'W').repeated(ItemDescription::longestLine));
+    item.description.lines.append(u"Offline since 10:00"_s);
+    m_item->present(item);
+    QTRY_COMPARE(
+        shownHoverText() ? shownHoverText()->height() : 0, ofOneLine + (most - 1) * lineHeight);
+    QVERIFY(QRect(0, 0, 1280, 720).contains(shownHoverText()->geometry()));
+}
+
+void XembedPresentationTest::aPressTakesTheDescriptionAwayUntilThePointerHasLeft()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    m_pointer.moveTo(itemCentre());
+    QTRY_VERIFY(shownHoverText());
+    m_pointer.click(left);
+    QTRY_VERIFY(!shownHoverText());
+    QTRY_COMPARE(m_clicked->count(), 1);
+    m_pointer.moveTo(elsewhere);
+    settle();
+    m_pointer.moveTo(itemCentre());
+    QTRY_VERIFY(shownHoverText());
+}
+
+void XembedPresentationTest::theDescriptionGoesWithTheItem()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    m_pointer.moveTo(itemCentre());
+    QTRY_VERIFY(shownHoverText());
+    m_manager.reset();
+    QTRY_VERIFY(!shownHoverText());
+}
+
+} // namespace brimwatch::platform
+
+int main(int argc, char **argv)
+{
+    const brimwatch::test::PrivateDisplay display;
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    const QGuiApplication application(argc, argv);
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    brimwatch::platform::XembedPresentationTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "xembed_presentation_test.moc"

@@ -1,0 +1,153 @@
+#include "platform/linux/appearance/desktop_appearance.h"
+#include "platform/linux/x11/x_connection.h"
+#include "platform/linux/x11/xsettings.h"
+#include "support/private_display.h"
+#include "support/xsettings_property.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <cstdint>
+#include <memory>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace brimwatch;
+using namespace brimwatch::platform;
+using model::ColorToken;
+
+namespace {
+
+/// A desktop's settings manager, on a connection of its own.
+class SettingsManager {
+public:
+    explicit SettingsManager(const QVariantMap &settings)
+    {
+        xcb_connection_t *c = m_x.connection();
+        m_window = xcb_generate_id(c);
+        const xcb_window_t root = m_x.screen()->root;
+        xcb_create_window(c, XCB_COPY_FROM_PARENT, m_window, root, 0, 0, 1, 1, 0,
+            XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+        change(settings);
+        const xcb_atom_t selection = m_x.atom("_XSETTINGS_S0");
+        xcb_set_selection_owner(c, m_window, selection, XCB_CURRENT_TIME);
+        xcb_client_message_event_t message{};
+        message.response_type = XCB_CLIENT_MESSAGE;
+        message.format = 32;
+        message.window = root;
+        message.type = m_x.atom("MANAGER");
+        message.data.data32[1] = selection;
+        message.data.data32[2] = m_window;
+        xcb_send_event(
+            c, 0, root, XCB_EVENT_MASK_STRUCTURE_NOTIFY, reinterpret_cast<const char *>(&message));
+        m_x.flush();
+    }
+    ~SettingsManager()
+    {
+        xcb_destroy_window(m_x.connection(), m_window);
+        m_x.flush();
+    }
+    SettingsManager(const SettingsManager &) = delete;
+    SettingsManager &operator=(const SettingsManager &) = delete;
+    SettingsManager(SettingsManager &&) = delete;
+    SettingsManager &operator=(SettingsManager &&) = delete;
+
+    void change(const QVariantMap &settings)
+    {
+        const QByteArray bytes = test::xSettingsProperty(settings);
+        const xcb_atom_t property = m_x.atom("_XSETTINGS_SETTINGS");
+        xcb_change_property(m_x.connection(), XCB_PROP_MODE_REPLACE, m_window, property, property,
+            8, static_cast<std::uint32_t>(bytes.size()), bytes.constData());
+        m_x.flush();
+    }
+
+private:
+    XConnection m_x;
+    xcb_window_t m_window = XCB_WINDOW_NONE;
+};
+
+} // namespace
+
+/// A desktop that announces its look by the XSETTINGS protocol, on a real X server.
+class XSettingsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theThemeIsFollowedLive()
+    {
+        SettingsManager manager({{u"Net/ThemeName"_s, u"Adwaita-dark"_s}});
+        DesktopAppearance &look = appearance();
+        QTRY_VERIFY(look.isDark());
+        manager.change({{u"Net/ThemeName"_s, u"Adwaita"_s}});
+        QTRY_VERIFY(!look.isDark());
+    }
+
+    void theAnimationSwitchIsFollowedLive()
+    {
+        SettingsManager manager({{u"Gtk/EnableAnimations"_s, 0}});
+        DesktopAppearance &look = appearance();
+        QTRY_VERIFY(look.reducesMotion());
+        manager.change({{u"Gtk/EnableAnimations"_s, 1}});
+        QTRY_VERIFY(!look.reducesMotion());
+    }
+
+    void aThemeOfHighContrastIsFollowedLive()
+    {
+        SettingsManager manager({{u"Net/ThemeName"_s, u"HighContrast"_s}});
+        DesktopAppearance &look = appearance();
+        QTRY_COMPARE(look.color(ColorToken::SecondaryLabel), look.color(ColorToken::Label));
+        manager.change({{u"Net/ThemeName"_s, u"Adwaita"_s}});
+        QTRY_VERIFY(!(look.color(ColorToken::SecondaryLabel) == look.color(ColorToken::Label)));
+    }
+
+    void theFontIsFollowedLive()
+    {
+        SettingsManager manager({{u"Gtk/FontName"_s, u"Cantarell 11"_s}});
+        DesktopAppearance &look = appearance();
+        QTRY_COMPARE(look.fontFamily(), u"Cantarell"_s);
+        manager.change({{u"Gtk/FontName"_s, u"Noto Sans Bold 10"_s}});
+        QTRY_COMPARE(look.fontFamily(), u"Noto Sans"_s);
+    }
+
+    void aManagerThatGoesAndAnotherThatComesAreFollowed()
+    {
+        DesktopAppearance &look = appearance();
+        {
+            SettingsManager first({{u"Net/ThemeName"_s, u"Adwaita-dark"_s}});
+            QTRY_VERIFY(look.isDark());
+        }
+        QTRY_VERIFY(!look.isDark());
+        SettingsManager second({{u"Net/ThemeName"_s, u"Yaru-dark"_s}});
+        QTRY_VERIFY(look.isDark());
+    }
+
+    void cleanup()
+    {
+        m_appearance.reset();
+        m_settings.reset();
+        m_x.reset();
+    }
+
+private:
+    DesktopAppearance &appearance()
+    {
+        m_x = std::make_unique<XConnection>();
+        m_settings = std::make_unique<XSettings>(*m_x);
+        m_appearance = std::make_unique<DesktopAppearance>(
+            QDBusConnection(u"none"_s), m_settings.get(), m_home.path());
+        return *m_appearance;
+    }
+
+    QTemporaryDir m_home;
+    std::unique_ptr<XConnection> m_x;
+    std::unique_ptr<XSettings> m_settings;
+    std::unique_ptr<DesktopAppearance> m_appearance;
+};
+
+int main(int argc, char **argv)
+{
+    const test::PrivateDisplay display;
+    const QCoreApplication application(argc, argv);
+    XSettingsTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "xsettings_test.moc"

@@ -1,0 +1,173 @@
+#include "app/state_description.h"
+#include "service/quota_service.h"
+#include "support/fake_fetching.h"
+#include "support/quota_samples.h"
+#include "support/test_clock.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace brimwatch;
+using platform::PublishedState;
+
+class StateDescriptionTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_home = std::make_unique<QTemporaryDir>();
+        m_settings = std::make_unique<service::SettingsStore>(m_home->filePath(u"settings.ini"_s));
+        m_clock = std::make_unique<test::TestClock>(
+            QDateTime(QDate(2026, 11, 16), QTime(9, 0), Qt::UTC));
+        m_fetching = std::make_unique<test::FakeFetching>();
+        m_service = std::make_unique<service::QuotaService>(service::QuotaService::Dependencies{
+            .clock = *m_clock, .fetching = *m_fetching, .settings = *m_settings});
+    }
+    void cleanup() { m_service.reset(); }
+
+    void beforeTheFirstAnswerThereIsNothingToTell()
+    {
+        const auto state = describe();
+        QCOMPARE(state.connection, PublishedState::Connection::Connecting);
+        QCOMPARE(state.port, 0);
+        QVERIFY(!state.lastUpdate);
+        QVERIFY(state.error.isEmpty());
+        QVERIFY(!state.lowest);
+        QVERIFY(state.groups.isEmpty());
+    }
+
+    void aGoodAnswerIsToldInTheOrderOfThePopover()
+    {
+        auto claude = model::sampleGroup(u"Claude Models"_s, 0.9, 0.8);
+        auto gemini = model::sampleGroup(u"Gemini Models"_s, 0.5, 0.15);
+        gemini.buckets[0].resetTime = u"2026-11-16T12:00:00Z"_s;
+        std::reverse(gemini.buckets.begin(), gemini.buckets.end());
+        answer({.groups = {claude, gemini}});
+
+        const auto state = describe();
+        QCOMPARE(state.connection, PublishedState::Connection::Connected);
+        QCOMPARE(state.port, 4711);
+        QCOMPARE(state.lastUpdate, m_clock->now().toSecsSinceEpoch());
+        QVERIFY(state.error.isEmpty());
+        QCOMPARE(state.title, m_service->menuBarTitle());
+        QCOMPARE(state.groups.size(), 2);
+        QCOMPARE(state.groups[0].name, u"Gemini Models"_s);
+        QCOMPARE(state.groups[0].family, u"gemini"_s);
+        QCOMPARE(state.groups[1].family, u"claude"_s);
+        const auto fiveHours = state.groups[0].buckets.at(0);
+        QCOMPARE(fiveHours.window, u"5h"_s);
+        QCOMPARE(fiveHours.fraction, 0.5);
+        QCOMPARE(fiveHours.percentage, 50.0);
+        QCOMPARE(fiveHours.tier, model::QuotaTier::warning);
+        QCOMPARE(fiveHours.resetTime,
+            QDateTime(QDate(2026, 11, 16), QTime(12, 0), Qt::UTC).toSecsSinceEpoch());
+        const auto weekly = state.groups[0].buckets.at(1);
+        QVERIFY(!weekly.resetTime);
+        QVERIFY(state.lowest);
+        QCOMPARE(*state.lowest, weekly);
+        QCOMPARE(state.lowest->tier, model::QuotaTier::critical);
+    }
+
+    void aFailureIsToldBesideTheLastGoodQuota()
+    {
+        answer({.groups = {model::sampleGroup(u"Gemini Models"_s, 0.5, 0.4)}});
+        const auto before = describe();
+        m_service->refresh();
+        m_fetching->answer(fail(discovery::DaemonError{
+            .kind = discovery::DaemonError::Kind::noDaemonFound, .lastUpdate = {}}));
+        QTRY_VERIFY(m_service->connectionStatus().isOffline());
+
+        const auto state = describe();
+        QCOMPARE(state.connection, PublishedState::Connection::Offline);
+        QCOMPARE(state.port, 0);
+        QCOMPARE(state.error, m_service->connectionStatus().displayText());
+        QCOMPARE(state.lastUpdate, before.lastUpdate);
+        QCOMPARE(state.groups, before.groups);
+    }
+
+    void aRefreshThatBringsTheSameIsNoChangeWhileItRuns()
+    {
+        answer({.groups = {model::sampleGroup(u"Gemini Models"_s, 0.5, 0.4)}});
+        const auto before = describe();
+        m_service->refresh();
+        QVERIFY(m_service->isRefreshing());
+        QCOMPARE(describe(), before);
+        m_fetching->answer(fail(discovery::DaemonError{}));
+        QTRY_VERIFY(m_service->connectionStatus().isOffline());
+        const auto offline = describe();
+        m_service->refresh();
+        QVERIFY(m_service->isRefreshing());
+        QCOMPARE(describe(), offline);
+    }
+
+    void neitherTokenNorHomeIsTold()
+    {
+        const QString leak = u"a SECRET-TOKEN\tand /home/someone/x"_s;
+        model::QuotaGroup group{.displayName = leak,
+            .buckets = {{.bucketId = leak,
+                .displayName = u"SECRET-\x01TOKEN SECRET-TOKEN"_s,
+                .window = leak,
+                .remainingFraction = 0.5}}};
+        answer({.groups = {group}});
+        const auto state = describe();
+        QCOMPARE(state.groups[0].name, u"a … and ~/x"_s);
+        QCOMPARE(state.groups[0].buckets[0].id, u"a … and ~/x"_s);
+        QCOMPARE(state.groups[0].buckets[0].window, u"a … and ~/x"_s);
+        QVERIFY(!state.groups[0].buckets[0].name.contains(u"SECRET-TOKEN"_s));
+    }
+
+    void aTokenThatOnlyALineBreakHidesIsFoundToo()
+    {
+        answer({.groups = {{.displayName = u"the SECRET\nTOKEN"_s, .buckets = {}}}},
+            u"SECRET TOKEN"_s);
+        QCOMPARE(describe().groups[0].name, u"the …"_s);
+    }
+
+    void whatIsTooLongOrTooMuchIsLeftOut()
+    {
+        model::QuotaSummary summary;
+        for (int g = 0; g < 100; ++g) {
+            model::QuotaGroup group{.displayName = QString(1000, u'x'), .buckets = {}};
+            for (int b = 0; b < 10; ++b)
+                group.buckets.append(model::sampleBucket(QString(1000, u'y'), u"5h"_s, 0.5));
+            summary.groups.append(group);
+        }
+        answer(summary);
+        const auto state = describe();
+        QCOMPARE(state.groups.size(), PublishedState::mostGroups);
+        qsizetype buckets = 0;
+        for (const auto &group : state.groups) {
+            QVERIFY(group.name.size() <= PublishedState::longestName);
+            for (const auto &bucket : group.buckets)
+                QVERIFY(bucket.id.size() <= PublishedState::longestName);
+            buckets += group.buckets.size();
+        }
+        QCOMPARE(buckets, PublishedState::mostBuckets);
+        QVERIFY(state.title.size() <= PublishedState::longestText);
+    }
+
+private:
+    PublishedState describe() const { return app::describeState(*m_service, u"/home/someone"_s); }
+
+    void answer(const model::QuotaSummary &summary, const QString &token = u"SECRET-TOKEN"_s)
+    {
+        QTRY_VERIFY(m_fetching->isWaiting());
+        m_fetching->answer(service::FetchedQuota{
+            .summary = summary, .daemon = {.httpPort = 4711, .csrfToken = token}});
+        QTRY_VERIFY(m_service->connectionStatus().isConnected());
+    }
+
+    std::unique_ptr<QTemporaryDir> m_home;
+    std::unique_ptr<service::SettingsStore> m_settings;
+    std::unique_ptr<test::TestClock> m_clock;
+    std::unique_ptr<test::FakeFetching> m_fetching;
+    std::unique_ptr<service::QuotaService> m_service;
+};
+
+QTEST_GUILESS_MAIN(StateDescriptionTest)
+
+#include "state_description_test.moc"

@@ -1,0 +1,206 @@
+#include "platform/linux/symbols/svg_symbols.h"
+#include "platform/linux/tray/label_painter.h"
+
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace brimwatch;
+using namespace brimwatch::platform;
+using model::ColorToken;
+using model::LabelComposition;
+
+namespace {
+
+LabelComposition labelOf(const QString &text, ColorToken color = ColorToken::Label)
+{
+    LabelComposition label;
+    label.title = {model::TextRun{.text = text, .color = color}};
+    return label;
+}
+
+LabelComposition badgeOf(const QList<model::BadgeNumber> &numbers)
+{
+    LabelComposition label;
+    label.badge.numbers = numbers;
+    return label;
+}
+
+LabelComposition iconAlone()
+{
+    LabelComposition label;
+    label.image = model::LabelImage{.symbol = {.name = u"sparkles"_s, .pointSize = 12},
+        .accessibleName = u"Gemini"_s,
+        .paddingLeft = 4,
+        .paddingRight = 2,
+        .paddingVertical = 2};
+    return label;
+}
+
+bool near(QRgb pixel, const Rgba &color)
+{
+    const auto close = [](int a, double b) { return std::abs(a - b * 255) < 40; };
+    return close(qRed(pixel), color.red) && close(qGreen(pixel), color.green)
+        && close(qBlue(pixel), color.blue);
+}
+
+/// The pixels that are mostly ink and of that colour.
+int inkOf(const QImage &image, const Rgba &color)
+{
+    const QImage plain = image.convertToFormat(QImage::Format_ARGB32);
+    int count = 0;
+    for (int y = 0; y < plain.height(); ++y) {
+        for (int x = 0; x < plain.width(); ++x) {
+            const QRgb pixel = plain.pixel(x, y);
+            if (qAlpha(pixel) > 150 && near(pixel, color))
+                ++count;
+        }
+    }
+    return count;
+}
+
+bool hasInkAtEdge(const QImage &image)
+{
+    const QImage plain = image.convertToFormat(QImage::Format_ARGB32);
+    for (int x = 0; x < plain.width(); ++x) {
+        if (qAlpha(plain.pixel(x, 0)) > 60 || qAlpha(plain.pixel(x, plain.height() - 1)) > 60)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+class LabelPainterTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theWidthDoesNotChangeWithTheDigits()
+    {
+        const LabelLook look;
+        const int width = m_painter.size(labelOf(u"5h: 80% · W: 55%"_s), look).width();
+        for (const auto &text :
+            {u"5h: 11% · W: 11%"_s, u"5h: 47% · W: 90%"_s, u"5h: 00% · W: 36%"_s})
+            QCOMPARE(m_painter.size(labelOf(text), look).width(), width);
+    }
+
+    void eachRunHasItsColourOnEachGround()
+    {
+        LabelComposition label;
+        label.title
+            = {model::TextRun{.text = u"5h: 80%"_s, .color = ColorToken::AdaptiveHealthyGreen},
+                model::TextRun{.text = u" · "_s, .color = ColorToken::SecondaryLabel},
+                model::TextRun{.text = u"W: 55%"_s, .color = ColorToken::SystemOrange}};
+        for (const Ground ground : {Ground::Light, Ground::Dark}) {
+            const QImage image = m_painter.image(label, {.ground = ground});
+            QVERIFY(inkOf(image, systemColor(ColorToken::AdaptiveHealthyGreen, ground)) > 10);
+            QVERIFY(inkOf(image, systemColor(ColorToken::SystemOrange, ground)) > 10);
+        }
+    }
+
+    void theIconIsDrawnInTheColourOfThePanelsTexts()
+    {
+        for (const Ground ground : {Ground::Light, Ground::Dark}) {
+            const QImage image = m_painter.image(iconAlone(), {.ground = ground});
+            QVERIFY(inkOf(image, systemColor(ColorToken::Label, ground)) > 10);
+        }
+    }
+
+    void theIconStandsInItsPadding()
+    {
+        const QSize size = m_painter.size(iconAlone(), {});
+        QCOMPARE(size.width(),
+            static_cast<int>(std::ceil(m_symbols.size(u"sparkles"_s, 12).width() + 4 + 2)));
+    }
+
+    void nothingTouchesTheEdgeAtAnyHeight_data()
+    {
+        QTest::addColumn<int>("height");
+        for (const int height : {16, 19, 22, 24, 28, 32, 48})
+            QTest::addRow("%d", height) << height;
+    }
+    void nothingTouchesTheEdgeAtAnyHeight()
+    {
+        QFETCH(int, height);
+        LabelComposition label = iconAlone();
+        label.title
+            = {model::TextRun{.text = u" G 5h: 80% · Wg: 55%"_s, .color = ColorToken::Label}};
+        for (const double ratio : {1.0, 1.25, 1.5, 2.0}) {
+            const QImage image
+                = m_painter.image(label, {.devicePixelRatio = ratio, .height = height});
+            QCOMPARE(image.height(), static_cast<int>(std::ceil(height * ratio)));
+            QVERIFY(!hasInkAtEdge(image));
+        }
+    }
+
+    void aSymbolRunIsAsWideAsItsSymbol()
+    {
+        LabelComposition label = labelOf(u" 5h: 80%"_s);
+        const int without = m_painter.size(label, {}).width();
+        label.title.prepend(model::SymbolRun{.symbol = {.name = u"cpu"_s, .pointSize = 10}});
+        const double symbol = m_symbols.size(u"cpu"_s, 10).width();
+        QVERIFY(std::abs(m_painter.size(label, {}).width() - without - symbol) <= 1);
+    }
+
+    void aSquareHoldsTheSymbolInItsMiddle()
+    {
+        const QImage image = m_painter.squareImage(iconAlone(), {}, 22);
+        QCOMPARE(image.size(), QSize(22, 22));
+        QVERIFY(inkOf(image, systemColor(ColorToken::Label, Ground::Dark)) > 20);
+        QVERIFY(!hasInkAtEdge(image));
+    }
+
+    void aBadgeHasItsNumbersInTheirColours_data()
+    {
+        QTest::addColumn<int>("side");
+        for (const int side : {16, 19, 22, 24, 32, 48})
+            QTest::addRow("%d", side) << side;
+    }
+    void aBadgeHasItsNumbersInTheirColours()
+    {
+        QFETCH(int, side);
+        const auto upperAndLower = badgeOf({{.text = u"100"_s, .color = ColorToken::SystemRed},
+            {.text = u"42"_s, .color = ColorToken::SystemOrange}});
+        for (const Ground ground : {Ground::Light, Ground::Dark}) {
+            const QImage image = m_painter.squareImage(upperAndLower, {.ground = ground}, side);
+            QCOMPARE(image.size(), QSize(side, side));
+            const QImage upper = image.copy(0, 0, side, side / 2);
+            const QImage lower = image.copy(0, (side + 1) / 2, side, side / 2);
+            QVERIFY(inkOf(upper, systemColor(ColorToken::SystemRed, ground)) > side / 2);
+            QCOMPARE(inkOf(upper, systemColor(ColorToken::SystemOrange, ground)), 0);
+            QVERIFY(inkOf(lower, systemColor(ColorToken::SystemOrange, ground)) > side / 2);
+            QCOMPARE(inkOf(lower, systemColor(ColorToken::SystemRed, ground)), 0);
+        }
+    }
+
+    void oneNumberStandsInTheMiddleOfTheBadge()
+    {
+        const QImage image = m_painter.squareImage(
+            badgeOf({{.text = u"42"_s, .color = ColorToken::SystemOrange}}), {}, 24);
+        const Rgba orange = systemColor(ColorToken::SystemOrange, Ground::Dark);
+        QVERIFY(inkOf(image.copy(0, 8, 24, 8), orange) > 20);
+        QCOMPARE(inkOf(image.copy(0, 0, 24, 3), orange), 0);
+        QCOMPARE(inkOf(image.copy(0, 21, 24, 3), orange), 0);
+    }
+
+    void aCriticalNumberIsToldFromAHealthyOneWithoutColours()
+    {
+        for (const int side : {16, 19, 22, 24, 32}) {
+            const auto picture = [&](bool critical) {
+                return m_painter.squareImage(
+                    badgeOf({{.text = u"12"_s, .isCritical = critical}}), {}, side);
+            };
+            // Turned round: a block in the number's colour with the digits cut out.
+            QVERIFY(qAlpha(picture(true).pixel(0, side / 2)) > 200);
+            QCOMPARE(qAlpha(picture(false).pixel(0, side / 2)), 0);
+            QVERIFY(inkOf(picture(true), systemColor(ColorToken::WindowBackground, Ground::Dark))
+                > side / 2);
+        }
+    }
+
+private:
+    SvgSymbols m_symbols;
+    LabelPainter m_painter{m_symbols};
+};
+
+QTEST_MAIN(LabelPainterTest)
+#include "label_painter_test.moc"

@@ -1,0 +1,596 @@
+#include "model/label_composition.h"
+#include "platform/macos/mac_appearance.h"
+#include "platform/macos/mac_application_presence.h"
+#include "platform/macos/mac_information.h"
+#include "platform/macos/mac_log.h"
+#include "platform/macos/mac_login_item.h"
+#include "platform/macos/mac_notifier.h"
+#include "platform/macos/mac_opener.h"
+#include "platform/macos/mac_pasteboard.h"
+#include "platform/macos/mac_popover.h"
+#include "platform/macos/mac_status_item.h"
+#include "platform/macos/mac_symbols.h"
+#include "unit/platform/macos/fake_native.h"
+
+#include <QGuiApplication>
+#include <QLoggingCategory>
+#include <QMetaEnum>
+#include <QSignalSpy>
+#include <QTest>
+#include <QUrl>
+#include <QWindow>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace brimwatch;
+using test::fakeNative;
+using Texts = test::FakeNative::Texts;
+
+namespace {
+
+Q_LOGGING_CATEGORY(launchLog, "LaunchAtLogin", QtDebugMsg)
+
+model::LabelInput letters()
+{
+    return {.items = {{.model = model::ToolbarModel::gemini,
+                          .bucket = {},
+                          .text = u"G 5h: 80%"_s,
+                          .formattedValue = u"5h: 80%"_s,
+                          .color = model::ColorToken::SystemGreen,
+                          .nsColor = model::ColorToken::AdaptiveHealthyGreen},
+                {.model = model::ToolbarModel::gemini,
+                    .bucket = {},
+                    .text = u"G W: 55%"_s,
+                    .formattedValue = u"W: 55%"_s,
+                    .color = model::ColorToken::SystemOrange,
+                    .nsColor = model::ColorToken::SystemOrange}},
+        .labelStyle = u"letter"_s};
+}
+
+model::LabelComposition composed(const model::LabelInput &input)
+{
+    return model::composeLabel(input, {}, [](const QString &) { return true; });
+}
+
+class FakeContent final : public platform::PopoverContent {
+public:
+    explicit FakeContent(QStringList &calls)
+        : m_calls(calls)
+    {
+        m_window.resize(380, 490);
+    }
+    ~FakeContent() override { m_calls.append(u"gone"_s); }
+    FakeContent(const FakeContent &) = delete;
+    FakeContent &operator=(const FakeContent &) = delete;
+    FakeContent(FakeContent &&) = delete;
+    FakeContent &operator=(FakeContent &&) = delete;
+
+    QWindow &window() override { return m_window; }
+    QSize size() const override { return m_window.size(); }
+    void setTranslucent(bool translucent) override
+    {
+        m_calls.append(translucent ? u"translucent"_s : u"opaque"_s);
+    }
+    QMargins shadow() const override { return {}; }
+    void setShown(bool shown) override { m_calls.append(shown ? u"shown"_s : u"hidden"_s); }
+    void showSettings() override { m_calls.append(u"settings"_s); }
+
+private:
+    QStringList &m_calls;
+    QWindow m_window;
+};
+
+} // namespace
+
+class MacosAdaptersTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { fakeNative() = {}; }
+
+    // ---- the item ----
+    void theWorkedExampleReachesTheMenuBar();
+    void theWorkedExampleInSymbolsReachesTheMenuBar();
+    void anIconAloneHasNoTitle();
+    void withoutAnIconThereIsNoImage();
+    void aLabelThatIsShownIsNotSentAgain();
+    void theDescriptionIsAToolTipAndALabelForReaders();
+    void aClickIsReportedWithoutAPlace();
+    void aMissingButtonIsTold();
+    void everyColorOfOursHasItsOwnInTheSystem();
+
+    // ---- the popover ----
+    void nothingIsLoadedBeforeItIsAskedFor();
+    void theContentStandsInThePopoversView();
+    void itShowsWhatIsUpToDate();
+    void aCloseFromOutsideIsToldAndHidesTheContent();
+    void withoutAButtonTheContentStaysHidden();
+    void withoutContentNothingIsShown();
+    void withoutAWindowForTheViewNothingIsShown();
+    void itOpensAtTheButtonAlsoWhenNobodyClicked();
+    void onlyAShownPopoverTakesTheKeyboard();
+    void itFollowsTheSizeOfTheContent();
+    void theSettingsAreTurnedToOnceLoaded();
+    void theContentGoesBeforeWhatItStandsIn();
+
+    // ---- the rest ----
+    void notificationsPassThroughBothWays();
+    void theFourStatusesOfTheLoginItemAreKept();
+    void theLoginItemsFailureIsASentence();
+    void copiedTextReachesThePasteboard();
+    void theIdeIsLookedForInItsFourPlacesInOrder();
+    void foldersAreOpenedAsFilesAndPagesAsAddresses();
+    void theAppearanceIsTheSystems();
+    void changesOfTheAppearanceArePassedOn();
+    void theVersionsAreTheBundles();
+    void theProgramIsAnAccessoryThatOutlivesItsWindows();
+    void theEndOfLaunchingIsPassedOn();
+    void symbolsHaveTheSizeThatWasPromised();
+    void aSymbolThatIsMissingIsNull();
+    void messagesGoToTheSystemsLog();
+};
+
+void MacosAdaptersTest::theWorkedExampleReachesTheMenuBar()
+{
+    using platform::NativeColor;
+    platform::MacStatusItem item;
+    item.setLabel(composed(letters()));
+    QCOMPARE(fakeNative().labels.size(), std::size_t{1});
+    const platform::NativeLabel expected{
+        .image = platform::NativeLabelImage{.symbol
+            = {.name = "sparkles", .pointSize = 12, .weight = platform::NativeWeight::Semibold},
+            .accessibilityDescription = "Gemini",
+            .paddingLeft = 4,
+            .paddingRight = 2,
+            .paddingVertical = 2},
+        .imagePosition = platform::NativeImagePosition::Leading,
+        .fontSize = 12,
+        .title = {platform::NativeTextRun{.text = " ", .color = std::nullopt},
+            platform::NativeTextRun{
+                .text = "G 5h: 80%", .color = NativeColor::AdaptiveHealthyGreen},
+            platform::NativeTextRun{.text = " \u00B7 ", .color = NativeColor::SecondaryLabel},
+            platform::NativeTextRun{.text = "G W: 55%", .color = NativeColor::SystemOrange}}};
+    QVERIFY(fakeNative().labels.front() == expected);
+}
+
+void MacosAdaptersTest::theWorkedExampleInSymbolsReachesTheMenuBar()
+{
+    auto input = letters();
+    input.labelStyle = u"icon"_s;
+    platform::MacStatusItem item;
+    item.setLabel(composed(input));
+    const auto &title = fakeNative().labels.at(0).title;
+    QCOMPARE(title.size(), std::size_t{6});
+    const platform::NativeSymbolRun sparkles{.symbol
+        = {.name = "sparkles", .pointSize = 10, .weight = platform::NativeWeight::Semibold}};
+    QVERIFY(title.at(1) == platform::NativeRun(sparkles));
+    QVERIFY(title.at(4) == platform::NativeRun(sparkles));
+    QCOMPARE(std::get<platform::NativeTextRun>(title.at(2)).text, std::string(" 5h: 80%"));
+}
+
+void MacosAdaptersTest::anIconAloneHasNoTitle()
+{
+    platform::MacStatusItem item;
+    item.setLabel(composed({}));
+    const auto &label = fakeNative().labels.at(0);
+    QVERIFY(label.image.has_value());
+    QVERIFY(label.imagePosition == platform::NativeImagePosition::Only);
+    QVERIFY(label.title.empty());
+}
+
+void MacosAdaptersTest::withoutAnIconThereIsNoImage()
+{
+    auto input = letters();
+    input.showIcon = false;
+    platform::MacStatusItem item;
+    item.setLabel(composed(input));
+    const auto &label = fakeNative().labels.at(0);
+    QVERIFY(!label.image);
+    QCOMPARE(std::get<platform::NativeTextRun>(label.title.at(0)).text, std::string("G 5h: 80%"));
+}
+
+void MacosAdaptersTest::aLabelThatIsShownIsNotSentAgain()
+{
+    platform::MacStatusItem item;
+    item.setLabel({});
+    QCOMPARE(fakeNative().labels.size(), std::size_t{1});
+    item.setLabel(composed(letters()));
+    item.setLabel(composed(letters()));
+    QCOMPARE(fakeNative().labels.size(), std::size_t{2});
+    item.setDescription({.title = u"a"_s, .lines = {}});
+    item.setDescription({.title = u"a"_s, .lines = {}});
+    QCOMPARE(fakeNative().toolTips.size(), std::size_t{1});
+}
+
+void MacosAdaptersTest::theDescriptionIsAToolTipAndALabelForReaders()
+{
+    platform::MacStatusItem item;
+    item.setDescription(
+        {.title = u"G 5h: 80%"_s, .lines = {u"Gemini, 5h: 80.0%"_s, u"Gemini, Weekly: 55.0%"_s}});
+    QCOMPARE(fakeNative().toolTips, Texts{"Gemini, 5h: 80.0%\nGemini, Weekly: 55.0%"});
+    QCOMPARE(fakeNative().accessibilityLabels, Texts{"G 5h: 80%"});
+}
+
+void MacosAdaptersTest::aClickIsReportedWithoutAPlace()
+{
+    platform::MacStatusItem item;
+    const QSignalSpy clicks(&item, &platform::StatusItem::clicked);
+    fakeNative().click();
+    QCOMPARE(clicks.size(), 1);
+    QVERIFY(!item.place());
+}
+
+void MacosAdaptersTest::aMissingButtonIsTold()
+{
+    const platform::MacStatusItem item;
+    QVERIFY(item.hasButton());
+    QVERIFY(item.button() != nullptr);
+    fakeNative().hasButton = false;
+    QVERIFY(!item.hasButton());
+    QCOMPARE(item.button(), nullptr);
+}
+
+void MacosAdaptersTest::everyColorOfOursHasItsOwnInTheSystem()
+{
+    const auto tokens = QMetaEnum::fromType<model::ColorToken>();
+    for (int i = 0; i < tokens.keyCount(); ++i) {
+        const auto color = platform::nativeColor(static_cast<model::ColorToken>(tokens.value(i)));
+        // The same roles in the same order.
+        QCOMPARE(static_cast<int>(color), tokens.value(i));
+    }
+}
+
+namespace {
+
+/// The popover with everything around it played.
+struct PopoverStage {
+    QStringList calls;
+    int loads = 0;
+    bool contentLoads = true;
+    bool windowIsThere = true;
+    QPointer<QWindow> container;
+    std::uintptr_t view = 0;
+    QPointer<QWindow> content;
+
+    platform::MacPopover popover{[this]() -> std::unique_ptr<platform::PopoverContent> {
+                                     ++loads;
+                                     if (!contentLoads)
+                                         return nullptr;
+                                     auto made = std::make_unique<FakeContent>(calls);
+                                     content = &made->window();
+                                     return made;
+                                 },
+        [] { return fakeNative().hasButton ? &fakeNative() : nullptr; },
+        [this](std::uintptr_t asked) -> std::unique_ptr<QWindow> {
+            view = asked;
+            if (!windowIsThere)
+                return nullptr;
+            auto window = std::make_unique<QWindow>();
+            container = window.get();
+            return window;
+        }};
+};
+
+} // namespace
+
+void MacosAdaptersTest::nothingIsLoadedBeforeItIsAskedFor()
+{
+    PopoverStage stage;
+    QCOMPARE(stage.loads, 0);
+    QCOMPARE(fakeNative().popoverCalls, Texts{"made 380x490"});
+    stage.popover.prepare();
+    stage.popover.prepare();
+    QCOMPARE(stage.loads, 1);
+    QVERIFY(!stage.popover.isShown());
+}
+
+void MacosAdaptersTest::theContentStandsInThePopoversView()
+{
+    PopoverStage stage;
+    stage.popover.prepare();
+    QCOMPARE(stage.view, std::uintptr_t{4711});
+    QCOMPARE(stage.content->parent(), stage.container.get());
+    QCOMPARE(stage.content->position(), QPoint(0, 0));
+}
+
+void MacosAdaptersTest::itShowsWhatIsUpToDate()
+{
+    PopoverStage stage;
+    stage.popover.show({});
+    QVERIFY(stage.popover.isShown());
+    QCOMPARE(stage.calls, QStringList{u"shown"_s});
+    QVERIFY(stage.content->isVisible());
+    stage.popover.show({});
+    QCOMPARE(stage.calls, QStringList{u"shown"_s});
+}
+
+void MacosAdaptersTest::aCloseFromOutsideIsToldAndHidesTheContent()
+{
+    PopoverStage stage;
+    const QSignalSpy closes(&stage.popover, &platform::Popover::didClose);
+    stage.popover.show({});
+    fakeNative().shown = false;
+    fakeNative().popoverDidClose();
+    QCOMPARE(closes.size(), 1);
+    QCOMPARE(stage.calls, (QStringList{u"shown"_s, u"hidden"_s}));
+    QVERIFY(!stage.content->isVisible());
+    stage.popover.show({});
+    QVERIFY(stage.content->isVisible());
+    stage.popover.performClose();
+    QCOMPARE(closes.size(), 2);
+    QCOMPARE(stage.loads, 1);
+}
+
+void MacosAdaptersTest::withoutAButtonTheContentStaysHidden()
+{
+    fakeNative().hasButton = false;
+    PopoverStage stage;
+    stage.popover.show({});
+    QVERIFY(!stage.popover.isShown());
+    QCOMPARE(stage.calls, (QStringList{u"shown"_s, u"hidden"_s}));
+    QVERIFY(!stage.content->isVisible());
+}
+
+void MacosAdaptersTest::withoutContentNothingIsShown()
+{
+    PopoverStage stage;
+    stage.contentLoads = false;
+    stage.popover.show({});
+    stage.popover.makeKey();
+    stage.popover.showSettings();
+    QVERIFY(!stage.popover.isShown());
+    QCOMPARE(fakeNative().popoverCalls, Texts{"made 380x490"});
+}
+
+void MacosAdaptersTest::withoutAWindowForTheViewNothingIsShown()
+{
+    PopoverStage stage;
+    stage.windowIsThere = false;
+    stage.popover.show({});
+    QVERIFY(!stage.popover.isShown());
+    QCOMPARE(stage.calls, QStringList{u"gone"_s});
+}
+
+void MacosAdaptersTest::itOpensAtTheButtonAlsoWhenNobodyClicked()
+{
+    PopoverStage stage;
+    stage.popover.showUnclicked(std::nullopt);
+    QVERIFY(stage.popover.isShown());
+}
+
+void MacosAdaptersTest::onlyAShownPopoverTakesTheKeyboard()
+{
+    PopoverStage stage;
+    stage.popover.makeKey();
+    QCOMPARE(
+        std::count(fakeNative().popoverCalls.begin(), fakeNative().popoverCalls.end(), "makeKey"),
+        0);
+    stage.popover.show({});
+    stage.popover.makeKey();
+    QCOMPARE(fakeNative().popoverCalls.back(), std::string("makeKey"));
+}
+
+void MacosAdaptersTest::itFollowsTheSizeOfTheContent()
+{
+    PopoverStage stage;
+    stage.popover.prepare();
+    QCOMPARE(fakeNative().popoverCalls.back(), std::string("size 380x490"));
+    stage.content->resize(475, 612);
+    QCOMPARE(fakeNative().popoverCalls.back(), std::string("size 475x612"));
+}
+
+void MacosAdaptersTest::theSettingsAreTurnedToOnceLoaded()
+{
+    PopoverStage stage;
+    stage.popover.showSettings();
+    QVERIFY(stage.calls.isEmpty());
+    stage.popover.prepare();
+    stage.popover.showSettings();
+    QCOMPARE(stage.calls, QStringList{u"settings"_s});
+}
+
+void MacosAdaptersTest::theContentGoesBeforeWhatItStandsIn()
+{
+    QStringList calls;
+    {
+        const auto factory = [&calls]() -> std::unique_ptr<platform::PopoverContent> {
+            return std::make_unique<FakeContent>(calls);
+        };
+        platform::MacPopover popover(
+            factory, [] { return &fakeNative(); },
+            [&calls](std::uintptr_t) {
+                auto window = std::make_unique<QWindow>();
+                QObject::connect(window.get(), &QObject::destroyed,
+                    [&calls] { calls.append(u"container gone"_s); });
+                return window;
+            });
+        popover.show({});
+    }
+    QCOMPARE(calls, (QStringList{u"shown"_s, u"gone"_s, u"container gone"_s}));
+}
+
+void MacosAdaptersTest::notificationsPassThroughBothWays()
+{
+    platform::MacNotifier notifier;
+    const QSignalSpy activated(&notifier, &platform::Notifier::activated);
+    notifier.requestAuthorization();
+    notifier.post({.identifier = u"low_quota_gemini-5h"_s,
+        .title = u"Brimwatch Alert: 8.0% Remaining"_s,
+        .body = u"5h"_s});
+    QCOMPARE(fakeNative().calls,
+        (Texts{"requestAuthorization",
+            "post low_quota_gemini-5h|Brimwatch Alert: 8.0% Remaining|5h"}));
+    fakeNative().chooseNotification("low_quota_gemini-5h");
+    QCOMPARE(activated.size(), 1);
+    QCOMPARE(activated.at(0).at(0).toString(), u"low_quota_gemini-5h"_s);
+}
+
+void MacosAdaptersTest::theFourStatusesOfTheLoginItemAreKept()
+{
+    using Native = platform::NativeLoginItem::Status;
+    using Status = platform::LoginItem::Status;
+    const platform::MacLoginItem item;
+    fakeNative().loginStatus = Native::NotRegistered;
+    QVERIFY(item.status() == Status::notRegistered);
+    fakeNative().loginStatus = Native::Enabled;
+    QVERIFY(item.status() == Status::enabled);
+    fakeNative().loginStatus = Native::RequiresApproval;
+    QVERIFY(item.status() == Status::requiresApproval);
+    fakeNative().loginStatus = Native::NotFound;
+    QVERIFY(item.status() == Status::notFound);
+}
+
+void MacosAdaptersTest::theLoginItemsFailureIsASentence()
+{
+    platform::MacLoginItem item;
+    QVERIFY(item.registerItem().has_value());
+    QVERIFY(item.unregisterItem().has_value());
+    fakeNative().loginFailure = "Operation not permitted";
+    QCOMPARE(item.registerItem().error(), u"Operation not permitted"_s);
+    QCOMPARE(item.unregisterItem().error(), u"Operation not permitted"_s);
+    item.openSystemSettings();
+    QCOMPARE(fakeNative().calls,
+        (Texts{"register", "unregister", "register", "unregister", "openSystemSettings"}));
+}
+
+void MacosAdaptersTest::copiedTextReachesThePasteboard()
+{
+    platform::MacPasteboard().setText(u"Réport\n"_s);
+    QCOMPARE(fakeNative().calls, Texts{"pasteboard R\u00e9port\n"});
+}
+
+void MacosAdaptersTest::theIdeIsLookedForInItsFourPlacesInOrder()
+{
+    platform::MacOpener opener;
+    QVERIFY(!opener.openAntigravity());
+    QCOMPARE(fakeNative().calls,
+        (Texts{"exists /Applications/Antigravity IDE.app",
+            "exists /Applications/Antigravity-IDE.app", "exists /Applications/Antigravity.app",
+            "exists /Applications/Google Antigravity.app"}));
+    fakeNative().files = {"/Applications/Antigravity.app"};
+    QVERIFY(opener.openAntigravity());
+    QCOMPARE(fakeNative().calls.back(), std::string("open /Applications/Antigravity.app"));
+}
+
+void MacosAdaptersTest::foldersAreOpenedAsFilesAndPagesAsAddresses()
+{
+    platform::MacOpener opener;
+    fakeNative().files = {"/Users/a b/.gemini"};
+    opener.openUrl(QUrl::fromLocalFile(u"/Users/a b/.gemini"_s));
+    opener.openUrl(QUrl::fromLocalFile(u"/Users/none"_s));
+    opener.openUrl(QUrl(u"http://127.0.0.1:4711/"_s));
+    opener.openUrl(QUrl(u"mailto:a@b.example?subject=Brimwatch&body=a%0Ab"_s));
+    QCOMPARE(fakeNative().calls,
+        (Texts{"exists /Users/a b/.gemini", "open /Users/a b/.gemini", "exists /Users/none",
+            "open http://127.0.0.1:4711/",
+            "open mailto:a@b.example?subject=Brimwatch&body=a%0Ab"}));
+}
+
+void MacosAdaptersTest::theAppearanceIsTheSystems()
+{
+    const platform::MacAppearance appearance;
+    QVERIFY(!appearance.isDark());
+    QVERIFY(!appearance.reducesMotion());
+    fakeNative().dark = true;
+    fakeNative().reducesMotion = true;
+    QVERIFY(appearance.isDark());
+    QVERIFY(appearance.reducesMotion());
+    QVERIFY(appearance.fontFamily().isEmpty());
+    QCOMPARE(appearance.textScale(), 1.0);
+    const auto native = test::fakeColor(platform::NativeColor::Purple);
+    QVERIFY((appearance.color(model::ColorToken::Purple)
+        == platform::Rgba{
+            .red = native.red, .green = native.green, .blue = native.blue, .alpha = native.alpha}));
+}
+
+void MacosAdaptersTest::changesOfTheAppearanceArePassedOn()
+{
+    const platform::MacAppearance appearance;
+    const QSignalSpy changes(&appearance, &platform::Appearance::changed);
+    fakeNative().appearanceChanged();
+    QCOMPARE(changes.size(), 1);
+}
+
+void MacosAdaptersTest::theVersionsAreTheBundles()
+{
+    fakeNative().systemVersion = "Version 13.6 (Build 22G120)";
+    QVERIFY(!platform::macAppInformation().version);
+    QVERIFY(!platform::macAppInformation().build);
+    fakeNative().version = "0.1.0";
+    fakeNative().build = "12";
+    const auto information = platform::macAppInformation();
+    QCOMPARE(information.version, std::optional(u"0.1.0"_s));
+    QCOMPARE(information.build, std::optional(u"12"_s));
+    QCOMPARE(information.systemVersion, u"Version 13.6 (Build 22G120)"_s);
+}
+
+void MacosAdaptersTest::theProgramIsAnAccessoryThatOutlivesItsWindows()
+{
+    QGuiApplication::setQuitOnLastWindowClosed(true);
+    platform::MacApplicationPresence presence;
+    presence.becomeAccessory();
+    QVERIFY(!QGuiApplication::quitOnLastWindowClosed());
+    presence.closeWindows();
+    presence.terminate();
+    QCOMPARE(fakeNative().calls, (Texts{"becomeAccessory", "closeWindows", "terminate"}));
+}
+
+void MacosAdaptersTest::theEndOfLaunchingIsPassedOn()
+{
+    int launches = 0;
+    platform::MacApplicationPresence presence;
+    presence.whenLaunched([&launches] { ++launches; });
+    fakeNative().launched();
+    QCOMPARE(launches, 1);
+}
+
+void MacosAdaptersTest::symbolsHaveTheSizeThatWasPromised()
+{
+    fakeNative().symbols = {"gearshape"};
+    const platform::MacSymbols symbols;
+    QVERIFY(symbols.has(u"gearshape"_s));
+    QCOMPARE(symbols.size(u"gearshape"_s, 12), QSizeF(12, 12));
+    const QImage image = symbols.image({.name = u"gearshape"_s,
+        .pointSize = 12,
+        .weight = platform::SymbolWeight::Bold,
+        .color = QColor::fromRgbF(1, 0.5F, 0),
+        .devicePixelRatio = 2});
+    QCOMPARE(image.size(), QSize(24, 24));
+    QCOMPARE(image.devicePixelRatio(), 2.0);
+    QCOMPARE(image.pixelColor(12, 12), QColor(200, 100, 50));
+    QVERIFY(qAbs(fakeNative().drawnColor.green - 0.5) < 0.01);
+}
+
+void MacosAdaptersTest::aSymbolThatIsMissingIsNull()
+{
+    const platform::MacSymbols symbols;
+    QVERIFY(!symbols.has(u"nope"_s));
+    QVERIFY(symbols.size(u"nope"_s, 12).isEmpty());
+    QVERIFY(symbols.image({.name = u"nope"_s, .pointSize = 12, .color = Qt::black}).isNull());
+    fakeNative().symbols = {"gearshape"};
+    QVERIFY(symbols
+            .image({.name = u"gearshape"_s,
+                .pointSize = 12,
+                .color = Qt::black,
+                .devicePixelRatio = 1e6})
+            .isNull());
+}
+
+void MacosAdaptersTest::messagesGoToTheSystemsLog()
+{
+    const auto before = qInstallMessageHandler(nullptr);
+    platform::logToTheSystem();
+    qCInfo(launchLog, "Successfully registered app for launch at login.");
+    qCCritical(launchLog, "Failed to update launch at login: %s", "no");
+    qCDebug(launchLog, "debug");
+    const auto handler = qInstallMessageHandler(before);
+    // Warned by qWarning(), tests end.
+    handler(QtWarningMsg, QMessageLogContext(nullptr, 0, nullptr, "qml"), u"warning"_s);
+    handler(QtFatalMsg, {}, u"fatal"_s);
+    QCOMPARE(fakeNative().log,
+        (Texts{"1 LaunchAtLogin Successfully registered app for launch at login.",
+            "2 LaunchAtLogin Failed to update launch at login: no", "0 LaunchAtLogin debug",
+            "2 qml warning", "3 default fatal"}));
+}
+
+QTEST_MAIN(MacosAdaptersTest)
+#include "macos_adapters_test.moc"

@@ -1,0 +1,683 @@
+#include "service/low_quota_alerting.h"
+#include "service/quota_service.h"
+#include "support/fake_launch_at_login.h"
+#include "support/quota_samples.h"
+#include "support/test_clock.h"
+
+#include <QPromise>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <utility>
+#include <vector>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+using namespace brimwatch;
+using namespace brimwatch::service;
+using discovery::DaemonError;
+using discovery::DaemonInfo;
+
+namespace {
+
+/// What happened, in its order.
+using Log = QStringList;
+
+/// A fetch that the test answers when it likes.
+class FakeFetching final : public QuotaFetching {
+public:
+    explicit FakeFetching(Log &log)
+        : m_log(log)
+    {
+    }
+
+    QFuture<FetchResult> fetchQuotaSummary(const std::optional<QDateTime> &lastUpdated) override
+    {
+        m_log += u"fetch"_s;
+        asked.push_back(lastUpdated);
+        m_promises.emplace_back().start();
+        return m_promises.back().future();
+    }
+
+    void answer(const FetchResult &result)
+    {
+        m_promises.back().addResult(result);
+        m_promises.back().finish();
+    }
+
+    std::vector<std::optional<QDateTime>> asked; ///< The caller's last success, for each fetch.
+
+private:
+    Log &m_log;
+    std::vector<QPromise<FetchResult>> m_promises;
+};
+
+class FakeAlerts final : public LowQuotaAlerting {
+public:
+    explicit FakeAlerts(Log &log)
+        : m_log(log)
+    {
+    }
+
+    void requestNotificationPermission() override { m_log += u"permission"_s; }
+    void checkLowQuotaNotifications(const model::QuotaSummary &summary) override
+    {
+        m_log += u"check"_s;
+        checked = summary;
+    }
+
+    std::optional<model::QuotaSummary> checked;
+
+private:
+    Log &m_log;
+};
+
+class LoggedLaunchAtLogin final : public test::FakeLaunchAtLogin {
+public:
+    explicit LoggedLaunchAtLogin(Log &log)
+        : m_log(log)
+    {
+    }
+
+protected:
+    void connectNotify(const QMetaMethod & /*signal*/) override { m_log += u"subscribe"_s; }
+
+private:
+    Log &m_log;
+};
+
+/// A clock that tells which timers are started and stopped.
+class LoggingClock final : public Clock {
+public:
+    LoggingClock(Log &log, const QDateTime &now)
+        : m_log(log)
+        , hands(now)
+    {
+    }
+
+    QDateTime now() const override { return hands.now(); }
+    std::unique_ptr<RepeatingTimer> every(
+        std::chrono::duration<double> period, std::function<void()> action) override
+    {
+        const QString name = u"timer "_s + QString::number(period.count());
+        m_log += name;
+        return std::make_unique<LoggingTimer>(m_log, name, hands.every(period, std::move(action)));
+    }
+
+private:
+    class LoggingTimer final : public RepeatingTimer {
+    public:
+        LoggingTimer(Log &log, QString name, std::unique_ptr<RepeatingTimer> timer)
+            : m_log(log)
+            , m_name(std::move(name))
+            , m_timer(std::move(timer))
+        {
+        }
+        ~LoggingTimer() override { m_log += u"end of " + m_name; }
+        LoggingTimer(const LoggingTimer &) = delete;
+        LoggingTimer &operator=(const LoggingTimer &) = delete;
+        LoggingTimer(LoggingTimer &&) = delete;
+        LoggingTimer &operator=(LoggingTimer &&) = delete;
+
+        std::chrono::milliseconds interval() const override { return m_timer->interval(); }
+
+    private:
+        Log &m_log;
+        QString m_name;
+        std::unique_ptr<RepeatingTimer> m_timer;
+    };
+
+    Log &m_log;
+
+public:
+    test::TestClock hands;
+};
+
+const QDateTime start{QDate(2026, 11, 16), QTime(4, 59, 24), Qt::UTC};
+
+model::QuotaSummary sampleSummary(double fiveHours = 0.8)
+{
+    return {.groups = {model::sampleGroup(u"Gemini Models"_s, fiveHours, 0.55),
+                model::sampleGroup(u"Argon Models"_s, 0.12, 0.3),
+                model::sampleGroup(u"Claude & GPT Models"_s, 1.0, 0.64)}};
+}
+
+FetchResult success(const DaemonInfo &daemon = {.httpPort = 42})
+{
+    return FetchedQuota{.summary = sampleSummary(), .daemon = daemon};
+}
+
+FetchResult noDaemon(const std::optional<QDateTime> &last = {})
+{
+    return fail(DaemonError{.kind = DaemonError::Kind::noDaemonFound, .lastUpdate = last});
+}
+
+const QString noDaemonText
+    = u"No running Antigravity daemon found. Make sure Antigravity is open (Last update: Never)."_s;
+
+} // namespace
+
+class QuotaServiceTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_log.clear();
+        QVERIFY(m_folder.emplace().isValid());
+        m_settings.emplace(m_folder->filePath(u"settings.conf"_s));
+        m_clock.emplace(m_log, start);
+        m_fetching.emplace(m_log);
+        m_alerts.emplace(m_log);
+        m_login.emplace(m_log);
+    }
+    void cleanup()
+    {
+        m_service.reset();
+        m_login.reset();
+        m_alerts.reset();
+        m_fetching.reset();
+        m_clock.reset();
+        m_settings.reset();
+        m_folder.reset();
+    }
+
+    // Construction and end
+
+    void theServiceBeginsInItsOrderAndFetchesWithTheNextTurn()
+    {
+        makeService();
+        QCOMPARE(m_log,
+            Log({u"timer 1"_s, u"timer 60"_s, u"permission"_s, u"subscribe"_s, u"subscribe"_s}));
+        QVERIFY(!m_service->isRefreshing());
+        QTRY_COMPARE(m_fetching->asked.size(), size_t(1));
+        QVERIFY(m_service->isRefreshing());
+        QCoreApplication::processEvents();
+        QCOMPARE(m_fetching->asked.size(), size_t(1));
+    }
+
+    void theServiceBeginsEmptyAndConnecting()
+    {
+        makeService();
+        QVERIFY(!m_service->quotaSummary());
+        QVERIFY(!m_service->activeDaemon());
+        QVERIFY(m_service->connectionStatus().isConnecting());
+        QVERIFY(!m_service->lastUpdated());
+        QVERIFY(!m_service->errorMessage());
+        QCOMPARE(m_service->currentTime(), start);
+        QCOMPARE(m_service->menuBarTitle(), u"✦ ..."_s);
+    }
+
+    void theRefreshTimerEndsBeforeTheTick()
+    {
+        makeService();
+        m_log.clear();
+        m_service.reset();
+        QCOMPARE(m_log, Log({u"end of timer 60"_s, u"end of timer 1"_s}));
+        QVERIFY(m_clock->hands.periods().empty());
+    }
+
+    void aServiceWithoutAlertsAndLoginItemWorks()
+    {
+        QuotaService service({.clock = *m_clock, .fetching = *m_fetching, .settings = *m_settings});
+        QTRY_COMPARE(m_fetching->asked.size(), size_t(1));
+        m_fetching->answer(success());
+        QTRY_VERIFY(!service.isRefreshing());
+        QVERIFY(service.quotaSummary());
+        QVERIFY(!service.launchAtLogin());
+        service.setLaunchAtLogin(true);
+        QVERIFY(!service.launchAtLogin());
+    }
+
+    void anAnswerAfterTheServiceIsGoneIsHarmless()
+    {
+        makeServiceThatFetches();
+        m_service.reset();
+        m_fetching->answer(success());
+        QCoreApplication::processEvents();
+        QVERIFY(!m_alerts->checked);
+    }
+
+    // Refreshes
+
+    void aSuccessIsPublishedInItsOrder()
+    {
+        makeServiceThatFetches();
+        m_fetching->answer(noDaemon());
+        QTRY_VERIFY(!m_service->isRefreshing());
+        m_clock->hands.setNow(start.addSecs(30));
+        m_service->refresh();
+
+        record();
+        m_fetching->answer(success());
+        QTRY_VERIFY(!m_service->isRefreshing());
+        QCOMPARE(m_log,
+            Log({
+                u"will: refreshing offline"_s,
+                u"quotaSummary: summary refreshing offline"_s,
+                u"will: summary refreshing offline"_s,
+                u"activeDaemon: summary daemon refreshing offline"_s,
+                u"will: summary daemon refreshing offline"_s,
+                u"connectionStatus: summary daemon refreshing connected"_s,
+                u"will: summary daemon refreshing connected"_s,
+                u"lastUpdated: summary daemon updated refreshing connected"_s,
+                u"will: summary daemon updated refreshing connected"_s,
+                u"isRefreshing: summary daemon updated connected"_s,
+                u"check"_s,
+            }));
+        QCOMPARE(m_service->lastUpdated(), start.addSecs(30));
+        QCOMPARE(m_alerts->checked, sampleSummary());
+    }
+
+    void aFailureIsPublishedInItsOrder()
+    {
+        makeServiceThatFetches();
+        record();
+        m_fetching->answer(noDaemon());
+        QTRY_VERIFY(m_service->connectionStatus().isOffline());
+        QCOMPARE(m_log,
+            Log({
+                u"will: refreshing connecting"_s,
+                u"isRefreshing: connecting"_s,
+                u"will: connecting"_s,
+                u"errorMessage: error connecting"_s,
+                u"will: error connecting"_s,
+                u"connectionStatus: error offline"_s,
+            }));
+        QCOMPARE(m_service->errorMessage(), noDaemonText);
+        QCOMPARE(m_service->connectionStatus(), ConnectionStatus::offline(noDaemonText));
+        QCOMPARE(m_service->connectionStatus().displayText(), noDaemonText);
+        QVERIFY(!m_alerts->checked);
+        QCOMPARE(m_service->menuBarTitle(), u"✦ Gemini"_s);
+    }
+
+    void aRefreshClearsTheErrorAndLeavesTheConnectionAsItWas()
+    {
+        makeServiceThatFetches();
+        m_fetching->answer(noDaemon());
+        QTRY_VERIFY(m_service->connectionStatus().isOffline());
+        record();
+        m_service->refresh();
+        QCOMPARE(m_log,
+            Log({
+                u"will: error offline"_s,
+                u"isRefreshing: error refreshing offline"_s,
+                u"will: error refreshing offline"_s,
+                u"errorMessage: refreshing offline"_s,
+                u"fetch"_s,
+            }));
+    }
+
+    void aFailureAfterASuccessKeepsTheLastGoodData()
+    {
+        makeServiceThatFetches();
+        m_fetching->answer(success());
+        QTRY_VERIFY(m_service->connectionStatus().isConnected());
+        m_clock->hands.setNow(start.addSecs(60));
+        m_service->refresh();
+        QCOMPARE(m_fetching->asked.back(), start);
+        m_fetching->answer(noDaemon(start));
+        QTRY_VERIFY(m_service->connectionStatus().isOffline());
+        QCOMPARE(m_service->quotaSummary(), sampleSummary());
+        QCOMPARE(m_service->activeDaemon(), (DaemonInfo{.httpPort = 42}));
+        QCOMPARE(m_service->lastUpdated(), start);
+        const QString text = u"No running Antigravity daemon found. Make sure Antigravity is open "
+                             "(Last update: Nov 16, 2026 at 4:59:24 AM)."_s;
+        QCOMPARE(m_service->errorMessage(), text);
+        QCOMPARE(m_service->connectionStatus(), ConnectionStatus::offline(text));
+    }
+
+    void theConnectionNamesThePortThatWasAsked_data()
+    {
+        QTest::addColumn<std::optional<std::int64_t>>("httpPort");
+        QTest::addColumn<std::optional<std::int64_t>>("httpsPort");
+        QTest::addColumn<QString>("text");
+        using Port = std::optional<std::int64_t>;
+        QTest::newRow("plain") << Port(42) << Port() << u"Connected (Port 42)"_s;
+        QTest::newRow("both") << Port(42) << Port(43) << u"Connected (Port 42)"_s;
+        QTest::newRow("secure") << Port() << Port(43) << u"Connected (Port 43)"_s;
+        QTest::newRow("none") << Port() << Port() << u"Connected (Port 0)"_s;
+    }
+    void theConnectionNamesThePortThatWasAsked()
+    {
+        QFETCH(std::optional<std::int64_t>, httpPort);
+        QFETCH(std::optional<std::int64_t>, httpsPort);
+        QFETCH(QString, text);
+        makeServiceThatFetches();
+        m_fetching->answer(success({.httpsPort = httpsPort, .httpPort = httpPort}));
+        QTRY_COMPARE(m_service->connectionStatus().displayText(), text);
+    }
+
+    void theDotHasAColourForEachState()
+    {
+        QCOMPARE(ConnectionStatus::connecting().displayText(), u"Connecting..."_s);
+        QCOMPARE(ConnectionStatus::connecting().statusDotColor(), model::ColorToken::SystemOrange);
+        QCOMPARE(ConnectionStatus::offline(u"x"_s).statusDotColor(), model::ColorToken::SystemRed);
+        QCOMPARE(ConnectionStatus::connected(1).statusDotColor(), model::ColorToken::SystemGreen);
+        QVERIFY(ConnectionStatus::connected(1) != ConnectionStatus::connected(2));
+        QVERIFY(ConnectionStatus::offline(u"x"_s) != ConnectionStatus::offline(u"y"_s));
+    }
+
+    void aRefreshDuringAnotherIsDropped()
+    {
+        makeServiceThatFetches();
+        m_service->refresh();
+        m_clock->hands.advance(5min);
+        QCOMPARE(m_fetching->asked.size(), size_t(1));
+        m_fetching->answer(success());
+        QTRY_VERIFY(!m_service->isRefreshing());
+        QCoreApplication::processEvents();
+        QCOMPARE(m_fetching->asked.size(), size_t(1));
+        m_service->refresh();
+        QCOMPARE(m_fetching->asked.size(), size_t(2));
+    }
+
+    // Timers
+
+    void theClockTicksEachSecond()
+    {
+        makeService();
+        QSignalSpy ticks(&*m_service, &QuotaService::currentTimeChanged);
+        QSignalSpy announced(&*m_service, &QuotaService::objectWillChange);
+        m_clock->hands.advance(999ms);
+        QCOMPARE(ticks.count(), 0);
+        m_clock->hands.advance(1ms);
+        QCOMPARE(ticks.count(), 1);
+        QCOMPARE(announced.count(), 1);
+        QCOMPARE(m_service->currentTime(), start.addSecs(1));
+        m_clock->hands.advance(9s);
+        QCOMPARE(ticks.count(), 10);
+    }
+
+    void aRefreshComesWithEachInterval()
+    {
+        makeServiceThatFetches();
+        for (size_t i = 2; i < 5; ++i) {
+            m_fetching->answer(success());
+            QTRY_VERIFY(!m_service->isRefreshing());
+            m_clock->hands.advance(59999ms);
+            QCOMPARE(m_fetching->asked.size(), i - 1);
+            m_clock->hands.advance(1ms);
+            QCOMPARE(m_fetching->asked.size(), i);
+        }
+    }
+
+    void theIntervalHasBoundsWhenItIsApplied_data()
+    {
+        QTest::addColumn<double>("stored");
+        QTest::addColumn<std::chrono::milliseconds>("applied");
+        constexpr std::chrono::milliseconds longest{std::numeric_limits<int>::max()};
+        QTest::newRow("five seconds") << 5.0 << std::chrono::milliseconds(10s);
+        QTest::newRow("ten seconds") << 10.0 << std::chrono::milliseconds(10s);
+        QTest::newRow("half seconds") << 10.5 << 10500ms;
+        QTest::newRow("five minutes") << 300.0 << std::chrono::milliseconds(300s);
+        QTest::newRow("zero") << 0.0 << std::chrono::milliseconds(10s);
+        QTest::newRow("negative") << -1e300 << std::chrono::milliseconds(10s);
+        QTest::newRow("a year") << 31536000.0 << longest;
+        QTest::newRow("huge") << 1e300 << longest;
+        QTest::newRow("no number") << std::nan("") << std::chrono::milliseconds(60s);
+        QTest::newRow("infinity") << std::numeric_limits<double>::infinity()
+                                  << std::chrono::milliseconds(60s);
+    }
+    void theIntervalHasBoundsWhenItIsApplied()
+    {
+        QFETCH(double, stored);
+        QFETCH(std::chrono::milliseconds, applied);
+        makeService();
+        m_service->updateRefreshInterval(stored);
+        QCOMPARE(m_clock->hands.periods(), (std::vector<std::chrono::milliseconds>{1s, applied}));
+        QCOMPARE(m_service->refreshInterval(), std::isfinite(stored) ? stored : 60.0);
+    }
+
+    void anUpdatedIntervalStartsTheTimerAnew()
+    {
+        makeServiceThatFetches();
+        m_fetching->answer(success());
+        QTRY_VERIFY(!m_service->isRefreshing());
+        m_clock->hands.advance(50s);
+        m_log.clear();
+        m_service->updateRefreshInterval(60);
+        QCOMPARE(m_log, Log({u"end of timer 60"_s, u"timer 60"_s}));
+        m_clock->hands.advance(59s);
+        QCOMPARE(m_fetching->asked.size(), size_t(1));
+        m_clock->hands.advance(1s);
+        QCOMPARE(m_fetching->asked.size(), size_t(2));
+    }
+
+    void anIntervalStoredByAnotherWayLeavesTheTimerAlone()
+    {
+        makeService();
+        m_log.clear();
+        m_service->setRefreshInterval(300);
+        QCOMPARE(m_service->refreshInterval(), 300.0);
+        QVERIFY(m_log.isEmpty());
+    }
+
+    // Settings
+
+    void everySettingHasItsKeyItsDefaultAndAnnouncesItsChange_data()
+    {
+        QTest::addColumn<QByteArray>("key");
+        QTest::addColumn<QVariant>("fallback");
+        QTest::addColumn<QVariant>("other");
+        QTest::newRow("1") << QByteArray("refreshInterval") << QVariant(60.0) << QVariant(120.0);
+        QTest::newRow("2") << QByteArray("showPercentageInMenuBar") << QVariant(true)
+                           << QVariant(false);
+        QTest::newRow("3") << QByteArray("showFiveHourInMenuBar") << QVariant(true)
+                           << QVariant(false);
+        QTest::newRow("4") << QByteArray("showWeeklyInMenuBar") << QVariant(true)
+                           << QVariant(false);
+        QTest::newRow("5") << QByteArray("showIconInMenuBar") << QVariant(true) << QVariant(false);
+        QTest::newRow("6") << QByteArray("useColoredStatusIndicator") << QVariant(true)
+                           << QVariant(false);
+        QTest::newRow("7") << QByteArray("notifyOnLowQuota") << QVariant(true) << QVariant(false);
+        QTest::newRow("8") << QByteArray("lowQuotaThreshold") << QVariant(20.0) << QVariant(35.0);
+        QTest::newRow("9") << QByteArray("showGeminiInToolbar") << QVariant(true)
+                           << QVariant(false);
+        QTest::newRow("10") << QByteArray("showArgonInToolbar") << QVariant(false)
+                            << QVariant(true);
+        QTest::newRow("11") << QByteArray("showClaudeInToolbar") << QVariant(false)
+                            << QVariant(true);
+        QTest::newRow("12") << QByteArray("toolbarLabelStyle") << QVariant(u"letter"_s)
+                            << QVariant(u"icon"_s);
+    }
+    void everySettingHasItsKeyItsDefaultAndAnnouncesItsChange()
+    {
+        QFETCH(QByteArray, key);
+        QFETCH(QVariant, fallback);
+        QFETCH(QVariant, other);
+        makeService();
+        QCOMPARE(m_service->property(key.constData()), fallback);
+
+        QVariantList seen;
+        const auto read = [&] { seen += m_service->property(key.constData()); };
+        connect(&*m_service, &QuotaService::objectWillChange, this, read);
+        const auto &meta = *m_service->metaObject();
+        const auto notify = meta.property(meta.indexOfProperty(key.constData())).notifySignal();
+        QSignalSpy after(&*m_service, notify);
+
+        QVERIFY(m_service->setProperty(key.constData(), other));
+        QCOMPARE(seen, QVariantList{fallback}); // Just before.
+        QCOMPARE(after.count(), 1);
+        QCOMPARE(m_service->property(key.constData()), other);
+
+        QVERIFY(m_service->setProperty(key.constData(), other));
+        QCOMPARE(seen.size(), 1);
+        QCOMPARE(after.count(), 1);
+
+        // The same for whoever starts next.
+        const QString file = m_settings->fileName();
+        m_service.reset();
+        m_settings.reset();
+        m_settings.emplace(file);
+        makeService();
+        QCOMPARE(m_service->property(key.constData()), other);
+    }
+
+    void aNumberThatIsNoneIsTheDefault()
+    {
+        makeService();
+        m_service->setLowQuotaThreshold(35);
+        m_service->setLowQuotaThreshold(std::nan(""));
+        QCOMPARE(m_service->lowQuotaThreshold(), 20.0);
+        QSignalSpy announced(&*m_service, &QuotaService::objectWillChange);
+        m_service->setLowQuotaThreshold(std::numeric_limits<double>::infinity());
+        QCOMPARE(announced.count(), 0);
+    }
+
+    // The login item
+
+    void theLoginItemIsReadWrittenAndItsChangesAreAnnounced()
+    {
+        makeService();
+        QList<bool> before;
+        QList<bool> after;
+        connect(&*m_service, &QuotaService::objectWillChange, this,
+            [&] { before += m_service->launchAtLogin(); });
+        connect(&*m_service, &QuotaService::launchAtLoginChanged, this,
+            [&] { after += m_service->launchAtLogin(); });
+        m_service->setLaunchAtLogin(true);
+        QVERIFY(m_login->isEnabled());
+        QCOMPARE(before, QList{false});
+        QCOMPARE(after, QList{true});
+        m_login->setEnabled(false);
+        QVERIFY(!m_service->launchAtLogin());
+        QCOMPARE(after, QList({true, false}));
+    }
+
+    // What the label is made of
+
+    void theLabelFollowsTheSummaryAndTheSettings()
+    {
+        makeServiceThatFetches();
+        m_fetching->answer(success());
+        QTRY_VERIFY(m_service->quotaSummary());
+        QCOMPARE(m_service->menuBarTitle(), u"✦ 5h: 80% · W: 55%"_s);
+        QCOMPARE(m_service->lowestSelectedBucket()->remainingFraction, 0.55);
+        QCOMPARE(m_service->menuBarTint(), model::ColorToken::SystemOrange);
+        QCOMPARE(m_service->menuBarNSTint(), model::ColorToken::SystemOrange);
+
+        m_service->setShowIconInMenuBar(false);
+        m_service->setShowArgonInToolbar(true);
+        m_service->setShowClaudeInToolbar(true);
+        m_service->setToolbarLabelStyle(u"shortName"_s);
+        m_service->setShowWeeklyInMenuBar(false);
+        QCOMPARE(m_service->menuBarTitle(), u"Gem: 80% · Arg: 12% · Cla: 100%"_s);
+        QCOMPARE(m_service->lowestSelectedBucket()->remainingFraction, 0.12);
+        QCOMPARE(m_service->menuBarTint(), model::ColorToken::SystemRed);
+
+        m_service->setShowGeminiInToolbar(false);
+        m_service->setShowArgonInToolbar(false);
+        m_service->setShowClaudeInToolbar(false);
+        QCOMPARE(m_service->menuBarTitle(), u"✦ Gemini"_s);
+        QVERIFY(m_service->toolbarStatItems().isEmpty());
+        QCOMPARE(m_service->lowestSelectedBucket()->remainingFraction, 0.55);
+    }
+
+    void withoutASummaryThereIsNoBucketAndTheTwoTintsDiffer()
+    {
+        makeService();
+        QVERIFY(!m_service->lowestSelectedBucket());
+        QCOMPARE(m_service->menuBarTint(), model::ColorToken::SecondaryLabel);
+        QCOMPARE(m_service->menuBarNSTint(), model::ColorToken::AdaptiveHealthyGreen);
+    }
+
+    void theLabelsInputIsWhatTheSettingsAndTheItemsSay()
+    {
+        makeServiceThatFetches();
+        m_fetching->answer(success());
+        QTRY_VERIFY(m_service->quotaSummary());
+        auto input = m_service->labelInput();
+        QCOMPARE(input.items, m_service->toolbarStatItems());
+        QCOMPARE(input.items.size(), 2);
+        QVERIFY(input.showPercentage);
+        QVERIFY(input.showIcon);
+        QVERIFY(input.colored);
+        QCOMPARE(input.labelStyle, u"letter"_s);
+        QCOMPARE(input.tint, model::ColorToken::SystemOrange);
+
+        m_service->setShowPercentageInMenuBar(false);
+        m_service->setShowIconInMenuBar(false);
+        m_service->setUseColoredStatusIndicator(false);
+        m_service->setToolbarLabelStyle(u"roman"_s);
+        m_service->setShowWeeklyInMenuBar(false);
+        input = m_service->labelInput();
+        QVERIFY(!input.showPercentage);
+        QVERIFY(!input.showIcon);
+        QVERIFY(!input.colored);
+        QCOMPARE(input.labelStyle, u"roman"_s);
+        QCOMPARE(input.items.size(), 1);
+        QCOMPARE(input.items.first().text, u"G: 80%"_s);
+        QCOMPARE(input.tint, model::ColorToken::SystemGreen);
+    }
+
+private:
+    void makeService()
+    {
+        m_service.emplace(QuotaService::Dependencies{.clock = *m_clock,
+            .fetching = *m_fetching,
+            .settings = *m_settings,
+            .alerts = &*m_alerts,
+            .launchAtLogin = &*m_login});
+    }
+
+    void makeServiceThatFetches()
+    {
+        makeService();
+        QTRY_COMPARE(m_fetching->asked.size(), size_t(1));
+    }
+
+    /// From now on logs each announcement with what could be read at that moment.
+    void record()
+    {
+        m_log.clear();
+        const auto log = [this](const QString &name) {
+            return [this, name] { m_log += name + u':' + readable(); };
+        };
+        auto *service = &*m_service;
+        connect(service, &QuotaService::objectWillChange, this, log(u"will"_s));
+        connect(service, &QuotaService::quotaSummaryChanged, this, log(u"quotaSummary"_s));
+        connect(service, &QuotaService::activeDaemonChanged, this, log(u"activeDaemon"_s));
+        connect(service, &QuotaService::connectionStatusChanged, this, log(u"connectionStatus"_s));
+        connect(service, &QuotaService::lastUpdatedChanged, this, log(u"lastUpdated"_s));
+        connect(service, &QuotaService::isRefreshingChanged, this, log(u"isRefreshing"_s));
+        connect(service, &QuotaService::errorMessageChanged, this, log(u"errorMessage"_s));
+    }
+
+    QString readable() const
+    {
+        QString text;
+        if (m_service->quotaSummary())
+            text += u" summary"_s;
+        if (m_service->activeDaemon())
+            text += u" daemon"_s;
+        if (m_service->lastUpdated())
+            text += u" updated"_s;
+        if (m_service->errorMessage())
+            text += u" error"_s;
+        if (m_service->isRefreshing())
+            text += u" refreshing"_s;
+        const auto &status = m_service->connectionStatus();
+        if (status.isConnected())
+            text += u" connected"_s;
+        else
+            text += status.isOffline() ? u" offline"_s : u" connecting"_s;
+        return text;
+    }
+
+    Log m_log;
+    std::optional<QTemporaryDir> m_folder;
+    std::optional<SettingsStore> m_settings;
+    std::optional<LoggingClock> m_clock;
+    std::optional<FakeFetching> m_fetching;
+    std::optional<FakeAlerts> m_alerts;
+    std::optional<LoggedLaunchAtLogin> m_login;
+    std::optional<QuotaService> m_service;
+};
+
+QTEST_GUILESS_MAIN(QuotaServiceTest)
+#include "quota_service_test.moc"

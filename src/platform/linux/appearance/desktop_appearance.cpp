@@ -1,12 +1,11 @@
 #include "platform/linux/appearance/desktop_appearance.h"
 
 #include "platform/linux/appearance/system_colors.h"
+#include "platform/linux/bus/bus_calls.h"
 #include "platform/linux/x11/xsettings.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
@@ -160,10 +159,7 @@ void DesktopAppearance::askPortal()
     auto call
         = QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, u"ReadAll"_s);
     call << QStringList{appearanceSpace, gnomeSpace};
-    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        const QDBusMessage reply = watcher->reply();
+    bus::whenAnswered(m_bus, call, this, bus::usualTimeout, [this](const QDBusMessage &reply) {
         if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != "a{sa{sv}}"_L1)
             return;
         const auto spaces = qdbus_cast<QMap<QString, QVariantMap>>(reply.arguments().constFirst());

@@ -7,15 +7,14 @@
 #include <chrono>
 #include <memory>
 
-class QDBusPendingCallWatcher;
 class QLockFile;
 
 namespace brimwatch::platform {
 
 /// Whether this process is the user's one Brimwatch. It is when it gets the program's name on the
-/// session bus; whoever finds it taken asks its owner to open the popover. Without a bus, or on one
-/// that gives us no name, a lock file decides; it is held with the name too, as a bus may go before
-/// the session does.
+/// session bus; one that finds it taken asks its owner to open the popover. Without a bus, or on
+/// one that gives us no name, a lock file decides; it is held with the name too, as a bus may go
+/// before the session does.
 class SingleInstance final : public QObject {
     Q_OBJECT
 
@@ -34,10 +33,6 @@ public:
     /// there is none.
     SingleInstance(QDBusConnection bus, const QString &runtimeFolder, QObject *parent = nullptr);
     ~SingleInstance() override;
-    SingleInstance(const SingleInstance &) = delete;
-    SingleInstance &operator=(const SingleInstance &) = delete;
-    SingleInstance(SingleInstance &&) = delete;
-    SingleInstance &operator=(SingleInstance &&) = delete;
 
     /// Finds out, without waiting; decided() follows, once. What answers to the name should be on
     /// the bus by now.

@@ -1,10 +1,10 @@
 #include "platform/linux/tray/host_detector.h"
 
+#include "platform/linux/bus/bus_calls.h"
 #include "platform/linux/x11/x_connection.h"
 
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QDBusServiceWatcher>
 #include <QFile>
 #include <QFileInfo>
@@ -23,27 +23,11 @@ Q_LOGGING_CATEGORY(hostLog, "brimwatch.tray", QtInfoMsg)
 const auto watcherService = u"org.kde.StatusNotifierWatcher"_s;
 const auto watcherPath = u"/StatusNotifierWatcher"_s;
 const auto watcherInterface = u"org.kde.StatusNotifierWatcher"_s;
-const auto busService = u"org.freedesktop.DBus"_s;
-const auto busPath = u"/org/freedesktop/DBus"_s;
 
 // The bus itself answers at once. A panel that does not within this time is taken as one that shows
 // items.
-constexpr int answerMilliseconds = 2000;
+constexpr std::chrono::seconds answerTimeout{2};
 constexpr qint64 longestCommandLine = 4096;
-
-template <typename Answer>
-void ask(const QDBusConnection &bus, QDBusMessage message, QObject *context,
-    std::function<void(const QDBusPendingReply<Answer> &)> answered)
-{
-    // A question must not start the panel of a desktop that is not running.
-    message.setAutoStartService(false);
-    auto *call = new QDBusPendingCallWatcher(bus.asyncCall(message, answerMilliseconds), context);
-    QObject::connect(call, &QDBusPendingCallWatcher::finished, context,
-        [answered = std::move(answered)](QDBusPendingCallWatcher *finished) {
-            finished->deleteLater();
-            answered(QDBusPendingReply<Answer>(*finished));
-        });
-}
 
 } // namespace
 
@@ -180,32 +164,27 @@ void HostDetector::watcherOwnerChanged(const QString &owner)
 
 void HostDetector::askForWatcher()
 {
-    auto message
-        = QDBusMessage::createMethodCall(busService, busPath, busService, u"GetNameOwner"_s);
-    message << watcherService;
-    ask<QString>(m_bus, message, this, [this](const QDBusPendingReply<QString> &reply) {
+    bus::findOwner(m_bus, watcherService, this, answerTimeout, [this](const QString &owner) {
         // A watcher that came meanwhile has announced itself.
         if (m_watcher.isEmpty() && !m_facts.watcherKnown)
-            watcherOwnerChanged(reply.isValid() ? reply.value() : QString());
+            watcherOwnerChanged(owner);
     });
 }
 
 void HostDetector::askForProcess(const QString &owner)
 {
-    auto message = QDBusMessage::createMethodCall(
-        busService, busPath, busService, u"GetConnectionUnixProcessID"_s);
-    message << owner;
-    ask<uint>(m_bus, message, this, [this, owner](const QDBusPendingReply<uint> &reply) {
-        if (owner != m_watcher)
-            return;
-        m_facts.watcherKnown = true;
-        const auto hasHost = m_facts.watcher ? m_facts.watcher->hasHost : std::nullopt;
-        m_facts.watcher = WatcherFacts{
-            .executable = reply.isValid() ? m_executableOf(reply.value()) : QString(),
-            .hasHost = hasHost};
-        askForHosts(owner);
-        choose();
-    });
+    bus::whenAnswered(m_bus, bus::daemonCall(u"GetConnectionUnixProcessID"_s, {owner}), this,
+        answerTimeout, [this, owner](const QDBusReply<uint> &reply) {
+            if (owner != m_watcher)
+                return;
+            m_facts.watcherKnown = true;
+            const auto hasHost = m_facts.watcher ? m_facts.watcher->hasHost : std::nullopt;
+            m_facts.watcher = WatcherFacts{
+                .executable = reply.isValid() ? m_executableOf(reply.value()) : QString(),
+                .hasHost = hasHost};
+            askForHosts(owner);
+            choose();
+        });
 }
 
 void HostDetector::askForHosts(const QString &owner)
@@ -213,8 +192,10 @@ void HostDetector::askForHosts(const QString &owner)
     auto message = QDBusMessage::createMethodCall(
         owner, watcherPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
     message << watcherInterface << u"IsStatusNotifierHostRegistered"_s;
-    ask<QDBusVariant>(
-        m_bus, message, this, [this, owner](const QDBusPendingReply<QDBusVariant> &reply) {
+    // A question must not start the panel of a desktop that is not running.
+    message.setAutoStartService(false);
+    bus::whenAnswered(
+        m_bus, message, this, answerTimeout, [this, owner](const QDBusReply<QDBusVariant> &reply) {
             if (owner != m_watcher || !m_facts.watcher)
                 return;
             // A watcher without the property is an odd one, not one without hosts.

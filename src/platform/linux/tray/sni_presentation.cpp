@@ -1,14 +1,13 @@
 #include "platform/linux/tray/sni_presentation.h"
 
 #include "core/plain_text.h"
+#include "platform/linux/bus/bus_calls.h"
 #include "platform/linux/tray/dbus_menu.h"
 #include "platform/linux/tray/label_painter.h"
 #include "sni_adaptor.h"
 #include "sni_menuless_adaptor.h"
 
 #include <QCoreApplication>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QPainter>
 #include <QRegularExpression>
 
@@ -28,7 +27,6 @@ namespace {
 constexpr auto watcherService = "org.kde.StatusNotifierWatcher"_L1;
 constexpr auto itemPath = "/StatusNotifierItem"_L1;
 constexpr auto menuPath = "/StatusNotifierItem/Menu"_L1;
-constexpr auto busService = "org.freedesktop.DBus"_L1;
 
 // Every host reads all pictures again at each change, so there are few: one for each usual height
 // of a panel.
@@ -163,9 +161,7 @@ SniPresentation::~SniPresentation()
     if (m_bus.objectRegisteredAt(itemPath) != this)
         return;
     m_bus.unregisterObject(itemPath);
-    auto release = QDBusMessage::createMethodCall(busService, u"/"_s, busService, u"ReleaseName"_s);
-    release << m_name;
-    m_bus.send(release);
+    bus::releaseName(m_bus, m_name);
 }
 
 void SniPresentation::present(const PresentedItem &item)
@@ -265,19 +261,10 @@ QImage SniPresentation::drawSquare(const model::LabelComposition &label, int sid
 
 void SniPresentation::requestName()
 {
-    constexpr uint doNotQueue = 4;
-    constexpr uint primaryOwner = 1;
-    auto request = QDBusMessage::createMethodCall(busService, u"/"_s, busService, u"RequestName"_s);
-    request << m_name << doNotQueue;
-    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(request), this);
-    connect(
-        watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
-            call->deleteLater();
-            const QDBusPendingReply<uint> reply = *call;
-            // Sandboxes may forbid the name. Watchers take that of the connection too.
-            const bool ours = !reply.isError() && reply.value() == primaryOwner;
-            registerItem(ours ? m_name : m_bus.baseService());
-        });
+    bus::requestName(m_bus, m_name, this, bus::usualTimeout, [this](bus::NameResult result) {
+        // Sandboxes may forbid the name. Watchers take that of the connection too.
+        registerItem(result == bus::NameResult::Owner ? m_name : m_bus.baseService());
+    });
 }
 
 void SniPresentation::registerItem(const QString &name)
@@ -287,15 +274,12 @@ void SniPresentation::registerItem(const QString &name)
     request << name;
     // Panels start watchers; one that the bus would start has no panel.
     request.setAutoStartService(false);
-    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(request), this);
-    connect(
-        watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
-            call->deleteLater();
-            if (call->isError())
-                lose();
-            else if (!m_lost)
-                Q_EMIT registered();
-        });
+    bus::whenAnswered(m_bus, request, this, bus::usualTimeout, [this](const QDBusMessage &answer) {
+        if (answer.type() != QDBusMessage::ReplyMessage)
+            lose();
+        else if (!m_lost)
+            Q_EMIT registered();
+    });
 }
 
 void SniPresentation::chooseFromMenu(int id)

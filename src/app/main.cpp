@@ -111,7 +111,7 @@ public:
                   .identifier = QStringLiteral(BRIMWATCH_IDENTIFIER),
                   .icon
                   = [this] { return platform::applicationIcon(m_symbols, notificationIconSide); }},
-              platform::DesktopNotifier::Patience())
+              platform::DesktopNotifier::Timeouts())
         , m_program({.settings = m_settings,
               .appearance = m_appearance,
               .presence = m_presence,

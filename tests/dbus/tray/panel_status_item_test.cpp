@@ -67,8 +67,8 @@ private:
     bool isDrawn()
     {
         const QImage picture = m_manager->picture();
-        return countPixels(picture, ColorToken::AdaptiveHealthyGreen, Ground::Dark) > 0
-            && countPixels(picture, ColorToken::SystemOrange, Ground::Dark) > 0;
+        return countPixels(picture, ColorToken::AdaptiveHealthyGreen, Background::Dark) > 0
+            && countPixels(picture, ColorToken::SystemOrange, Background::Dark) > 0;
     }
     void settle();
 

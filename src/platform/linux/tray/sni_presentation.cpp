@@ -34,7 +34,7 @@ constexpr std::array pictureSides{16, 22, 24, 32, 48};
 // Those of wide pictures: the usual one, and it twice for screens of high resolution.
 constexpr std::array wideHeights{22, 44};
 constexpr double wideRadius = 5;
-constexpr QColor pictureGround(0x20, 0x22, 0x26);
+constexpr QColor pictureBackground(0x20, 0x22, 0x26);
 constexpr QImage::Format pictureFormat = QImage::Format_ARGB32_Premultiplied;
 
 constexpr std::chrono::seconds pauseBetweenSignals{1};
@@ -52,13 +52,13 @@ constexpr bool hasMenu(SniForm form)
 }
 
 /// Rounded at the corners, by `radius` in the picture's own units.
-void fillGround(QImage &picture, double radius)
+void fillBackground(QImage &picture, double radius)
 {
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(pictureGround);
+    painter.setBrush(pictureBackground);
     painter.drawRoundedRect(
         QRectF(QPointF(), QSizeF(picture.size()) / picture.devicePixelRatio()), radius, radius);
 }
@@ -241,7 +241,7 @@ QImage SniPresentation::drawWide(const model::LabelComposition &label, int heigh
     QImage picture(
         static_cast<int>(std::lround(width * look.devicePixelRatio)), height, pictureFormat);
     picture.setDevicePixelRatio(look.devicePixelRatio);
-    fillGround(picture, wideRadius);
+    fillBackground(picture, wideRadius);
     QPainter painter(&picture);
     painter.drawImage(0, 0, m_painter.image(label, look));
     return picture;
@@ -250,11 +250,11 @@ QImage SniPresentation::drawWide(const model::LabelComposition &label, int heigh
 QImage SniPresentation::drawSquare(const model::LabelComposition &label, int side) const
 {
     QImage square(side, side, pictureFormat);
-    fillGround(square, side / 5.0);
+    fillBackground(square, side / 5.0);
     QPainter painter(&square);
     // Numbers take all the room there is; a symbol stands clear of the edges.
     const int margin = label.badge.numbers.isEmpty() ? std::max(1, side / 10) : side / 16;
-    // The look's own ground is the dark one.
+    // The look's own background is the dark one.
     painter.drawImage(margin, margin, m_painter.squareImage(label, LabelLook{}, side - 2 * margin));
     return square;
 }

@@ -1,4 +1,5 @@
 #include "platform/linux/appearance/system_colors.h"
+#include "platform/qt_color.h"
 #include "platform/wording.h"
 #include "qml/popover_fixture.h"
 #include "qml/samples.h"
@@ -14,9 +15,7 @@ namespace {
 
 QColor systemColor(model::ColorToken token)
 {
-    const platform::Rgba color = platform::systemColor(token, platform::Ground::Light);
-    return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
-        static_cast<float>(color.blue), static_cast<float>(color.alpha));
+    return platform::toColor(platform::systemColor(token, platform::Background::Light));
 }
 
 model::QuotaSummary oneGroup(const QList<model::QuotaBucket> &buckets)

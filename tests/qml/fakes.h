@@ -33,13 +33,13 @@ class FakeAppearance final : public platform::Appearance {
     Q_OBJECT
 
 public:
-    platform::Ground ground = platform::Ground::Light;
+    platform::Background ground = platform::Background::Light;
     double scale = 1;
     platform::Contrast contrast = platform::Contrast::Usual;
     bool still = false;
     QString family;
 
-    bool isDark() const override { return ground == platform::Ground::Dark; }
+    bool isDark() const override { return ground == platform::Background::Dark; }
     platform::Rgba color(model::ColorToken token) const override
     {
         return platform::systemColor(token, ground, contrast);

@@ -191,7 +191,7 @@ void QuotaPopoverTest::onDarkGroundTheShadowIsDarker()
     };
     PopoverFixture light;
     PopoverFixture dark;
-    dark.appearance.ground = platform::Ground::Dark;
+    dark.appearance.ground = platform::Background::Dark;
     QVERIFY(shade(dark) > shade(light));
 }
 
@@ -893,7 +893,7 @@ void QuotaPopoverTest::coloursFollowTheDesktopLive()
     const QColor lightName = color(u"groupName"_s);
     const QColor lightPercentage = color(u"percentageText"_s);
     const QImage light = fixture.window().grabWindow();
-    fixture.appearance.ground = platform::Ground::Dark;
+    fixture.appearance.ground = platform::Background::Dark;
     Q_EMIT fixture.appearance.changed();
     QVERIFY(color(u"groupName"_s).lightnessF() > lightName.lightnessF());
     QVERIFY(color(u"percentageText"_s) != lightPercentage);

@@ -146,12 +146,12 @@ int main(int argc, char *argv[])
         return 1;
     }
 
-    constexpr std::array grounds{platform::Ground::Light, platform::Ground::Dark};
+    constexpr std::array grounds{platform::Background::Light, platform::Background::Dark};
     const auto all = scenarios();
     for (const Scenario &scenario : all) {
         if (parser.isSet(only) && parser.value(only) != scenario.name)
             continue;
-        for (const platform::Ground ground : grounds) {
+        for (const platform::Background ground : grounds) {
             PopoverFixture fixture;
             fixture.appearance.ground = ground;
             fixture.appearance.scale = parser.value(scale).toDouble();
@@ -162,7 +162,7 @@ int main(int argc, char *argv[])
             scenario.prepare(fixture);
             QCoreApplication::processEvents();
             const QString name = scenario.name
-                + (ground == platform::Ground::Light ? "-light.png"_L1 : "-dark.png"_L1);
+                + (ground == platform::Background::Light ? "-light.png"_L1 : "-dark.png"_L1);
             if (!fixture.window().grabWindow().save(folder.filePath(name))) {
                 QTextStream(stderr) << "cannot write " << name << '\n';
                 return 1;

@@ -1,6 +1,7 @@
 #include "views/models/theme.h"
 
 #include "platform/appearance.h"
+#include "platform/qt_color.h"
 
 #include <QFontDatabase>
 #include <QGuiApplication>
@@ -14,12 +15,6 @@ namespace brimwatch::views {
 namespace {
 
 constexpr const char *engineProperty = "brimwatchTheme";
-
-QColor toColor(const platform::Rgba &color)
-{
-    return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
-        static_cast<float>(color.blue), static_cast<float>(color.alpha));
-}
 
 QColor halfway(const QColor &a, const QColor &b)
 {

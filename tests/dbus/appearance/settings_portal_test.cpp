@@ -127,8 +127,8 @@ private Q_SLOTS:
             {u"accent-color"_s, QVariant::fromValue(Accent{.red = -1, .green = -1, .blue = -1})}};
         DesktopAppearance appearance(QDBusConnection::sessionBus(), nullptr, m_home.path());
         QTRY_VERIFY(appearance.isDark());
-        QCOMPARE(
-            appearance.color(ColorToken::Accent), systemColor(ColorToken::Accent, Ground::Dark));
+        QCOMPARE(appearance.color(ColorToken::Accent),
+            systemColor(ColorToken::Accent, Background::Dark));
     }
 
     void valuesOfAWrongTypeChangeNothing()
@@ -172,7 +172,7 @@ private Q_SLOTS:
         QCOMPARE(appearance.color(ColorToken::Separator), label);
         portal.change(u"contrast"_s, 0u);
         QTRY_COMPARE(appearance.color(ColorToken::SecondaryLabel),
-            systemColor(ColorToken::SecondaryLabel, Ground::Light));
+            systemColor(ColorToken::SecondaryLabel, Background::Light));
     }
 
     void largerTextIsFollowedWhereNoXServerScalesIt()

@@ -195,6 +195,31 @@ private Q_SLOTS:
         QCOMPARE(m_server->calls.constFirst().actions, QStringList());
     }
 
+    void aServerThatTakesThePlaceOfALivingOneIsAskedAnewAndGetsNoOldNumber()
+    {
+        serve(3);
+        postAndSettle(low(u"1"_s));
+        const auto former = std::move(m_server);
+        former->giveUpName();
+        serve(100);
+        m_server->capabilities = {u"body"_s};
+        settle();
+        m_notifier->post({.identifier = u"low"_s, .title = u"2"_s, .body = u"a & b"_s});
+        QTRY_COMPARE(m_server->calls.size(), 1);
+        QCOMPARE(m_server->calls.constFirst().replaces, 0U);
+        QCOMPARE(m_server->calls.constFirst().body, u"a & b"_s);
+        QCOMPARE(former->titles(), QStringList(u"1"_s));
+    }
+
+    void repliesNeedNotNameTheirSender()
+    {
+        // As from Qt 6.8 on; the whole test runs so.
+        const auto answer = m_program.call(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+            u"org.freedesktop.DBus"_s, u"GetId"_s);
+        QCOMPARE(answer.type(), QDBusMessage::ReplyMessage);
+        QCOMPARE(answer.service(), QString());
+    }
+
     void capabilitiesAreAskedOncePerServer()
     {
         serve();
@@ -476,7 +501,7 @@ private Q_SLOTS:
     void withoutABusNothingHappens()
     {
         m_notifier = std::make_unique<DesktopNotifier>(QDBusConnection(u"no such connection"_s),
-            sender(), DesktopNotifier::Patience{.server = 20ms});
+            sender(), DesktopNotifier::Timeouts{.server = 20ms});
         m_notifier->post(low(u"1"_s));
         QTRY_COMPARE(m_notifier->known(), 0);
     }
@@ -534,10 +559,10 @@ private:
                 }};
     }
 
-    void makeNotifier(const DesktopNotifier::Patience &patience = {})
+    void makeNotifier(const DesktopNotifier::Timeouts &timeouts = {})
     {
         m_notifier
-            = std::make_unique<DesktopNotifier>(QDBusConnection::sessionBus(), sender(), patience);
+            = std::make_unique<DesktopNotifier>(QDBusConnection::sessionBus(), sender(), timeouts);
     }
 
     void serve(uint firstId = 1) { m_server = std::make_unique<FakeNotificationServer>(firstId); }

@@ -27,6 +27,11 @@ FakeNotificationServer::~FakeNotificationServer()
     m_program.bus().unregisterObject(path);
 }
 
+void FakeNotificationServer::giveUpName()
+{
+    m_program.bus().unregisterService(service);
+}
+
 void FakeNotificationServer::answerHeld(uint id)
 {
     send(held.takeFirst().createReply(QVariant(id)));

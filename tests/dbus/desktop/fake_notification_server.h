@@ -34,11 +34,9 @@ public:
     /// The first notification gets `firstId`; one that replaces a known one keeps its id.
     explicit FakeNotificationServer(uint firstId = 1);
     ~FakeNotificationServer() override;
-    FakeNotificationServer(const FakeNotificationServer &) = delete;
-    FakeNotificationServer &operator=(const FakeNotificationServer &) = delete;
-    FakeNotificationServer(FakeNotificationServer &&) = delete;
-    FakeNotificationServer &operator=(FakeNotificationServer &&) = delete;
 
+    /// Stays on the bus, for another one to take its place.
+    void giveUpName();
     /// Answers the oldest call of Notify that is held, with that id.
     void answerHeld(uint id);
     void signal(const QString &member, const QVariantList &arguments);

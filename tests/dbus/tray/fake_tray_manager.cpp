@@ -37,7 +37,7 @@ FakeTrayManager::FakeTrayManager(Manners manners)
     const xcb_screen_t *screen = m_x.screen();
 
     m_panel = xcb_generate_id(c);
-    const std::array<std::uint32_t, 3> panelValues{pixelOf(m_manners.ground), 1,
+    const std::array<std::uint32_t, 3> panelValues{pixelOf(m_manners.background), 1,
         XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY};
     constexpr std::uint16_t panelWidth = 900;
     constexpr std::uint16_t panelHeight = 400;

@@ -23,7 +23,7 @@ public:
     struct Manners {
         bool transparent = true; ///< Offers a visual with an alpha channel.
         std::optional<QColor> symbols; ///< The colour of its own symbols, where it tells it.
-        QColor ground = QColor(0x20, 0x40, 0x60);
+        QColor background = QColor(0x20, 0x40, 0x60);
         int height = 28; ///< What it gives each item.
         int widest = 600;
         bool proportional = false; ///< Scales what an item asks for to its height, as XFCE does.

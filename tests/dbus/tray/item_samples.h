@@ -4,6 +4,7 @@
 #include "platform/appearance.h"
 #include "platform/linux/appearance/system_colors.h"
 #include "platform/linux/tray/presentation.h"
+#include "platform/qt_color.h"
 
 #include <QColor>
 #include <QImage>
@@ -21,7 +22,7 @@ public:
     bool isDark() const override { return m_dark; }
     platform::Rgba color(model::ColorToken token) const override
     {
-        return platform::systemColor(token, platform::Ground::Dark);
+        return platform::systemColor(token, platform::Background::Dark);
     }
     QString fontFamily() const override { return u"DejaVu Sans"_s; }
     double textScale() const override { return 1; }
@@ -56,12 +57,11 @@ inline platform::PresentedItem sampleItem(
     return item;
 }
 
-/// How many opaque pixels have the colour of that token on that ground.
-inline int countPixels(const QImage &image, model::ColorToken token, platform::Ground ground)
+/// How many opaque pixels have the colour of that token on that background.
+inline int countPixels(
+    const QImage &image, model::ColorToken token, platform::Background background)
 {
-    const platform::Rgba rgba = platform::systemColor(token, ground);
-    const QColor wanted = QColor::fromRgbF(static_cast<float>(rgba.red),
-        static_cast<float>(rgba.green), static_cast<float>(rgba.blue));
+    const QColor wanted = platform::toColor(platform::systemColor(token, background));
     constexpr int tolerance = 3;
     int count = 0;
     for (int y = 0; y < image.height(); ++y) {

@@ -67,8 +67,8 @@ private:
     bool isDrawn()
     {
         const QImage picture = m_manager->picture();
-        return countPixels(picture, ColorToken::AdaptiveHealthyGreen, Ground::Dark) > 0
-            && countPixels(picture, ColorToken::SystemOrange, Ground::Dark) > 0;
+        return countPixels(picture, ColorToken::AdaptiveHealthyGreen, Background::Dark) > 0
+            && countPixels(picture, ColorToken::SystemOrange, Background::Dark) > 0;
     }
     void settle();
 
@@ -146,7 +146,7 @@ void PanelStatusItemTest::aTrayManagerTakesTheItemOnce()
     m_manager = std::make_unique<FakeTrayManager>(panelOf(u"trayer"_s));
     makeItem();
     // It need not ask the bus first.
-    QCOMPARE(m_item->host().wished, PresentationKind::XembedWide);
+    QCOMPARE(m_item->host().presentation, PresentationKind::XembedWide);
     QTRY_COMPARE(m_registered->count(), 1);
     QTRY_VERIFY(isDrawn());
     settle();
@@ -218,7 +218,7 @@ void PanelStatusItemTest::aWatcherAloneGetsTheItem()
     makeItem();
     QTRY_COMPARE(m_registered->count(), 1);
     QCOMPARE(m_watcher->items().size(), 1);
-    QCOMPARE(m_item->host().wished, PresentationKind::SniPortable);
+    QCOMPARE(m_item->host().presentation, PresentationKind::SniPortable);
 }
 
 void PanelStatusItemTest::aWatcherThatStartsLateGetsTheItem()

@@ -431,7 +431,7 @@ void SniPresentationTest::picturesAreSquareAndInNetworkByteOrder()
         };
         const int middle = pixmap.width / 2;
         QCOMPARE(pixel(middle, middle), "ff102030"_ba);
-        // The rounded ground: next to nothing in the corner, dark and opaque where the edge is
+        // The rounded background: next to nothing in the corner, dark and opaque where the edge is
         // straight.
         QVERIFY(pixel(0, 0).left(2).toInt(nullptr, 16) < 0x08);
         QCOMPARE(pixel(middle, 0), "ff202226"_ba);
@@ -746,7 +746,7 @@ void SniPresentationTest::theWideFormShowsTheWholeLabel()
     QCOMPARE(pixmaps[0].width, needed);
     QCOMPARE(pixmaps[1].height, 44);
     QCOMPARE(pixmaps[1].width, 2 * needed);
-    // Ground of its own, rounded at the corners.
+    // Background of its own, rounded at the corners.
     const auto pixel = [&](int x, int y) {
         return pixmaps[0].bytes.mid(qsizetype{4} * (y * pixmaps[0].width + x), 4).toHex();
     };

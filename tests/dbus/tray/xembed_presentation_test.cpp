@@ -67,8 +67,8 @@ private Q_SLOTS:
     void cleanup();
 
     void thePanelTakesTheItemOnce();
-    void theLabelIsDrawnInItsColoursOnATransparentGround();
-    void withoutATransparentVisualThePanelsGroundStaysBehindTheLabel();
+    void theLabelIsDrawnInItsColoursOnATransparentBackground();
+    void withoutATransparentVisualThePanelsBackgroundStaysBehindTheLabel();
     void onAnOpaqueLightPanelTheLabelIsDark();
     void thePanelsOwnSymbolsTellLightFromDark();
     void coloursFromBeforeThePanelHasReadItsThemeDoNotCount();
@@ -107,11 +107,11 @@ private:
     QPoint itemCentre() { return m_manager->slot().center(); }
     /// Until the panel's half and ours have nothing more to say to each other.
     void settle();
-    bool isDrawn(Ground ground = Ground::Dark)
+    bool isDrawn(Background background = Background::Dark)
     {
         const QImage picture = m_manager->picture();
-        return countPixels(picture, ColorToken::AdaptiveHealthyGreen, ground) > 0
-            && countPixels(picture, ColorToken::SystemOrange, ground) > 0;
+        return countPixels(picture, ColorToken::AdaptiveHealthyGreen, background) > 0
+            && countPixels(picture, ColorToken::SystemOrange, background) > 0;
     }
     bool isMarked(QColor color)
     {
@@ -186,7 +186,7 @@ void XembedPresentationTest::thePanelTakesTheItemOnce()
     QCOMPARE(m_manager->slot().width(), m_manager->hintedSize().width());
 }
 
-void XembedPresentationTest::theLabelIsDrawnInItsColoursOnATransparentGround()
+void XembedPresentationTest::theLabelIsDrawnInItsColoursOnATransparentBackground()
 {
     dock();
     QTRY_VERIFY(isDrawn());
@@ -195,9 +195,12 @@ void XembedPresentationTest::theLabelIsDrawnInItsColoursOnATransparentGround()
     QCOMPARE(picture.pixelColor(picture.width() - 1, picture.height() - 1).alpha(), 0);
 }
 
-void XembedPresentationTest::withoutATransparentVisualThePanelsGroundStaysBehindTheLabel()
+void XembedPresentationTest::withoutATransparentVisualThePanelsBackgroundStaysBehindTheLabel()
 {
-    dock({.transparent = false, .symbols = {}, .ground = QColor(0x20, 0x40, 0x60), .program = {}});
+    dock({.transparent = false,
+        .symbols = {},
+        .background = QColor(0x20, 0x40, 0x60),
+        .program = {}});
     QTRY_VERIFY(isDrawn());
     const QImage picture = m_manager->picture();
     QCOMPARE(picture.pixelColor(0, 0), QColor(0x20, 0x40, 0x60));
@@ -207,50 +210,53 @@ void XembedPresentationTest::withoutATransparentVisualThePanelsGroundStaysBehind
 
 void XembedPresentationTest::onAnOpaqueLightPanelTheLabelIsDark()
 {
-    dock({.transparent = false, .symbols = {}, .ground = QColor(0xf0, 0xf0, 0xf0), .program = {}});
-    QTRY_VERIFY(isDrawn(Ground::Light));
-    QVERIFY(!isDrawn(Ground::Dark));
+    dock({.transparent = false,
+        .symbols = {},
+        .background = QColor(0xf0, 0xf0, 0xf0),
+        .program = {}});
+    QTRY_VERIFY(isDrawn(Background::Light));
+    QVERIFY(!isDrawn(Background::Dark));
 }
 
 void XembedPresentationTest::thePanelsOwnSymbolsTellLightFromDark()
 {
     dock({.symbols = QColor(0x2e, 0x34, 0x36), .program = {}});
-    QTRY_VERIFY(isDrawn(Ground::Light));
+    QTRY_VERIFY(isDrawn(Background::Light));
     m_manager->setSymbols(Qt::white);
-    QTRY_VERIFY(isDrawn(Ground::Dark));
-    QVERIFY(!isDrawn(Ground::Light));
+    QTRY_VERIFY(isDrawn(Background::Dark));
+    QVERIFY(!isDrawn(Background::Light));
 }
 
 void XembedPresentationTest::coloursFromBeforeThePanelHasReadItsThemeDoNotCount()
 {
     dock({.symbols = QColor(0x2e, 0x34, 0x36), .program = {}});
-    QTRY_VERIFY(isDrawn(Ground::Light));
+    QTRY_VERIFY(isDrawn(Background::Light));
     m_manager->setColors({Qt::black, Qt::red, Qt::yellow, Qt::green});
-    QTRY_VERIFY(isDrawn(Ground::Dark));
+    QTRY_VERIFY(isDrawn(Background::Dark));
     m_manager->setColors({Qt::black, QColor(0xcc, 0, 0), Qt::yellow, Qt::green});
-    QTRY_VERIFY(isDrawn(Ground::Light));
+    QTRY_VERIFY(isDrawn(Background::Light));
 }
 
 void XembedPresentationTest::aPanelOfTheThemesKindFollowsTheTheme()
 {
     m_appearance.setDark(false);
     dock({.symbols = QColor(0x2e, 0x34, 0x36), .program = {}});
-    QTRY_VERIFY(isDrawn(Ground::Light));
+    QTRY_VERIFY(isDrawn(Background::Light));
     m_appearance.setDark(true);
-    QTRY_VERIFY(isDrawn(Ground::Dark));
+    QTRY_VERIFY(isDrawn(Background::Dark));
     m_appearance.setDark(false);
-    QTRY_VERIFY(isDrawn(Ground::Light));
+    QTRY_VERIFY(isDrawn(Background::Light));
 }
 
 void XembedPresentationTest::aPanelOfAnotherKindThanTheThemeStaysAsItIs()
 {
     m_appearance.setDark(false);
     dock({.symbols = Qt::white, .program = {}});
-    QTRY_VERIFY(isDrawn(Ground::Dark));
+    QTRY_VERIFY(isDrawn(Background::Dark));
     m_appearance.setDark(true);
     m_appearance.setDark(false);
     settle();
-    QVERIFY(isDrawn(Ground::Dark));
+    QVERIFY(isDrawn(Background::Dark));
 }
 
 void XembedPresentationTest::aHigherSlotIsDrawnAnewInItsMiddle()
@@ -269,16 +275,16 @@ void XembedPresentationTest::aHigherSlotIsDrawnAnewInItsMiddle()
 
 void XembedPresentationTest::aSlotLargerThanARequestIsDrawnWhole()
 {
-    const QColor ground(0x20, 0x40, 0x60);
-    dock({.transparent = false, .symbols = {}, .ground = ground, .program = {}});
+    const QColor background(0x20, 0x40, 0x60);
+    dock({.transparent = false, .symbols = {}, .background = background, .program = {}});
     QTRY_VERIFY(isDrawn());
     // 262140 bytes go into a request.
     const QSize large(800, 350);
     m_manager->setSlotSize(large);
     QTRY_COMPARE(m_manager->picture().size(), large);
     QTRY_VERIFY(isDrawn());
-    QCOMPARE(m_manager->picture().pixelColor(0, 0), ground);
-    QCOMPARE(m_manager->picture().pixelColor(799, 349), ground);
+    QCOMPARE(m_manager->picture().pixelColor(0, 0), background);
+    QCOMPARE(m_manager->picture().pixelColor(799, 349), background);
 }
 
 void XembedPresentationTest::aLabelThatGrowsGetsAWiderSlot()
@@ -341,10 +347,11 @@ void XembedPresentationTest::aSlotThatStaysTooNarrowShowsTheSquare()
     dock({.symbols = {}, .widest = 28, .program = {}});
     QTRY_COMPARE(m_registered->count(), 1);
     // The sparkle in the middle, no run of text.
-    QTRY_VERIFY(countPixels(m_manager->picture(), ColorToken::Label, Ground::Dark) > 20);
+    QTRY_VERIFY(countPixels(m_manager->picture(), ColorToken::Label, Background::Dark) > 20);
     QTRY_VERIFY(!inkOf(m_manager->picture()).isEmpty()
         && std::abs(inkOf(m_manager->picture()).center().x() - 14) <= 1);
-    QCOMPARE(countPixels(m_manager->picture(), ColorToken::AdaptiveHealthyGreen, Ground::Dark), 0);
+    QCOMPARE(
+        countPixels(m_manager->picture(), ColorToken::AdaptiveHealthyGreen, Background::Dark), 0);
 }
 
 void XembedPresentationTest::aSlotThatStaysTooNarrowShowsTheNumbers()
@@ -352,8 +359,8 @@ void XembedPresentationTest::aSlotThatStaysTooNarrowShowsTheNumbers()
     dock({.symbols = {}, .widest = 28, .program = {}});
     m_item->present(withBadge());
     QTRY_VERIFY(
-        countPixels(m_manager->picture(), ColorToken::AdaptiveHealthyGreen, Ground::Dark) > 20);
-    QVERIFY(countPixels(m_manager->picture(), ColorToken::SystemOrange, Ground::Dark) > 20);
+        countPixels(m_manager->picture(), ColorToken::AdaptiveHealthyGreen, Background::Dark) > 20);
+    QVERIFY(countPixels(m_manager->picture(), ColorToken::SystemOrange, Background::Dark) > 20);
 }
 
 void XembedPresentationTest::theBadgeAsksForASquare()
@@ -363,8 +370,8 @@ void XembedPresentationTest::theBadgeAsksForASquare()
     m_item->present(withBadge());
     QTRY_COMPARE(m_manager->slot().size(), QSize(24, 24));
     QTRY_VERIFY(
-        countPixels(m_manager->picture(), ColorToken::AdaptiveHealthyGreen, Ground::Dark) > 20);
-    QVERIFY(countPixels(m_manager->picture(), ColorToken::SystemOrange, Ground::Dark) > 20);
+        countPixels(m_manager->picture(), ColorToken::AdaptiveHealthyGreen, Background::Dark) > 20);
+    QVERIFY(countPixels(m_manager->picture(), ColorToken::SystemOrange, Background::Dark) > 20);
 }
 
 void XembedPresentationTest::aSlotThatIsWidenedLaterShowsTheLabelAgain()

@@ -120,6 +120,41 @@ private Q_SLOTS:
         QTRY_VERIFY(look.isDark());
     }
 
+    void aManagerThatIsReplacedBeforeItsEndIsSeenLeavesNoSettings()
+    {
+        auto first = std::make_unique<SettingsManager>(QVariantMap{
+            {u"Net/ThemeName"_s, u"Adwaita-dark"_s}, {u"Gtk/FontName"_s, u"Cantarell 11"_s}});
+        DesktopAppearance &look = appearance();
+        QTRY_VERIFY(look.isDark());
+        // The server may give the second one the same window number.
+        first.reset();
+        const SettingsManager second({{u"Gtk/FontName"_s, u"Noto Sans 10"_s}});
+        QTRY_COMPARE(look.fontFamily(), u"Noto Sans"_s);
+        QVERIFY(!look.isDark());
+    }
+
+    void aManagerThatHandsOverWhileItLivesLeavesNoSettings()
+    {
+        const SettingsManager first({{u"Net/ThemeName"_s, u"Adwaita-dark"_s}});
+        DesktopAppearance &look = appearance();
+        QTRY_VERIFY(look.isDark());
+        const SettingsManager second({{u"Net/ThemeName"_s, u"Adwaita"_s}});
+        QTRY_VERIFY(!look.isDark());
+    }
+
+    void theSettingsGoWithTheServer()
+    {
+        const QByteArray display = qgetenv("DISPLAY");
+        test::PrivateDisplay server;
+        const auto manager = std::make_unique<SettingsManager>(
+            QVariantMap{{u"Net/ThemeName"_s, u"Adwaita-dark"_s}});
+        DesktopAppearance &look = appearance();
+        qputenv("DISPLAY", display);
+        QTRY_VERIFY(look.isDark());
+        server.stop();
+        QTRY_VERIFY(!look.isDark());
+    }
+
     void cleanup()
     {
         m_appearance.reset();

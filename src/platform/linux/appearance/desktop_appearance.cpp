@@ -1,12 +1,11 @@
 #include "platform/linux/appearance/desktop_appearance.h"
 
 #include "platform/linux/appearance/system_colors.h"
+#include "platform/linux/bus/bus_calls.h"
 #include "platform/linux/x11/xsettings.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
@@ -55,12 +54,6 @@ std::optional<Rgba> kdeColor(const QString &text)
             return {};
     }
     return Rgba{.red = components[0], .green = components[1], .blue = components[2], .alpha = 1};
-}
-
-/// As bright as the eye sees it, 0 to 1.
-double brightness(const Rgba &color)
-{
-    return 0.299 * color.red + 0.587 * color.green + 0.114 * color.blue;
 }
 
 /// The portal's accent: three components from 0 to 1; anything else means none.
@@ -149,8 +142,9 @@ Rgba DesktopAppearance::color(model::ColorToken token) const
 {
     if (token == model::ColorToken::Accent && m_look.accent)
         return *m_look.accent;
-    const Ground ground = m_look.dark ? Ground::Dark : Ground::Light;
-    return systemColor(token, ground, m_look.higherContrast ? Contrast::Higher : Contrast::Usual);
+    const Background background = m_look.dark ? Background::Dark : Background::Light;
+    return systemColor(
+        token, background, m_look.higherContrast ? Contrast::Higher : Contrast::Usual);
 }
 
 void DesktopAppearance::askPortal()
@@ -160,10 +154,7 @@ void DesktopAppearance::askPortal()
     auto call
         = QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, u"ReadAll"_s);
     call << QStringList{appearanceSpace, gnomeSpace};
-    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        const QDBusMessage reply = watcher->reply();
+    bus::whenAnswered(m_bus, call, this, bus::usualTimeout, [this](const QDBusMessage &reply) {
         if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != "a{sa{sv}}"_L1)
             return;
         const auto spaces = qdbus_cast<QMap<QString, QVariantMap>>(reply.arguments().constFirst());
@@ -234,7 +225,7 @@ DesktopAppearance::Look DesktopAppearance::look() const
     if (scheme == Dark || scheme == Light)
         look.dark = scheme == Dark;
     else if (kdeWindow)
-        look.dark = brightness(*kdeWindow) < 0.5;
+        look.dark = !isBright(*kdeWindow);
     else
         look.dark = theme.contains("dark"_L1, Qt::CaseInsensitive);
 

@@ -53,13 +53,19 @@ constexpr Pair pairOf(model::ColorToken token)
 
 } // namespace
 
-Rgba systemColor(model::ColorToken token, Ground ground, Contrast contrast)
+Rgba systemColor(model::ColorToken token, Background background, Contrast contrast)
 {
     const bool isFaint
         = token == model::ColorToken::SecondaryLabel || token == model::ColorToken::Separator;
     const Pair pair
         = pairOf(contrast == Contrast::Higher && isFaint ? model::ColorToken::Label : token);
-    return ground == Ground::Dark ? pair.dark : pair.light;
+    return background == Background::Dark ? pair.dark : pair.light;
+}
+
+bool isBright(const Rgba &color)
+{
+    // Rec. 709 weights.
+    return 0.2126 * color.red + 0.7152 * color.green + 0.0722 * color.blue > 0.5;
 }
 
 } // namespace brimwatch::platform

@@ -1,14 +1,13 @@
 #include "platform/linux/bus/running_program.h"
 
 #include "core/plain_text.h"
+#include "platform/linux/bus/bus_calls.h"
 #include "platform/linux/bus/bus_names.h"
 #include "platform/linux/bus/bus_state.h"
 
 #include <QDBusArgument>
 #include <QDBusError>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QTimer>
 
 #include <utility>
 
@@ -20,9 +19,9 @@ namespace {
 
 constexpr auto propertiesInterface = "org.freedesktop.DBus.Properties"_L1;
 
-constexpr int answerMilliseconds = 5000;
+constexpr std::chrono::seconds answerTimeout{5};
 // A refresh tries each daemon for four seconds.
-constexpr int refreshMilliseconds = 60'000;
+constexpr std::chrono::seconds refreshTimeout{60};
 
 QDBusMessage memberCall(const QString &member)
 {
@@ -43,7 +42,7 @@ ProgramError errorOf(const QDBusMessage &answer)
         return ProgramError{
             .kind = ProgramError::Kind::NotRunning, .message = u"Brimwatch is not running"_s};
     };
-    // What the bus says of a name that it is not to start; the library has no number for it.
+    // What the bus says of a name that it is not to start; QtDBus has no number for it.
     if (answer.errorName() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1)
         return notRunning();
     switch (QDBusError(answer).type()) {
@@ -72,46 +71,46 @@ RunningProgram::RunningProgram(QDBusConnection bus)
 
 Result<PublishedState, ProgramError> RunningProgram::state() const
 {
-    return call(readingCall(), Start::No, answerMilliseconds).map([](const QDBusMessage &answer) {
+    return call(readingCall(), Start::No, answerTimeout).map([](const QDBusMessage &answer) {
         return fromBusProperties(qdbus_cast<QVariantMap>(answer.arguments().value(0)));
     });
 }
 
 Result<void, ProgramError> RunningProgram::refresh() const
 {
-    return callMember(u"Refresh"_s, Start::No, refreshMilliseconds);
+    return callMember(u"Refresh"_s, Start::No, refreshTimeout);
 }
 
 Result<void, ProgramError> RunningProgram::toggle() const
 {
-    return callMember(u"Toggle"_s, Start::Yes, refreshMilliseconds);
+    return callMember(u"Toggle"_s, Start::Yes, refreshTimeout);
 }
 
 Result<void, ProgramError> RunningProgram::showSettings() const
 {
-    return callMember(u"ShowSettings"_s, Start::Yes, refreshMilliseconds);
+    return callMember(u"ShowSettings"_s, Start::Yes, refreshTimeout);
 }
 
 Result<QString, ProgramError> RunningProgram::diagnostics() const
 {
-    return call(memberCall(u"Diagnostics"_s), Start::No, answerMilliseconds)
+    return call(memberCall(u"Diagnostics"_s), Start::No, answerTimeout)
         .map([](const QDBusMessage &answer) { return answer.arguments().value(0).toString(); });
 }
 
 Result<QDBusMessage, ProgramError> RunningProgram::call(
-    QDBusMessage message, Start start, int milliseconds) const
+    QDBusMessage message, Start start, std::chrono::milliseconds timeout) const
 {
     message.setAutoStartService(start == Start::Yes);
-    auto answer = m_bus.call(message, QDBus::Block, milliseconds);
+    auto answer = m_bus.call(message, QDBus::Block, static_cast<int>(timeout.count()));
     if (answer.type() != QDBusMessage::ReplyMessage)
         return fail(errorOf(answer));
     return answer;
 }
 
 Result<void, ProgramError> RunningProgram::callMember(
-    const QString &member, Start start, int milliseconds) const
+    const QString &member, Start start, std::chrono::milliseconds timeout) const
 {
-    return call(memberCall(member), start, milliseconds).map([](const QDBusMessage &) { });
+    return call(memberCall(member), start, timeout).map([](const QDBusMessage &) { });
 }
 
 ProgramFollower::ProgramFollower(QDBusConnection bus, QObject *parent)
@@ -138,18 +137,16 @@ void ProgramFollower::read()
     const int reading = ++m_reading;
     auto call = readingCall();
     call.setAutoStartService(false);
-    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call, answerMilliseconds), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-        [this, reading](QDBusPendingCallWatcher *finished) {
-            finished->deleteLater();
+    bus::whenAnswered(
+        m_bus, call, this, answerTimeout, [this, reading](const QDBusMessage &answer) {
             if (reading != m_reading)
                 return;
-            if (finished->isError()) {
+            if (answer.type() != QDBusMessage::ReplyMessage) {
                 lose();
                 return;
             }
             // What was signalled meanwhile came before this answer, and is in it.
-            m_properties = qdbus_cast<QVariantMap>(finished->reply().arguments().value(0));
+            m_properties = qdbus_cast<QVariantMap>(answer.arguments().value(0));
             m_state = fromBusProperties(m_properties);
             Q_EMIT changed();
         });

@@ -9,6 +9,7 @@
 #include <QString>
 #include <QVariantMap>
 
+#include <chrono>
 #include <optional>
 
 class QDBusMessage;
@@ -48,9 +49,9 @@ public:
 
 private:
     Result<QDBusMessage, ProgramError> call(
-        QDBusMessage message, Start start, int milliseconds) const;
+        QDBusMessage message, Start start, std::chrono::milliseconds timeout) const;
     Result<void, ProgramError> callMember(
-        const QString &member, Start start, int milliseconds) const;
+        const QString &member, Start start, std::chrono::milliseconds timeout) const;
 
     QDBusConnection m_bus;
 };

@@ -1,10 +1,9 @@
 #include "platform/linux/bus/single_instance.h"
 
+#include "platform/linux/bus/bus_calls.h"
 #include "platform/linux/bus/bus_names.h"
 
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QFileInfo>
 #include <QLockFile>
 #include <QTimer>
@@ -39,43 +38,35 @@ void SingleInstance::claim()
 
 void SingleInstance::requestName(Attempt attempt)
 {
-    constexpr uint doNotQueue = 4;
-    constexpr uint primaryOwner = 1;
-    constexpr uint exists = 3;
-    auto request = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s,
-        u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, u"RequestName"_s);
-    request << QString(bus::service) << doNotQueue;
-    auto *watcher
-        = new QDBusPendingCallWatcher(m_bus.asyncCall(request, int(patience.count())), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-        [this, attempt](QDBusPendingCallWatcher *call) {
-            call->deleteLater();
-            const QDBusPendingReply<uint> reply = *call;
-            if (reply.isError())
-                decideByLock();
-            else if (reply.value() == primaryOwner)
-                decideByName();
-            else if (reply.value() == exists && attempt == Attempt::First)
+    bus::requestName(m_bus, bus::service, this, timeout, [this, attempt](bus::NameResult result) {
+        switch (result) {
+        case bus::NameResult::Owner:
+            decideByName();
+            break;
+        case bus::NameResult::Refused:
+            decideByLock();
+            break;
+        case bus::NameResult::Taken:
+            if (attempt == Attempt::First)
                 askOther();
             else
-                Q_EMIT decided(Standing::OtherSilent);
-        });
+                Q_EMIT decided(Outcome::OtherSilent);
+            break;
+        }
+    });
 }
 
 void SingleInstance::askOther()
 {
     auto show = QDBusMessage::createMethodCall(bus::service, bus::path, bus::interface, u"Show"_s);
     show.setAutoStartService(false);
-    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(show, int(patience.count())), this);
-    connect(
-        watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
-            call->deleteLater();
-            if (!call->isError())
-                Q_EMIT decided(Standing::OtherShown);
-            else
-                // It may have been about to end: then the name is free now.
-                requestName(Attempt::AfterSilence);
-        });
+    bus::whenAnswered(m_bus, show, this, timeout, [this](const QDBusMessage &answer) {
+        if (answer.type() == QDBusMessage::ReplyMessage)
+            Q_EMIT decided(Outcome::OtherShown);
+        else
+            // It may have been about to end: then the name is free now.
+            requestName(Attempt::AfterSilence);
+    });
 }
 
 void SingleInstance::decideByName()
@@ -84,16 +75,16 @@ void SingleInstance::decideByName()
     // another session's bus.
     if (m_lock)
         m_lock->tryLock();
-    Q_EMIT decided(Standing::First);
+    Q_EMIT decided(Outcome::First);
 }
 
 void SingleInstance::decideByLock()
 {
     // Only a lock that another holds says that there is another: no room for one says nothing.
     if (m_lock && !m_lock->tryLock() && m_lock->error() == QLockFile::LockFailedError)
-        Q_EMIT decided(Standing::OtherLocked);
+        Q_EMIT decided(Outcome::OtherLocked);
     else
-        Q_EMIT decided(Standing::First);
+        Q_EMIT decided(Outcome::First);
 }
 
 } // namespace brimwatch::platform

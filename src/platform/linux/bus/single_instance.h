@@ -7,20 +7,19 @@
 #include <chrono>
 #include <memory>
 
-class QDBusPendingCallWatcher;
 class QLockFile;
 
 namespace brimwatch::platform {
 
 /// Whether this process is the user's one Brimwatch. It is when it gets the program's name on the
-/// session bus; whoever finds it taken asks its owner to open the popover. Without a bus, or on one
-/// that gives us no name, a lock file decides; it is held with the name too, as a bus may go before
-/// the session does.
+/// session bus; one that finds it taken asks its owner to open the popover. Without a bus, or on
+/// one that gives us no name, a lock file decides; it is held with the name too, as a bus may go
+/// before the session does.
 class SingleInstance final : public QObject {
     Q_OBJECT
 
 public:
-    enum class Standing {
+    enum class Outcome {
         First, ///< We are. Also where neither bus nor lock file can tell.
         OtherShown, ///< Another is, and has been asked to open its popover.
         OtherSilent, ///< Another is, and does not answer.
@@ -28,23 +27,19 @@ public:
     };
 
     /// How long the other one has to answer.
-    static constexpr std::chrono::milliseconds patience{2000};
+    static constexpr std::chrono::milliseconds timeout{2000};
 
     /// `runtimeFolder` is the user's own folder for what lives as long as the session; empty when
     /// there is none.
     SingleInstance(QDBusConnection bus, const QString &runtimeFolder, QObject *parent = nullptr);
     ~SingleInstance() override;
-    SingleInstance(const SingleInstance &) = delete;
-    SingleInstance &operator=(const SingleInstance &) = delete;
-    SingleInstance(SingleInstance &&) = delete;
-    SingleInstance &operator=(SingleInstance &&) = delete;
 
     /// Finds out, without waiting; decided() follows, once. What answers to the name should be on
     /// the bus by now.
     void claim();
 
 Q_SIGNALS:
-    void decided(brimwatch::platform::SingleInstance::Standing standing);
+    void decided(brimwatch::platform::SingleInstance::Outcome outcome);
 
 private:
     enum class Attempt { First, AfterSilence };

@@ -1,15 +1,19 @@
 #include "platform/linux/desktop/desktop_notifier.h"
 
-#include <QDBusArgument>
+#include "core/plain_text.h"
+#include "platform/linux/bus/bus_calls.h"
+#include "platform/linux/bus/bus_structure.h"
+
+#include <QDBusError>
 #include <QDBusMetaType>
-#include <QDBusPendingCall>
-#include <QDBusPendingCallWatcher>
 #include <QLoggingCategory>
 
 #include <algorithm>
 #include <utility>
 
 namespace brimwatch::platform {
+
+using namespace Qt::Literals::StringLiterals;
 
 Q_LOGGING_CATEGORY(notifierLog, "brimwatch.desktop", QtInfoMsg)
 
@@ -23,47 +27,21 @@ struct NotificationImage {
     int bitsPerSample = 8;
     int channels = 4;
     QByteArray bytes;
+
+    static auto members(auto &self)
+    {
+        return std::tie(self.width, self.height, self.rowStride, self.hasAlpha, self.bitsPerSample,
+            self.channels, self.bytes);
+    }
 };
-
-// NOLINTBEGIN(bugprone-return-const-ref-from-parameter): the signature that the library asks for.
-[[maybe_unused]] static QDBusArgument &operator<<(
-    QDBusArgument &argument, const NotificationImage &image)
-{
-    argument.beginStructure();
-    argument << image.width << image.height << image.rowStride << image.hasAlpha
-             << image.bitsPerSample << image.channels << image.bytes;
-    argument.endStructure();
-    return argument;
-}
-
-[[maybe_unused]] static const QDBusArgument &operator>>(
-    const QDBusArgument &argument, NotificationImage &image)
-{
-    argument.beginStructure();
-    argument >> image.width >> image.height >> image.rowStride >> image.hasAlpha
-        >> image.bitsPerSample >> image.channels >> image.bytes;
-    argument.endStructure();
-    return argument;
-}
-// NOLINTEND(bugprone-return-const-ref-from-parameter)
-
-} // namespace brimwatch::platform
-
-Q_DECLARE_METATYPE(brimwatch::platform::NotificationImage)
-
-namespace brimwatch::platform {
-
-using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
 constexpr auto service = "org.freedesktop.Notifications"_L1;
 constexpr auto path = "/org/freedesktop/Notifications"_L1;
 constexpr auto interface = "org.freedesktop.Notifications"_L1;
-constexpr auto busItself = "org.freedesktop.DBus"_L1;
 
-// A server that dies of being asked, and is started each time, is asked so often for one
-// notification.
+// How often a server that dies of being asked is asked for one notification.
 constexpr int questionsPerNotification = 5;
 
 NotificationImage toNotificationImage(const QImage &picture)
@@ -79,25 +57,6 @@ NotificationImage toNotificationImage(const QImage &picture)
     return out;
 }
 
-/// One line of no more than that many characters.
-QString plainLine(const QString &text, qsizetype longest)
-{
-    // What is cut off need not be looked at.
-    QString line = text.first(std::min(text.size(), 2 * longest));
-    for (QChar &c : line) {
-        if (c.category() == QChar::Other_Control || c.category() == QChar::Separator_Line
-            || c.category() == QChar::Separator_Paragraph)
-            c = u' ';
-    }
-    line = line.simplified();
-    if (line.size() <= longest)
-        return line;
-    line.truncate(longest - 1);
-    if (line.back().isHighSurrogate())
-        line.chop(1);
-    return line + u'…';
-}
-
 QString replaced(
     QString text, QLatin1StringView ampersand, const QString &less, const QString &greater)
 {
@@ -107,21 +66,33 @@ QString replaced(
     return text;
 }
 
-/// Whether a server said that, whatever it is. Else it comes from the bus, or from nobody: a time
-/// that ran out has no sender.
-bool isFromServer(const QDBusMessage &answer)
+/// Whether the bus made this answer, or QtDBus, because nobody answered. Deliberate: the answer is
+/// not asked for its sender, which it does not name from Qt 6.8 on.
+bool isNobodysAnswer(const QDBusMessage &answer)
 {
-    return !answer.service().isEmpty() && answer.service() != busItself;
+    switch (QDBusError(answer).type()) {
+    case QDBusError::NoReply:
+    case QDBusError::Timeout:
+    case QDBusError::TimedOut:
+    case QDBusError::ServiceUnknown:
+    case QDBusError::Disconnected:
+    case QDBusError::NoServer:
+    case QDBusError::InternalError:
+        return true;
+    default:
+        // QtDBus has no number for this one.
+        return answer.errorName() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1;
+    }
 }
 
 } // namespace
 
 DesktopNotifier::DesktopNotifier(
-    const QDBusConnection &bus, Sender sender, const Patience &patience, QObject *parent)
+    const QDBusConnection &bus, Sender sender, const Timeouts &timeouts, QObject *parent)
     : Notifier(parent)
     , m_bus(bus)
     , m_sender(std::move(sender))
-    , m_patience(patience)
+    , m_timeouts(timeouts)
     , m_watcher(service, bus, QDBusServiceWatcher::WatchForOwnerChange)
 {
     qDBusRegisterMetaType<NotificationImage>();
@@ -144,24 +115,13 @@ void DesktopNotifier::post(const Notification &notification)
         m_entries.append(Entry{.identifier = notification.identifier, .waiting = {}, .sent = {}});
     }
     m_entries.back().waiting = Waiting{.notification = {.identifier = notification.identifier,
-                                           .title = plainLine(notification.title, longestTitle),
-                                           .body = plainLine(notification.body, longestBody)},
-        .until = QDeadlineTimer(m_patience.server)};
+                                           .title = asOneLine(notification.title, longestTitle),
+                                           .body = asOneLine(notification.body, longestBody)},
+        .until = QDeadlineTimer(m_timeouts.server)};
     if (!m_expiry.isActive())
-        m_expiry.start(m_patience.server);
+        m_expiry.start(m_timeouts.server);
     m_questionsLeft = questionsPerNotification;
     proceed();
-}
-
-void DesktopNotifier::call(const QDBusMessage &call, Answered answered)
-{
-    const auto milliseconds = static_cast<int>(m_patience.answer.count());
-    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call, milliseconds), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-        [answered = std::move(answered)](QDBusPendingCallWatcher *finished) {
-            finished->deleteLater();
-            answered(finished->reply());
-        });
 }
 
 void DesktopNotifier::proceed()
@@ -181,32 +141,63 @@ void DesktopNotifier::askForServer()
     --m_questionsLeft;
     if (!m_listens) {
         m_listens = true;
-        // Of all senders, as the connection that serves is known later; the slots look at it. With
-        // the service's name the library would wait for the bus to say who owns it.
+        // From any sender, as the connection that serves is known later; the slots check it. Given
+        // the service's name, QtDBus would wait for the bus to say who owns it.
         m_bus.connect({}, path, interface, u"NotificationClosed"_s, this,
             SLOT(notificationClosed(QDBusMessage)));
         m_bus.connect(
             {}, path, interface, u"ActionInvoked"_s, this, SLOT(actionInvoked(QDBusMessage)));
     }
     m_asking = true;
-    m_ownerChangedMeanwhile = false;
-    call(QDBusMessage::createMethodCall(service, path, interface, u"GetCapabilities"_s),
-        [this](const QDBusMessage &answer) { takeCapabilities(answer); });
+    findServer(Start::IfMissing);
 }
 
-void DesktopNotifier::takeCapabilities(const QDBusMessage &answer)
+void DesktopNotifier::findServer(Start start)
+{
+    bus::findOwner(m_bus, service, this, m_timeouts.answer, [this, start](const QString &owner) {
+        m_owner = owner;
+        if (!owner.isEmpty())
+            askForCapabilities();
+        else if (start == Start::IfMissing)
+            startServer();
+        else
+            m_asking = false;
+    });
+}
+
+void DesktopNotifier::startServer()
+{
+    constexpr uint noFlags = 0;
+    bus::whenAnswered(m_bus, bus::daemonCall(u"StartServiceByName"_s, {QString(service), noFlags}),
+        this, m_timeouts.answer, [this](const QDBusMessage &answer) {
+            if (answer.type() != QDBusMessage::ReplyMessage)
+                logFailure("no notification server answers; waiting for one for a while", answer);
+            findServer(Start::No);
+        });
+}
+
+void DesktopNotifier::askForCapabilities()
+{
+    auto call = QDBusMessage::createMethodCall(m_owner, path, interface, u"GetCapabilities"_s);
+    call.setAutoStartService(false);
+    bus::whenAnswered(m_bus, call, this, m_timeouts.answer,
+        [this, server = m_owner](const QDBusMessage &answer) { takeCapabilities(server, answer); });
+}
+
+void DesktopNotifier::takeCapabilities(const QString &server, const QDBusMessage &answer)
 {
     m_asking = false;
-    if (m_ownerChangedMeanwhile && !m_owner.isEmpty() && answer.service() != m_owner) {
-        // There is another one now.
-        proceed();
+    if (server != m_owner) {
+        // There is another one now, or none.
+        if (!m_owner.isEmpty())
+            proceed();
         return;
     }
-    if (!isFromServer(answer)) {
-        logFailure("no notification server answers; waiting for one for a while", answer);
+    if (isNobodysAnswer(answer)) {
+        logFailure("the notification server does not answer; waiting for another", answer);
         return;
     }
-    m_server = answer.service();
+    m_server = server;
     m_bodyText = BodyText::Unknown;
     m_takesActions = false;
     if (answer.type() == QDBusMessage::ReplyMessage && answer.signature() == "as"_L1) {
@@ -256,35 +247,64 @@ void DesktopNotifier::send(Entry &entry)
     message.setAutoStartService(false);
     message << m_sender.name << entry.serverId << m_sender.identifier << notification.title
             << bodyFor(notification.body) << actions << hints << serversOwnTime;
-    call(message,
-        [this, identifier = entry.identifier, number = entry.call, server = m_server](
-            const QDBusMessage &answer) { takeAnswer(identifier, number, server, answer); });
+    bus::whenAnswered(m_bus, message, this, m_timeouts.answer,
+        [this,
+            sending
+            = Sending{.identifier = entry.identifier, .call = entry.call, .server = m_server}](
+            const QDBusMessage &answer) {
+            if (isNobodysAnswer(answer))
+                checkServer(sending, answer);
+            else
+                takeAnswer(sending, answer);
+        });
 }
 
-void DesktopNotifier::takeAnswer(
-    const QString &identifier, quint64 call, const QString &server, const QDBusMessage &answer)
+void DesktopNotifier::checkServer(const Sending &sending, const QDBusMessage &answer)
 {
-    const auto entry = std::ranges::find(m_entries, identifier, &Entry::identifier);
-    if (entry == m_entries.end() || entry->call != call)
+    // The error is the same for a server that has left the bus and for one that is slow.
+    bus::findOwner(m_bus, sending.server, this, m_timeouts.answer,
+        [this, sending, answer](const QString &owner) {
+            if (owner.isEmpty())
+                sendToNextServer(sending, answer);
+            else
+                takeAnswer(sending, answer);
+        });
+}
+
+DesktopNotifier::Entry *DesktopNotifier::entryOf(const Sending &sending)
+{
+    const auto entry = std::ranges::find(m_entries, sending.identifier, &Entry::identifier);
+    return entry != m_entries.end() && entry->call == sending.call ? &*entry : nullptr;
+}
+
+void DesktopNotifier::sendToNextServer(const Sending &sending, const QDBusMessage &answer)
+{
+    Entry *entry = entryOf(sending);
+    if (entry == nullptr)
         return;
+    logFailure("the notification server has gone; looking for another", answer);
     entry->call = 0;
     auto sent = std::exchange(entry->sent, std::nullopt);
+    // Newer news for the same identifier takes its place.
+    if (!entry->waiting && !sent->until.hasExpired())
+        entry->waiting = std::move(sent);
+    if (m_server == sending.server)
+        forgetServer();
+    dropExpired();
+    proceed();
+}
 
-    if (answer.service() == busItself) {
-        // It left before it could answer. The next one is to show it, unless there is newer news.
-        logFailure("the notification server has gone; looking for another", answer);
-        if (!entry->waiting && !sent->until.hasExpired())
-            entry->waiting = std::move(sent);
-        if (m_server == server)
-            forgetServer();
-        dropIdle();
-        proceed();
+void DesktopNotifier::takeAnswer(const Sending &sending, const QDBusMessage &answer)
+{
+    Entry *entry = entryOf(sending);
+    if (entry == nullptr)
         return;
-    }
+    entry->call = 0;
+    entry->sent.reset();
     if (answer.type() == QDBusMessage::ReplyMessage && answer.signature() == "u"_L1) {
         m_failureLogged = false;
         // The numbers of a server that has left meanwhile mean nothing.
-        entry->serverId = server == m_server ? answer.arguments().constFirst().toUInt() : 0;
+        entry->serverId = sending.server == m_server ? answer.arguments().constFirst().toUInt() : 0;
     } else {
         entry->serverId = 0;
         logFailure("the notification server did not take a notification; dropping it", answer);
@@ -296,7 +316,6 @@ void DesktopNotifier::takeAnswer(
 void DesktopNotifier::ownerChanged(const QString &newOwner)
 {
     m_owner = newOwner;
-    m_ownerChangedMeanwhile = true;
     if (newOwner != m_server)
         forgetServer();
     if (!newOwner.isEmpty())

@@ -17,7 +17,7 @@
 
 namespace brimwatch::platform {
 
-/// Notifications through whatever serves org.freedesktop.Notifications on the session bus, by the
+/// Notifications through the owner of org.freedesktop.Notifications on the session bus, by the
 /// Desktop Notifications Specification 1.2.
 ///
 /// There is no authorisation to ask for: on these desktops everybody may notify, and what the user
@@ -27,11 +27,11 @@ namespace brimwatch::platform {
 /// shows them, so that a newer notification takes the place of the older one; one that is posted
 /// while the server has not yet answered for the older one waits for that answer.
 ///
-/// Nothing here waits for the bus. A server that is installed but not running is started by the
-/// bus. While there is none, the newest notification of each identifier waits for one for
-/// `patience` and is dropped then. What a server refuses or leaves unanswered is dropped; the first
-/// failure in a row is logged at debug level. Servers are not trusted: what they send is looked at,
-/// not kept.
+/// Nothing here blocks. Who owns the name is asked of the bus, which starts a server that is
+/// installed but not running; calls go to that very connection. While there is none, the newest
+/// notification of each identifier waits for `Timeouts::server` and is dropped then. What a server
+/// refuses or leaves unanswered is dropped; the first failure in a row is logged at debug level.
+/// Servers are not trusted: what they send is looked at, not kept.
 class DesktopNotifier final : public Notifier {
     Q_OBJECT
 
@@ -46,7 +46,7 @@ public:
     };
 
     /// How long it waits for what others do; tests wait shorter.
-    struct Patience {
+    struct Timeouts {
         std::chrono::milliseconds server = std::chrono::minutes(1); ///< For one to appear.
         /// For an answer; a server may have to be started first.
         std::chrono::milliseconds answer = std::chrono::seconds(25);
@@ -59,7 +59,7 @@ public:
     static constexpr qsizetype longestTitle = 200;
     static constexpr qsizetype longestBody = 1000;
 
-    DesktopNotifier(const QDBusConnection &bus, Sender sender, const Patience &patience,
+    DesktopNotifier(const QDBusConnection &bus, Sender sender, const Timeouts &timeouts,
         QObject *parent = nullptr);
 
     void requestAuthorization() override;
@@ -89,16 +89,28 @@ private:
         uint serverId = 0; ///< 0 when the server shows nothing of ours.
     };
 
-    using Answered = std::function<void(const QDBusMessage &)>;
+    /// One call of Notify.
+    struct Sending {
+        QString identifier;
+        quint64 call = 0;
+        QString server; ///< The connection that was called.
+    };
 
-    void call(const QDBusMessage &call, Answered answered);
+    /// Whether the bus starts a server that is installed.
+    enum class Start { No, IfMissing };
+
     void proceed();
     void askForServer();
-    void takeCapabilities(const QDBusMessage &answer);
+    void findServer(Start start);
+    void startServer();
+    void askForCapabilities();
+    void takeCapabilities(const QString &server, const QDBusMessage &answer);
     void sendWaiting();
     void send(Entry &entry);
-    void takeAnswer(
-        const QString &identifier, quint64 call, const QString &server, const QDBusMessage &answer);
+    Entry *entryOf(const Sending &sending); ///< Null when it is not on its way any more.
+    void checkServer(const Sending &sending, const QDBusMessage &answer);
+    void sendToNextServer(const Sending &sending, const QDBusMessage &answer);
+    void takeAnswer(const Sending &sending, const QDBusMessage &answer);
     void ownerChanged(const QString &newOwner);
     void forgetServer();
     void dropExpired();
@@ -109,19 +121,18 @@ private:
 
     QDBusConnection m_bus;
     Sender m_sender;
-    Patience m_patience;
+    Timeouts m_timeouts;
     QDBusServiceWatcher m_watcher;
     QTimer m_expiry;
 
     QList<Entry> m_entries; ///< The one posted longest ago first.
     quint64 m_calls = 0;
 
-    QString m_owner; ///< Of the service's name, as last announced.
-    QString m_server; ///< The connection that answers; empty until one has.
+    QString m_owner; ///< Of the service's name, as the bus last said.
+    QString m_server; ///< The owner whose capabilities are known; empty without one.
     BodyText m_bodyText = BodyText::Unknown;
     bool m_takesActions = false;
     bool m_asking = false;
-    bool m_ownerChangedMeanwhile = false; ///< Since it was asked.
     int m_questionsLeft = 0;
     bool m_listens = false;
     bool m_failureLogged = false;

@@ -157,7 +157,7 @@ QDBusVariant DBusMenu::GetProperty(int id, const QString &name)
     if (!properties.contains(name)) {
         sendErrorReply(
             QDBusError::InvalidArgs, u"the menu entry %1 has no such property"_s.arg(id));
-        // Never sent, but the library converts what we return.
+        // Never sent, but QtDBus converts what we return.
         return QDBusVariant(QString());
     }
     return QDBusVariant(properties.value(name));
@@ -231,7 +231,7 @@ bool DBusMenu::refuseLongGroup(qsizetype size)
     return true;
 }
 
-// NOLINTBEGIN(bugprone-return-const-ref-from-parameter): the signature that the library asks for.
+// NOLINTBEGIN(bugprone-return-const-ref-from-parameter): the signatures that QtDBus asks for.
 QDBusArgument &operator<<(QDBusArgument &argument, const DBusMenuLayout &layout)
 {
     argument.beginStructure();
@@ -256,54 +256,6 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, DBusMenuLayout &l
         layout.children.append(qdbus_cast<DBusMenuLayout>(child.variant()));
     }
     argument.endArray();
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument &operator<<(QDBusArgument &argument, const DBusMenuProperties &properties)
-{
-    argument.beginStructure();
-    argument << properties.id << properties.properties;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument &operator>>(const QDBusArgument &argument, DBusMenuProperties &properties)
-{
-    argument.beginStructure();
-    argument >> properties.id >> properties.properties;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument &operator<<(QDBusArgument &argument, const DBusMenuPropertyNames &names)
-{
-    argument.beginStructure();
-    argument << names.id << names.names;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument &operator>>(const QDBusArgument &argument, DBusMenuPropertyNames &names)
-{
-    argument.beginStructure();
-    argument >> names.id >> names.names;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument &operator<<(QDBusArgument &argument, const DBusMenuEvent &event)
-{
-    argument.beginStructure();
-    argument << event.id << event.name << event.data << event.timestamp;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument &operator>>(const QDBusArgument &argument, DBusMenuEvent &event)
-{
-    argument.beginStructure();
-    argument >> event.id >> event.name >> event.data >> event.timestamp;
     argument.endStructure();
     return argument;
 }

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QDBusArgument>
+#include "platform/linux/bus/bus_structure.h"
+
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QDBusVariant>
 #include <QList>
-#include <QMetaType>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -36,12 +36,16 @@ struct DBusMenuLayout {
 struct DBusMenuProperties {
     int id = 0;
     QVariantMap properties;
+
+    static auto members(auto &self) { return std::tie(self.id, self.properties); }
 };
 
 /// `(ias)`
 struct DBusMenuPropertyNames {
     int id = 0;
     QStringList names;
+
+    static auto members(auto &self) { return std::tie(self.id, self.names); }
 };
 
 /// `(isvu)`
@@ -50,6 +54,11 @@ struct DBusMenuEvent {
     QString name;
     QDBusVariant data;
     uint timestamp = 0;
+
+    static auto members(auto &self)
+    {
+        return std::tie(self.id, self.name, self.data, self.timestamp);
+    }
 };
 
 /// A menu of one level that a panel draws for us, after the com.canonical.dbusmenu protocol. It is
@@ -110,16 +119,5 @@ private:
 
 QDBusArgument &operator<<(QDBusArgument &argument, const DBusMenuLayout &layout);
 const QDBusArgument &operator>>(const QDBusArgument &argument, DBusMenuLayout &layout);
-QDBusArgument &operator<<(QDBusArgument &argument, const DBusMenuProperties &properties);
-const QDBusArgument &operator>>(const QDBusArgument &argument, DBusMenuProperties &properties);
-QDBusArgument &operator<<(QDBusArgument &argument, const DBusMenuPropertyNames &names);
-const QDBusArgument &operator>>(const QDBusArgument &argument, DBusMenuPropertyNames &names);
-QDBusArgument &operator<<(QDBusArgument &argument, const DBusMenuEvent &event);
-const QDBusArgument &operator>>(const QDBusArgument &argument, DBusMenuEvent &event);
 
 } // namespace brimwatch::platform
-
-Q_DECLARE_METATYPE(brimwatch::platform::DBusMenuLayout)
-Q_DECLARE_METATYPE(brimwatch::platform::DBusMenuProperties)
-Q_DECLARE_METATYPE(brimwatch::platform::DBusMenuPropertyNames)
-Q_DECLARE_METATYPE(brimwatch::platform::DBusMenuEvent)

@@ -1,11 +1,11 @@
 #include "platform/linux/tray/host_detector.h"
 
+#include "platform/linux/bus/bus_calls.h"
+#include "platform/linux/x11/manager_selection.h"
 #include "platform/linux/x11/x_connection.h"
 
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
-#include <QDBusServiceWatcher>
+#include <QDBusReply>
 #include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
@@ -23,27 +23,11 @@ Q_LOGGING_CATEGORY(hostLog, "brimwatch.tray", QtInfoMsg)
 const auto watcherService = u"org.kde.StatusNotifierWatcher"_s;
 const auto watcherPath = u"/StatusNotifierWatcher"_s;
 const auto watcherInterface = u"org.kde.StatusNotifierWatcher"_s;
-const auto busService = u"org.freedesktop.DBus"_s;
-const auto busPath = u"/org/freedesktop/DBus"_s;
 
 // The bus itself answers at once. A panel that does not within this time is taken as one that shows
 // items.
-constexpr int answerMilliseconds = 2000;
+constexpr std::chrono::seconds answerTimeout{2};
 constexpr qint64 longestCommandLine = 4096;
-
-template <typename Answer>
-void ask(const QDBusConnection &bus, QDBusMessage message, QObject *context,
-    std::function<void(const QDBusPendingReply<Answer> &)> answered)
-{
-    // A question must not start the panel of a desktop that is not running.
-    message.setAutoStartService(false);
-    auto *call = new QDBusPendingCallWatcher(bus.asyncCall(message, answerMilliseconds), context);
-    QObject::connect(call, &QDBusPendingCallWatcher::finished, context,
-        [answered = std::move(answered)](QDBusPendingCallWatcher *finished) {
-            finished->deleteLater();
-            answered(QDBusPendingReply<Answer>(*finished));
-        });
-}
 
 } // namespace
 
@@ -69,10 +53,10 @@ HostDetector::HostDetector(
     , m_bus(std::move(bus))
     , m_executableOf(std::move(executableOf))
 {
-    m_patience.setSingleShot(true);
-    m_patience.setInterval(patienceMilliseconds);
-    connect(&m_patience, &QTimer::timeout, this, [this] {
-        m_patienceOver = true;
+    m_timeout.setSingleShot(true);
+    m_timeout.setInterval(timeout);
+    connect(&m_timeout, &QTimer::timeout, this, [this] {
+        m_timedOut = true;
         choose();
     });
 }
@@ -82,30 +66,25 @@ HostDetector::~HostDetector() = default;
 void HostDetector::start()
 {
     if (m_x.isValid()) {
-        connect(&m_x, &XConnection::eventReceived, this, &HostDetector::handle);
-        connect(&m_x, &XConnection::closed, this, &HostDetector::findTrayManager);
-        const QByteArray selection = "_NET_SYSTEM_TRAY_S" + QByteArray::number(m_x.screenNumber());
-        m_x.prefetchAtoms({selection.constData(), "MANAGER", "_NET_WM_PID"});
-        m_traySelection = m_x.atom(selection.constData());
-        // A new manager announces itself to the root window.
-        m_x.selectInput(m_x.screen()->root, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-        findTrayManager();
+        m_tray = std::make_unique<ManagerSelection>(m_x, "_NET_SYSTEM_TRAY_S", 0);
+        connect(m_tray.get(), &ManagerSelection::changed, this, &HostDetector::trayManagerChanged);
+        trayManagerChanged();
     }
     if (!m_bus.isConnected()) {
         m_facts.watcherKnown = true;
         choose();
         return;
     }
-    m_ownerWatcher = new QDBusServiceWatcher(
-        watcherService, m_bus, QDBusServiceWatcher::WatchForOwnerChange, this);
-    connect(m_ownerWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+    m_ownerWatcher.setConnection(m_bus);
+    m_ownerWatcher.addWatchedService(watcherService);
+    connect(&m_ownerWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
         [this](const QString &, const QString &, const QString &owner) {
             watcherOwnerChanged(owner);
         });
     for (const QString &signal :
         {u"StatusNotifierHostRegistered"_s, u"StatusNotifierHostUnregistered"_s}) {
-        // Of whatever sender: naming the watcher here would block until the bus has said who that
-        // is.
+        // From any sender: given the watcher's name, QtDBus would wait for the bus to say who owns
+        // it.
         m_bus.connect(QString(), watcherPath, watcherInterface, signal, this,
             SLOT(watcherHostsChanged(QDBusMessage)));
     }
@@ -113,45 +92,16 @@ void HostDetector::start()
     choose();
 }
 
-void HostDetector::handle(const xcb_generic_event_t *event)
+void HostDetector::trayManagerChanged()
 {
-    switch (event->response_type & 0x7f) {
-    case XCB_CLIENT_MESSAGE: {
-        const auto *message = reinterpret_cast<const xcb_client_message_event_t *>(event);
-        if (message->type == m_x.atom("MANAGER") && message->format == 32
-            && message->data.data32[1] == m_traySelection)
-            findTrayManager();
-        break;
-    }
-    case XCB_DESTROY_NOTIFY:
-        if (reinterpret_cast<const xcb_destroy_notify_event_t *>(event)->window == m_manager)
-            findTrayManager();
-        break;
-    default:
-        break;
-    }
-}
-
-void HostDetector::findTrayManager()
-{
-    xcb_window_t manager = m_x.selectionOwner(m_traySelection);
-    // One that goes between the answer and our asking for its end would be taken for one that
-    // stays.
-    while (manager != XCB_WINDOW_NONE) {
-        m_x.selectInput(manager, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-        const xcb_window_t still = m_x.selectionOwner(m_traySelection);
-        if (still == manager)
-            break;
-        manager = still;
-    }
-    if (manager == m_manager)
+    if (m_tray->manager() == m_manager)
         return;
-    m_manager = manager;
+    m_manager = m_tray->manager();
     m_facts.manager.reset();
-    if (manager != XCB_WINDOW_NONE)
+    if (m_manager != XCB_WINDOW_NONE)
         m_facts.manager = describeTrayManager();
-    m_patience.stop();
-    m_patienceOver = false;
+    m_timeout.stop();
+    m_timedOut = false;
     choose();
 }
 
@@ -171,8 +121,8 @@ void HostDetector::watcherOwnerChanged(const QString &owner)
     m_watcher = owner;
     m_facts.watcher.reset();
     m_facts.watcherKnown = owner.isEmpty();
-    m_patience.stop();
-    m_patienceOver = false;
+    m_timeout.stop();
+    m_timedOut = false;
     if (!owner.isEmpty())
         askForProcess(owner);
     choose();
@@ -180,32 +130,27 @@ void HostDetector::watcherOwnerChanged(const QString &owner)
 
 void HostDetector::askForWatcher()
 {
-    auto message
-        = QDBusMessage::createMethodCall(busService, busPath, busService, u"GetNameOwner"_s);
-    message << watcherService;
-    ask<QString>(m_bus, message, this, [this](const QDBusPendingReply<QString> &reply) {
+    bus::findOwner(m_bus, watcherService, this, answerTimeout, [this](const QString &owner) {
         // A watcher that came meanwhile has announced itself.
         if (m_watcher.isEmpty() && !m_facts.watcherKnown)
-            watcherOwnerChanged(reply.isValid() ? reply.value() : QString());
+            watcherOwnerChanged(owner);
     });
 }
 
 void HostDetector::askForProcess(const QString &owner)
 {
-    auto message = QDBusMessage::createMethodCall(
-        busService, busPath, busService, u"GetConnectionUnixProcessID"_s);
-    message << owner;
-    ask<uint>(m_bus, message, this, [this, owner](const QDBusPendingReply<uint> &reply) {
-        if (owner != m_watcher)
-            return;
-        m_facts.watcherKnown = true;
-        const auto hasHost = m_facts.watcher ? m_facts.watcher->hasHost : std::nullopt;
-        m_facts.watcher = WatcherFacts{
-            .executable = reply.isValid() ? m_executableOf(reply.value()) : QString(),
-            .hasHost = hasHost};
-        askForHosts(owner);
-        choose();
-    });
+    bus::whenAnswered(m_bus, bus::daemonCall(u"GetConnectionUnixProcessID"_s, {owner}), this,
+        answerTimeout, [this, owner](const QDBusReply<uint> &reply) {
+            if (owner != m_watcher)
+                return;
+            m_facts.watcherKnown = true;
+            const auto hasHost = m_facts.watcher ? m_facts.watcher->hasHost : std::nullopt;
+            m_facts.watcher = WatcherFacts{
+                .executable = reply.isValid() ? m_executableOf(reply.value()) : QString(),
+                .hasHost = hasHost};
+            askForHosts(owner);
+            choose();
+        });
 }
 
 void HostDetector::askForHosts(const QString &owner)
@@ -213,8 +158,10 @@ void HostDetector::askForHosts(const QString &owner)
     auto message = QDBusMessage::createMethodCall(
         owner, watcherPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
     message << watcherInterface << u"IsStatusNotifierHostRegistered"_s;
-    ask<QDBusVariant>(
-        m_bus, message, this, [this, owner](const QDBusPendingReply<QDBusVariant> &reply) {
+    // A question must not start the panel of a desktop that is not running.
+    message.setAutoStartService(false);
+    bus::whenAnswered(
+        m_bus, message, this, answerTimeout, [this, owner](const QDBusReply<QDBusVariant> &reply) {
             if (owner != m_watcher || !m_facts.watcher)
                 return;
             // A watcher without the property is an odd one, not one without hosts.
@@ -233,19 +180,19 @@ void HostDetector::watcherHostsChanged(const QDBusMessage &message)
 void HostDetector::choose()
 {
     const HostChoice choice = chooseHost(m_facts);
-    if (choice.settled || m_patienceOver) {
-        m_patience.stop();
-        const bool embeds = isXembed(choice.wished);
-        const bool registers = !embeds && choice.wished != PresentationKind::None;
+    if (choice.settled || m_timedOut) {
+        m_timeout.stop();
+        const bool embeds = isXembed(choice.presentation);
+        const bool registers = !embeds && choice.presentation != PresentationKind::None;
         publish({.name = choice.host,
-            .wished = choice.wished,
+            .presentation = choice.presentation,
             .trayManager = embeds ? m_manager : xcb_window_t{XCB_WINDOW_NONE},
             .watcher = registers ? m_watcher : QString()});
         return;
     }
-    if (!m_patience.isActive())
-        m_patience.start();
-    // Whom the item stands with now may stay until it is known better, unless it is gone.
+    if (!m_timeout.isActive())
+        m_timeout.start();
+    // The item stays with its host until the choice is settled, unless that host is gone.
     if (m_host.trayManager != XCB_WINDOW_NONE ? m_host.trayManager != m_manager
                                               : m_host.watcher != m_watcher)
         publish({});

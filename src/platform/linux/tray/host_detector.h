@@ -3,27 +3,30 @@
 #include "platform/linux/tray/host_table.h"
 
 #include <QDBusConnection>
+#include <QDBusServiceWatcher>
 #include <QObject>
 #include <QString>
 #include <QTimer>
 
 #include <xcb/xcb.h>
 
+#include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 
 class QDBusMessage;
-class QDBusServiceWatcher;
 
 namespace brimwatch::platform {
 
+class ManagerSelection;
 class XConnection;
 
 /// Who shows our item now, and how. Two hosts are the same only when nobody has taken the place of
 /// the other in between.
 struct Host {
     QString name;
-    PresentationKind wished = PresentationKind::None;
+    PresentationKind presentation = PresentationKind::None;
     xcb_window_t trayManager = XCB_WINDOW_NONE; ///< Where to embed; none with the other protocols.
     QString watcher; ///< The bus name of the watcher to register with; empty when embedding.
 
@@ -39,15 +42,15 @@ QString executableOfProcess(qint64 pid);
 /// Follows who could show the item: the watcher on the session bus and the tray manager on the X
 /// screen, either of which may be missing for good. Blocks for neither the bus nor a host.
 ///
-/// Panels bring their two halves one after the other. Where the second would change the choice, it
-/// is waited for, but not for long, so that the item does not jump from one protocol to the other
-/// at login.
-class HostDetector : public QObject {
+/// Panels bring their two halves one after the other. Where the second would change the choice, the
+/// detector waits for it, but not for long, so that the item does not jump from one protocol to the
+/// other at login.
+class HostDetector final : public QObject {
     Q_OBJECT
 
 public:
-    /// How long the rest of a panel is waited for.
-    static constexpr int patienceMilliseconds = 1000;
+    /// How long it waits for the rest of a panel.
+    static constexpr std::chrono::milliseconds timeout{1000};
 
     HostDetector(XConnection &x, QDBusConnection bus,
         ExecutableOf executableOf = executableOfProcess, QObject *parent = nullptr);
@@ -62,8 +65,7 @@ Q_SIGNALS:
     void hostChanged(const brimwatch::platform::Host &host);
 
 private:
-    void handle(const xcb_generic_event_t *event);
-    void findTrayManager();
+    void trayManagerChanged();
     TrayManagerFacts describeTrayManager();
     void watcherOwnerChanged(const QString &owner);
     void askForWatcher();
@@ -76,13 +78,13 @@ private:
     XConnection &m_x;
     QDBusConnection m_bus;
     ExecutableOf m_executableOf;
-    QDBusServiceWatcher *m_ownerWatcher = nullptr;
-    QTimer m_patience;
-    xcb_atom_t m_traySelection = XCB_ATOM_NONE;
+    QDBusServiceWatcher m_ownerWatcher;
+    std::unique_ptr<ManagerSelection> m_tray; ///< Null until it is started.
+    QTimer m_timeout;
     xcb_window_t m_manager = XCB_WINDOW_NONE;
     QString m_watcher;
     TrayFacts m_facts;
-    bool m_patienceOver = false;
+    bool m_timedOut = false;
     Host m_host;
 };
 

@@ -12,7 +12,7 @@ namespace {
 struct KnownHost {
     QLatin1StringView name;
     QLatin1StringView program; // The end of its path, whole components.
-    PresentationKind wished = PresentationKind::None;
+    PresentationKind presentation = PresentationKind::None;
 };
 
 // Seen with the versions of Debian 12. Where a panel offers both protocols, its tray shows a wide
@@ -20,28 +20,37 @@ struct KnownHost {
 constexpr std::array knownHosts{
     KnownHost{.name = "xfce4-panel"_L1,
         .program = "xfce4/panel/wrapper-2.0"_L1,
-        .wished = PresentationKind::XembedWide},
+        .presentation = PresentationKind::XembedWide},
     KnownHost{.name = "mate-panel"_L1,
         .program = "notification-area-applet"_L1,
-        .wished = PresentationKind::XembedWide},
+        .presentation = PresentationKind::XembedWide},
     // With the AppIndicator extension, in the Wayland session too. As StatusNotifierItem a single
     // click would only open the menu.
     KnownHost{.name = "gnome-shell"_L1,
         .program = "gnome-shell"_L1,
-        .wished = PresentationKind::XembedWide},
-    KnownHost{.name = "trayer"_L1, .program = "trayer"_L1, .wished = PresentationKind::XembedWide},
-    KnownHost{.name = "waybar"_L1, .program = "waybar"_L1, .wished = PresentationKind::SniWide},
+        .presentation = PresentationKind::XembedWide},
+    KnownHost{
+        .name = "trayer"_L1, .program = "trayer"_L1, .presentation = PresentationKind::XembedWide},
+    KnownHost{
+        .name = "waybar"_L1, .program = "waybar"_L1, .presentation = PresentationKind::SniWide},
     // The watcher is a module of the session's daemon, whichever of the two it is.
-    KnownHost{.name = "plasma"_L1, .program = "kded5"_L1, .wished = PresentationKind::SniBadge},
-    KnownHost{.name = "plasma"_L1, .program = "kded6"_L1, .wished = PresentationKind::SniBadge},
     KnownHost{
-        .name = "plasma"_L1, .program = "plasmashell"_L1, .wished = PresentationKind::SniBadge},
+        .name = "plasma"_L1, .program = "kded5"_L1, .presentation = PresentationKind::SniBadge},
     KnownHost{
-        .name = "lxqt-panel"_L1, .program = "lxqt-panel"_L1, .wished = PresentationKind::SniBadge},
-    KnownHost{.name = "swaybar"_L1, .program = "swaybar"_L1, .wished = PresentationKind::SniBadge},
-    KnownHost{.name = "i3bar"_L1, .program = "i3bar"_L1, .wished = PresentationKind::XembedBadge},
+        .name = "plasma"_L1, .program = "kded6"_L1, .presentation = PresentationKind::SniBadge},
+    KnownHost{.name = "plasma"_L1,
+        .program = "plasmashell"_L1,
+        .presentation = PresentationKind::SniBadge},
+    KnownHost{.name = "lxqt-panel"_L1,
+        .program = "lxqt-panel"_L1,
+        .presentation = PresentationKind::SniBadge},
     KnownHost{
-        .name = "polybar"_L1, .program = "polybar"_L1, .wished = PresentationKind::XembedBadge},
+        .name = "swaybar"_L1, .program = "swaybar"_L1, .presentation = PresentationKind::SniBadge},
+    KnownHost{
+        .name = "i3bar"_L1, .program = "i3bar"_L1, .presentation = PresentationKind::XembedBadge},
+    KnownHost{.name = "polybar"_L1,
+        .program = "polybar"_L1,
+        .presentation = PresentationKind::XembedBadge},
 };
 
 const auto unknownHost = "unknown"_L1;
@@ -67,10 +76,11 @@ const KnownHost *find(const QString &executable)
 HostChoice chooseXembed(const KnownHost *manager)
 {
     if (manager == nullptr)
-        return {.host = unknownHost, .wished = PresentationKind::XembedWide};
+        return {.host = unknownHost, .presentation = PresentationKind::XembedWide};
     // Whatever it would rather have, embedding is what it offers.
     return {.host = manager->name,
-        .wished = isXembed(manager->wished) ? manager->wished : PresentationKind::XembedBadge};
+        .presentation
+        = isXembed(manager->presentation) ? manager->presentation : PresentationKind::XembedBadge};
 }
 
 } // namespace
@@ -78,7 +88,7 @@ HostChoice chooseXembed(const KnownHost *manager)
 HostChoice chooseHost(const TrayFacts &facts)
 {
     const KnownHost *manager = facts.manager ? find(facts.manager->executable) : nullptr;
-    if (manager != nullptr && manager->wished == PresentationKind::XembedWide)
+    if (manager != nullptr && manager->presentation == PresentationKind::XembedWide)
         return chooseXembed(manager); // Nothing that the bus could still say would be better.
 
     if (!facts.watcherKnown) {
@@ -90,15 +100,15 @@ HostChoice chooseHost(const TrayFacts &facts)
         return facts.manager ? chooseXembed(manager) : HostChoice{};
 
     const KnownHost *watcher = find(facts.watcher->executable);
-    const bool wantsXembed = watcher != nullptr && isXembed(watcher->wished);
+    const bool wantsXembed = watcher != nullptr && isXembed(watcher->presentation);
     if (wantsXembed && facts.manager)
-        return {.host = watcher->name, .wished = watcher->wished};
+        return {.host = watcher->name, .presentation = watcher->presentation};
     // A watcher alone shows nothing: some are there in sessions whose bar only embeds.
     if (facts.manager && facts.watcher->hasHost == false)
         return chooseXembed(manager);
     return {.host = watcher == nullptr ? unknownHost : watcher->name,
-        .wished
-        = watcher == nullptr || wantsXembed ? PresentationKind::SniPortable : watcher->wished,
+        .presentation
+        = watcher == nullptr || wantsXembed ? PresentationKind::SniPortable : watcher->presentation,
         .settled = !wantsXembed && (!facts.manager || facts.watcher->hasHost.has_value())};
 }
 

@@ -44,7 +44,7 @@ struct TrayFacts {
 /// Who shall show the item, and how.
 struct HostChoice {
     QString host; ///< For people: "xfce4-panel", "unknown".
-    PresentationKind wished = PresentationKind::None; ///< What suits the host best.
+    PresentationKind presentation = PresentationKind::None; ///< What suits the host best.
     /// False while something missing may still come that would change the choice: an answer, or the
     /// other half of a panel that brings a watcher and a tray manager one after the other.
     bool settled = true;

@@ -1,5 +1,6 @@
 #include "platform/linux/tray/label_painter.h"
 
+#include "platform/qt_color.h"
 #include "platform/symbols.h"
 
 #include <QFontMetricsF>
@@ -20,12 +21,6 @@ constexpr double endMargin = 4;
 // Heights below this one scale the label down: text of 12 needs as much to stand clear of both
 // edges.
 constexpr double comfortableHeight = 18;
-
-QColor toColor(const Rgba &color)
-{
-    return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
-        static_cast<float>(color.blue), static_cast<float>(color.alpha));
-}
 
 SymbolWeight toWeight(model::FontWeight weight)
 {
@@ -104,14 +99,14 @@ private:
         const QFontMetricsF metrics(font);
         const double width = metrics.horizontalAdvance(number.text);
         const double squeezed = std::min(1.0, box.width() / width);
-        QColor ink = toColor(systemColor(number.color, m_look.ground));
+        QColor ink = toColor(systemColor(number.color, m_look.background));
         if (number.isCritical) {
             // Light on dark turned round, so that it shows without colours.
             painter->setPen(Qt::NoPen);
             painter->setBrush(ink);
             const double radius = box.height() / 5;
             painter->drawRoundedRect(box.adjusted(0, -0.5, 0, 0.5), radius, radius);
-            ink = toColor(systemColor(model::ColorToken::WindowBackground, m_look.ground));
+            ink = toColor(systemColor(model::ColorToken::WindowBackground, m_look.background));
         }
         painter->save();
         painter->setFont(font);
@@ -131,7 +126,7 @@ private:
         font.setPixelSize(
             std::max(1, static_cast<int>(std::lround(LabelComposition::fontSize * m_scale))));
         font.setWeight(QFont::Medium);
-        // Subpixel colours would fringe on the transparent ground.
+        // Subpixel colours would fringe on the transparent background.
         font.setStyleStrategy(QFont::NoSubpixelAntialias);
         return font;
     }
@@ -152,8 +147,8 @@ private:
     void add(const model::TextRun &run)
     {
         if (m_painter != nullptr)
-            m_painter->setPen(
-                toColor(systemColor(run.color.value_or(model::ColorToken::Label), m_look.ground)));
+            m_painter->setPen(toColor(
+                systemColor(run.color.value_or(model::ColorToken::Label), m_look.background)));
         qsizetype at = 0;
         while (at < run.text.size()) {
             if (isDigit(run.text[at])) {
@@ -188,7 +183,7 @@ private:
             const QImage image = m_symbols.image({.name = name,
                 .pointSize = pointSize,
                 .weight = weight,
-                .color = toColor(systemColor(model::ColorToken::Label, m_look.ground)),
+                .color = toColor(systemColor(model::ColorToken::Label, m_look.background)),
                 .devicePixelRatio = m_look.devicePixelRatio});
             // On whole pixels, or it blurs.
             const double ratio = m_look.devicePixelRatio;

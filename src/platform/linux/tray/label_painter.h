@@ -15,7 +15,7 @@ class SymbolSource;
 
 /// What a label is drawn for.
 struct LabelLook {
-    Ground ground = Ground::Dark;
+    Background background = Background::Dark;
     QString fontFamily = {}; ///< Empty: the toolkit's default.
     double devicePixelRatio = 1;
     int height = 22; ///< In device-independent pixels; text and symbols shrink with a height that
@@ -32,7 +32,7 @@ public:
 
     /// In device-independent pixels; the height is the look's.
     QSize size(const model::LabelComposition &label, const LabelLook &look) const;
-    /// On a transparent ground, in premultiplied ARGB, size() × devicePixelRatio.
+    /// On a transparent background, in premultiplied ARGB, size() × devicePixelRatio.
     QImage image(const model::LabelComposition &label, const LabelLook &look) const;
     /// The composition's badge in a square of `side`, for slots too narrow for the label: its
     /// numbers, or the composition's image, or the sparkle when it has neither.

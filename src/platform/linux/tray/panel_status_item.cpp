@@ -147,7 +147,7 @@ std::unique_ptr<Presentation> PanelStatusItem::makePresentation()
     const auto announced = [this](SniForm form) {
         return std::make_unique<SniPresentation>(form, m_bus, m_painter, nullptr);
     };
-    switch (host().wished) {
+    switch (host().presentation) {
     case PresentationKind::XembedWide:
         return embedded(XembedForm::Wide);
     case PresentationKind::XembedBadge:

@@ -1,14 +1,13 @@
 #include "platform/linux/tray/sni_presentation.h"
 
 #include "core/plain_text.h"
+#include "platform/linux/bus/bus_calls.h"
 #include "platform/linux/tray/dbus_menu.h"
 #include "platform/linux/tray/label_painter.h"
 #include "sni_adaptor.h"
 #include "sni_menuless_adaptor.h"
 
 #include <QCoreApplication>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QPainter>
 #include <QRegularExpression>
 
@@ -28,7 +27,6 @@ namespace {
 constexpr auto watcherService = "org.kde.StatusNotifierWatcher"_L1;
 constexpr auto itemPath = "/StatusNotifierItem"_L1;
 constexpr auto menuPath = "/StatusNotifierItem/Menu"_L1;
-constexpr auto busService = "org.freedesktop.DBus"_L1;
 
 // Every host reads all pictures again at each change, so there are few: one for each usual height
 // of a panel.
@@ -36,7 +34,7 @@ constexpr std::array pictureSides{16, 22, 24, 32, 48};
 // Those of wide pictures: the usual one, and it twice for screens of high resolution.
 constexpr std::array wideHeights{22, 44};
 constexpr double wideRadius = 5;
-constexpr QColor pictureGround(0x20, 0x22, 0x26);
+constexpr QColor pictureBackground(0x20, 0x22, 0x26);
 constexpr QImage::Format pictureFormat = QImage::Format_ARGB32_Premultiplied;
 
 constexpr std::chrono::seconds pauseBetweenSignals{1};
@@ -54,13 +52,13 @@ constexpr bool hasMenu(SniForm form)
 }
 
 /// Rounded at the corners, by `radius` in the picture's own units.
-void fillGround(QImage &picture, double radius)
+void fillBackground(QImage &picture, double radius)
 {
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(pictureGround);
+    painter.setBrush(pictureBackground);
     painter.drawRoundedRect(
         QRectF(QPointF(), QSizeF(picture.size()) / picture.devicePixelRatio()), radius, radius);
 }
@@ -163,9 +161,7 @@ SniPresentation::~SniPresentation()
     if (m_bus.objectRegisteredAt(itemPath) != this)
         return;
     m_bus.unregisterObject(itemPath);
-    auto release = QDBusMessage::createMethodCall(busService, u"/"_s, busService, u"ReleaseName"_s);
-    release << m_name;
-    m_bus.send(release);
+    bus::releaseName(m_bus, m_name);
 }
 
 void SniPresentation::present(const PresentedItem &item)
@@ -245,7 +241,7 @@ QImage SniPresentation::drawWide(const model::LabelComposition &label, int heigh
     QImage picture(
         static_cast<int>(std::lround(width * look.devicePixelRatio)), height, pictureFormat);
     picture.setDevicePixelRatio(look.devicePixelRatio);
-    fillGround(picture, wideRadius);
+    fillBackground(picture, wideRadius);
     QPainter painter(&picture);
     painter.drawImage(0, 0, m_painter.image(label, look));
     return picture;
@@ -254,30 +250,21 @@ QImage SniPresentation::drawWide(const model::LabelComposition &label, int heigh
 QImage SniPresentation::drawSquare(const model::LabelComposition &label, int side) const
 {
     QImage square(side, side, pictureFormat);
-    fillGround(square, side / 5.0);
+    fillBackground(square, side / 5.0);
     QPainter painter(&square);
     // Numbers take all the room there is; a symbol stands clear of the edges.
     const int margin = label.badge.numbers.isEmpty() ? std::max(1, side / 10) : side / 16;
-    // The look's own ground is the dark one.
+    // The look's own background is the dark one.
     painter.drawImage(margin, margin, m_painter.squareImage(label, LabelLook{}, side - 2 * margin));
     return square;
 }
 
 void SniPresentation::requestName()
 {
-    constexpr uint doNotQueue = 4;
-    constexpr uint primaryOwner = 1;
-    auto request = QDBusMessage::createMethodCall(busService, u"/"_s, busService, u"RequestName"_s);
-    request << m_name << doNotQueue;
-    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(request), this);
-    connect(
-        watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
-            call->deleteLater();
-            const QDBusPendingReply<uint> reply = *call;
-            // Sandboxes may forbid the name. Watchers take that of the connection too.
-            const bool ours = !reply.isError() && reply.value() == primaryOwner;
-            registerItem(ours ? m_name : m_bus.baseService());
-        });
+    bus::requestName(m_bus, m_name, this, bus::usualTimeout, [this](bus::NameResult result) {
+        // Sandboxes may forbid the name. Watchers take that of the connection too.
+        registerItem(result == bus::NameResult::Owner ? m_name : m_bus.baseService());
+    });
 }
 
 void SniPresentation::registerItem(const QString &name)
@@ -287,15 +274,12 @@ void SniPresentation::registerItem(const QString &name)
     request << name;
     // Panels start watchers; one that the bus would start has no panel.
     request.setAutoStartService(false);
-    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(request), this);
-    connect(
-        watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
-            call->deleteLater();
-            if (call->isError())
-                lose();
-            else if (!m_lost)
-                Q_EMIT registered();
-        });
+    bus::whenAnswered(m_bus, request, this, bus::usualTimeout, [this](const QDBusMessage &answer) {
+        if (answer.type() != QDBusMessage::ReplyMessage)
+            lose();
+        else if (!m_lost)
+            Q_EMIT registered();
+    });
 }
 
 void SniPresentation::chooseFromMenu(int id)

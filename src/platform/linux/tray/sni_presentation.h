@@ -27,7 +27,7 @@ enum class SniForm {
 /// The item as a StatusNotifierItem: pictures, and the label as text in the title, in the tooltip
 /// and, for hosts that know it, beside the icon (Ayatana's XAyatanaLabel).
 ///
-/// Pictures have a dark rounded ground of their own, as the protocol does not tell the panel's.
+/// Pictures have a dark rounded background of their own, as the protocol does not tell the panel's.
 /// IconName stays empty: hosts prefer it to the pictures, and it would hide what they say. Texts
 /// are safe for hosts that take them for markup.
 ///

@@ -27,38 +27,4 @@ void registerSniTypes()
     qDBusRegisterMetaType<SniToolTip>();
 }
 
-// NOLINTBEGIN(bugprone-return-const-ref-from-parameter): the signature that the library asks for.
-QDBusArgument &operator<<(QDBusArgument &argument, const SniPixmap &pixmap)
-{
-    argument.beginStructure();
-    argument << pixmap.width << pixmap.height << pixmap.bytes;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument &operator>>(const QDBusArgument &argument, SniPixmap &pixmap)
-{
-    argument.beginStructure();
-    argument >> pixmap.width >> pixmap.height >> pixmap.bytes;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument &operator<<(QDBusArgument &argument, const SniToolTip &toolTip)
-{
-    argument.beginStructure();
-    argument << toolTip.iconName << toolTip.iconPixmaps << toolTip.title << toolTip.text;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument &operator>>(const QDBusArgument &argument, SniToolTip &toolTip)
-{
-    argument.beginStructure();
-    argument >> toolTip.iconName >> toolTip.iconPixmaps >> toolTip.title >> toolTip.text;
-    argument.endStructure();
-    return argument;
-}
-// NOLINTEND(bugprone-return-const-ref-from-parameter)
-
 } // namespace brimwatch::platform

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/linux/bus/bus_structure.h"
+
 #include <QByteArray>
-#include <QDBusArgument>
 #include <QImage>
 #include <QList>
-#include <QMetaType>
 #include <QString>
 
 namespace brimwatch::platform {
@@ -16,6 +16,7 @@ struct SniPixmap {
     int height = 0;
     QByteArray bytes;
 
+    static auto members(auto &self) { return std::tie(self.width, self.height, self.bytes); }
     bool operator==(const SniPixmap &) const = default;
 };
 
@@ -28,6 +29,10 @@ struct SniToolTip {
     QString title;
     QString text;
 
+    static auto members(auto &self)
+    {
+        return std::tie(self.iconName, self.iconPixmaps, self.title, self.text);
+    }
     bool operator==(const SniToolTip &) const = default;
 };
 
@@ -36,12 +41,4 @@ SniPixmap toSniPixmap(const QImage &image);
 /// Makes the types above known to D-Bus. May be called again.
 void registerSniTypes();
 
-QDBusArgument &operator<<(QDBusArgument &argument, const SniPixmap &pixmap);
-const QDBusArgument &operator>>(const QDBusArgument &argument, SniPixmap &pixmap);
-QDBusArgument &operator<<(QDBusArgument &argument, const SniToolTip &toolTip);
-const QDBusArgument &operator>>(const QDBusArgument &argument, SniToolTip &toolTip);
-
 } // namespace brimwatch::platform
-
-Q_DECLARE_METATYPE(brimwatch::platform::SniPixmap)
-Q_DECLARE_METATYPE(brimwatch::platform::SniToolTip)

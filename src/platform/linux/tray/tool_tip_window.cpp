@@ -3,6 +3,7 @@
 #include "platform/appearance.h"
 #include "platform/linux/popover/popover_place.h"
 #include "platform/linux/x11/native_geometry.h"
+#include "platform/qt_color.h"
 
 #include <QFontMetrics>
 #include <QGuiApplication>
@@ -24,12 +25,6 @@ constexpr int fontSize = 12;
 constexpr QMargins margins(9, 6, 9, 6);
 constexpr int gap = 4; // Between the item and the text.
 constexpr int widest = 480;
-
-QColor toColor(const Rgba &color)
-{
-    return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
-        static_cast<float>(color.blue), static_cast<float>(color.alpha));
-}
 
 } // namespace
 

@@ -22,8 +22,8 @@ Q_LOGGING_CATEGORY(xembedLog, "brimwatch.tray", QtInfoMsg)
 constexpr QSize largestDrawing(4096, 512);
 // The height asked for. Panels give their own.
 constexpr int usualHeight = 22;
-// Behind the label where the panel's own ground cannot be seen: that of most bars.
-constexpr QRgb fallbackGround = 0xff2c2c2e;
+// Behind the label where the panel's own background cannot be seen: that of most bars.
+constexpr QRgb fallbackBackground = 0xff2c2c2e;
 
 // System tray protocol and XEmbed, their numbers.
 constexpr std::uint32_t requestDockOpcode = 0;
@@ -70,9 +70,9 @@ double brightness(const QImage &image)
     return sum / std::max(1, image.width() * image.height());
 }
 
-Ground groundOf(const Appearance &appearance)
+Background backgroundOf(const Appearance &appearance)
 {
-    return appearance.isDark() ? Ground::Dark : Ground::Light;
+    return appearance.isDark() ? Background::Dark : Background::Light;
 }
 
 bool isClick(std::uint8_t button)
@@ -168,8 +168,8 @@ void XembedPresentation::createWindow()
     values.border_pixel = 0;
     values.event_mask = events;
     values.colormap = m_colormap;
-    // Only windows of the parent's depth may show its ground through.
-    const std::uint32_t ground
+    // Only windows of the parent's depth may show its background through.
+    const std::uint32_t background
         = m_format.depth == m_x.screen()->root_depth ? XCB_CW_BACK_PIXMAP : XCB_CW_BACK_PIXEL;
     m_askedWidth = neededWidth();
     m_askedHeight = usualHeight;
@@ -177,7 +177,7 @@ void XembedPresentation::createWindow()
     xcb_create_window_aux(c, m_format.depth, m_window, root, 0, 0,
         static_cast<std::uint16_t>(m_slot.width()), static_cast<std::uint16_t>(m_slot.height()), 0,
         XCB_WINDOW_CLASS_INPUT_OUTPUT, m_format.visual,
-        ground | XCB_CW_BORDER_PIXEL | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP, &values);
+        background | XCB_CW_BORDER_PIXEL | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP, &values);
     xcb_create_gc(c, m_gc, m_window, 0, nullptr);
 
     // The same at each start: panels remember by it which items the user has hidden.
@@ -362,7 +362,7 @@ void XembedPresentation::lose()
 LabelLook XembedPresentation::look() const
 {
     const int height = m_docked && !m_slot.isEmpty() ? m_slot.height() : usualHeight;
-    return {.ground = m_panelGround.value_or(m_seenGround),
+    return {.background = m_panelBackground.value_or(m_seenBackground),
         .fontFamily = m_appearance.fontFamily(),
         .devicePixelRatio = 1,
         .height = std::min(height, largestDrawing.height())};
@@ -377,15 +377,15 @@ void XembedPresentation::readPanelColors()
     // read its theme, it goes on to tell these, which are nobody's.
     static const QList<std::uint32_t> unread{0, 0, 0, 65535, 0, 0, 65535, 65535, 0, 0, 65535, 0};
     if (symbols.size() < 3 || symbols == unread) {
-        m_panelGround.reset();
+        m_panelBackground.reset();
         m_panelFollowsTheme = false;
         return;
     }
     constexpr double largest = 65535;
     const double bright
         = brightness(symbols[0] / largest, symbols[1] / largest, symbols[2] / largest);
-    m_panelGround = bright > 0.5 ? Ground::Dark : Ground::Light;
-    m_panelFollowsTheme = m_panelGround == groundOf(m_appearance);
+    m_panelBackground = bright > 0.5 ? Background::Dark : Background::Light;
+    m_panelFollowsTheme = m_panelBackground == backgroundOf(m_appearance);
 }
 
 int XembedPresentation::neededWidth()
@@ -400,7 +400,7 @@ void XembedPresentation::followTheme()
     // XFCE (seen with 4.18) tells its colours once and then turns dark or light with the theme. A
     // panel that was of another kind than the theme stays as it is.
     if (m_panelFollowsTheme)
-        m_panelGround = groundOf(m_appearance);
+        m_panelBackground = backgroundOf(m_appearance);
     if (m_window == XCB_WINDOW_NONE)
         return;
     askForWidth();
@@ -443,15 +443,15 @@ void XembedPresentation::readBehind()
     const QSize size = m_slot.boundedTo(largestDrawing);
     if (m_format.isTransparent() || m_behind.size() == size)
         return;
-    // Our own drawing off, the parent's ground shows through and can be read.
+    // Our own drawing off, the parent's background shows through and can be read.
     xcb_clear_area(m_x.connection(), 0, m_window, 0, 0, 0, 0);
     m_drawn = {};
     m_behind = readImage(m_x, m_window, m_format, size);
     if (m_behind.isNull()) {
         m_behind = QImage(size, QImage::Format_ARGB32_Premultiplied);
-        m_behind.fill(fallbackGround);
+        m_behind.fill(fallbackBackground);
     }
-    m_seenGround = brightness(m_behind) > 0.5 ? Ground::Light : Ground::Dark;
+    m_seenBackground = brightness(m_behind) > 0.5 ? Background::Light : Background::Dark;
 }
 
 void XembedPresentation::fitSlot()

@@ -89,9 +89,9 @@ private:
     int m_askedHeight = 0;
     QTimer m_settle;
     bool m_narrow = false; // The panel has had its time and gives less than the label needs.
-    std::optional<Ground> m_panelGround; // As the panel says.
+    std::optional<Background> m_panelBackground; // As the panel says.
     bool m_panelFollowsTheme = false; // It was of the theme's kind when it said so.
-    Ground m_seenGround = Ground::Dark; // As the pixels behind the item say.
+    Background m_seenBackground = Background::Dark; // As the pixels behind the item say.
     QImage m_behind; // What the panel shows where the item stands; null while not looked at, and
                      // with transparency.
     QImage m_drawn;

@@ -1,5 +1,7 @@
 #include "platform/linux/x11/xsettings.h"
 
+#include "platform/linux/x11/x_connection.h"
+
 #include <QtEndian>
 
 #include <xcb/xcb.h>
@@ -9,6 +11,8 @@ namespace {
 
 // More than any desktop announces; a larger property is no settings.
 constexpr int mostSettings = 1000;
+
+constexpr const char *settingsAtom = "_XSETTINGS_SETTINGS";
 
 /// Reads numbers and texts in the byte order that the property names.
 class Reader {
@@ -65,7 +69,7 @@ private:
 
 QHash<QString, QVariant> parseXSettings(const QByteArray &property)
 {
-    enum Type : quint8 { Integer = 0, Text = 1, Colour = 2 };
+    enum Type : quint8 { Integer = 0, Text = 1, Color = 2 };
 
     Reader reader(property);
     reader.setBigEndian(reader.byte() == XCB_IMAGE_ORDER_MSB_FIRST);
@@ -88,7 +92,7 @@ QHash<QString, QVariant> parseXSettings(const QByteArray &property)
         case Text:
             value = reader.text(reader.number<quint32>());
             break;
-        case Colour:
+        case Color:
             reader.skip(8);
             break;
         default:
@@ -103,30 +107,18 @@ QHash<QString, QVariant> parseXSettings(const QByteArray &property)
 XSettings::XSettings(XConnection &connection, QObject *parent)
     : QObject(parent)
     , m_connection(connection)
+    , m_manager(connection, "_XSETTINGS_S", XCB_EVENT_MASK_PROPERTY_CHANGE)
 {
-    if (!m_connection.isValid())
-        return;
+    connect(&m_manager, &ManagerSelection::changed, this, &XSettings::read);
     connect(&m_connection, &XConnection::eventReceived, this, &XSettings::handle);
-    m_selection = m_connection.atom(
-        QByteArray("_XSETTINGS_S" + QByteArray::number(m_connection.screenNumber())).constData());
-    // New managers announce themselves to the root window.
-    m_connection.selectInput(m_connection.screen()->root, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-    followManager();
-}
-
-void XSettings::followManager()
-{
-    m_manager = m_connection.selectionOwner(m_selection);
-    if (m_manager != 0)
-        m_connection.selectInput(
-            m_manager, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     read();
 }
 
 void XSettings::read()
 {
-    const auto values = m_manager != 0
-        ? parseXSettings(m_connection.property(m_manager, m_connection.atom("_XSETTINGS_SETTINGS")))
+    const xcb_window_t manager = m_manager.manager();
+    const auto values = manager != XCB_WINDOW_NONE
+        ? parseXSettings(m_connection.property(manager, m_connection.atom(settingsAtom)))
         : QHash<QString, QVariant>();
     if (values == m_values)
         return;
@@ -136,28 +128,12 @@ void XSettings::read()
 
 void XSettings::handle(const xcb_generic_event_t *event)
 {
-    switch (event->response_type & 0x7f) {
-    case XCB_CLIENT_MESSAGE: {
-        const auto *message = reinterpret_cast<const xcb_client_message_event_t *>(event);
-        if (message->type == m_connection.atom("MANAGER") && message->data.data32[1] == m_selection)
-            followManager();
-        break;
-    }
-    case XCB_PROPERTY_NOTIFY: {
-        const auto *change = reinterpret_cast<const xcb_property_notify_event_t *>(event);
-        if (change->window == m_manager && m_manager != 0
-            && change->atom == m_connection.atom("_XSETTINGS_SETTINGS"))
-            read();
-        break;
-    }
-    case XCB_DESTROY_NOTIFY:
-        if (m_manager != 0
-            && reinterpret_cast<const xcb_destroy_notify_event_t *>(event)->window == m_manager)
-            followManager();
-        break;
-    default:
-        break;
-    }
+    if ((event->response_type & 0x7f) != XCB_PROPERTY_NOTIFY)
+        return;
+    const auto *change = reinterpret_cast<const xcb_property_notify_event_t *>(event);
+    if (m_manager.manager() != XCB_WINDOW_NONE && change->window == m_manager.manager()
+        && change->atom == m_connection.atom(settingsAtom))
+        read();
 }
 
 } // namespace brimwatch::platform

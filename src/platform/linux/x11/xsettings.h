@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/x11/x_connection.h"
+#include "platform/linux/x11/manager_selection.h"
 
 #include <QByteArray>
 #include <QHash>
@@ -10,13 +10,16 @@
 
 namespace brimwatch::platform {
 
-/// The settings in the property of an XSETTINGS manager: name to a number or a text. Colours are
-/// left out. Bytes that are no settings give none, those cut short what came before the cut.
+class XConnection;
+
+/// The settings in the property of an XSETTINGS manager: name to a number or a text. Colors are
+/// left out. Bytes that are no settings give none, truncated ones what came before the cut.
 QHash<QString, QVariant> parseXSettings(const QByteArray &property);
 
 /// The desktop's settings as X11 desktops announce them (theme, fonts), by the XSETTINGS protocol.
-/// Follows changes, and a settings manager that comes, goes or is replaced.
-class XSettings : public QObject {
+/// Follows changes, and a settings manager that comes, goes or is replaced. Without a manager there
+/// are no settings.
+class XSettings final : public QObject {
     Q_OBJECT
 
 public:
@@ -30,13 +33,11 @@ Q_SIGNALS:
     void changed();
 
 private:
-    void followManager();
     void read();
     void handle(const xcb_generic_event_t *event);
 
     XConnection &m_connection;
-    xcb_atom_t m_selection = 0;
-    xcb_window_t m_manager = 0;
+    ManagerSelection m_manager;
     QHash<QString, QVariant> m_values;
 };
 

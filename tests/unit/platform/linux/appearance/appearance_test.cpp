@@ -45,7 +45,7 @@ class AppearanceTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void textIsLegibleOnItsGrounds_data()
+    void textIsLegibleOnItsBackgrounds_data()
     {
         QTest::addColumn<ColorToken>("token");
         QTest::addColumn<double>("least");
@@ -57,15 +57,15 @@ private Q_SLOTS:
         QTest::newRow("red") << ColorToken::SystemRed << 4.5;
         QTest::newRow("accent") << ColorToken::Accent << 4.5;
     }
-    void textIsLegibleOnItsGrounds()
+    void textIsLegibleOnItsBackgrounds()
     {
         QFETCH(ColorToken, token);
         QFETCH(double, least);
-        for (const Ground ground : {Ground::Light, Ground::Dark}) {
+        for (const Background background : {Background::Light, Background::Dark}) {
             for (const ColorToken behind :
                 {ColorToken::WindowBackground, ColorToken::ControlBackground}) {
                 const double value
-                    = contrast(systemColor(token, ground), systemColor(behind, ground));
+                    = contrast(systemColor(token, background), systemColor(behind, background));
                 QVERIFY2(value >= least, qPrintable(QString::number(value)));
             }
         }
@@ -73,17 +73,27 @@ private Q_SLOTS:
 
     void theAdaptiveGreenIsTheDesignsPair()
     {
-        QCOMPARE(systemColor(ColorToken::AdaptiveHealthyGreen, Ground::Dark),
+        QCOMPARE(systemColor(ColorToken::AdaptiveHealthyGreen, Background::Dark),
             (Rgba{0.20, 0.83, 0.45, 1}));
-        QCOMPARE(systemColor(ColorToken::AdaptiveHealthyGreen, Ground::Light),
+        QCOMPARE(systemColor(ColorToken::AdaptiveHealthyGreen, Background::Light),
             (Rgba{0.08, 0.52, 0.26, 1}));
     }
 
     void theTwoGreensDiffer()
     {
-        for (const Ground ground : {Ground::Light, Ground::Dark})
-            QVERIFY(!(systemColor(ColorToken::AdaptiveHealthyGreen, ground)
-                == systemColor(ColorToken::SystemGreen, ground)));
+        for (const Background background : {Background::Light, Background::Dark})
+            QVERIFY(!(systemColor(ColorToken::AdaptiveHealthyGreen, background)
+                == systemColor(ColorToken::SystemGreen, background)));
+    }
+
+    void greenCountsMostForHowBrightAColorIs()
+    {
+        QVERIFY(isBright({1, 1, 1, 1}));
+        QVERIFY(!isBright({0, 0, 0, 1}));
+        QVERIFY(isBright({0, 0.75, 0, 1}));
+        QVERIFY(!isBright({1, 0, 1, 1}));
+        QVERIFY(!isBright({0.49, 0.49, 0.49, 1}));
+        QVERIFY(isBright({0.51, 0.51, 0.51, 1}));
     }
 
     void xSettingsAreRead()
@@ -94,12 +104,13 @@ private Q_SLOTS:
         QCOMPARE(values.value(u"Xft/DPI"_s).toInt(), 98304);
     }
 
-    void xSettingsCutShortGiveWhatCameBefore()
+    void truncatedXSettingsGiveWhatCameBefore()
     {
-        const QByteArray whole = settingsProperty();
-        for (qsizetype length = 0; length < whole.size(); ++length)
-            QVERIFY(parseXSettings(whole.left(length)).size() < 2);
-        QCOMPARE(parseXSettings(whole.left(whole.size() - 1)).value(u"Net/ThemeName"_s).toString(),
+        const QByteArray complete = settingsProperty();
+        for (qsizetype length = 0; length < complete.size(); ++length)
+            QVERIFY(parseXSettings(complete.left(length)).size() < 2);
+        QCOMPARE(
+            parseXSettings(complete.left(complete.size() - 1)).value(u"Net/ThemeName"_s).toString(),
             u"Adwaita-dark"_s);
     }
 
@@ -135,7 +146,7 @@ private Q_SLOTS:
         QVERIFY(!appearance.isDark());
         QCOMPARE(appearance.textScale(), 1.0);
         QCOMPARE(
-            appearance.color(ColorToken::Label), systemColor(ColorToken::Label, Ground::Light));
+            appearance.color(ColorToken::Label), systemColor(ColorToken::Label, Background::Light));
     }
 
     void kdesColorsFontAndAccentAreFollowed()
@@ -163,8 +174,8 @@ private Q_SLOTS:
             "2\n");
         const DesktopAppearance appearance(noBus(), nullptr, home.path());
         QVERIFY(!appearance.isDark());
-        QCOMPARE(
-            appearance.color(ColorToken::Accent), systemColor(ColorToken::Accent, Ground::Light));
+        QCOMPARE(appearance.color(ColorToken::Accent),
+            systemColor(ColorToken::Accent, Background::Light));
     }
 
     void kdesAnimationSpeedCanMeanNoMotion_data()

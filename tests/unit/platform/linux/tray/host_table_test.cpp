@@ -64,7 +64,7 @@ void HostTableTest::panelsOfBothProtocolsEmbedTheWideLabel()
 {
     QFETCH(const QString, executable);
     QFETCH(const QString, host);
-    const HostChoice expected{.host = host, .wished = PresentationKind::XembedWide};
+    const HostChoice expected{.host = host, .presentation = PresentationKind::XembedWide};
     QCOMPARE(chooseHost(bothKnown(watcher(executable), manager(executable))), expected);
     // A manager whose program the system hides is the known watcher's.
     QCOMPARE(chooseHost(bothKnown(watcher(executable), manager({}))), expected);
@@ -74,7 +74,7 @@ void HostTableTest::watchersAreKnownByTheirPrograms_data()
 {
     QTest::addColumn<QString>("executable");
     QTest::addColumn<QString>("host");
-    QTest::addColumn<PresentationKind>("wished");
+    QTest::addColumn<PresentationKind>("presentation");
     QTest::newRow("waybar") << u"/usr/bin/waybar"_s << u"waybar"_s << PresentationKind::SniWide;
     QTest::newRow("Plasma 5") << u"/usr/bin/kded5"_s << u"plasma"_s << PresentationKind::SniBadge;
     QTest::newRow("Plasma 6") << u"/usr/bin/kded6"_s << u"plasma"_s << PresentationKind::SniBadge;
@@ -90,8 +90,8 @@ void HostTableTest::watchersAreKnownByTheirPrograms()
 {
     QFETCH(const QString, executable);
     QFETCH(const QString, host);
-    QFETCH(const PresentationKind, wished);
-    const HostChoice expected{.host = host, .wished = wished};
+    QFETCH(const PresentationKind, presentation);
+    const HostChoice expected{.host = host, .presentation = presentation};
     QCOMPARE(chooseHost(bothKnown(watcher(executable), {})), expected);
     // Beside the tray manager that the same desktop may bring, which shows squares at best.
     QCOMPARE(chooseHost(bothKnown(watcher(executable), manager(u"/usr/bin/xembedsniproxy"_s))),
@@ -102,7 +102,7 @@ void HostTableTest::barsThatOnlyEmbedAreToldApart_data()
 {
     QTest::addColumn<QString>("executable");
     QTest::addColumn<QString>("host");
-    QTest::addColumn<PresentationKind>("wished");
+    QTest::addColumn<PresentationKind>("presentation");
     QTest::newRow("trayer") << u"/usr/bin/trayer"_s << u"trayer"_s << PresentationKind::XembedWide;
     QTest::newRow("i3bar") << u"/usr/bin/i3bar"_s << u"i3bar"_s << PresentationKind::XembedBadge;
     QTest::newRow("polybar") << u"polybar"_s << u"polybar"_s << PresentationKind::XembedBadge;
@@ -116,9 +116,9 @@ void HostTableTest::barsThatOnlyEmbedAreToldApart()
 {
     QFETCH(const QString, executable);
     QFETCH(const QString, host);
-    QFETCH(const PresentationKind, wished);
+    QFETCH(const PresentationKind, presentation);
     QCOMPARE(chooseHost(bothKnown({}, manager(executable))),
-        (HostChoice{.host = host, .wished = wished}));
+        (HostChoice{.host = host, .presentation = presentation}));
 }
 
 void HostTableTest::withNobodyThereIsNothingToWaitFor()
@@ -130,7 +130,7 @@ void HostTableTest::aTrayManagerKnownToBeRightDoesNotWaitForTheBus()
 {
     const HostChoice choice = chooseHost(
         {.watcherKnown = false, .watcher = {}, .manager = manager(u"/usr/bin/trayer"_s)});
-    QCOMPARE(choice.wished, PresentationKind::XembedWide);
+    QCOMPARE(choice.presentation, PresentationKind::XembedWide);
     QVERIFY(choice.settled);
 }
 
@@ -138,7 +138,7 @@ void HostTableTest::anUnknownTrayManagerWaitsForTheBus()
 {
     const HostChoice choice
         = chooseHost({.watcherKnown = false, .watcher = {}, .manager = manager(u"/bin/bar"_s)});
-    QCOMPARE(choice.wished, PresentationKind::XembedWide);
+    QCOMPARE(choice.presentation, PresentationKind::XembedWide);
     QVERIFY(!choice.settled);
 }
 
@@ -147,7 +147,7 @@ void HostTableTest::aPanelOfBothProtocolsIsGivenTimeForItsTrayManager()
     const HostChoice choice = chooseHost(bothKnown(watcher(xfceTray), {}));
     QCOMPARE(choice.host, u"xfce4-panel"_s);
     // A picture as wide as the label would be squeezed there.
-    QCOMPARE(choice.wished, PresentationKind::SniPortable);
+    QCOMPARE(choice.presentation, PresentationKind::SniPortable);
     QVERIFY(!choice.settled);
 }
 
@@ -155,14 +155,14 @@ void HostTableTest::aWatcherWithoutAHostGivesWayToATrayManager()
 {
     QCOMPARE(
         chooseHost(bothKnown(watcher(u"/usr/bin/kded5"_s, false), manager(u"/usr/bin/i3bar"_s))),
-        (HostChoice{.host = u"i3bar"_s, .wished = PresentationKind::XembedBadge}));
+        (HostChoice{.host = u"i3bar"_s, .presentation = PresentationKind::XembedBadge}));
 }
 
 void HostTableTest::aWatcherThatHasNotSaidWhetherItHasAHostIsGivenTime()
 {
     const HostChoice choice = chooseHost(
         bothKnown(watcher(u"/usr/bin/kded5"_s, std::nullopt), manager(u"/usr/bin/i3bar"_s)));
-    QCOMPARE(choice.wished, PresentationKind::SniBadge);
+    QCOMPARE(choice.presentation, PresentationKind::SniBadge);
     QVERIFY(!choice.settled);
 }
 
@@ -170,7 +170,7 @@ void HostTableTest::aWatcherAloneIsNotAskedForItsHost()
 {
     for (const std::optional<bool> hasHost : {std::optional<bool>(), std::optional(false)}) {
         const HostChoice choice = chooseHost(bothKnown(watcher(u"/usr/bin/kded5"_s, hasHost), {}));
-        QCOMPARE(choice.wished, PresentationKind::SniBadge);
+        QCOMPARE(choice.presentation, PresentationKind::SniBadge);
         QVERIFY(choice.settled);
     }
 }
@@ -178,7 +178,7 @@ void HostTableTest::aWatcherAloneIsNotAskedForItsHost()
 void HostTableTest::aKnownTrayManagerWinsOverAnUnknownWatcher()
 {
     QCOMPARE(chooseHost(bothKnown(watcher(u"/usr/bin/other"_s), manager(u"/usr/bin/trayer"_s))),
-        (HostChoice{.host = u"trayer"_s, .wished = PresentationKind::XembedWide}));
+        (HostChoice{.host = u"trayer"_s, .presentation = PresentationKind::XembedWide}));
 }
 
 void HostTableTest::programsAreKnownByWholePathComponents()

@@ -83,25 +83,25 @@ private Q_SLOTS:
             QCOMPARE(m_painter.size(labelOf(text), look).width(), width);
     }
 
-    void eachRunHasItsColourOnEachGround()
+    void eachRunHasItsColourOnEachBackground()
     {
         LabelComposition label;
         label.title
             = {model::TextRun{.text = u"5h: 80%"_s, .color = ColorToken::AdaptiveHealthyGreen},
                 model::TextRun{.text = u" · "_s, .color = ColorToken::SecondaryLabel},
                 model::TextRun{.text = u"W: 55%"_s, .color = ColorToken::SystemOrange}};
-        for (const Ground ground : {Ground::Light, Ground::Dark}) {
-            const QImage image = m_painter.image(label, {.ground = ground});
-            QVERIFY(inkOf(image, systemColor(ColorToken::AdaptiveHealthyGreen, ground)) > 10);
-            QVERIFY(inkOf(image, systemColor(ColorToken::SystemOrange, ground)) > 10);
+        for (const Background background : {Background::Light, Background::Dark}) {
+            const QImage image = m_painter.image(label, {.background = background});
+            QVERIFY(inkOf(image, systemColor(ColorToken::AdaptiveHealthyGreen, background)) > 10);
+            QVERIFY(inkOf(image, systemColor(ColorToken::SystemOrange, background)) > 10);
         }
     }
 
     void theIconIsDrawnInTheColourOfThePanelsTexts()
     {
-        for (const Ground ground : {Ground::Light, Ground::Dark}) {
-            const QImage image = m_painter.image(iconAlone(), {.ground = ground});
-            QVERIFY(inkOf(image, systemColor(ColorToken::Label, ground)) > 10);
+        for (const Background background : {Background::Light, Background::Dark}) {
+            const QImage image = m_painter.image(iconAlone(), {.background = background});
+            QVERIFY(inkOf(image, systemColor(ColorToken::Label, background)) > 10);
         }
     }
 
@@ -145,7 +145,7 @@ private Q_SLOTS:
     {
         const QImage image = m_painter.squareImage(iconAlone(), {}, 22);
         QCOMPARE(image.size(), QSize(22, 22));
-        QVERIFY(inkOf(image, systemColor(ColorToken::Label, Ground::Dark)) > 20);
+        QVERIFY(inkOf(image, systemColor(ColorToken::Label, Background::Dark)) > 20);
         QVERIFY(!hasInkAtEdge(image));
     }
 
@@ -160,15 +160,16 @@ private Q_SLOTS:
         QFETCH(int, side);
         const auto upperAndLower = badgeOf({{.text = u"100"_s, .color = ColorToken::SystemRed},
             {.text = u"42"_s, .color = ColorToken::SystemOrange}});
-        for (const Ground ground : {Ground::Light, Ground::Dark}) {
-            const QImage image = m_painter.squareImage(upperAndLower, {.ground = ground}, side);
+        for (const Background background : {Background::Light, Background::Dark}) {
+            const QImage image
+                = m_painter.squareImage(upperAndLower, {.background = background}, side);
             QCOMPARE(image.size(), QSize(side, side));
             const QImage upper = image.copy(0, 0, side, side / 2);
             const QImage lower = image.copy(0, (side + 1) / 2, side, side / 2);
-            QVERIFY(inkOf(upper, systemColor(ColorToken::SystemRed, ground)) > side / 2);
-            QCOMPARE(inkOf(upper, systemColor(ColorToken::SystemOrange, ground)), 0);
-            QVERIFY(inkOf(lower, systemColor(ColorToken::SystemOrange, ground)) > side / 2);
-            QCOMPARE(inkOf(lower, systemColor(ColorToken::SystemRed, ground)), 0);
+            QVERIFY(inkOf(upper, systemColor(ColorToken::SystemRed, background)) > side / 2);
+            QCOMPARE(inkOf(upper, systemColor(ColorToken::SystemOrange, background)), 0);
+            QVERIFY(inkOf(lower, systemColor(ColorToken::SystemOrange, background)) > side / 2);
+            QCOMPARE(inkOf(lower, systemColor(ColorToken::SystemRed, background)), 0);
         }
     }
 
@@ -176,7 +177,7 @@ private Q_SLOTS:
     {
         const QImage image = m_painter.squareImage(
             badgeOf({{.text = u"42"_s, .color = ColorToken::SystemOrange}}), {}, 24);
-        const Rgba orange = systemColor(ColorToken::SystemOrange, Ground::Dark);
+        const Rgba orange = systemColor(ColorToken::SystemOrange, Background::Dark);
         QVERIFY(inkOf(image.copy(0, 8, 24, 8), orange) > 20);
         QCOMPARE(inkOf(image.copy(0, 0, 24, 3), orange), 0);
         QCOMPARE(inkOf(image.copy(0, 21, 24, 3), orange), 0);
@@ -192,7 +193,8 @@ private Q_SLOTS:
             // Turned round: a block in the number's colour with the digits cut out.
             QVERIFY(qAlpha(picture(true).pixel(0, side / 2)) > 200);
             QCOMPARE(qAlpha(picture(false).pixel(0, side / 2)), 0);
-            QVERIFY(inkOf(picture(true), systemColor(ColorToken::WindowBackground, Ground::Dark))
+            QVERIFY(
+                inkOf(picture(true), systemColor(ColorToken::WindowBackground, Background::Dark))
                 > side / 2);
         }
     }

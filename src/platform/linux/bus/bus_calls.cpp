@@ -1,0 +1,65 @@
+#include "platform/linux/bus/bus_calls.h"
+
+#include <QDBusPendingCallWatcher>
+#include <QDBusReply>
+#include <QString>
+#include <QVariantList>
+
+#include <utility>
+
+namespace brimwatch::platform::bus {
+
+using namespace Qt::Literals::StringLiterals;
+
+void whenAnswered(const QDBusConnection &bus, const QDBusMessage &call, QObject *context,
+    std::chrono::milliseconds timeout, Answered answered)
+{
+    auto *watcher = new QDBusPendingCallWatcher(
+        bus.asyncCall(call, static_cast<int>(timeout.count())), context);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context,
+        [answered = std::move(answered)](QDBusPendingCallWatcher *finished) {
+            finished->deleteLater();
+            answered(finished->reply());
+        });
+}
+
+QDBusMessage daemonCall(const QString &member, const QVariantList &arguments)
+{
+    auto call = QDBusMessage::createMethodCall(
+        daemonService, u"/org/freedesktop/DBus"_s, daemonService, member);
+    call.setArguments(arguments);
+    return call;
+}
+
+void requestName(const QDBusConnection &bus, const QString &name, QObject *context,
+    std::chrono::milliseconds timeout, std::function<void(NameResult)> answered)
+{
+    constexpr uint doNotQueue = 4;
+    constexpr uint primaryOwner = 1;
+    constexpr uint exists = 3;
+    constexpr uint alreadyOwner = 4;
+    whenAnswered(bus, daemonCall(u"RequestName"_s, {name, doNotQueue}), context, timeout,
+        [answered = std::move(answered)](const QDBusReply<uint> &reply) {
+            const uint result = reply.isValid() ? reply.value() : 0;
+            if (result == primaryOwner || result == alreadyOwner)
+                answered(NameResult::Owner);
+            else
+                answered(result == exists ? NameResult::Taken : NameResult::Refused);
+        });
+}
+
+void releaseName(const QDBusConnection &bus, const QString &name)
+{
+    bus.send(daemonCall(u"ReleaseName"_s, {name}));
+}
+
+void findOwner(const QDBusConnection &bus, const QString &name, QObject *context,
+    std::chrono::milliseconds timeout, std::function<void(const QString &owner)> answered)
+{
+    whenAnswered(bus, daemonCall(u"GetNameOwner"_s, {name}), context, timeout,
+        [answered = std::move(answered)](const QDBusReply<QString> &reply) {
+            answered(reply.isValid() ? reply.value() : QString());
+        });
+}
+
+} // namespace brimwatch::platform::bus

@@ -179,20 +179,20 @@ private:
 };
 
 /// What a second start says as it ends, and its exit status.
-int endSecondStart(platform::SingleInstance::Standing standing)
+int endSecondStart(platform::SingleInstance::Outcome outcome)
 {
-    using Standing = platform::SingleInstance::Standing;
-    switch (standing) {
-    case Standing::OtherSilent:
+    using Outcome = platform::SingleInstance::Outcome;
+    switch (outcome) {
+    case Outcome::OtherSilent:
         std::fputs("brimwatch: already running, but it does not answer\n", stderr);
         return 1;
-    case Standing::OtherLocked:
+    case Outcome::OtherLocked:
         std::fputs("brimwatch: already running; there is no session bus over which to ask it to "
                    "open its popover\n",
             stderr);
         return 0;
-    case Standing::OtherShown:
-    case Standing::First:
+    case Outcome::OtherShown:
+    case Outcome::First:
         break;
     }
     std::fputs("brimwatch: already running; its popover is open now\n", stderr);
@@ -207,18 +207,18 @@ int run(int argc, char **argv, QString &path)
     const auto bus = QDBusConnection::sessionBus();
     // On the bus before the name is ours, so that nobody finds the name without it.
     platform::BusService busService(bus, QCoreApplication::applicationVersion());
-    platform::SingleInstance onlyInstance(bus, qEnvironmentVariable("XDG_RUNTIME_DIR"));
+    platform::SingleInstance singleInstance(bus, qEnvironmentVariable("XDG_RUNTIME_DIR"));
     std::optional<LinuxProgram> program;
-    QObject::connect(&onlyInstance, &platform::SingleInstance::decided, application.get(),
-        [&](platform::SingleInstance::Standing standing) {
-            if (standing != platform::SingleInstance::Standing::First) {
-                QCoreApplication::exit(endSecondStart(standing));
+    QObject::connect(&singleInstance, &platform::SingleInstance::decided, application.get(),
+        [&](platform::SingleInstance::Outcome outcome) {
+            if (outcome != platform::SingleInstance::Outcome::First) {
+                QCoreApplication::exit(endSecondStart(outcome));
                 return;
             }
             program.emplace(bus, busService);
             program->launch();
         });
-    onlyInstance.claim();
+    singleInstance.claim();
     return QGuiApplication::exec();
 }
 

@@ -46,7 +46,7 @@ void SingleInstance::requestName(Attempt attempt)
         u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, u"RequestName"_s);
     request << QString(bus::service) << doNotQueue;
     auto *watcher
-        = new QDBusPendingCallWatcher(m_bus.asyncCall(request, int(patience.count())), this);
+        = new QDBusPendingCallWatcher(m_bus.asyncCall(request, int(timeout.count())), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
         [this, attempt](QDBusPendingCallWatcher *call) {
             call->deleteLater();
@@ -58,7 +58,7 @@ void SingleInstance::requestName(Attempt attempt)
             else if (reply.value() == exists && attempt == Attempt::First)
                 askOther();
             else
-                Q_EMIT decided(Standing::OtherSilent);
+                Q_EMIT decided(Outcome::OtherSilent);
         });
 }
 
@@ -66,12 +66,12 @@ void SingleInstance::askOther()
 {
     auto show = QDBusMessage::createMethodCall(bus::service, bus::path, bus::interface, u"Show"_s);
     show.setAutoStartService(false);
-    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(show, int(patience.count())), this);
+    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(show, int(timeout.count())), this);
     connect(
         watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
             call->deleteLater();
             if (!call->isError())
-                Q_EMIT decided(Standing::OtherShown);
+                Q_EMIT decided(Outcome::OtherShown);
             else
                 // It may have been about to end: then the name is free now.
                 requestName(Attempt::AfterSilence);
@@ -84,16 +84,16 @@ void SingleInstance::decideByName()
     // another session's bus.
     if (m_lock)
         m_lock->tryLock();
-    Q_EMIT decided(Standing::First);
+    Q_EMIT decided(Outcome::First);
 }
 
 void SingleInstance::decideByLock()
 {
     // Only a lock that another holds says that there is another: no room for one says nothing.
     if (m_lock && !m_lock->tryLock() && m_lock->error() == QLockFile::LockFailedError)
-        Q_EMIT decided(Standing::OtherLocked);
+        Q_EMIT decided(Outcome::OtherLocked);
     else
-        Q_EMIT decided(Standing::First);
+        Q_EMIT decided(Outcome::First);
 }
 
 } // namespace brimwatch::platform

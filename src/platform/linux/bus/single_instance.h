@@ -20,7 +20,7 @@ class SingleInstance final : public QObject {
     Q_OBJECT
 
 public:
-    enum class Standing {
+    enum class Outcome {
         First, ///< We are. Also where neither bus nor lock file can tell.
         OtherShown, ///< Another is, and has been asked to open its popover.
         OtherSilent, ///< Another is, and does not answer.
@@ -28,7 +28,7 @@ public:
     };
 
     /// How long the other one has to answer.
-    static constexpr std::chrono::milliseconds patience{2000};
+    static constexpr std::chrono::milliseconds timeout{2000};
 
     /// `runtimeFolder` is the user's own folder for what lives as long as the session; empty when
     /// there is none.
@@ -44,7 +44,7 @@ public:
     void claim();
 
 Q_SIGNALS:
-    void decided(brimwatch::platform::SingleInstance::Standing standing);
+    void decided(brimwatch::platform::SingleInstance::Outcome outcome);
 
 private:
     enum class Attempt { First, AfterSilence };

@@ -16,6 +16,7 @@
 #include "platform/linux/desktop/resume_watch.h"
 #include "platform/linux/linux_app_information.h"
 #include "platform/linux/popover/layer_popover.h"
+#include "platform/linux/popover/layer_shell.h"
 #include "platform/linux/popover/window_popover.h"
 #include "platform/linux/popover/x11_popover.h"
 #include "platform/linux/symbols/svg_symbols.h"
@@ -65,13 +66,13 @@ platform::PopoverContentFactory unlessReplaced(platform::PopoverContentFactory f
 }
 
 /// The popover of this session. The connection outlives it.
-std::unique_ptr<platform::Popover> makePopover(
-    platform::PopoverContentFactory views, platform::XConnection &xConnection)
+std::unique_ptr<platform::Popover> makePopover(platform::PopoverContentFactory views,
+    platform::XConnection &xConnection, const platform::LayerShell *layerShell)
 {
     auto factory = unlessReplaced(std::move(views));
-    if (platform::LayerSurface::isOffered())
+    if (layerShell != nullptr)
         return std::make_unique<platform::LayerPopover>(
-            std::move(factory), [&xConnection](const QSize &desktop) {
+            *layerShell, std::move(factory), [&xConnection](const QSize &desktop) {
                 return platform::kwinPanels(desktop, xConnection);
             });
     // Compositors put everything together.
@@ -124,7 +125,7 @@ public:
               .makeStatusItem = [this] { return makeStatusItem(); },
               .makePopover =
                   [this](platform::PopoverContentFactory views) {
-                      return makePopover(std::move(views), m_xConnection);
+                      return makePopover(std::move(views), m_xConnection, m_layerShell.get());
                   },
               .remoteControl = &m_remoteControl})
     {
@@ -163,6 +164,7 @@ private:
     SystemClock m_clock;
     service::SettingsStore m_settings;
     QDBusConnection m_bus;
+    std::unique_ptr<platform::LayerShell> m_layerShell = platform::LayerShell::bind();
     platform::XConnection m_xConnection;
     platform::XSettings m_xSettings;
     platform::DesktopAppearance m_appearance;

@@ -1,6 +1,7 @@
 #include "app/toolkit_setup.h"
 
 #include "platform/linux/popover/layer_shell.h"
+#include "platform/linux/popover/layer_surface.h"
 #include "platform/linux/popover/popup_accessibility.h"
 
 #include <QByteArray>
@@ -80,7 +81,7 @@ std::unique_ptr<QGuiApplication> makeApplication(int &argc, char **argv)
     const bool onWayland = qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
     if (onWayland && !usersChoice && platform::compositorHasLayerShell()) {
         qputenv("QT_QPA_PLATFORM", "wayland;xcb");
-        platform::leaveWindowsWithoutRoles();
+        platform::leaveBypassingWindowsWithoutRole();
     } else if (!usersChoice && qEnvironmentVariableIsSet("DISPLAY")) {
         qputenv("QT_QPA_PLATFORM", onWayland ? "xcb;wayland" : "xcb");
     }

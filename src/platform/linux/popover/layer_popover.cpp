@@ -181,7 +181,7 @@ bool LayerPopover::open()
         covers = m_catchers[index]->cover(screens[i]) || covers;
     }
     if (!covers) {
-        qCWarning(layerLog) << "the compositor shows no overlay of ours; the popover stays closed";
+        qCWarning(layerLog) << "the compositor shows no overlay of ours - no popover";
         return false;
     }
     m_shown = true;

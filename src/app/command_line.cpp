@@ -17,22 +17,22 @@ constexpr auto usage = "Usage: brimwatch [--version | --help]\n"
 
 } // namespace
 
-std::optional<int> answerCommandLine(int argc, const char *const *argv)
+std::optional<ExitStatus> answerCommandLine(int argc, const char *const *argv)
 {
     if (argc < 2)
         return {};
     const std::string_view argument = argv[1];
     if (argc == 2 && argument == "--version") {
         std::puts("brimwatch " BRIMWATCH_VERSION);
-        return 0;
+        return ExitStatus::Success;
     }
     if (argc == 2 && argument == "--help") {
         std::fputs(usage, stdout);
-        return 0;
+        return ExitStatus::Success;
     }
     const char *unknown = argument == "--version" || argument == "--help" ? argv[2] : argv[1];
     std::fprintf(stderr, "brimwatch: unknown argument '%s'\n%s", unknown, usage);
-    return 2;
+    return ExitStatus::UsageError;
 }
 
 } // namespace brimwatch::app

@@ -1,12 +1,13 @@
 #pragma once
 
+#include "app/exit_status.h"
+
 #include <optional>
 
 namespace brimwatch::app {
 
-/// Answers what was asked on the command line. Absent when nothing was: the program goes on. Else
-/// its exit status: 0 after
-/// --version and --help, 2 after anything that it does not know.
-std::optional<int> answerCommandLine(int argc, const char *const *argv);
+/// Answers what the command line asks: --version and --help, and a usage error for all that it does
+/// not know. Absent where it asks nothing, and the program is to run.
+std::optional<ExitStatus> answerCommandLine(int argc, const char *const *argv);
 
 } // namespace brimwatch::app

@@ -1,5 +1,6 @@
+#include "app/app_delegate.h"
 #include "app/command_line.h"
-#include "app/program.h"
+#include "app/views_library.h"
 #include "platform/macos/mac_appearance.h"
 #include "platform/macos/mac_application_presence.h"
 #include "platform/macos/mac_information.h"
@@ -15,6 +16,7 @@
 
 #include <QGuiApplication>
 
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -23,42 +25,37 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// What macOS brings, and the program on it.
-class MacProgram {
+/// What macOS gives the program.
+class MacDesktop {
 public:
-    MacProgram()
-        : m_settings(
-              service::SettingsStore::UserDefaults{.domain = QStringLiteral(BRIMWATCH_IDENTIFIER)})
-        , m_program({.settings = m_settings,
-              .appearance = m_appearance,
-              .presence = m_presence,
-              .loginItem = m_loginItem,
-              .notifier = m_notifier,
-              .opener = m_opener,
-              .pasteboard = m_pasteboard,
-              .symbols = m_symbols,
-              .information = platform::macAppInformation(),
-              .makeStatusItem =
-                  [this] {
-                      auto item = std::make_unique<platform::MacStatusItem>();
-                      m_statusItem = item.get();
-                      return item;
-                  },
-              .makePopover =
-                  [this](platform::PopoverContentFactory factory) {
-                      return std::make_unique<platform::MacPopover>(
-                          std::move(factory), [item = m_statusItem] { return item->button(); });
-                  }})
+    /// Refers to this object.
+    platform::Desktop desktop()
     {
+        return {.appearance = m_appearance,
+            .presence = m_presence,
+            .loginItem = m_loginItem,
+            .notifier = m_notifier,
+            .opener = m_opener,
+            .pasteboard = m_pasteboard,
+            .symbols = m_symbols,
+            .information = platform::macAppInformation(),
+            .makeStatusItem =
+                [this] {
+                    auto item = std::make_unique<platform::MacStatusItem>();
+                    m_statusItem = item.get();
+                    return item;
+                },
+            .makePopover =
+                [this](platform::PopoverContentFactory views) {
+                    return std::make_unique<platform::MacPopover>(
+                        std::move(views), [item = m_statusItem] { return item->button(); });
+                }};
     }
 
-    void launchWhenLaunched()
-    {
-        m_presence.whenLaunched([this] { m_program.launch(); });
-    }
+    /// Calls `action` once AppKit has launched the application.
+    void whenLaunched(std::function<void()> action) { m_presence.whenLaunched(std::move(action)); }
 
 private:
-    service::SettingsStore m_settings;
     platform::MacAppearance m_appearance;
     platform::MacOpener m_opener;
     platform::MacLoginItem m_loginItem;
@@ -67,8 +64,7 @@ private:
     platform::MacPasteboard m_pasteboard;
     platform::MacApplicationPresence m_presence;
     platform::MacStatusItem *m_statusItem
-        = nullptr; ///< The program's, which the popover stands at.
-    app::Program m_program;
+        = nullptr; ///< The program's; the popover is placed at it.
 };
 
 } // namespace
@@ -76,12 +72,15 @@ private:
 int main(int argc, char **argv)
 {
     if (const auto answered = app::answerCommandLine(argc, argv))
-        return *answered;
+        return static_cast<int>(*answered);
     platform::logToTheSystem();
     QCoreApplication::setApplicationName(u"Brimwatch"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(BRIMWATCH_VERSION));
     const QGuiApplication application(argc, argv);
-    MacProgram program;
-    program.launchWhenLaunched();
+    service::SettingsStore settings(
+        service::SettingsStore::UserDefaults{.domain = QStringLiteral(BRIMWATCH_IDENTIFIER)});
+    MacDesktop desktop;
+    app::AppDelegate delegate(settings, desktop.desktop(), app::viewsFromLibrary);
+    desktop.whenLaunched([&delegate] { delegate.applicationDidFinishLaunching(); });
     return QGuiApplication::exec();
 }

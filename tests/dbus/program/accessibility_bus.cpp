@@ -18,7 +18,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr int patience = 30'000; // Milliseconds; nothing that works comes near it.
+constexpr int timeout = 30'000; // Milliseconds; nothing that works comes near it.
 constexpr int deepest = 64;
 constexpr qsizetype mostChildren = 1000;
 
@@ -81,7 +81,7 @@ QString launcherProgram()
 QString busAddress()
 {
     QDBusInterface launcher(u"org.a11y.Bus"_s, u"/org/a11y/bus"_s, u"org.a11y.Bus"_s);
-    launcher.setTimeout(patience);
+    launcher.setTimeout(timeout);
     const QDBusReply<QString> address = launcher.call(u"GetAddress"_s);
     return address.value();
 }
@@ -111,13 +111,13 @@ AccessibilityBus::AccessibilityBus()
     m_launcher.setProcessEnvironment(environment);
     m_launcher.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_launcher.start(launcherProgram(), {u"--launch-immediately"_s, u"--a11y=1"_s});
-    const bool isThere = m_launcher.waitForStarted(patience)
+    const bool isThere = m_launcher.waitForStarted(timeout)
         && QTest::qWaitFor(
             [] {
                 const auto *bus = QDBusConnection::sessionBus().interface();
                 return bus->isServiceRegistered(u"org.a11y.Bus"_s).value();
             },
-            patience);
+            timeout);
     if (!isThere)
         qFatal("at-spi-bus-launcher did not start: %s", qPrintable(m_launcher.errorString()));
     m_bus = QDBusConnection::connectToBus(busAddress(), u"accessibility"_s);
@@ -133,7 +133,7 @@ AccessibilityBus::~AccessibilityBus()
     m_bus = QDBusConnection(u"none"_s);
     QDBusConnection::disconnectFromBus(u"accessibility"_s);
     m_launcher.terminate();
-    if (!m_launcher.waitForFinished(patience))
+    if (!m_launcher.waitForFinished(timeout))
         m_launcher.kill();
 }
 
@@ -235,7 +235,7 @@ QDBusMessage AccessibilityBus::call(const AccessibleAddress &address, const QStr
 {
     auto message = QDBusMessage::createMethodCall(address.service, address.path, interface, member);
     message.setArguments(arguments);
-    return m_bus.call(message, QDBus::Block, patience);
+    return m_bus.call(message, QDBus::Block, timeout);
 }
 
 QVariant AccessibilityBus::property(

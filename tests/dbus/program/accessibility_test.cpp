@@ -32,7 +32,7 @@ using test::AccessibleNode;
 
 namespace {
 
-constexpr int patience = 30'000; // Milliseconds; nothing that works comes near it.
+constexpr int timeout = 30'000; // Milliseconds; nothing that works comes near it.
 
 QString quoted(const QString &text)
 {
@@ -180,8 +180,8 @@ QString pasted()
 {
     QProcess reader;
     reader.start(u"xclip"_s, {u"-o"_s, u"-selection"_s, u"clipboard"_s});
-    return reader.waitForFinished(patience) ? QString::fromUtf8(reader.readAllStandardOutput())
-                                            : QString();
+    return reader.waitForFinished(timeout) ? QString::fromUtf8(reader.readAllStandardOutput())
+                                           : QString();
 }
 
 /// A program that runs for as long as this lives.
@@ -191,14 +191,14 @@ public:
     ~Running()
     {
         m_process.kill();
-        m_process.waitForFinished(patience);
+        m_process.waitForFinished(timeout);
     }
     Running(const Running &) = delete;
     Running &operator=(const Running &) = delete;
     Running(Running &&) = delete;
     Running &operator=(Running &&) = delete;
 
-    bool isStarted() { return m_process.waitForStarted(patience); }
+    bool isStarted() { return m_process.waitForStarted(timeout); }
 
 private:
     QProcess m_process;
@@ -216,7 +216,7 @@ public:
         if (!end())
             m_program.kill();
         // The next one shall find the bus empty.
-        static_cast<void>(QTest::qWaitFor([this] { return m_bus.programs().isEmpty(); }, patience));
+        static_cast<void>(QTest::qWaitFor([this] { return m_bus.programs().isEmpty(); }, timeout));
     }
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
@@ -229,7 +229,7 @@ public:
     bool end()
     {
         m_program.terminate();
-        return m_program.state() == QProcess::NotRunning || m_program.waitForFinished(patience);
+        return m_program.state() == QProcess::NotRunning || m_program.waitForFinished(timeout);
     }
 
     /// A daemon that answers quota that resets in 2 hours, 3 minutes and up to 59 seconds.
@@ -281,7 +281,7 @@ public:
                     const auto now = m_daemon.stats();
                     return now && now->requests > before->requests;
                 },
-                patience)
+                timeout)
             && await(isIdle);
     }
 
@@ -310,7 +310,7 @@ public:
         m_program.setProcessEnvironment(environment);
         m_program.setProcessChannelMode(QProcess::ForwardedChannels);
         m_program.start(QStringLiteral(BRIMWATCH_PROGRAM), QStringList());
-        return QTest::qWaitFor([this] { return !m_watcher.senders().isEmpty(); }, patience)
+        return QTest::qWaitFor([this] { return !m_watcher.senders().isEmpty(); }, timeout)
             && click() && await([](const AccessibleNode &all) {
                    return all.find(u"push button"_s, u"Quit"_s) != nullptr;
                });
@@ -330,7 +330,7 @@ public:
                 const auto all = m_bus.read(program);
                 return all && condition(*all);
             },
-            patience);
+            timeout);
     }
     bool awaitOne(const QString &role, const QString &name) const
     {
@@ -351,7 +351,7 @@ public:
                 const auto node = one(role, name);
                 return node && m_bus.act(*node, action);
             },
-            patience);
+            timeout);
     }
 
     /// Waits until the settings file has the line.
@@ -363,7 +363,7 @@ public:
                     .split('\n')
                     .contains(line);
             },
-            patience);
+            timeout);
     }
 
     static inline const QString program = u"Brimwatch"_s;
@@ -431,7 +431,7 @@ void AccessibilityTest::compare(
                 const QString before = std::exchange(found, read());
                 return !found.isEmpty() && found == before;
             },
-            patience));
+            timeout));
         QVERIFY(write(path, found.toUtf8()));
     }
     const QString wanted = QString::fromUtf8(contents(path));
@@ -441,7 +441,7 @@ void AccessibilityTest::compare(
             found = read();
             return found == wanted;
         },
-        patience);
+        timeout);
     QVERIFY2(agrees, qPrintable(name + ", "_L1 + firstDifference(wanted, found)));
 }
 
@@ -586,7 +586,7 @@ void AccessibilityTest::aCopiedReportOutlivesThePopoverAndTheProgram()
     QVERIFY(session.act(u"push button"_s, u"Preferences"_s, u"Press"_s));
     QVERIFY(session.act(u"push button"_s, u"Copy Diagnostics"_s, u"Press"_s));
     QTRY_VERIFY_WITH_TIMEOUT(
-        pasted().startsWith("--- Brimwatch Diagnostics ---\nApp Version: "_L1), patience);
+        pasted().startsWith("--- Brimwatch Diagnostics ---\nApp Version: "_L1), timeout);
     const QString report = pasted();
     QVERIFY(report.contains("\nDaemon CSRF: 0123456789abcdef\n"_L1));
 
@@ -603,7 +603,7 @@ void AccessibilityTest::aCopiedReportOutlivesThePopoverAndTheProgram()
     Running manager(u"xclipboard"_s);
     QVERIFY(manager.isStarted());
     QTRY_VERIFY_WITH_TIMEOUT(
-        screen.clipboardOwner() != ours && screen.clipboardOwner() != XCB_NONE, patience);
+        screen.clipboardOwner() != ours && screen.clipboardOwner() != XCB_NONE, timeout);
     QVERIFY(session.end());
     QCOMPARE(pasted(), report);
 }
@@ -654,7 +654,7 @@ void AccessibilityTest::whileOnlySecondsPassNothingIsTold()
                 last = now;
                 return seen >= ticks;
             },
-            patience);
+            timeout);
         QVERIFY2(ticked, "the countdown on the screen stands still");
         const auto told = m_bus.heard();
         const auto requestsThen = session.daemon().stats();

@@ -22,8 +22,8 @@
 
 using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch;
-using test::patience;
 using test::Program;
+using test::timeout;
 
 namespace {
 
@@ -55,7 +55,7 @@ Ended run(const QString &program, const QStringList &arguments,
     QProcess process;
     process.setProcessEnvironment(environment);
     process.start(program, arguments);
-    process.waitForFinished(patience);
+    process.waitForFinished(timeout);
     return {.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
         .output = QString::fromUtf8(process.readAllStandardOutput()),
         .errors = QString::fromUtf8(process.readAllStandardError())};
@@ -90,12 +90,12 @@ public:
     {
         m_process.setProcessEnvironment(terminal());
         m_process.start(ctl(), QStringList{u"status"_s, u"--watch"_s} + arguments);
-        m_process.waitForStarted(patience);
+        m_process.waitForStarted(timeout);
     }
     ~Watching()
     {
         m_process.kill();
-        m_process.waitForFinished(patience);
+        m_process.waitForFinished(timeout);
     }
     Watching(const Watching &) = delete;
     Watching &operator=(const Watching &) = delete;
@@ -133,7 +133,7 @@ class BrimwatchctlTest : public QObject {
 private Q_SLOTS:
     void cleanup()
     {
-        QTRY_VERIFY_WITH_TIMEOUT(owner().isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(owner().isEmpty(), timeout);
         test::emptyHome();
     }
 
@@ -160,7 +160,7 @@ private Q_SLOTS:
         test::SampleDaemonProcess daemon;
         QVERIFY(startDaemon(daemon, 0.75));
         const Program program;
-        QTRY_VERIFY_WITH_TIMEOUT(!owner().isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!owner().isEmpty(), timeout);
         // The first one joins the refresh that the start began.
         QCOMPARE(ask({u"status"_s, u"--template"_s, u"{source}"_s}).output, u"program\n"_s);
         const auto before = daemon.stats()->requests;
@@ -231,7 +231,7 @@ private Q_SLOTS:
             test::SampleDaemonProcess daemon;
             QVERIFY(daemon.start({u"--scenario"_s, QString::fromLatin1(scenario)}));
             const Program program;
-            QTRY_VERIFY_WITH_TIMEOUT(!owner().isEmpty(), patience);
+            QTRY_VERIFY_WITH_TIMEOUT(!owner().isEmpty(), timeout);
             check(ask(command).output);
             QVERIFY(daemon.terminate());
             QCOMPARE(ask({u"refresh"_s}).status, 2);
@@ -253,7 +253,7 @@ private Q_SLOTS:
         test::SampleDaemonProcess daemon;
         QVERIFY(startDaemon(daemon, 0.75));
         const Program program;
-        QTRY_VERIFY_WITH_TIMEOUT(!owner().isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!owner().isEmpty(), timeout);
         QCOMPARE(ask({u"refresh"_s}).status, 0);
         QVERIFY(writeSummary(0.5));
         QCOMPARE(ask({u"refresh"_s}).status, 0);
@@ -281,7 +281,7 @@ private Q_SLOTS:
         };
         check(ask({u"diagnostics"_s}));
         const Program program;
-        QTRY_VERIFY_WITH_TIMEOUT(!owner().isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!owner().isEmpty(), timeout);
         QCOMPARE(ask({u"refresh"_s}).status, 0);
         check(ask({u"diagnostics"_s}));
     }
@@ -289,7 +289,7 @@ private Q_SLOTS:
     void aProgramThatHangsIsSaidToHang()
     {
         Program program;
-        QTRY_VERIFY_WITH_TIMEOUT(!owner().isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!owner().isEmpty(), timeout);
         program.send(SIGSTOP);
         const auto ended = ask({u"status"_s});
         QCOMPARE(ended.status, 2);
@@ -327,24 +327,24 @@ private Q_SLOTS:
         QVERIFY(startDaemon(daemon, 0.75));
         Watching watching({u"--template"_s, u"{state} {percentage} {error}"_s});
         QTRY_COMPARE_WITH_TIMEOUT(
-            watching.lines(), (QStringList{u"offline  Brimwatch is not running"_s}), patience);
+            watching.lines(), (QStringList{u"offline  Brimwatch is not running"_s}), timeout);
         {
             const Program program;
-            QTRY_COMPARE_WITH_TIMEOUT(watching.lastLine(), u"connected 75 "_s, patience);
+            QTRY_COMPARE_WITH_TIMEOUT(watching.lastLine(), u"connected 75 "_s, timeout);
             const auto count = watching.lines().size();
             // Nothing that this template shows has changed.
             QCOMPARE(ask({u"refresh"_s}).status, 0);
             QVERIFY(writeSummary(0.5));
             QCOMPARE(ask({u"refresh"_s}).status, 0);
-            QTRY_COMPARE_WITH_TIMEOUT(watching.lastLine(), u"connected 50 "_s, patience);
+            QTRY_COMPARE_WITH_TIMEOUT(watching.lastLine(), u"connected 50 "_s, timeout);
             QCOMPARE(watching.lines().size(), count + 1);
         }
         QTRY_COMPARE_WITH_TIMEOUT(
-            watching.lastLine(), u"offline  Brimwatch is not running"_s, patience);
+            watching.lastLine(), u"offline  Brimwatch is not running"_s, timeout);
         const Program again;
-        QTRY_COMPARE_WITH_TIMEOUT(watching.lastLine(), u"connected 50 "_s, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(watching.lastLine(), u"connected 50 "_s, timeout);
         ::kill(static_cast<pid_t>(watching.pid()), SIGINT);
-        QTRY_COMPARE_WITH_TIMEOUT(watching.exitStatus(), 0, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(watching.exitStatus(), 0, timeout);
     }
 
     void watchEndsWhenNobodyReads()
@@ -369,7 +369,7 @@ private Q_SLOTS:
     void watchLoadsNeitherGuiNorNetwork()
     {
         Watching watching({});
-        QTRY_VERIFY_WITH_TIMEOUT(!watching.lines().isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!watching.lines().isEmpty(), timeout);
         QFile maps(u"/proc/%1/maps"_s.arg(watching.pid()));
         QVERIFY(maps.open(QIODevice::ReadOnly));
         const QByteArray loaded = maps.readAll();

@@ -18,7 +18,7 @@ namespace brimwatch::test {
 
 using namespace Qt::Literals::StringLiterals;
 
-inline constexpr int patience = 60'000; ///< Milliseconds; nothing that works comes near it.
+inline constexpr int timeout = 60'000; ///< Milliseconds; nothing that works comes near it.
 
 /// Empties the test's home, but for the run-time folder, which belongs to the session.
 inline void emptyHome()
@@ -41,7 +41,7 @@ public:
     {
         m_process.setProcessEnvironment(environment);
         m_process.start(program, QStringList());
-        m_process.waitForStarted(patience);
+        m_process.waitForStarted(timeout);
     }
     ~Program()
     {
@@ -49,9 +49,9 @@ public:
             return;
         send(SIGCONT);
         m_process.terminate();
-        if (!m_process.waitForFinished(patience))
+        if (!m_process.waitForFinished(timeout))
             m_process.kill();
-        m_process.waitForFinished(patience);
+        m_process.waitForFinished(timeout);
     }
     Program(const Program &) = delete;
     Program &operator=(const Program &) = delete;
@@ -78,14 +78,19 @@ public:
     void crash()
     {
         m_process.kill();
-        m_process.waitForFinished(patience);
+        m_process.waitForFinished(timeout);
     }
     bool hasEnded()
     {
         // Without the event loop nobody else tells.
         return m_process.state() == QProcess::NotRunning || m_process.waitForFinished(1);
     }
-    bool waitForEnd() { return m_process.waitForFinished(patience); }
+    /// False when it still runs after the timeout.
+    bool waitForEnd()
+    {
+        // waitForFinished() alone is false as well for one that has ended before.
+        return m_process.state() == QProcess::NotRunning || m_process.waitForFinished(timeout);
+    }
     int exitCode() const
     {
         return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;

@@ -29,8 +29,8 @@ using namespace brimwatch;
 
 namespace {
 
-using test::patience;
 using test::Program;
+using test::timeout;
 
 /// The other end: somebody who calls the program.
 class Caller {
@@ -110,15 +110,15 @@ private Q_SLOTS:
     void itOpensAndClosesThePopoverForOthers()
     {
         const Program program;
-        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), timeout);
         QCOMPARE(popovers(), 0);
         QCOMPARE(m_caller.call(u"Toggle"_s).type(), QDBusMessage::ReplyMessage);
-        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, timeout);
         QCOMPARE(m_caller.call(u"Show"_s).type(), QDBusMessage::ReplyMessage);
         QCOMPARE(m_caller.call(u"Toggle"_s).type(), QDBusMessage::ReplyMessage);
-        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 0, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 0, timeout);
         QCOMPARE(m_caller.call(u"ShowSettings"_s).type(), QDBusMessage::ReplyMessage);
-        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, timeout);
     }
 
     void itAsksTheDaemonWhenTheMachineIsBackFromSuspend()
@@ -132,7 +132,7 @@ private Q_SLOTS:
         test::OtherProgram logind;
         QVERIFY(logind.takeName(u"org.freedesktop.login1"_s));
         const Program program(environment);
-        QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, timeout);
         const auto before = daemon.stats()->requests;
         const auto announce = [&logind] {
             auto signal = QDBusMessage::createSignal(u"/org/freedesktop/login1"_s,
@@ -141,7 +141,7 @@ private Q_SLOTS:
             return logind.bus().send(signal);
         };
         // It may be said before the program listens.
-        QTRY_VERIFY_WITH_TIMEOUT(announce() && daemon.stats()->requests > before, patience);
+        QTRY_VERIFY_WITH_TIMEOUT(announce() && daemon.stats()->requests > before, timeout);
     }
 
     void upgradedBeforeThePopoverIsLoadedItGoesOnAsTheNewProgram()
@@ -151,7 +151,7 @@ private Q_SLOTS:
         QVERIFY(QFile::copy(QStringLiteral(BRIMWATCH_PROGRAM), path));
         QVERIFY(QFile::copy(QStringLiteral(BRIMWATCH_PROGRAM), upgrade));
         Program program(Program::usual(), path);
-        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), timeout);
         const QString owner = m_caller.owner();
         const QString link = u"/proc/%1/exe"_s.arg(program.pid());
         QCOMPARE(QFile::symLinkTarget(link), path);
@@ -160,18 +160,18 @@ private Q_SLOTS:
         QCOMPARE(::rename(qPrintable(upgrade), qPrintable(path)), 0);
         QVERIFY(QFile::symLinkTarget(link) != path);
         QCOMPARE(m_caller.call(u"Toggle"_s).type(), QDBusMessage::ReplyMessage);
-        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, timeout);
         QVERIFY(!program.hasEnded());
         QCOMPARE(QFile::symLinkTarget(link), path);
         QVERIFY(m_caller.owner() != owner);
         QCOMPARE(m_caller.call(u"Toggle"_s).type(), QDBusMessage::ReplyMessage);
-        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 0, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 0, timeout);
     }
 
     void itEndsWhenOthersSaySo()
     {
         Program program;
-        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), timeout);
         QCOMPARE(m_caller.call(u"Quit"_s).type(), QDBusMessage::ReplyMessage);
         QVERIFY(program.waitForEnd());
         QCOMPARE(program.exitCode(), 0);
@@ -183,7 +183,7 @@ private Q_SLOTS:
         test::SampleDaemonProcess daemon;
         QVERIFY2(daemon.start({u"--summary"_s, summaryFile()}), qPrintable(daemon.errorText()));
         const Program program;
-        QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, timeout);
         auto state = platform::fromBusProperties(m_caller.properties());
         QCOMPARE(state.port, daemon.httpPort());
         QVERIFY(state.lowest);
@@ -206,12 +206,12 @@ private Q_SLOTS:
     void aSecondStartOpensThePopoverOfTheFirst()
     {
         Program first;
-        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), timeout);
         const QString owner = m_caller.owner();
         Program second;
         QVERIFY(second.waitForEnd());
         QCOMPARE(second.exitCode(), 0);
-        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, timeout);
         QCOMPARE(m_caller.owner(), owner);
         QVERIFY(!first.hasEnded());
 
@@ -232,36 +232,36 @@ private Q_SLOTS:
             return std::ranges::count_if(
                 starts, [](const auto &start) { return !start->hasEnded(); });
         };
-        QTRY_COMPARE_WITH_TIMEOUT(running(), 1, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(running(), 1, timeout);
         for (const auto &start : std::as_const(starts)) {
             if (start->hasEnded())
                 QCOMPARE(start->exitCode(), 0);
         }
-        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, timeout);
     }
 
     void aSecondStartSaysSoWhenTheFirstHangs()
     {
         Program first;
-        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), timeout);
         first.send(SIGSTOP);
         Program second;
         QVERIFY(second.waitForEnd());
         QCOMPARE(second.exitCode(), 1);
         QCOMPARE(second.errors(), u"brimwatch: already running, but it does not answer\n"_s);
         first.send(SIGCONT);
-        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, timeout);
         QVERIFY(!first.hasEnded());
     }
 
     void aStartAfterACrashIsTheFirst()
     {
         Program first;
-        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), timeout);
         first.crash();
-        QTRY_VERIFY_WITH_TIMEOUT(m_caller.owner().isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(m_caller.owner().isEmpty(), timeout);
         Program second;
-        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), timeout);
         QVERIFY(!second.hasEnded());
     }
 
@@ -271,7 +271,7 @@ private Q_SLOTS:
         QVERIFY2(daemon.start(), qPrintable(daemon.errorText()));
         const auto asked = [&daemon] { return daemon.stats()->requests; };
         Program first(Program::withoutBus());
-        QTRY_COMPARE_WITH_TIMEOUT(asked(), 1, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(asked(), 1, timeout);
         Program second(Program::withoutBus());
         QVERIFY(second.waitForEnd());
         QCOMPARE(second.exitCode(), 0);
@@ -281,14 +281,14 @@ private Q_SLOTS:
 
         first.crash();
         Program third(Program::withoutBus());
-        QTRY_COMPARE_WITH_TIMEOUT(asked(), 2, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(asked(), 2, timeout);
         QVERIFY(!third.hasEnded());
     }
 
     void aStartWithoutABusFindsAFirstThatHasOne()
     {
         Program first;
-        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), timeout);
         // Whoever starts after the bus has gone is in the same place.
         Program second(Program::withoutBus());
         QVERIFY(second.waitForEnd());
@@ -304,7 +304,7 @@ private Q_SLOTS:
         auto environment = Program::withoutBus();
         environment.insert(u"XDG_RUNTIME_DIR"_s, u"/nowhere"_s);
         const Program program(environment);
-        QTRY_COMPARE_WITH_TIMEOUT(daemon.stats()->requests, 1, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(daemon.stats()->requests, 1, timeout);
     }
 
     void aFloodOfCallsLeavesItAsItWas()
@@ -312,14 +312,14 @@ private Q_SLOTS:
         test::SampleDaemonProcess daemon;
         QVERIFY2(daemon.start(), qPrintable(daemon.errorText()));
         const Program program;
-        QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, timeout);
         const auto flood = [this](const QString &member) {
             constexpr int calls = 10'000;
             QList<QDBusPendingCall> pending;
             for (int i = 0; i < calls; ++i)
                 pending.append(m_caller.start(member));
             for (const auto &call : std::as_const(pending)) {
-                QTRY_VERIFY_WITH_TIMEOUT(call.isFinished(), patience);
+                QTRY_VERIFY_WITH_TIMEOUT(call.isFinished(), timeout);
                 if (call.isError())
                     QCOMPARE(call.error().type(), QDBusError::LimitsExceeded);
             }
@@ -350,17 +350,17 @@ private Q_SLOTS:
             qPrintable(daemon.errorText()));
         QProcess monitor;
         monitor.start(u"dbus-monitor"_s, {u"--session"_s});
-        QVERIFY(monitor.waitForStarted(patience));
+        QVERIFY(monitor.waitForStarted(timeout));
         QByteArray log;
         const auto logged = [&monitor, &log](const QByteArray &text) {
             log += monitor.readAllStandardOutput();
             return log.contains(text);
         };
         // It has begun to listen once it hears somebody.
-        QTRY_VERIFY_WITH_TIMEOUT((m_caller.owner(), logged("GetNameOwner")), patience);
+        QTRY_VERIFY_WITH_TIMEOUT((m_caller.owner(), logged("GetNameOwner")), timeout);
 
         const Program program;
-        QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, timeout);
         QVERIFY(m_caller.call(u"Diagnostics"_s)
                 .arguments()
                 .value(0)
@@ -368,7 +368,7 @@ private Q_SLOTS:
                 .contains(u"Daemon CSRF: token-th...\n"_s));
         QVERIFY(daemon.terminate());
         QCOMPARE(m_caller.call(u"Refresh"_s).type(), QDBusMessage::ErrorMessage);
-        QTRY_VERIFY_WITH_TIMEOUT(logged("RefreshFailed"), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(logged("RefreshFailed"), timeout);
         QVERIFY(log.contains("PropertiesChanged"));
         QVERIFY(log.contains("Gemini … at ~/x"));
         QVERIFY(!log.contains(token));
@@ -376,7 +376,7 @@ private Q_SLOTS:
         QVERIFY(!log.contains(QByteArray(home + "/x")));
         QVERIFY(!log.contains(QByteArray(home + "/.gemini")));
         monitor.terminate();
-        monitor.waitForFinished(patience);
+        monitor.waitForFinished(timeout);
     }
 
 private:

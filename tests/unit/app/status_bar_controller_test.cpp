@@ -1,8 +1,6 @@
-#include "app/app_delegate.h"
 #include "app/item_description.h"
 #include "app/status_bar_controller.h"
 #include "core/date_styles.h"
-#include "platform/application_presence.h"
 #include "service/quota_service.h"
 #include "support/fake_fetching.h"
 #include "support/test_clock.h"
@@ -65,20 +63,6 @@ public:
     QStringList calls;
     QList<platform::ItemAnchor> anchors;
     QList<std::optional<QRect>> items;
-};
-
-class FakePresence final : public platform::ApplicationPresence {
-public:
-    explicit FakePresence(QStringList &calls)
-        : m_calls(calls)
-    {
-    }
-    void becomeAccessory() override { m_calls.append(u"becomeAccessory"_s); }
-    void closeWindows() override { m_calls.append(u"closeWindows"_s); }
-    void terminate() override { m_calls.append(u"terminate"_s); }
-
-private:
-    QStringList &m_calls;
 };
 
 model::QuotaSummary summaryWith(double fiveHour, double weekly)
@@ -507,41 +491,6 @@ private Q_SLOTS:
         QCOMPARE(lines.size(), 1);
         QVERIFY(lines.first().size() <= platform::ItemDescription::longestLine);
         QVERIFY(lines.first().contains(u"wrong wrong"_s));
-    }
-
-    void launchingSetsThePolicyClosesWindowsThenMakesServiceAndController()
-    {
-        QStringList calls;
-        FakePresence presence(calls);
-        service::QuotaService *made = nullptr;
-        app::AppDelegate delegate(
-            presence,
-            [&] {
-                calls.append(u"service"_s);
-                auto service
-                    = std::make_unique<service::QuotaService>(service::QuotaService::Dependencies{
-                        .clock = *m_clock, .fetching = *m_fetching, .settings = *m_settings});
-                made = service.get();
-                return service;
-            },
-            [&](service::QuotaService &service) {
-                calls.append(u"controller"_s);
-                if (&service != made)
-                    qFatal("the controller was given another service");
-                return std::make_unique<app::StatusBarController>(
-                    app::StatusBarController::Dependencies{.quotaService = service,
-                        .clock = *m_clock,
-                        .statusItem = std::make_unique<FakeStatusItem>(),
-                        .popover = std::make_unique<FakePopover>(),
-                        .symbolExists = [](const QString &) { return true; }});
-            });
-        QVERIFY(delegate.quotaService() == nullptr);
-        QVERIFY(delegate.statusBarController() == nullptr);
-        delegate.applicationDidFinishLaunching();
-        QCOMPARE(calls,
-            (QStringList{u"becomeAccessory"_s, u"closeWindows"_s, u"service"_s, u"controller"_s}));
-        QCOMPARE(delegate.quotaService(), made);
-        QVERIFY(delegate.statusBarController() != nullptr);
     }
 
 private:

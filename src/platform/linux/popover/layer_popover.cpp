@@ -21,8 +21,9 @@ namespace {
 
 Q_LOGGING_CATEGORY(layerLog, "brimwatch.popover", QtInfoMsg)
 
-// Compositors tell where the pointer is as soon as an overlay shows. A seat without one never does.
-constexpr std::chrono::milliseconds patience{400};
+// Compositors say where the pointer is as soon as an overlay shows. A seat without a pointer never
+// does.
+constexpr std::chrono::milliseconds pointerTimeout{400};
 
 } // namespace
 
@@ -31,13 +32,13 @@ class LayerPopover::Catcher final : public QWindow {
 public:
     explicit Catcher(LayerPopover &popover)
         : m_popover(popover)
-        , m_surface(*this)
+        , m_surface(popover.m_shell, *this)
     {
         QSurfaceFormat transparent = format();
         transparent.setAlphaBufferSize(8);
         setFormat(transparent);
         connect(&m_surface, &LayerSurface::closed, &m_popover, &LayerPopover::performClose);
-        // They are as large as an output.
+        // They cover a whole output: freed while it is hidden.
         connect(&m_surface, &LayerSurface::gone, this, [this] { m_pixels.reset(); });
     }
 
@@ -69,7 +70,7 @@ protected:
     }
     bool event(QEvent *event) override
     {
-        // NOLINTBEGIN(cppcoreguidelines-pro-type-static-cast-downcast): told by type()
+        // NOLINTBEGIN(cppcoreguidelines-pro-type-static-cast-downcast): type() says so
         if (event->type() == QEvent::Enter)
             m_popover.pointerFound(
                 m_screen, static_cast<QEnterEvent *>(event)->position().toPoint());
@@ -78,7 +79,7 @@ protected:
                 m_screen, static_cast<QMouseEvent *>(event)->position().toPoint());
         // NOLINTEND(cppcoreguidelines-pro-type-static-cast-downcast)
         else if (event->type() == QEvent::MouseButtonPress)
-            // Not from within: it ends what this window is drawn on.
+            // Queued: it frees what this window is drawn on.
             QMetaObject::invokeMethod(&m_popover, &Popover::performClose, Qt::QueuedConnection);
         return QWindow::event(event);
     }
@@ -90,14 +91,16 @@ private:
     LayerSurface m_surface;
 };
 
-LayerPopover::LayerPopover(PopoverContentFactory factory, PanelRoom panelRoom, QObject *parent)
+LayerPopover::LayerPopover(
+    const LayerShell &shell, PopoverContentFactory factory, PanelRoom panelRoom, QObject *parent)
     : Popover(parent)
+    , m_shell(shell)
     , m_factory(std::move(factory))
     , m_panelRoom(std::move(panelRoom))
 {
-    m_patience.setSingleShot(true);
-    m_patience.setInterval(patience);
-    connect(&m_patience, &QTimer::timeout, this, &LayerPopover::showAtLikelyPlace);
+    m_pointerTimeout.setSingleShot(true);
+    m_pointerTimeout.setInterval(pointerTimeout);
+    connect(&m_pointerTimeout, &QTimer::timeout, this, &LayerPopover::showAtLikelyPlace);
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, [this] { performClose(); });
 }
 
@@ -118,7 +121,7 @@ void LayerPopover::show(const ItemAnchor & /*anchor*/)
     if (m_shown || !open())
         return;
     m_followsPointer = true;
-    m_patience.start();
+    m_pointerTimeout.start();
 }
 
 void LayerPopover::showUnclicked(const std::optional<QRect> & /*item*/)
@@ -143,7 +146,7 @@ void LayerPopover::performClose()
         return;
     m_shown = false;
     m_followsPointer = false;
-    m_patience.stop();
+    m_pointerTimeout.stop();
     for (const auto &catcher : m_catchers)
         catcher->uncover();
     m_surface->hide();
@@ -158,9 +161,9 @@ bool LayerPopover::load()
     m_content = m_factory();
     if (!m_content)
         return false;
-    // Compositors put everything together.
+    // Every Wayland compositor blends windows.
     m_content->setTranslucent(true);
-    m_surface.emplace(m_content->window());
+    m_surface.emplace(m_shell, m_content->window());
     connect(&*m_surface, &LayerSurface::closed, this, &LayerPopover::performClose);
     return true;
 }
@@ -196,7 +199,7 @@ void LayerPopover::pointerFound(QScreen *screen, QPoint place)
 void LayerPopover::showAtLikelyPlace()
 {
     m_followsPointer = false;
-    // The compositor knows which output the user is at.
+    // A null screen: the compositor knows which output the user is at.
     const QScreen *screen = QGuiApplication::primaryScreen();
     showContent(
         nullptr, cornerLayer(m_content->size(), screen != nullptr ? screen->size() : QSize()));
@@ -204,11 +207,11 @@ void LayerPopover::showAtLikelyPlace()
 
 void LayerPopover::showContent(QScreen *screen, const LayerPlace &place)
 {
-    m_patience.stop();
+    m_pointerTimeout.stop();
     LayerPlace wanted = place;
     // Read each time: panels come, go and move.
     const QScreen *any = QGuiApplication::primaryScreen();
-    if (m_panelRoom && any != nullptr)
+    if (any != nullptr)
         wanted = keptOff(m_panelRoom(any->virtualSize()), place);
     wanted = grownBy(m_content->shadow(), wanted);
     wanted.takesKeyboard = true;

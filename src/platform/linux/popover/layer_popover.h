@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/popover/layer_shell.h"
+#include "platform/linux/popover/layer_surface.h"
 #include "platform/popover.h"
 #include "platform/popover_content.h"
 
@@ -25,17 +25,17 @@ class LayerPopover final : public Popover {
     Q_OBJECT
 
 public:
-    /// The room of panels that the compositor does not keep layers off by itself, on a desktop of
-    /// that size.
+    /// The room of the panels that the compositor lets layers cover, on a desktop of that size.
     using PanelRoom = std::function<QMargins(const QSize &desktop)>;
 
-    explicit LayerPopover(
-        PopoverContentFactory factory, PanelRoom panelRoom = {}, QObject *parent = nullptr);
+    /// The shell outlives it.
+    LayerPopover(const LayerShell &shell, PopoverContentFactory factory, PanelRoom panelRoom,
+        QObject *parent = nullptr);
     ~LayerPopover() override;
 
     bool isShown() const override;
     void prepare() override;
-    /// Panels tell places that mean nothing here: the pointer's alone counts.
+    /// Shows it at the pointer: the places that panels report mean nothing here.
     void show(const ItemAnchor &anchor) override;
     void showUnclicked(const std::optional<QRect> &item) override;
     void makeKey() override { }
@@ -51,15 +51,17 @@ private:
     void showContent(QScreen *screen, const LayerPlace &place);
     void showAtLikelyPlace();
 
+    const LayerShell &m_shell;
     PopoverContentFactory m_factory;
     PanelRoom m_panelRoom;
     std::unique_ptr<PopoverContent> m_content;
-    std::vector<std::unique_ptr<Catcher>> m_catchers; ///< As many as there ever were outputs.
+    std::vector<std::unique_ptr<Catcher>>
+        m_catchers; ///< As many as there have ever been outputs at once.
     std::optional<LayerSurface> m_surface; ///< The content's.
     bool m_shown = false;
     bool m_followsPointer = false; ///< Waits for an overlay to learn where the pointer is.
-    QTimer m_patience; ///< For that.
-    QPointer<QScreen> m_lastScreen; ///< Where it stood the last time.
+    QTimer m_pointerTimeout; ///< Runs meanwhile.
+    QPointer<QScreen> m_lastScreen; ///< Where it was shown the last time.
     LayerPlace m_lastPlace;
 };
 

@@ -1,70 +1,56 @@
 #pragma once
 
-#include "platform/linux/popover/layer_place.h"
+#include <QtGlobal>
 
-#include <QObject>
-#include <QSize>
-#include <QTimer>
+#include <cstdint>
+#include <memory>
 
-class QScreen;
-class QWindow;
-struct wl_proxy;
+struct wl_display;
+struct wl_event_queue;
+struct wl_output;
+struct wl_surface;
+struct zwlr_layer_shell_v1;
+struct zwlr_layer_surface_v1;
 
 namespace brimwatch::platform {
 
-/// The layer surface of one window: what makes it an overlay of the compositor's instead of an
-/// ordinary window, whenever it is shown. The toolkit draws the window and brings its input.
-///
-/// It takes an application on the wayland platform, and leaveWindowsWithoutRoles() before.
-class LayerSurface final : public QObject {
-    Q_OBJECT
-
-public:
-    /// Whether the application is on a compositor that has a layer shell.
-    static bool isOffered();
-    /// The window outlives it.
-    explicit LayerSurface(QWindow &window);
-    ~LayerSurface() override;
-    LayerSurface(const LayerSurface &) = delete;
-    LayerSurface &operator=(const LayerSurface &) = delete;
-    LayerSurface(LayerSurface &&) = delete;
-    LayerSurface &operator=(LayerSurface &&) = delete;
-
-    /// Shows the window there. False when the compositor has no layer shell or does not answer: the
-    /// window is left hidden. A null screen leaves the choice to the compositor.
-    bool show(QScreen *screen, const LayerPlace &place);
-    /// Takes the window off the screen at once, also while it handles an event. The toolkit hears
-    /// of it a little later, and then emits gone(): its thread that is told of the frames shown
-    /// does not notice when a window ends meanwhile (crashes of Qt 6.4 in handleFrameCallback).
-    void hide();
-
-Q_SIGNALS:
-    /// The compositor took the surface away: its output is gone, or it locked the screen.
-    void closed();
-    /// The window is hidden for the toolkit too: what it was drawn on may go.
-    void gone();
-
-private:
-    struct Listener;
-
-    bool takeRole(QScreen *screen, const LayerPlace &place);
-    void giveRoleBack();
-    void finishHiding();
-    void hideAtOnce();
-
-    QWindow &m_window;
-    wl_proxy *m_surface = nullptr; ///< While it is on the screen.
-    QSize m_configured;
-    bool m_isConfigured = false;
-    QTimer m_leaving; ///< Runs while it is hidden but for the toolkit.
-};
-
-/// Whether the compositor that the environment names offers the layer shell. Needs no application
+/// Whether the compositor that the environment names has a layer shell. Needs no application
 /// object; connects for the time of the question.
 bool compositorHasLayerShell();
 
-/// Has the toolkit give windows with Qt::BypassWindowManagerHint no role of their own on Wayland.
-/// Before the application object is made.
-void leaveWindowsWithoutRoles();
+/// The layer shell of the compositor, on the connection of Qt's wayland platform.
+///
+/// What comes for its surfaces waits in a queue of its own until roundTrip() or, once a surface has
+/// been left to Qt, in Qt's: while we wait for ours, nothing of Qt's runs.
+class LayerShell final {
+public:
+    /// Null where the application is on another platform, or the compositor has no layer shell. It
+    /// ends before the application object does.
+    static std::unique_ptr<LayerShell> bind();
+    ~LayerShell();
+    Q_DISABLE_COPY_MOVE(LayerShell)
+
+    /// Makes the surface an overlay of that output, or of the one that the compositor chooses when
+    /// `output` is null. Its events come with roundTrip(), until leaveToQt(). Null when it cannot.
+    zwlr_layer_surface_v1 *makeOverlay(wl_surface *surface, wl_output *output) const;
+    /// From now on Qt's event loop brings the surface's events.
+    static void leaveToQt(zwlr_layer_surface_v1 *surface);
+    /// Waits until the compositor has done what it was asked for, and brings the events of our
+    /// queue. False when the connection has broken.
+    bool roundTrip() const;
+    void flush() const;
+
+private:
+    struct DestroyQueue {
+        void operator()(wl_event_queue *queue) const;
+    };
+    using Queue = std::unique_ptr<wl_event_queue, DestroyQueue>;
+
+    LayerShell(wl_display *display, Queue queue, zwlr_layer_shell_v1 *shell);
+
+    wl_display *m_display; ///< Qt's.
+    Queue m_queue;
+    zwlr_layer_shell_v1 *m_shell;
+};
 
 } // namespace brimwatch::platform

@@ -1,4 +1,4 @@
-#include "app/no_panel_notice.h"
+#include "platform/linux/no_panel_notice.h"
 #include "platform/notifier.h"
 #include "support/test_clock.h"
 
@@ -29,12 +29,13 @@ class NoPanelNoticeTest : public QObject {
 private Q_SLOTS:
     void aMinuteWithoutAPanelIsToldOnce()
     {
-        const app::NoPanelNotice notice(m_clock, m_notifier, folder(), {});
+        const platform::NoPanelNotice notice(m_clock, m_notifier, folder(), {});
         m_clock.advance(59s);
         QCOMPARE(m_notifier.posted.size(), 0);
         m_clock.advance(1s);
         QCOMPARE(m_notifier.posted.size(), 1);
-        QCOMPARE(m_notifier.posted.first().identifier, QString(app::NoPanelNotice::identifier));
+        QCOMPARE(
+            m_notifier.posted.first().identifier, QString(platform::NoPanelNotice::identifier));
         m_clock.advance(24h);
         QCOMPARE(m_notifier.posted.size(), 1);
         QTRY_VERIFY(m_clock.periods().empty());
@@ -42,18 +43,18 @@ private Q_SLOTS:
 
     void aPanelInTimeIsNothingToTell()
     {
-        app::NoPanelNotice notice(m_clock, m_notifier, folder(), {});
+        platform::NoPanelNotice notice(m_clock, m_notifier, folder(), {});
         m_clock.advance(59s);
         notice.panelCame();
         QVERIFY(m_clock.periods().empty());
         m_clock.advance(24h);
         QCOMPARE(m_notifier.posted.size(), 0);
-        QVERIFY(!QFileInfo::exists(folder() + u'/' + app::NoPanelNotice::toldFile));
+        QVERIFY(!QFileInfo::exists(folder() + u'/' + platform::NoPanelNotice::toldFile));
     }
 
     void aPanelThatComesTooLateChangesNothing()
     {
-        app::NoPanelNotice notice(m_clock, m_notifier, folder(), {});
+        platform::NoPanelNotice notice(m_clock, m_notifier, folder(), {});
         m_clock.advance(10min);
         notice.panelCame();
         m_clock.advance(10min);
@@ -62,15 +63,15 @@ private Q_SLOTS:
 
     void aSecondStartInTheSessionSaysNothing()
     {
-        const app::NoPanelNotice first(m_clock, m_notifier, folder(), {});
+        const platform::NoPanelNotice first(m_clock, m_notifier, folder(), {});
         m_clock.advance(1min);
-        const app::NoPanelNotice second(m_clock, m_notifier, folder(), {});
+        const platform::NoPanelNotice second(m_clock, m_notifier, folder(), {});
         m_clock.advance(1min);
         QCOMPARE(m_notifier.posted.size(), 1);
 
         // The next session has a folder of its own.
         const QTemporaryDir next;
-        const app::NoPanelNotice third(m_clock, m_notifier, next.path(), {});
+        const platform::NoPanelNotice third(m_clock, m_notifier, next.path(), {});
         m_clock.advance(1min);
         QCOMPARE(m_notifier.posted.size(), 2);
     }
@@ -85,7 +86,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, place);
         for (int start = 1; start <= 2; ++start) {
-            const app::NoPanelNotice notice(m_clock, m_notifier, place, {});
+            const platform::NoPanelNotice notice(m_clock, m_notifier, place, {});
             m_clock.advance(2min);
             QCOMPARE(m_notifier.posted.size(), start);
         }
@@ -93,9 +94,9 @@ private Q_SLOTS:
 
     void itSaysWhatToDoThere()
     {
-        const auto gnome = app::noPanelNotification({u"ubuntu"_s, u"GNOME"_s});
+        const auto gnome = platform::noPanelNotification({u"ubuntu"_s, u"GNOME"_s});
         QVERIFY(gnome.body.contains(u"AppIndicator"_s));
-        const auto other = app::noPanelNotification({u"i3"_s});
+        const auto other = platform::noPanelNotification({u"i3"_s});
         QVERIFY(other.body.contains(u"add a status tray"_s));
         QVERIFY(!other.body.contains(u"GNOME"_s));
         for (const auto &notification : {gnome, other})

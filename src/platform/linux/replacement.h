@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/popover_content.h"
+
+#include <QString>
+
+namespace brimwatch::platform {
+
+/// What the event loop returns when the program is to be started anew in its own place. No exit
+/// status of the process.
+inline constexpr int replacementStatus = 1000;
+
+/// Whether another file has taken the place of the one that this process was started from, as it
+/// does in an upgrade. The upgraded library of the views is not made for this process. `program` is
+/// the path of the program. False as well where no program is left at that path.
+bool programWasReplaced(const QString &program);
+
+/// The factory, but once the program has been replaced it makes nothing, and ends the event loop
+/// with replacementStatus.
+PopoverContentFactory unlessReplaced(PopoverContentFactory factory);
+
+/// Runs the program at that path in place of this one; it opens its popover. To be called when the
+/// objects of this one are gone. Returns only when the program cannot be run.
+void continueAs(const QString &program);
+
+/// Whether this process runs in place of one that was to open its popover. True once.
+bool takesOverOpening();
+
+} // namespace brimwatch::platform

@@ -1,0 +1,108 @@
+#include "platform/linux/session.h"
+
+#include "platform/linux/popover/layer_popover.h"
+#include "platform/linux/popover/layer_shell.h"
+#include "platform/linux/popover/window_popover.h"
+#include "platform/linux/popover/x11_popover.h"
+#include "platform/linux/x11/kwin_panels.h"
+#include "platform/linux/x11/work_area.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <utility>
+
+namespace brimwatch::platform {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+bool alwaysComposited()
+{
+    return true;
+}
+
+} // namespace
+
+SessionEnvironment SessionEnvironment::read()
+{
+    SessionEnvironment environment{.hasX11 = qEnvironmentVariableIsSet("DISPLAY"),
+        .hasWayland = qEnvironmentVariableIsSet("WAYLAND_DISPLAY"),
+        .chosenPlatform = {}};
+    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        environment.chosenPlatform = qgetenv("QT_QPA_PLATFORM");
+    const bool mayUseWayland
+        = !environment.chosenPlatform || environment.chosenPlatform->startsWith("wayland");
+    environment.hasLayerShell
+        = environment.hasWayland && mayUseWayland && compositorHasLayerShell();
+    return environment;
+}
+
+QByteArray SessionEnvironment::platformPlugins() const
+{
+    if (chosenPlatform)
+        return {};
+    // The popover has its place only where the program chooses it, which X11 allows, Xwayland
+    // included, or through a layer shell.
+    if (hasLayerShell)
+        return "wayland;xcb";
+    if (hasX11)
+        return hasWayland ? "xcb;wayland" : "xcb";
+    return {};
+}
+
+SessionKind sessionKind(
+    const SessionEnvironment &environment, const QString &platformPlugin, bool isLayerShellBound)
+{
+    if (isLayerShellBound)
+        return SessionKind::LayerShell;
+    if (platformPlugin != "xcb"_L1)
+        return SessionKind::PlainWindow;
+    return environment.hasWayland ? SessionKind::Xwayland : SessionKind::X11;
+}
+
+Session::Session(const SessionEnvironment &environment)
+    : m_layerShell(environment.hasLayerShell ? LayerShell::bind() : nullptr)
+    , m_kind(sessionKind(environment, QGuiApplication::platformName(), m_layerShell != nullptr))
+{
+}
+
+Session::~Session() = default;
+
+TextScaling Session::textScaling() const
+{
+    switch (m_kind) {
+    case SessionKind::X11:
+    case SessionKind::Xwayland:
+        return TextScaling::Toolkits;
+    case SessionKind::LayerShell:
+    case SessionKind::PlainWindow:
+        break;
+    }
+    return TextScaling::Ours;
+}
+
+std::unique_ptr<Popover> Session::makePopover(PopoverContentFactory factory, XConnection &x) const
+{
+    const auto areaOnX11 = [&x](const QScreen &screen) { return workArea(screen, x); };
+    const auto areaForQt = [](const QScreen &screen) { return screen.availableGeometry(); };
+    switch (m_kind) {
+    case SessionKind::X11:
+        return std::make_unique<X11Popover>(std::move(factory),
+            WindowSurroundings{
+                .workArea = areaOnX11, .isComposited = [&x] { return isComposited(x); }});
+    case SessionKind::Xwayland:
+        return std::make_unique<XwaylandPopover>(std::move(factory),
+            WindowSurroundings{.workArea = areaOnX11, .isComposited = alwaysComposited});
+    case SessionKind::LayerShell:
+        return std::make_unique<LayerPopover>(*m_layerShell, std::move(factory),
+            [&x](const QSize &desktop) { return kwinPanels(desktop, x); });
+    case SessionKind::PlainWindow:
+        break;
+    }
+    return std::make_unique<WindowPopover>(std::move(factory),
+        WindowSurroundings{.workArea = areaForQt, .isComposited = alwaysComposited});
+}
+
+} // namespace brimwatch::platform

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "platform/linux/appearance/desktop_appearance.h"
+#include "platform/popover_content.h"
+
+#include <QByteArray>
+#include <QDBusConnection>
+#include <QString>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace brimwatch::platform {
+
+class LayerShell;
+class Popover;
+class XConnection;
+
+/// What the environment says of the session before there is an application object.
+struct SessionEnvironment {
+    bool hasX11 = false; ///< DISPLAY is set.
+    bool hasWayland = false; ///< WAYLAND_DISPLAY is set.
+    /// QT_QPA_PLATFORM, by which users choose Qt's platform plugin; absent where they do not.
+    std::optional<QByteArray> chosenPlatform;
+    /// Whether the compositor has a layer shell; false where none could be used.
+    bool hasLayerShell = false;
+
+    /// Connects to the compositor for the time of the question, where there is one.
+    static SessionEnvironment read();
+
+    /// The platform plugins that Qt is to try, as QT_QPA_PLATFORM lists them. Empty where the user
+    /// or Qt chooses.
+    QByteArray platformPlugins() const;
+};
+
+/// What places the popover's window, and what closes it.
+enum class SessionKind : std::uint8_t {
+    X11, ///< The program: a popup that grabs the pointer.
+    Xwayland, ///< The program, through the X server of a Wayland compositor.
+    LayerShell, ///< The compositor, which shows overlays.
+    PlainWindow, ///< The compositor or Qt, as they place any window.
+};
+
+/// The kind, by the platform plugin that Qt has loaded (QGuiApplication::platformName()) and
+/// whether a layer shell is bound on it.
+SessionKind sessionKind(
+    const SessionEnvironment &environment, const QString &platformPlugin, bool isLayerShellBound);
+
+/// The user's session as the running program has it: the only place that knows its kind.
+///
+/// Needs the application object, and ends before it. What it makes ends before it too.
+class Session {
+public:
+    explicit Session(const SessionEnvironment &environment);
+    ~Session();
+    Q_DISABLE_COPY_MOVE(Session)
+
+    SessionKind kind() const { return m_kind; }
+    TextScaling textScaling() const;
+    std::unique_ptr<Popover> makePopover(PopoverContentFactory factory, XConnection &x) const;
+
+    /// The session bus; not connected where there is none.
+    static QDBusConnection bus() { return QDBusConnection::sessionBus(); }
+    /// The user's folder for what lives as long as the session; empty where there is none.
+    static QString runtimeFolder() { return qEnvironmentVariable("XDG_RUNTIME_DIR"); }
+
+private:
+    std::unique_ptr<LayerShell> m_layerShell;
+    SessionKind m_kind;
+};
+
+} // namespace brimwatch::platform

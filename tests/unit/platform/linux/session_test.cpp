@@ -1,0 +1,93 @@
+#include "platform/linux/session.h"
+
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace brimwatch::platform;
+
+class SessionTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+            qunsetenv(name);
+    }
+
+    void theEnvironmentIsRead()
+    {
+        const auto nothing = SessionEnvironment::read();
+        QVERIFY(!nothing.hasX11 && !nothing.hasWayland && !nothing.hasLayerShell);
+        QVERIFY(!nothing.chosenPlatform);
+
+        qputenv("DISPLAY", ":65000");
+        qputenv("WAYLAND_DISPLAY", "no-compositor-of-that-name");
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        const auto all = SessionEnvironment::read();
+        QVERIFY(all.hasX11 && all.hasWayland && !all.hasLayerShell);
+        QCOMPARE(all.chosenPlatform, std::optional<QByteArray>("offscreen"));
+    }
+
+    void aCompositorThatDoesNotAnswerHasNoLayerShell()
+    {
+        qputenv("WAYLAND_DISPLAY", "no-compositor-of-that-name");
+        const auto environment = SessionEnvironment::read();
+        QVERIFY(environment.hasWayland);
+        QVERIFY(!environment.hasLayerShell);
+    }
+
+    void thePlatformPluginSuitsTheSession_data()
+    {
+        QTest::addColumn<SessionEnvironment>("environment");
+        QTest::addColumn<QByteArray>("plugins");
+        QTest::newRow("nothing") << SessionEnvironment() << QByteArray();
+        QTest::newRow("X11") << SessionEnvironment{.hasX11 = true, .chosenPlatform = {}}
+                             << QByteArray("xcb");
+        QTest::newRow("Wayland") << SessionEnvironment{.hasWayland = true, .chosenPlatform = {}}
+                                 << QByteArray();
+        QTest::newRow("Xwayland") << SessionEnvironment{.hasX11 = true,
+            .hasWayland = true,
+            .chosenPlatform = {}} << QByteArray("xcb;wayland");
+        QTest::newRow("layer shell")
+            << SessionEnvironment{.hasWayland = true, .chosenPlatform = {}, .hasLayerShell = true}
+            << QByteArray("wayland;xcb");
+        QTest::newRow("layer shell and Xwayland") << SessionEnvironment{.hasX11 = true,
+            .hasWayland = true,
+            .chosenPlatform = {},
+            .hasLayerShell = true} << QByteArray("wayland;xcb");
+        QTest::newRow("chosen by the user") << SessionEnvironment{.hasX11 = true,
+            .hasWayland = true,
+            .chosenPlatform = "wayland",
+            .hasLayerShell = true} << QByteArray();
+    }
+    void thePlatformPluginSuitsTheSession()
+    {
+        QFETCH(SessionEnvironment, environment);
+        QTEST(environment.platformPlugins(), "plugins");
+    }
+
+    void thePluginThatQtLoadedSettlesTheKind_data()
+    {
+        QTest::addColumn<bool>("hasWayland");
+        QTest::addColumn<QString>("plugin");
+        QTest::addColumn<bool>("isLayerShellBound");
+        QTest::addColumn<SessionKind>("kind");
+        QTest::newRow("X11") << false << u"xcb"_s << false << SessionKind::X11;
+        QTest::newRow("Xwayland") << true << u"xcb"_s << false << SessionKind::Xwayland;
+        QTest::newRow("layer shell") << true << u"wayland"_s << true << SessionKind::LayerShell;
+        QTest::newRow("Wayland") << true << u"wayland"_s << false << SessionKind::PlainWindow;
+        QTest::newRow("neither") << false << u"offscreen"_s << false << SessionKind::PlainWindow;
+    }
+    void thePluginThatQtLoadedSettlesTheKind()
+    {
+        QFETCH(bool, hasWayland);
+        QFETCH(QString, plugin);
+        QFETCH(bool, isLayerShellBound);
+        const SessionEnvironment environment{.hasWayland = hasWayland, .chosenPlatform = {}};
+        QTEST(sessionKind(environment, plugin, isLayerShellBound), "kind");
+    }
+};
+
+QTEST_GUILESS_MAIN(SessionTest)
+#include "session_test.moc"

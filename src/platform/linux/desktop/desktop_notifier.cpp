@@ -1,5 +1,7 @@
 #include "platform/linux/desktop/desktop_notifier.h"
 
+#include "core/plain_text.h"
+
 #include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QDBusPendingCall>
@@ -79,25 +81,6 @@ NotificationImage toNotificationImage(const QImage &picture)
     return out;
 }
 
-/// One line of no more than that many characters.
-QString plainLine(const QString &text, qsizetype longest)
-{
-    // What is cut off need not be looked at.
-    QString line = text.first(std::min(text.size(), 2 * longest));
-    for (QChar &c : line) {
-        if (c.category() == QChar::Other_Control || c.category() == QChar::Separator_Line
-            || c.category() == QChar::Separator_Paragraph)
-            c = u' ';
-    }
-    line = line.simplified();
-    if (line.size() <= longest)
-        return line;
-    line.truncate(longest - 1);
-    if (line.back().isHighSurrogate())
-        line.chop(1);
-    return line + u'…';
-}
-
 QString replaced(
     QString text, QLatin1StringView ampersand, const QString &less, const QString &greater)
 {
@@ -144,8 +127,8 @@ void DesktopNotifier::post(const Notification &notification)
         m_entries.append(Entry{.identifier = notification.identifier, .waiting = {}, .sent = {}});
     }
     m_entries.back().waiting = Waiting{.notification = {.identifier = notification.identifier,
-                                           .title = plainLine(notification.title, longestTitle),
-                                           .body = plainLine(notification.body, longestBody)},
+                                           .title = asOneLine(notification.title, longestTitle),
+                                           .body = asOneLine(notification.body, longestBody)},
         .until = QDeadlineTimer(m_patience.server)};
     if (!m_expiry.isActive())
         m_expiry.start(m_patience.server);

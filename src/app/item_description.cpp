@@ -2,7 +2,7 @@
 
 #include "app/state_description.h"
 #include "core/date_styles.h"
-#include "core/plain_text.h"
+#include "core/redactor.h"
 #include "service/quota_service.h"
 
 namespace brimwatch::app {
@@ -17,17 +17,11 @@ using platform::ItemDescription;
 constexpr qsizetype longestName = 150;
 // ", ", ": ", "100.0%", ", resets in " and as many days as a date can be away.
 constexpr qsizetype longestRest = 50;
-constexpr qsizetype longestTitle = 300; // The rest is the last update's.
+constexpr qsizetype longestTitle = 300; // Leaves room for the time of the last update.
 static_assert(2 * longestName + longestRest <= ItemDescription::longestLine);
 
-/// What a daemon puts into its names: everyone on the session bus reads them in a tooltip.
-QString publicLine(const QString &text, const service::QuotaService &service, qsizetype longest)
-{
-    return asOneLine(withoutSecrets(text, service, QString()), longest);
-}
-
 /// When the bucket is full again, to be written behind its percentage; empty when nobody knows, or
-/// when that has passed and the next refresh will tell.
+/// when that moment has passed and the next refresh will say more.
 QString resetText(const model::QuotaBucket &bucket, const QDateTime &now)
 {
     const auto reset = bucket.parsedResetDate();
@@ -45,20 +39,19 @@ qsizetype countBuckets(const model::QuotaSummary &summary)
 }
 
 /// The lines of the first buckets, at most so many.
-QStringList firstBuckets(
-    const model::QuotaSummary &summary, const service::QuotaService &service, qsizetype most)
+QStringList firstBuckets(const model::QuotaSummary &summary, const Redactor &redactor,
+    const QDateTime &now, qsizetype most)
 {
     QStringList lines;
     const auto groups = summary.sortedGroups();
     for (const auto &group : groups) {
-        const QString groupName = publicLine(group.displayName, service, longestName);
+        const QString groupName = redactor.line(group.displayName, longestName);
         const auto buckets = group.sortedBuckets();
         for (const auto &bucket : buckets) {
             if (lines.size() == most)
                 return lines;
-            lines.append(groupName + u", "_s + publicLine(bucket.displayName, service, longestName)
-                + u": "_s + bucket.formattedPercentage()
-                + resetText(bucket, service.currentTime()));
+            lines.append(groupName + u", "_s + redactor.line(bucket.displayName, longestName)
+                + u": "_s + bucket.formattedPercentage() + resetText(bucket, now));
         }
     }
     return lines;
@@ -68,8 +61,11 @@ QStringList firstBuckets(
 
 ItemDescription describeItem(const service::QuotaService &service)
 {
+    // Everyone on the session bus reads a tooltip.
+    const auto redactor = redactorFor(service, QString());
+    const auto &now = service.currentTime();
     ItemDescription description;
-    description.title = publicLine(service.menuBarTitle(), service, longestTitle);
+    description.title = redactor.line(service.menuBarTitle(), longestTitle);
     const auto &status = service.connectionStatus();
     if (status.isOffline() && service.lastUpdated())
         description.title += " (last update: "_L1
@@ -77,13 +73,12 @@ ItemDescription describeItem(const service::QuotaService &service)
     if (const auto &summary = service.quotaSummary()) {
         const auto room = ItemDescription::mostLines - (status.isConnected() ? 0 : 1);
         if (countBuckets(*summary) <= room)
-            description.lines = firstBuckets(*summary, service, room);
+            description.lines = firstBuckets(*summary, redactor, now, room);
         else
-            description.lines = firstBuckets(*summary, service, room - 1) << u"…"_s;
+            description.lines = firstBuckets(*summary, redactor, now, room - 1) << u"…"_s;
     }
     if (!status.isConnected())
-        description.lines.append(
-            publicLine(status.displayText(), service, ItemDescription::longestLine));
+        description.lines.append(redactor.line(status.displayText(), ItemDescription::longestLine));
     return description;
 }
 

@@ -1,6 +1,7 @@
 #include "app/remote_access.h"
 
 #include "app/state_description.h"
+#include "platform/published_state.h"
 #include "platform/remote_control.h"
 #include "service/quota_service.h"
 
@@ -24,12 +25,9 @@ RemoteAccess::RemoteAccess(service::QuotaService &quotaService,
         [this, &diagnostics] { return reportForOthers(diagnostics, m_quotaService, m_home); });
     connect(
         &m_remoteControl, &platform::RemoteControl::refreshRequested, this, &RemoteAccess::refresh);
-    connect(&m_quotaService, &service::QuotaService::objectWillChange, this, &RemoteAccess::follow);
-    connect(&m_quotaService, &service::QuotaService::isRefreshingChanged, this, [this] {
-        // What went wrong is stored only after this.
-        if (!m_quotaService.isRefreshing())
-            QMetaObject::invokeMethod(this, &RemoteAccess::finishRefresh, Qt::QueuedConnection);
-    });
+    connect(&m_quotaService, &service::QuotaService::stateChanged, this, &RemoteAccess::publish);
+    connect(&m_quotaService, &service::QuotaService::refreshFinished, this,
+        &RemoteAccess::finishRefresh);
     publish();
 }
 
@@ -38,22 +36,12 @@ RemoteAccess::~RemoteAccess()
     m_remoteControl.setReport({});
 }
 
-void RemoteAccess::follow()
-{
-    if (m_updatePending || m_quotaService.revision() == m_publishedRevision)
-        return;
-    m_updatePending = true;
-    // The signal comes before the value is stored, and a refresh changes several: a turn of the
-    // event loop later all are there.
-    QMetaObject::invokeMethod(this, &RemoteAccess::publish, Qt::QueuedConnection);
-}
-
 void RemoteAccess::refresh()
 {
-    // Who joins a refresh asks nothing of the daemon.
+    // The caller joins the refresh that is under way.
     if (m_quotaService.isRefreshing())
         return;
-    // Asked once: what is left must not have passed between the question and the timer.
+    // Read once: the rest must not run out between the test and the start of the timer.
     if (const auto left = m_pause.remainingTimeAsDuration(); left > 0ns) {
         QTimer::singleShot(
             std::chrono::ceil<std::chrono::milliseconds>(left), this, &RemoteAccess::refresh);
@@ -63,23 +51,20 @@ void RemoteAccess::refresh()
     m_quotaService.refresh();
 }
 
-platform::PublishedState RemoteAccess::publish()
+void RemoteAccess::publish()
 {
-    m_updatePending = false;
-    m_publishedRevision = m_quotaService.revision();
-    auto state = describeState(m_quotaService, m_home);
+    const auto state = describeState(m_quotaService, m_home);
+    m_failure = state.connection == platform::PublishedState::Connection::Offline
+        ? std::optional(state.error)
+        : std::nullopt;
     m_remoteControl.publish(state);
-    return state;
 }
 
 void RemoteAccess::finishRefresh()
 {
-    // Who waits finds the properties current. They say how the last refresh ended, also when the
-    // next one has begun.
-    using Connection = platform::PublishedState::Connection;
-    const auto state = publish();
-    m_remoteControl.finishRefresh(
-        state.connection == Connection::Offline ? std::optional(state.error) : std::nullopt);
+    // The callers that wait find the properties current: these were published just before, and say
+    // how the last refresh ended even when the next one has begun.
+    m_remoteControl.finishRefresh(m_failure);
 }
 
 } // namespace brimwatch::app

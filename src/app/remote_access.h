@@ -1,10 +1,10 @@
 #pragma once
 
-#include "platform/published_state.h"
-
 #include <QDeadlineTimer>
 #include <QObject>
 #include <QString>
+
+#include <optional>
 
 namespace brimwatch::platform {
 class RemoteControl;
@@ -26,23 +26,17 @@ public:
     RemoteAccess(service::QuotaService &quotaService, const service::Diagnostics &diagnostics,
         platform::RemoteControl &remoteControl, QString home);
     ~RemoteAccess() override;
-    RemoteAccess(const RemoteAccess &) = delete;
-    RemoteAccess &operator=(const RemoteAccess &) = delete;
-    RemoteAccess(RemoteAccess &&) = delete;
-    RemoteAccess &operator=(RemoteAccess &&) = delete;
 
 private:
-    void follow();
+    void publish();
     void refresh();
-    platform::PublishedState publish();
     void finishRefresh();
 
     service::QuotaService &m_quotaService;
     platform::RemoteControl &m_remoteControl;
     QString m_home;
-    bool m_updatePending = false;
-    quint64 m_publishedRevision = 0; ///< Of the service.
-    QDeadlineTimer m_pause{0}; ///< After one that was asked for.
+    std::optional<QString> m_failure; ///< As published: why the daemon is offline.
+    QDeadlineTimer m_pause{0}; ///< Until the next refresh for another program may begin.
 };
 
 } // namespace brimwatch::app

@@ -16,20 +16,22 @@ using platform::PublishedBucket;
 using platform::PublishedGroup;
 using platform::PublishedState;
 
-/// Turns texts into lines without what is private.
+/// Describes the parts of the state, their texts redacted and within their bounds.
 class Publisher {
 public:
-    Publisher(const service::QuotaService &service, const QString &home)
-        : m_service(service)
-        , m_home(home)
+    explicit Publisher(Redactor redactor)
+        : m_redactor(std::move(redactor))
     {
     }
 
-    QString line(const QString &text, qsizetype longest) const
+    QString text(const QString &text) const
     {
-        // Once more at the end: a line break may have stood where the token has a blank.
-        return withoutSecrets(
-            asOneLine(withoutSecrets(text, m_service, m_home), longest), m_service, m_home);
+        return m_redactor.line(text, PublishedState::longestText);
+    }
+
+    QString name(const QString &text) const
+    {
+        return m_redactor.line(text, PublishedState::longestName);
     }
 
     PublishedBucket bucket(const model::QuotaBucket &bucket) const
@@ -55,8 +57,6 @@ public:
     }
 
 private:
-    QString name(const QString &text) const { return line(text, PublishedState::longestName); }
-
     static QString family(const model::QuotaGroup &group)
     {
         switch (group.groupSortPriority()) {
@@ -71,28 +71,21 @@ private:
         }
     }
 
-    const service::QuotaService &m_service;
-    const QString &m_home;
+    Redactor m_redactor;
 };
 
 } // namespace
 
-QString withoutSecrets(QString text, const service::QuotaService &service, const QString &home)
+Redactor redactorFor(const service::QuotaService &service, const QString &home)
 {
-    constexpr qsizetype shortestToken = 4;
     const auto &daemon = service.activeDaemon();
-    if (daemon && daemon->csrfToken && daemon->csrfToken->size() >= shortestToken)
-        text.replace(*daemon->csrfToken, u"…"_s);
-    // "/" is in anything, and the home of nobody.
-    if (home.size() > 1)
-        text.replace(home, u"~"_s);
-    return text;
+    return {daemon ? daemon->csrfToken : std::nullopt, home};
 }
 
 PublishedState describeState(const service::QuotaService &service, const QString &home)
 {
     using Connection = PublishedState::Connection;
-    const Publisher publisher(service, home);
+    const Publisher publisher(redactorFor(service, home));
     PublishedState state;
     const auto &status = service.connectionStatus();
     if (const auto *connected
@@ -101,16 +94,15 @@ PublishedState describeState(const service::QuotaService &service, const QString
         state.port = connected->port;
     } else if (status.isOffline()) {
         state.connection = Connection::Offline;
-        state.error = publisher.line(status.displayText(), PublishedState::longestText);
+        state.error = publisher.text(status.displayText());
     }
     if (const auto &updated = service.lastUpdated())
         state.lastUpdate = updated->toSecsSinceEpoch();
-    state.title = publisher.line(service.menuBarTitle(), PublishedState::longestText);
+    state.title = publisher.text(service.menuBarTitle());
     const auto items = service.toolbarStatItems().mid(0, PublishedState::mostItems);
     for (const auto &item : items)
-        state.items.append({.text = publisher.line(item.text, PublishedState::longestName),
-            .tier = item.bucket.statusTier()});
-    if (const auto lowest = service.lowestSelectedBucket())
+        state.items.append({.text = publisher.name(item.text), .tier = item.bucket.statusTier()});
+    if (const auto &lowest = service.lowestSelectedBucket())
         state.lowest = publisher.bucket(*lowest);
     if (const auto &summary = service.quotaSummary()) {
         qsizetype room = PublishedState::mostBuckets;
@@ -127,10 +119,8 @@ QString reportForOthers(const service::Diagnostics &diagnostics,
     const service::QuotaService &service, const QString &home)
 {
     constexpr qsizetype longestReport = 16LL * 1024;
-    return beginningOf(
-        withoutSecrets(
-            diagnostics.generateDiagnosticInfo(service::Diagnostics::Token::Cut), service, home),
-        longestReport);
+    const auto report = diagnostics.generateDiagnosticInfo(service::Diagnostics::Token::Truncated);
+    return truncated(redactorFor(service, home).redacted(report), longestReport);
 }
 
 } // namespace brimwatch::app

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/redactor.h"
 #include "platform/published_state.h"
 
 #include <QString>
@@ -11,16 +12,14 @@ class QuotaService;
 
 namespace brimwatch::app {
 
-/// `text` with "…" where the daemon's token stood and "~" where the user's home directory did: a
-/// daemon may put either into what it answers. A token of less than four characters is none worth
-/// hiding.
-QString withoutSecrets(QString text, const service::QuotaService &service, const QString &home);
+/// Hides the active daemon's token, and `home`, the user's home directory.
+Redactor redactorFor(const service::QuotaService &service, const QString &home);
 
-/// What other programs may know of the service's state, within the bounds of PublishedState, with
-/// all texts withoutSecrets().
+/// What other programs may know of the service's state, within the bounds of PublishedState, all
+/// texts redacted.
 platform::PublishedState describeState(const service::QuotaService &service, const QString &home);
 
-/// The report for support as other programs may have it: withoutSecrets(), and not endless.
+/// The report for support as other programs may have it: redacted, and of bounded length.
 QString reportForOthers(const service::Diagnostics &diagnostics,
     const service::QuotaService &service, const QString &home);
 

@@ -49,9 +49,9 @@ void StatusBarController::togglePopover(const platform::ItemAnchor &sender)
         return;
     }
     if (m_popoverCloseTime) {
-        const qint64 elapsed = m_popoverCloseTime->msecsTo(m_clock.now());
+        const std::chrono::milliseconds elapsed(m_popoverCloseTime->msecsTo(m_clock.now()));
         // A clock that was set back meanwhile must not lock the popover.
-        if (elapsed >= 0 && elapsed < reopenGuardMilliseconds)
+        if (elapsed >= elapsed.zero() && elapsed < reopenGuard)
             return;
     }
     m_popover->show(sender);
@@ -80,31 +80,17 @@ void StatusBarController::popoverDidClose()
 
 void StatusBarController::setupSubscribers()
 {
-    connect(&m_quotaService, &service::QuotaService::objectWillChange, this, [this] {
-        if (m_updatePending)
-            return;
-        if (m_quotaService.revision() == m_drawnRevision) {
-            // The time alone passes: the label has none in it, and the description minutes. A clock
-            // that was set back counts as a minute too.
-            constexpr qint64 minute = 60;
-            const qint64 age = m_describedAt.secsTo(m_clock.now());
-            if (age < 0 || age >= minute)
-                describeStatusItem();
-            return;
-        }
-        m_updatePending = true;
-        // The signal comes before the value is stored; a turn of the event loop later it is.
-        QMetaObject::invokeMethod(
-            this, &StatusBarController::updateStatusItem, Qt::QueuedConnection);
-    });
+    using service::QuotaService;
+    connect(
+        &m_quotaService, &QuotaService::stateChanged, this, &StatusBarController::updateStatusItem);
+    connect(
+        &m_quotaService, &QuotaService::currentTimeChanged, this, &StatusBarController::followTime);
 }
 
 void StatusBarController::updateStatusItem()
 {
-    m_updatePending = false;
     if (!m_statusItem->hasButton())
         return;
-    m_drawnRevision = m_quotaService.revision();
     m_label = model::composeLabel(m_quotaService.labelInput(), m_label, m_symbolExists);
     m_statusItem->setLabel(m_label);
     describeStatusItem();
@@ -112,8 +98,18 @@ void StatusBarController::updateStatusItem()
 
 void StatusBarController::describeStatusItem()
 {
-    m_describedAt = m_clock.now();
+    m_describedAt = m_quotaService.currentTime();
     m_statusItem->setDescription(describeItem(m_quotaService));
+}
+
+void StatusBarController::followTime()
+{
+    // The label has no time in it, and the tooltip counts in minutes. A clock that was set back
+    // counts as a minute too.
+    constexpr qint64 minute = 60;
+    const qint64 age = m_describedAt.secsTo(m_quotaService.currentTime());
+    if (age < 0 || age >= minute)
+        describeStatusItem();
 }
 
 } // namespace brimwatch::app

@@ -8,6 +8,7 @@
 #include <QDateTime>
 #include <QObject>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 
@@ -25,9 +26,9 @@ class StatusBarController final : public QObject {
 public:
     /// After it has closed, the popover stays closed for this long: the click that closed it must
     /// not open it again.
-    static constexpr qint64 reopenGuardMilliseconds = 250;
+    static constexpr std::chrono::milliseconds reopenGuard{250};
 
-    /// What it stands on. References outlive it.
+    /// What the controller uses. References outlive it.
     struct Dependencies {
         service::QuotaService &quotaService;
         const Clock &clock;
@@ -58,6 +59,7 @@ private:
     void setupSubscribers();
     void updateStatusItem();
     void describeStatusItem();
+    void followTime();
 
     service::QuotaService &m_quotaService;
     const Clock &m_clock;
@@ -65,9 +67,7 @@ private:
     std::unique_ptr<platform::Popover> m_popover;
     model::SymbolExists m_symbolExists;
     model::LabelComposition m_label;
-    bool m_updatePending = false;
-    QDateTime m_describedAt; ///< As which the countdowns of the description count.
-    quint64 m_drawnRevision = 0; ///< Of the service, when the label was composed last.
+    QDateTime m_describedAt; ///< The moment from which the tooltip's countdowns were computed.
     std::optional<QDateTime> m_popoverCloseTime; ///< Absent: in the distant past.
 };
 

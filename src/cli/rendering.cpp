@@ -108,7 +108,7 @@ QString fitted(const QString &text, int columns)
         return text;
     QString beginning = text;
     while (!beginning.isEmpty() && columnsOf(beginning) >= columns)
-        beginning = beginningOf(beginning, beginning.size() - 1);
+        beginning = truncated(beginning, beginning.size() - 1);
     return beginning + u'…';
 }
 

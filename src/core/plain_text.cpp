@@ -13,7 +13,7 @@ bool isBlank(QChar character)
 
 } // namespace
 
-QString beginningOf(const QString &text, qsizetype longest)
+QString truncated(const QString &text, qsizetype longest)
 {
     if (text.size() <= longest)
         return text;
@@ -48,7 +48,7 @@ QString asOneLine(const QString &text, qsizetype longest)
         line.chop(1);
     if (line.size() <= longest)
         return line;
-    return beginningOf(line, longest - 1) + u'…';
+    return truncated(line, longest - 1) + u'…';
 }
 
 } // namespace brimwatch

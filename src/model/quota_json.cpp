@@ -131,7 +131,8 @@ QJsonObject encode(const QuotaBucket &bucket)
     };
     insertIfPresent(object, "description"_L1, bucket.description);
     insertIfPresent(object, "window"_L1, bucket.window);
-    insertIfPresent(object, "resetTime"_L1, bucket.resetTime);
+    if (bucket.resetTime)
+        object.insert("resetTime"_L1, bucket.resetTime->text());
     return object;
 }
 

@@ -1,7 +1,6 @@
 #include "model/quota_records.h"
 
 #include "model/family_names.h"
-#include "model/iso8601.h"
 #include "model/percent.h"
 
 #include <QTimeZone>
@@ -169,7 +168,7 @@ ColorToken QuotaBucket::statusNSColor() const
 
 std::optional<QDateTime> QuotaBucket::parsedResetDate() const
 {
-    return resetTime ? parseInternetDateTime(*resetTime) : std::nullopt;
+    return resetTime ? resetTime->moment() : std::nullopt;
 }
 
 std::optional<QString> QuotaBucket::formattedResetTimestamp(

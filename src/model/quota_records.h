@@ -2,6 +2,7 @@
 
 #include "core/date_styles.h"
 #include "model/color_token.h"
+#include "model/iso8601.h"
 
 #include <QDateTime>
 #include <QList>
@@ -37,7 +38,7 @@ public:
     std::optional<QString> description = {};
     std::optional<QString> window = {}; ///< "5h", "weekly" or anything else the daemon says.
     double remainingFraction = 0; ///< 1.0 is the full quota; values outside 0 to 1 occur.
-    std::optional<QString> resetTime = {}; ///< ISO 8601, kept as text.
+    std::optional<Timestamp> resetTime = {};
 
     /// Identity in lists.
     const QString &id() const { return bucketId; }

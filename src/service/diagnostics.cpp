@@ -31,7 +31,7 @@ QString tokenText(const discovery::DaemonInfo &daemon, Diagnostics::Token token)
 {
     if (!daemon.csrfToken)
         return u"N/A"_s;
-    if (token == Diagnostics::Token::Whole)
+    if (token == Diagnostics::Token::Complete)
         return *daemon.csrfToken;
     const QString cut = truncatedToken(*daemon.csrfToken);
     return cut.startsWith(*daemon.csrfToken) ? u"..."_s : cut;

@@ -23,7 +23,7 @@ class Diagnostics {
 public:
     /// How much of the daemon's token the report holds: all of it, or its beginning as the rows
     /// have it, and nothing of one that they show whole.
-    enum class Token { Whole, Cut };
+    enum class Token { Complete, Truncated };
 
     /// The service outlives it. `home` is the user's home directory.
     Diagnostics(
@@ -41,7 +41,7 @@ public:
 
     /// The whole report, each line ended by a line feed. With the daemon's whole token it is for
     /// support, and goes nowhere but where the user sends it.
-    QString generateDiagnosticInfo(Token token = Token::Whole) const;
+    QString generateDiagnosticInfo(Token token = Token::Complete) const;
 
     /// Opens a mail to support with the report in it.
     QUrl supportMailUrl() const;

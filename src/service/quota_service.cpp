@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace brimwatch::service {
 namespace {
@@ -51,15 +52,29 @@ QuotaService::QuotaService(const Dependencies &dependencies, QObject *parent)
 
 QuotaService::~QuotaService() = default;
 
+template <typename Store> void QuotaService::publish(Store store, Changed changed)
+{
+    Q_EMIT objectWillChange();
+    store();
+    Q_EMIT(this->*changed)();
+}
+
 template <typename T> void QuotaService::change(T QuotaService::*member, T value, Changed changed)
+{
+    if (this->*member != value)
+        publish([&] { this->*member = std::move(value); }, changed);
+}
+
+template <typename T>
+void QuotaService::changeState(T QuotaService::*member, T value, Changed changed)
 {
     if (this->*member == value)
         return;
-    if (changed != &QuotaService::currentTimeChanged)
-        ++m_revision;
-    Q_EMIT objectWillChange();
-    this->*member = std::move(value);
-    Q_EMIT(this->*changed)();
+    const auto store = [&] {
+        this->*member = std::move(value);
+        startNextRevision();
+    };
+    publish(store, changed);
 }
 
 template <typename T, typename Value>
@@ -67,10 +82,35 @@ void QuotaService::changeSetting(const Setting<T> &setting, const Value &value, 
 {
     if (m_settings.value(setting) == value)
         return;
+    const auto store = [&] {
+        m_settings.setValue(setting, value);
+        startNextRevision();
+    };
+    publish(store, changed);
+}
+
+void QuotaService::startNextRevision()
+{
     ++m_revision;
-    Q_EMIT objectWillChange();
-    m_settings.setValue(setting, value);
-    Q_EMIT(this->*changed)();
+    announceLater();
+}
+
+void QuotaService::announceLater()
+{
+    if (m_announcementPending)
+        return;
+    m_announcementPending = true;
+    QMetaObject::invokeMethod(this, &QuotaService::announce, Qt::QueuedConnection);
+}
+
+void QuotaService::announce()
+{
+    m_announcementPending = false;
+    const bool refreshEnded = std::exchange(m_refreshEnded, false);
+    if (std::exchange(m_announcedRevision, m_revision) != m_revision)
+        Q_EMIT stateChanged();
+    if (refreshEnded)
+        Q_EMIT refreshFinished();
 }
 
 void QuotaService::refresh()
@@ -82,7 +122,7 @@ void QuotaService::refresh()
     change(&QuotaService::m_isRefreshing, true, &QuotaService::isRefreshingChanged);
     // Cleared before the answer is known, so that an offline view without data shows that something
     // is under way.
-    change(&QuotaService::m_errorMessage, std::optional<QString>(),
+    changeState(&QuotaService::m_errorMessage, std::optional<QString>(),
         &QuotaService::errorMessageChanged);
     whenDone(m_fetching.fetchQuotaSummary(m_lastUpdated), this,
         [this](const FetchResult &result) { apply(result); });
@@ -90,16 +130,18 @@ void QuotaService::refresh()
 
 void QuotaService::apply(const FetchResult &result)
 {
+    m_refreshEnded = true;
+    announceLater();
     // The order of the assignments is part of the promise: observers read between them.
     if (result) {
-        change(&QuotaService::m_quotaSummary, std::optional(result->summary),
+        changeState(&QuotaService::m_quotaSummary, std::optional(result->summary),
             &QuotaService::quotaSummaryChanged);
-        change(&QuotaService::m_activeDaemon, std::optional(result->daemon),
+        changeState(&QuotaService::m_activeDaemon, std::optional(result->daemon),
             &QuotaService::activeDaemonChanged);
-        change(&QuotaService::m_connectionStatus,
+        changeState(&QuotaService::m_connectionStatus,
             ConnectionStatus::connected(askedPort(result->daemon)),
             &QuotaService::connectionStatusChanged);
-        change(&QuotaService::m_lastUpdated, std::optional(m_clock.now()),
+        changeState(&QuotaService::m_lastUpdated, std::optional(m_clock.now()),
             &QuotaService::lastUpdatedChanged);
         change(&QuotaService::m_isRefreshing, false, &QuotaService::isRefreshingChanged);
         if (m_alerts != nullptr)
@@ -108,9 +150,9 @@ void QuotaService::apply(const FetchResult &result)
     }
     const QString description = result.error().errorDescription();
     change(&QuotaService::m_isRefreshing, false, &QuotaService::isRefreshingChanged);
-    change(&QuotaService::m_errorMessage, std::optional(description),
+    changeState(&QuotaService::m_errorMessage, std::optional(description),
         &QuotaService::errorMessageChanged);
-    change(&QuotaService::m_connectionStatus, ConnectionStatus::offline(description),
+    changeState(&QuotaService::m_connectionStatus, ConnectionStatus::offline(description),
         &QuotaService::connectionStatusChanged);
 }
 
@@ -274,35 +316,6 @@ void QuotaService::setToolbarLabelStyle(const QString &rawValue)
     changeSetting(settings::toolbarLabelStyle, rawValue, &QuotaService::toolbarLabelStyleChanged);
 }
 
-QList<model::ToolbarStatItem> QuotaService::toolbarStatItems() const
-{
-    return model::toolbarStatItems(m_quotaSummary,
-        {.showGeminiInToolbar = showGeminiInToolbar(),
-            .showArgonInToolbar = showArgonInToolbar(),
-            .showClaudeInToolbar = showClaudeInToolbar(),
-            .showFiveHourInMenuBar = showFiveHourInMenuBar(),
-            .showWeeklyInMenuBar = showWeeklyInMenuBar(),
-            .toolbarLabelStyle = toolbarLabelStyle()});
-}
-
-std::optional<model::QuotaBucket> QuotaService::lowestSelectedBucket() const
-{
-    return model::lowestSelectedBucket(m_quotaSummary, toolbarStatItems());
-}
-
-QString QuotaService::menuBarTitle() const
-{
-    return model::menuBarTitle(m_quotaSummary, toolbarStatItems(),
-        showIconInMenuBar() ? model::StarAtStart::Yes : model::StarAtStart::No,
-        m_connectionStatus.isConnecting() ? model::ConnectionPhase::Connecting
-                                          : model::ConnectionPhase::Settled);
-}
-
-model::ColorToken QuotaService::menuBarTint() const
-{
-    return model::menuBarTint(lowestSelectedBucket());
-}
-
 model::ColorToken QuotaService::menuBarNSTint() const
 {
     return model::menuBarNSTint(lowestSelectedBucket());
@@ -310,13 +323,34 @@ model::ColorToken QuotaService::menuBarNSTint() const
 
 model::LabelInput QuotaService::labelInput() const
 {
-    const auto items = toolbarStatItems();
-    return {.items = items,
+    return {.items = toolbarStatItems(),
         .showPercentage = showPercentageInMenuBar(),
         .showIcon = showIconInMenuBar(),
         .colored = useColoredStatusIndicator(),
         .labelStyle = toolbarLabelStyle(),
-        .tint = model::menuBarTint(model::lowestSelectedBucket(m_quotaSummary, items))};
+        .tint = menuBarTint()};
+}
+
+const QuotaService::Derived &QuotaService::derived() const
+{
+    if (m_derived && m_derived->revision == m_revision)
+        return *m_derived;
+    Derived derived;
+    derived.revision = m_revision;
+    derived.items = model::toolbarStatItems(m_quotaSummary,
+        {.showGeminiInToolbar = showGeminiInToolbar(),
+            .showArgonInToolbar = showArgonInToolbar(),
+            .showClaudeInToolbar = showClaudeInToolbar(),
+            .showFiveHourInMenuBar = showFiveHourInMenuBar(),
+            .showWeeklyInMenuBar = showWeeklyInMenuBar(),
+            .toolbarLabelStyle = toolbarLabelStyle()});
+    derived.lowestBucket = model::lowestSelectedBucket(m_quotaSummary, derived.items);
+    derived.title = model::menuBarTitle(m_quotaSummary, derived.items,
+        showIconInMenuBar() ? model::StarAtStart::Yes : model::StarAtStart::No,
+        m_connectionStatus.isConnecting() ? model::ConnectionPhase::Connecting
+                                          : model::ConnectionPhase::Settled);
+    derived.tint = model::menuBarTint(derived.lowestBucket);
+    return m_derived.emplace(std::move(derived));
 }
 
 } // namespace brimwatch::service

@@ -24,8 +24,9 @@ class LowQuotaAlerting;
 /// The one observable model of the program: the latest quota, the connection, the settings, and the
 /// refreshes that keep them current. Everything happens on the main thread.
 ///
-/// Every change is announced twice: by objectWillChange just before it, and by the property's own
-/// signal just after. Setting what already holds is no change.
+/// Every change is announced by objectWillChange just before it and by the property's own signal
+/// just after, and all the changes of one turn of the event loop once more by stateChanged. Setting
+/// what already holds is no change.
 class QuotaService final : public QObject {
     Q_OBJECT
     Q_PROPERTY(brimwatch::service::ConnectionStatus connectionStatus READ connectionStatus NOTIFY
@@ -120,21 +121,29 @@ public:
     QString toolbarLabelStyle() const;
     void setToolbarLabelStyle(const QString &rawValue);
 
-    /// Counts the changes of all that is stored here but the time: while it stays, so does all that
-    /// is derived below.
+    /// Counts the changes of all that is stored here but the time and `isRefreshing`.
     quint64 revision() const { return m_revision; }
 
-    // Derived anew on each read.
-    QList<model::ToolbarStatItem> toolbarStatItems() const;
-    std::optional<model::QuotaBucket> lowestSelectedBucket() const;
-    QString menuBarTitle() const;
-    model::ColorToken menuBarTint() const;
+    // Derived once per revision, by the first that reads one of them.
+    const QList<model::ToolbarStatItem> &toolbarStatItems() const { return derived().items; }
+    const std::optional<model::QuotaBucket> &lowestSelectedBucket() const
+    {
+        return derived().lowestBucket;
+    }
+    const QString &menuBarTitle() const { return derived().title; }
+    model::ColorToken menuBarTint() const { return derived().tint; }
     model::ColorToken menuBarNSTint() const;
     /// All that decides the label.
     model::LabelInput labelInput() const;
 
 Q_SIGNALS:
     void objectWillChange();
+
+    /// The revision is another one. Comes once for all the changes of a turn of the event loop, in
+    /// a later turn, when all of them are stored.
+    void stateChanged();
+    /// A refresh has ended. Comes after the stateChanged of what it brought.
+    void refreshFinished();
 
     void quotaSummaryChanged();
     void activeDaemonChanged();
@@ -161,11 +170,27 @@ Q_SIGNALS:
 private:
     using Changed = void (QuotaService::*)();
 
+    /// What label, tooltip and bus read of the state.
+    struct Derived {
+        quint64 revision = 0; ///< From which it was derived.
+        QList<model::ToolbarStatItem> items;
+        std::optional<model::QuotaBucket> lowestBucket;
+        QString title;
+        model::ColorToken tint = model::ColorToken::SecondaryLabel;
+    };
+
+    template <typename Store> void publish(Store store, Changed changed);
     /// Sets a member, announced before and after; nothing when it holds that value already.
     template <typename T> void change(T QuotaService::*member, T value, Changed changed);
+    /// The same for a member that counts as state: all but the time and `isRefreshing`.
+    template <typename T> void changeState(T QuotaService::*member, T value, Changed changed);
     template <typename T, typename Value>
     void changeSetting(const Setting<T> &setting, const Value &value, Changed changed);
+    void startNextRevision();
+    void announceLater();
+    void announce();
     void apply(const FetchResult &result);
+    const Derived &derived() const;
 
     Clock &m_clock;
     QuotaFetching &m_fetching;
@@ -181,6 +206,10 @@ private:
     std::optional<QString> m_errorMessage;
     QDateTime m_currentTime;
     quint64 m_revision = 0;
+    mutable std::optional<Derived> m_derived; ///< Absent before the first read.
+    bool m_announcementPending = false;
+    quint64 m_announcedRevision = 0;
+    bool m_refreshEnded = false; ///< Since the last announcement.
 
     // Destroyed in this order's reverse: the refresh timer ends first.
     std::unique_ptr<RepeatingTimer> m_secondTickTimer;

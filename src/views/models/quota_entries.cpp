@@ -28,7 +28,7 @@ QString shownText(const QString &text)
 {
     // Longer than any view has room for, but short enough to lay out in no time.
     constexpr qsizetype longest = 1000;
-    QString shown = beginningOf(text, longest);
+    QString shown = truncated(text, longest);
     for (QChar &character : shown) {
         switch (character.category()) {
         case QChar::Other_Control:

@@ -1,6 +1,10 @@
 #include "app/item_description.h"
+#include "app/remote_access.h"
 #include "app/status_bar_controller.h"
 #include "core/date_styles.h"
+#include "platform/application_presence.h"
+#include "platform/remote_control.h"
+#include "service/diagnostics.h"
 #include "service/quota_service.h"
 #include "support/fake_fetching.h"
 #include "support/test_clock.h"
@@ -15,9 +19,15 @@ using namespace std::chrono_literals;
 namespace {
 
 class FakeStatusItem final : public platform::StatusItem {
+    Q_OBJECT
+
 public:
     bool hasButton() const override { return button; }
-    void setLabel(const model::LabelComposition &label) override { labels.append(label); }
+    void setLabel(const model::LabelComposition &label) override
+    {
+        labels.append(label);
+        Q_EMIT drawn();
+    }
     void setDescription(const platform::ItemDescription &description) override
     {
         descriptions.append(description);
@@ -28,6 +38,28 @@ public:
     std::optional<QRect> itemPlace;
     QList<model::LabelComposition> labels;
     QList<platform::ItemDescription> descriptions;
+
+Q_SIGNALS:
+    void drawn();
+};
+
+class FakeRemoteControl final : public platform::RemoteControl {
+    Q_OBJECT
+
+public:
+    void publish(const platform::PublishedState &state) override
+    {
+        published.append(state);
+        Q_EMIT told();
+    }
+    void finishRefresh(const std::optional<QString> &error) override { finished.append(error); }
+    void setReport(Report /*report*/) override { }
+
+    QList<platform::PublishedState> published;
+    QList<std::optional<QString>> finished;
+
+Q_SIGNALS:
+    void told();
 };
 
 class FakePopover final : public platform::Popover {
@@ -233,6 +265,40 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QCOMPARE(m_item->labels.size(), before + 1);
         QCOMPARE(m_item->labels.last().plainTitle(), u"G: 80%"_s);
+    }
+
+    void aRefreshIsDerivedDrawnAndPublishedOnce()
+    {
+        show(summaryWith(0.8, 0.55));
+        const service::Diagnostics diagnostics(*m_service, {}, {});
+        FakeRemoteControl bus;
+        const app::RemoteAccess access(*m_service, diagnostics, bus, {});
+        QCoreApplication::processEvents();
+        m_item->labels.clear();
+        m_item->descriptions.clear();
+        bus.published.clear();
+        bus.finished.clear();
+        // What each reader has just read. Lists that are kept share their memory with no other
+        // derivation.
+        QList<QList<model::ToolbarStatItem>> read;
+        const auto note = [&] { read.append(m_service->toolbarStatItems()); };
+        connect(m_item, &FakeStatusItem::drawn, &bus, note);
+        connect(&bus, &FakeRemoteControl::told, &bus, note);
+        connect(m_service.get(), &service::QuotaService::stateChanged, &bus, note);
+
+        m_clock->advance(5s);
+        m_service->refresh();
+        QCoreApplication::processEvents();
+        m_fetching->answer(
+            service::FetchedQuota{.summary = summaryWith(0.3, 0.2), .daemon = {.httpPort = 1}});
+        QTRY_COMPARE(bus.finished, QList<std::optional<QString>>{std::nullopt});
+        QCOMPARE(m_item->labels.size(), 1);
+        QCOMPARE(m_item->descriptions.size(), 1);
+        QCOMPARE(bus.published.size(), 1);
+        QCOMPARE(bus.published.first().title, u"✦ 5h: 30% · W: 20%"_s);
+        QCOMPARE(read.size(), 3);
+        for (const auto &items : std::as_const(read))
+            QCOMPARE(items.constData(), read.first().constData());
     }
 
     void theTimeRebuildsNothing()

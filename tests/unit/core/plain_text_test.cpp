@@ -22,9 +22,9 @@ private Q_SLOTS:
 
 void PlainTextTest::aTextThatFitsIsItsOwnBeginning()
 {
-    QCOMPARE(beginningOf(u"four"_s, 4), u"four"_s);
-    QCOMPARE(beginningOf(QString(), 4), QString());
-    QCOMPARE(beginningOf(u"four"_s, 0), QString());
+    QCOMPARE(truncated(u"four"_s, 4), u"four"_s);
+    QCOMPARE(truncated(QString(), 4), QString());
+    QCOMPARE(truncated(u"four"_s, 0), QString());
 }
 
 void PlainTextTest::aCutIsBetweenCharacters_data()
@@ -47,14 +47,14 @@ void PlainTextTest::aCutIsBetweenCharacters()
 {
     QFETCH(const QString, text);
     QFETCH(const QString, beginning);
-    QCOMPARE(beginningOf(text, 4), beginning);
-    QCOMPARE(beginningOf(text + u"x"_s.repeated(1'000'000), 4), beginning);
+    QCOMPARE(truncated(text, 4), beginning);
+    QCOMPARE(truncated(text + u"x"_s.repeated(1'000'000), 4), beginning);
 }
 
 void PlainTextTest::aCharacterThatIsTooLongIsCutBetweenCodePoints()
 {
-    QCOMPARE(beginningOf(u"e"_s + u"\u0301"_s.repeated(1000), 4), u"e\u0301\u0301\u0301"_s);
-    QCOMPARE(beginningOf(u"e"_s + u"\U0001e8d0"_s.repeated(1000), 4), u"e\U0001e8d0"_s);
+    QCOMPARE(truncated(u"e"_s + u"\u0301"_s.repeated(1000), 4), u"e\u0301\u0301\u0301"_s);
+    QCOMPARE(truncated(u"e"_s + u"\U0001e8d0"_s.repeated(1000), 4), u"e\U0001e8d0"_s);
 }
 
 void PlainTextTest::aLineHasNoControlsAndSingleBlanks_data()

@@ -14,6 +14,7 @@ private Q_SLOTS:
     void aMomentIsParsed();
     void anythingElseIsAbsent_data();
     void anythingElseIsAbsent();
+    void aTimestampKeepsItsTextBesideTheMoment();
 };
 
 void Iso8601Test::aMomentIsParsed_data()
@@ -91,6 +92,22 @@ void Iso8601Test::anythingElseIsAbsent()
 {
     QFETCH(const QString, text);
     QVERIFY(!parseInternetDateTime(text));
+}
+
+void Iso8601Test::aTimestampKeepsItsTextBesideTheMoment()
+{
+    const QString text = u"2026-11-16T14:30:00.000+05:30"_s;
+    const Timestamp timestamp(text);
+    QCOMPARE(timestamp.text(), text);
+    QCOMPARE(timestamp.moment(), parseInternetDateTime(text));
+    QVERIFY(timestamp.moment().has_value());
+    // The same moment in other words is another text.
+    QVERIFY(timestamp != Timestamp(u"2026-11-16T09:00:00Z"_s));
+    QVERIFY(timestamp == Timestamp(text));
+
+    const Timestamp senseless(u"tomorrow"_s);
+    QCOMPARE(senseless.text(), u"tomorrow"_s);
+    QVERIFY(!senseless.moment());
 }
 
 } // namespace brimwatch::model

@@ -331,6 +331,65 @@ private Q_SLOTS:
         QCOMPARE(m_service->connectionStatus(), ConnectionStatus::offline(text));
     }
 
+    void theChangesOfOneTurnAreToldOnceWhenAllAreStored()
+    {
+        makeServiceThatFetches();
+        QCoreApplication::processEvents();
+        record();
+        connect(&*m_service, &QuotaService::stateChanged, this,
+            [this] { m_log += u"state:"_s + readable(); });
+        connect(&*m_service, &QuotaService::refreshFinished, this,
+            [this] { m_log += u"finished:"_s + readable(); });
+        m_fetching->answer(success());
+        QTRY_VERIFY(m_log.contains(u"finished: summary daemon updated connected"_s));
+        QCOMPARE(
+            m_log.filter(u"state:"_s), QStringList{u"state: summary daemon updated connected"_s});
+        QCOMPARE(m_log.mid(m_log.size() - 2),
+            Log({u"state: summary daemon updated connected"_s,
+                u"finished: summary daemon updated connected"_s}));
+
+        m_service->refresh();
+        m_fetching->answer(noDaemon());
+        m_log.clear();
+        QTRY_VERIFY(m_log.contains(u"finished: summary daemon updated error offline"_s));
+        QCOMPARE(m_log.filter(u"state:"_s),
+            QStringList{u"state: summary daemon updated error offline"_s});
+
+        m_log.clear();
+        m_service->setShowIconInMenuBar(false);
+        m_service->setShowWeeklyInMenuBar(false);
+        QVERIFY(m_log.filter(u"state:"_s).isEmpty());
+        QCoreApplication::processEvents();
+        QCOMPARE(m_log.filter(u"state:"_s).size(), 1);
+    }
+
+    void theTimeAndTheRefreshThatBeginsAreNoChangeOfTheState()
+    {
+        makeServiceThatFetches();
+        QSignalSpy told(&*m_service, &QuotaService::stateChanged);
+        QSignalSpy ticks(&*m_service, &QuotaService::currentTimeChanged);
+        QVERIFY(m_service->isRefreshing());
+        m_clock->hands.advance(5s);
+        QCoreApplication::processEvents();
+        QCOMPARE(ticks.count(), 5);
+        QCOMPARE(told.count(), 0);
+        QCOMPARE(m_service->revision(), 0U);
+    }
+
+    void aRefreshThatChangesNothingStillFinishes()
+    {
+        makeServiceThatFetches();
+        m_fetching->answer(success());
+        QTRY_VERIFY(m_service->quotaSummary());
+        QCoreApplication::processEvents();
+        QSignalSpy told(&*m_service, &QuotaService::stateChanged);
+        QSignalSpy finished(&*m_service, &QuotaService::refreshFinished);
+        m_service->refresh();
+        m_fetching->answer(success());
+        QTRY_COMPARE(finished.count(), 1);
+        QCOMPARE(told.count(), 0);
+    }
+
     void theConnectionNamesThePortThatWasAsked_data()
     {
         QTest::addColumn<std::optional<std::int64_t>>("httpPort");
@@ -576,6 +635,43 @@ private Q_SLOTS:
         QCOMPARE(m_service->menuBarTitle(), u"✦ Gemini"_s);
         QVERIFY(m_service->toolbarStatItems().isEmpty());
         QCOMPARE(m_service->lowestSelectedBucket()->remainingFraction, 0.55);
+    }
+
+    void whatTheLabelReadsIsDerivedOncePerRevision()
+    {
+        makeServiceThatFetches();
+        m_fetching->answer(success());
+        QTRY_VERIFY(!m_service->isRefreshing());
+        // A list that is kept shares its memory with no other derivation.
+        const auto items = m_service->toolbarStatItems();
+        m_service->menuBarTitle();
+        m_service->menuBarTint();
+        m_service->lowestSelectedBucket();
+        m_service->labelInput();
+        m_clock->hands.advance(5s);
+        m_service->refresh();
+        QCOMPARE(m_service->toolbarStatItems().constData(), items.constData());
+
+        m_service->setShowIconInMenuBar(false);
+        QVERIFY(m_service->toolbarStatItems().constData() != items.constData());
+        QCOMPARE(m_service->toolbarStatItems(), items);
+        QCOMPARE(m_service->menuBarTitle(), u"5h: 80% · W: 55%"_s);
+    }
+
+    void aReaderOfTheLastMomentBeforeAChangeLeavesNothingStale()
+    {
+        makeServiceThatFetches();
+        m_fetching->answer(success());
+        QTRY_VERIFY(m_service->quotaSummary());
+        QStringList before;
+        QStringList after;
+        connect(&*m_service, &QuotaService::objectWillChange, this,
+            [&] { before += m_service->menuBarTitle(); });
+        connect(&*m_service, &QuotaService::showIconInMenuBarChanged, this,
+            [&] { after += m_service->menuBarTitle(); });
+        m_service->setShowIconInMenuBar(false);
+        QCOMPARE(before, QStringList{u"✦ 5h: 80% · W: 55%"_s});
+        QCOMPARE(after, QStringList{u"5h: 80% · W: 55%"_s});
     }
 
     void withoutASummaryThereIsNoBucketAndTheTwoTintsDiffer()

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+namespace brimwatch {
+
+/// Takes what is private out of texts that leave the program: "…" stands for the daemon's token and
+/// "~" for the user's home directory. A daemon may put either into anything that it answers.
+class Redactor {
+public:
+    /// A token of less than four characters is not worth hiding; neither is an empty home, nor "/",
+    /// which is part of any path.
+    Redactor(std::optional<QString> token, QString home);
+
+    QString redacted(QString text) const;
+    /// The text as asOneLine() writes it, redacted.
+    QString line(const QString &text, qsizetype longest) const;
+
+private:
+    std::optional<QString> m_token; ///< Absent without one that is worth hiding.
+    QString m_home; ///< Empty without one that is worth hiding.
+};
+
+} // namespace brimwatch

@@ -72,7 +72,7 @@ FocusScope {
             objectName: "settingsButton"
             anchors.verticalCenter: parent.verticalCenter
             x: parent.width - 14 - width
-            overhang: 5
+            margin: 5
             text: "Preferences"
             toolTip: root.toolTip
             toolTipText: text
@@ -87,13 +87,10 @@ FocusScope {
         }
     }
 
-    Rectangle {
+    Divider {
         id: headerLine
 
         y: header.height
-        width: parent.width
-        height: 1
-        color: Theme.divider
     }
 
     Item {

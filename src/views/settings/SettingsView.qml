@@ -45,7 +45,7 @@ Item {
             objectName: "backButton"
             anchors.verticalCenter: parent.verticalCenter
             x: 14
-            overhang: 4
+            margin: 4
             text: "Dashboard"
             onClicked: root.back()
 
@@ -93,13 +93,10 @@ Item {
         }
     }
 
-    Rectangle {
+    Divider {
         id: headerLine
 
         y: header.height
-        width: parent.width
-        height: 1
-        color: Theme.divider
     }
 
     ScrollArea {
@@ -224,11 +221,8 @@ Item {
                     width: parent.width
                     height: 5
 
-                    Rectangle {
+                    Divider {
                         y: 2
-                        width: parent.width
-                        height: 1
-                        color: Theme.divider
                     }
                 }
 
@@ -379,11 +373,8 @@ Item {
                     width: parent.width
                     height: 9
 
-                    Rectangle {
+                    Divider {
                         y: 4
-                        width: parent.width
-                        height: 1
-                        color: Theme.divider
                     }
                 }
 

@@ -68,14 +68,9 @@ SettingsModel::SettingsModel(Dependencies dependencies, QObject *parent)
 
 SettingsModel::~SettingsModel() = default;
 
-void SettingsModel::setShown(bool shown)
+void SettingsModel::refreshLaunchAtLogin()
 {
-    if (m_isShown == shown)
-        return;
-    m_isShown = shown;
-    if (shown)
-        m_dependencies.launchAtLogin.refresh();
-    Q_EMIT isShownChanged();
+    m_dependencies.launchAtLogin.refresh();
 }
 
 bool SettingsModel::launchAtLogin() const

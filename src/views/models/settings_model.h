@@ -27,7 +27,6 @@ class SettingsModel final : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("Made by the popover's content.")
     Q_PROPERTY(brimwatch::service::QuotaService *service READ service CONSTANT FINAL)
-    Q_PROPERTY(bool isShown READ isShown NOTIFY isShownChanged FINAL)
     Q_PROPERTY(bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY
             launchAtLoginChanged FINAL)
     Q_PROPERTY(bool requiresApproval READ requiresApproval NOTIFY launchAtLoginChanged FINAL)
@@ -60,11 +59,8 @@ public:
 
     service::QuotaService *service() const { return &m_dependencies.quotaService; }
 
-    /// Whether the settings can be seen. Each time that they come to be, the system is asked anew
-    /// whether it starts us at login.
-    bool isShown() const { return m_isShown; }
-    void setShown(bool shown);
-
+    /// Asks the system whether it starts us at login: each time the settings are shown.
+    void refreshLaunchAtLogin();
     bool launchAtLogin() const;
     void setLaunchAtLogin(bool enabled);
     bool requiresApproval() const;
@@ -97,7 +93,6 @@ public:
     Q_INVOKABLE void quit() const;
 
 Q_SIGNALS:
-    void isShownChanged();
     void launchAtLoginChanged();
     void labelStyleChanged();
     void refreshIntervalChanged();
@@ -107,7 +102,6 @@ Q_SIGNALS:
 
 private:
     Dependencies m_dependencies;
-    bool m_isShown = false;
 };
 
 } // namespace brimwatch::views

@@ -6,9 +6,10 @@ Item {
     id: root
 
     required property SettingsModel model
+    required property PopoverModel popover
 
     // Of the pickers.
-    readonly property bool mayOpen: model.isShown && enabled
+    readonly property bool mayOpen: popover.isShown && enabled
     // The control with the keyboard focus, which has to be visible.
     readonly property Item focused: Window.activeFocusItem
 

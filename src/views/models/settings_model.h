@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QVariant>
 #include <QtQml/qqmlregistration.h>
 
 #include <functional>
@@ -37,9 +38,7 @@ class SettingsModel final : public QObject {
     Q_PROPERTY(int refreshInterval READ refreshInterval WRITE setRefreshInterval NOTIFY
             refreshIntervalChanged FINAL)
     Q_PROPERTY(QString thresholdText READ thresholdText NOTIFY thresholdTextChanged FINAL)
-    Q_PROPERTY(bool hasDaemon READ hasDaemon NOTIFY daemonChanged FINAL)
-    Q_PROPERTY(QList<QString> daemonLabels READ daemonLabels NOTIFY daemonChanged FINAL)
-    Q_PROPERTY(QList<QString> daemonValues READ daemonValues NOTIFY daemonChanged FINAL)
+    Q_PROPERTY(QVariantList daemonRows READ daemonRows NOTIFY daemonRowsChanged FINAL)
     Q_PROPERTY(QString lastUpdate READ lastUpdate NOTIFY lastUpdateChanged FINAL)
     Q_PROPERTY(QString appVersion READ appVersion CONSTANT FINAL)
 
@@ -79,10 +78,8 @@ public:
     /// "20%"
     QString thresholdText() const;
 
-    bool hasDaemon() const;
-    /// What is known of the active daemon, label for label and value for value; empty without one.
-    QStringList daemonLabels() const;
-    QStringList daemonValues() const;
+    /// What is known of the active daemon, each a service::DiagnosticLine; empty without one.
+    QVariantList daemonRows() const;
     QString lastUpdate() const;
     QString appVersion() const;
 
@@ -97,7 +94,7 @@ Q_SIGNALS:
     void labelStyleChanged();
     void refreshIntervalChanged();
     void thresholdTextChanged();
-    void daemonChanged();
+    void daemonRowsChanged();
     void lastUpdateChanged();
 
 private:

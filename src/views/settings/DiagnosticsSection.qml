@@ -15,17 +15,18 @@ SettingsSection {
     Column {
         width: parent.width
         spacing: 4
-        visible: root.model.hasDaemon
+        visible: daemonRows.count > 0
 
         Repeater {
-            model: root.model.daemonLabels
+            id: daemonRows
+
+            model: root.model.daemonRows
 
             DiagnosticRow {
-                required property int index
-                required property string modelData
+                required property diagnosticLine modelData
 
-                label: modelData
-                value: root.model.daemonValues[index] ?? ""
+                label: modelData.label
+                value: modelData.value
             }
         }
     }
@@ -34,7 +35,7 @@ SettingsSection {
         objectName: "noDaemonNote"
         text: "No active daemon detected."
         color: Theme.secondaryLabel
-        visible: !root.model.hasDaemon
+        visible: daemonRows.count === 0
     }
 
     Item {

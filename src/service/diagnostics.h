@@ -3,6 +3,7 @@
 #include "platform/app_information.h"
 
 #include <QList>
+#include <QObject>
 #include <QString>
 #include <QUrl>
 
@@ -12,6 +13,11 @@ class QuotaService;
 
 /// One line of what the settings show: what it is, and its value.
 struct DiagnosticLine {
+    Q_GADGET
+    Q_PROPERTY(QString label MEMBER label CONSTANT FINAL)
+    Q_PROPERTY(QString value MEMBER value CONSTANT FINAL)
+
+public:
     QString label;
     QString value;
 

@@ -1,24 +1,23 @@
 import QtQuick
 import Brimwatch
 
-// The popover's root, with its two faces. Larger text enlarges all of it, so that everything keeps its proportions.
+// The popover's root with its two faces, the dashboard and the settings. Larger text scales all of it, so that everything
+// keeps its proportions.
 Item {
     id: root
 
     required property PopoverModel model
     required property SettingsModel settingsModel
 
-    property bool showingSettings: false
     // From 0, the dashboard, to 1, the settings.
-    property real turn: showingSettings ? 1 : 0
+    property real turn: model.showingSettings ? 1 : 0
 
     function showSettings() {
-        if (root.showingSettings)
+        if (root.model.showingSettings)
             return;
         bubble.dismiss();
-        // Before the dashboard is disabled, which takes the keyboard from it.
+        // Read before the dashboard is disabled, which takes the focus from it.
         settings.takeFocus = dashboard.activeFocus;
-        root.showingSettings = true;
         root.model.showingSettings = true;
         settings.show();
         if (!settings.takeFocus)
@@ -26,10 +25,9 @@ Item {
     }
 
     function showDashboard() {
-        if (!root.showingSettings)
+        if (!root.model.showingSettings)
             return;
         const byKeyboard = settings.activeFocus;
-        root.showingSettings = false;
         root.model.showingSettings = false;
         if (byKeyboard)
             dashboard.takeFocus();
@@ -40,14 +38,22 @@ Item {
     focus: true
 
     Keys.onPressed: event => {
-        if (event.key === Qt.Key_Escape && root.showingSettings) {
+        if (event.key === Qt.Key_Escape && root.model.showingSettings) {
             root.showDashboard();
             event.accepted = true;
-        } else if (root.showingSettings) {
+        } else if (root.model.showingSettings) {
             settings.handleScrollKey(event);
         } else {
             dashboard.handleScrollKey(event);
         }
+    }
+
+    Connections {
+        function onSettingsRequested() {
+            root.showSettings();
+        }
+
+        target: root.model
     }
 
     Behavior on turn {
@@ -72,10 +78,10 @@ Item {
         height: root.height / Theme.textScale
         scale: Theme.textScale
         transformOrigin: Item.TopLeft
-        // A face that comes or goes is not to be seen on the shadow.
+        // A face that slides in or out must not cover the shadow.
         clip: Theme.cornerRadius > 0
 
-        // Else it is the window's.
+        // Without round corners the window's own color is the background.
         Rectangle {
             anchors.fill: parent
             radius: Theme.cornerRadius
@@ -91,13 +97,12 @@ Item {
             height: parent.height
             opacity: 1 - root.turn
             visible: root.turn < 1
-            enabled: !root.showingSettings
+            enabled: !root.model.showingSettings
             model: root.model
             toolTip: bubble
-            onSettingsWanted: root.showSettings()
         }
 
-        // Made anew each time it is turned to.
+        // Created each time the settings are shown, and by its file, so that the first click does not load it.
         Loader {
             id: settings
 
@@ -105,7 +110,7 @@ Item {
 
             function show() {
                 if (status !== Loader.Ready)
-                    setSource("SettingsView.qml", {"model": root.settingsModel});
+                    setSource("SettingsView.qml", {"model": root.settingsModel, "popover": root.model});
             }
 
             function handleScrollKey(event: KeyEvent) {
@@ -118,19 +123,12 @@ Item {
             width: parent.width
             height: parent.height
             opacity: root.turn
-            enabled: root.showingSettings
+            enabled: root.model.showingSettings
             onLoaded: {
+                const view = item as SettingsView;
+                view.back.connect(root.showDashboard);
                 if (takeFocus)
-                    (item as SettingsView).takeFocus();
-            }
-
-            Connections {
-                function onBack() {
-                    root.showDashboard();
-                }
-
-                target: settings.item
-                ignoreUnknownSignals: true
+                    view.takeFocus();
             }
         }
 
@@ -150,7 +148,7 @@ Item {
     }
 
     onTurnChanged: {
-        if (turn === 0 && !showingSettings)
+        if (turn === 0 && !model.showingSettings)
             settings.source = "";
     }
 }

@@ -41,7 +41,7 @@ void PopoverWindow::keyPressEvent(QKeyEvent *event)
     if (isCommand(*event, Qt::Key_R))
         m_model.performRefresh();
     else if (isCommand(*event, Qt::Key_Comma))
-        Q_EMIT settingsWanted();
+        Q_EMIT m_model.settingsRequested();
     else if (isCommand(*event, Qt::Key_Q))
         m_model.quit();
     else if (event->matches(QKeySequence::Cancel))
@@ -99,13 +99,13 @@ QuotaPopoverContent::QuotaPopoverContent(const PopoverDependencies &dependencies
     }
     static_cast<void>(root.release());
     m_root->setParentItem(m_window.contentItem());
+    const auto refreshSettings = [this] {
+        if (m_model.isShown() && m_model.showingSettings())
+            m_settingsModel.refreshLaunchAtLogin();
+    };
     QObject::connect(
-        &m_window, &PopoverWindow::settingsWanted, m_root.get(), [this] { showSettings(); });
-    const auto settingsSeen
-        = [this] { m_settingsModel.setShown(m_model.isShown() && m_model.showingSettings()); };
-    QObject::connect(
-        &m_model, &PopoverModel::showingSettingsChanged, &m_settingsModel, settingsSeen);
-    QObject::connect(&m_model, &PopoverModel::isShownChanged, &m_settingsModel, settingsSeen);
+        &m_model, &PopoverModel::showingSettingsChanged, &m_settingsModel, refreshSettings);
+    QObject::connect(&m_model, &PopoverModel::isShownChanged, &m_settingsModel, refreshSettings);
     layOut();
     QObject::connect(&m_window, &QQuickWindow::widthChanged, m_root.get(), [this] { layOut(); });
     QObject::connect(&m_window, &QQuickWindow::heightChanged, m_root.get(), [this] { layOut(); });
@@ -124,7 +124,7 @@ void QuotaPopoverContent::setShown(bool shown)
 
 void QuotaPopoverContent::showSettings()
 {
-    QMetaObject::invokeMethod(m_root.get(), "showSettings");
+    Q_EMIT m_model.settingsRequested();
 }
 
 QSize QuotaPopoverContent::size() const

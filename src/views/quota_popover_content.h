@@ -16,17 +16,12 @@ namespace brimwatch::views {
 /// The popover's window. Keys that no control takes are its own: refresh, settings, quit and close.
 /// A press on the shadow is one beside the popover, which closes it.
 class PopoverWindow final : public QQuickWindow {
-    Q_OBJECT
-
 public:
     explicit PopoverWindow(PopoverModel &model);
 
     /// How wide its shadow is on each side; none at first.
     QMargins shadow() const { return m_shadow; }
     void setShadow(const QMargins &shadow) { m_shadow = shadow; }
-
-Q_SIGNALS:
-    void settingsWanted();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;

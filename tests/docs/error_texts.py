@@ -24,7 +24,8 @@ ALL_TEXTS = {"src/discovery/daemon_error.cpp": re.compile(r"\breturn\s"),
 MESSAGES = re.compile(r"(?:\.message|\.error|\.requiresApproval)\s*=(?!=)")
 STREAMS = re.compile(r"\bqC(?:Critical|Warning)\(\w+\)(?:\.\w+\(\))*\s*<<")
 # What the views say where there is something missing.
-QML_TEXTS = {"src/views/dashboard/OfflineState.qml": None, "src/views/settings/SettingsView.qml": ("noDaemonNote", "noStatsNote")}
+QML_TEXTS = {"src/views/dashboard/OfflineState.qml": None, "src/views/settings/DiagnosticsSection.qml": ("noDaemonNote",),
+             "src/views/settings/LabelSection.qml": ("noStatsNote",)}
 # The same call also says what is no error, and names what is no sentence.
 NO_ERROR = {"Never", "Retry Connection", "brimwatch: already running; its popover is open now", "try 'brimwatchctl --help'",
             "Requires approval in macOS System Settings."}

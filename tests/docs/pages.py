@@ -50,7 +50,7 @@ def wrong_settings():
     for key in known.keys() & told.keys():
         if known[key].removesuffix(".0") != told[key].strip():
             yield f"docs/settings.md: the default of {key} is {known[key]}"
-    view = (ROOT / "src/views/settings/SettingsView.qml").read_text(encoding="utf-8")
+    view = "".join(section.read_text(encoding="utf-8") for section in (ROOT / "src/views/settings").glob("*Section.qml"))
     for name in re.findall(r"^\| ([^|]+) \| (?:`\w+`)? ?\|", page, flags=re.M):
         if not re.search(rf'"{re.escape(name)}:?"', view):
             yield f"docs/settings.md: the settings show no {name}"

@@ -12,8 +12,8 @@ FocusScope {
     // Where this button's tool tip shows, and what it says; empty for none.
     property ToolTipBubble toolTip: null
     property string toolTipText: ""
-    // How far the ground under a pointed-at button reaches beyond it.
-    property real overhang: 0
+    // How far the background of a hovered button extends beyond it.
+    property real margin: 0
     property real cornerRadius: 6
     readonly property bool hovered: area.containsMouse
     readonly property bool down: (area.pressed && area.containsMouse) || area.keyDown
@@ -65,20 +65,15 @@ FocusScope {
 
     Rectangle {
         anchors.fill: parent
-        anchors.margins: -root.overhang
+        anchors.margins: -root.margin
         radius: root.cornerRadius
         color: root.down ? Theme.pressed : Theme.hovered
         visible: root.enabled && (root.down || root.hovered)
     }
 
-    Rectangle {
-        objectName: "focusRing"
-        anchors.fill: parent
-        anchors.margins: -root.overhang - 2
+    FocusRing {
+        margin: root.margin + 2
         radius: root.cornerRadius + 2
-        color: "transparent"
-        border.color: Theme.accent
-        border.width: 2
         visible: root.activeFocus
     }
 
@@ -94,7 +89,7 @@ FocusScope {
         property bool keyDown: false
 
         anchors.fill: parent
-        anchors.margins: -root.overhang
+        anchors.margins: -root.margin
         hoverEnabled: true
         onClicked: root.activate()
         onContainsMouseChanged: {

@@ -1,17 +1,15 @@
 import QtQuick
-import QtQuick.Templates as T
 import Brimwatch
 
-// The ring around what the keyboard is at. It lies around its parent.
+// The ring around the control that has the keyboard focus, which is its parent. Shown where `visible` is bound to that.
 Rectangle {
-    required property T.Control target
-    property real reach: 2
+    // How far beyond the control it is drawn; negative within.
+    property real margin: 2
 
     objectName: "focusRing"
     anchors.fill: parent
-    anchors.margins: -reach
+    anchors.margins: -margin
     color: "transparent"
     border.color: Theme.accent
     border.width: 2
-    visible: target.visualFocus
 }

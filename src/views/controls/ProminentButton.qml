@@ -7,7 +7,7 @@ ButtonBase {
 
     property string symbol: ""
 
-    overhang: 2
+    margin: 2
 
     Rectangle {
         width: label.x + label.width + 12

@@ -68,14 +68,9 @@ Item {
         visible: part < 1
     }
 
-    Rectangle {
-        objectName: "focusRing"
-        anchors.fill: parent
-        anchors.margins: 2
+    FocusRing {
+        margin: -2
         radius: 6
-        color: "transparent"
-        border.color: Theme.accent
-        border.width: 2
         visible: root.activeFocus
     }
 }

@@ -69,8 +69,8 @@ Item {
             border.width: 1
 
             FocusRing {
-                target: box
                 radius: 7
+                visible: box.visualFocus
             }
         }
 

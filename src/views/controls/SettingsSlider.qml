@@ -62,8 +62,8 @@ T.Slider {
         border.width: root.pressed ? 3 : 2
 
         FocusRing {
-            target: root
             radius: 9
+            visible: root.visualFocus
         }
     }
 }

@@ -67,9 +67,8 @@ T.Switch {
         }
 
         FocusRing {
-            target: root
-            reach: 2
             radius: root.trackHeight / 2 + 2
+            visible: root.visualFocus
         }
     }
 

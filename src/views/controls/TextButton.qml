@@ -7,7 +7,7 @@ ButtonBase {
 
     property color color: Theme.label
 
-    overhang: 4
+    margin: 4
 
     Label {
         color: root.color

@@ -23,10 +23,7 @@ Item {
         }
     }
 
-    Rectangle {
+    Divider {
         y: -1
-        width: parent.width
-        height: 1
-        color: Theme.divider
     }
 }

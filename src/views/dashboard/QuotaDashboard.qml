@@ -1,15 +1,14 @@
 import QtQuick
 import Brimwatch
 
+// The popover's first face: header, quota and footer.
 FocusScope {
     id: root
 
     required property PopoverModel model
     required property ToolTipBubble toolTip
 
-    signal settingsWanted
-
-    // The control that opens the settings takes the keyboard back when they are left by it.
+    // Focuses the button that opened the settings, when they were left by the keyboard.
     function takeFocus() {
         gear.forceActiveFocus(Qt.TabFocusReason);
     }
@@ -72,11 +71,11 @@ FocusScope {
             objectName: "settingsButton"
             anchors.verticalCenter: parent.verticalCenter
             x: parent.width - 14 - width
-            overhang: 5
+            margin: 5
             text: "Preferences"
             toolTip: root.toolTip
             toolTipText: text
-            onClicked: root.settingsWanted()
+            onClicked: root.model.settingsRequested()
 
             SymbolImage {
                 name: "gearshape"
@@ -87,13 +86,10 @@ FocusScope {
         }
     }
 
-    Rectangle {
+    Divider {
         id: headerLine
 
         y: header.height
-        width: parent.width
-        height: 1
-        color: Theme.divider
     }
 
     Item {
@@ -113,7 +109,7 @@ FocusScope {
             visible: root.model.body === PopoverModel.Cards
         }
 
-        // What is seldom seen is made when it is.
+        // Loading and offline states are created when they are shown, which is seldom.
         Loader {
             readonly property string file: root.model.body === PopoverModel.Cards ? ""
                 : root.model.body === PopoverModel.Loading ? "LoadingState.qml" : "OfflineState.qml"
@@ -136,8 +132,8 @@ FocusScope {
 
         height: Math.max(updated.height, open.height) + 16
 
-        // What is read stands around what is drawn: Qt tells of each change of the text of what a screen reader sees, and
-        // this one changes each second.
+        // The accessible item is around the drawn one: Qt reports each change of an accessible item's text to screen readers,
+        // and this text changes each second.
         Item {
             id: updated
 

@@ -11,7 +11,7 @@ ButtonBase {
     toolTipText: root.model.refreshToolTip
     enabled: !root.model.isRefreshing
     opacity: 1
-    overhang: 5
+    margin: 5
 
     // Qt (6.4) tells no screen reader that a control is disabled.
     Accessible.description: root.model.isRefreshing ? "Refreshing" : root.toolTipText

@@ -1,11 +1,11 @@
 import QtQuick
 import Brimwatch
 
-GradientCircle {
+Capsule {
     width: 28
     height: 28
-    start: Theme.badgeStart
-    end: Theme.badgeEnd
+    color: Theme.badgeStart
+    endColor: Theme.badgeEnd
 
     SymbolImage {
         anchors.centerIn: parent

@@ -1,19 +1,11 @@
 #include "views/drawing/capsule.h"
 
+#include <QLinearGradient>
 #include <QPainter>
 
 #include <algorithm>
 
 namespace brimwatch::views {
-
-void Capsule::setColor(const QColor &color)
-{
-    if (m_color == color)
-        return;
-    m_color = color;
-    redraw();
-    Q_EMIT colorChanged();
-}
 
 QImage Capsule::draw(qreal scale) const
 {
@@ -25,7 +17,14 @@ QImage Capsule::draw(qreal scale) const
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(m_color);
+    if (m_endColor.isValid()) {
+        QLinearGradient gradient(shape.topLeft(), shape.bottomRight());
+        gradient.setColorAt(0, m_color);
+        gradient.setColorAt(1, m_endColor);
+        painter.setBrush(gradient);
+    } else {
+        painter.setBrush(m_color);
+    }
     painter.drawRoundedRect(shape, radius, radius);
     return image;
 }

@@ -17,8 +17,6 @@ ImageItem::ImageItem(QQuickItem *parent)
     setFlag(ItemHasContents);
 }
 
-ImageItem::~ImageItem() = default;
-
 QImage ImageItem::canvas(qreal scale) const
 {
     QImage image(static_cast<int>(std::ceil(width() * scale)),
@@ -40,8 +38,9 @@ void ImageItem::componentComplete()
     m_theme = Theme::of(this);
     if (m_theme == nullptr)
         return;
-    connect(m_theme, &Theme::changed, this, [this] { themeChanged(); });
-    themeChanged();
+    connect(m_theme, &Theme::changed, this, &ImageItem::refresh);
+    connect(this, &ImageItem::changed, this, &ImageItem::refresh);
+    refresh();
 }
 
 void ImageItem::itemChange(ItemChange change, const ItemChangeData &data)

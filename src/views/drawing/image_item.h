@@ -8,6 +8,8 @@ namespace brimwatch::views {
 class Theme;
 
 /// An item that is one picture, drawn by its subclass when it is needed and kept until `redraw`.
+/// The properties of a subclass are MEMBERs with the NOTIFY signal `changed`, upon which the item
+/// is redrawn.
 ///
 /// Not QQuickPaintedItem: that one draws at the item's own size, and would be blurred where the
 /// scene is scaled.
@@ -17,7 +19,10 @@ class ImageItem : public QQuickItem {
 
 public:
     explicit ImageItem(QQuickItem *parent = nullptr);
-    ~ImageItem() override;
+
+Q_SIGNALS:
+    /// A property has changed.
+    void changed();
 
 protected:
     /// The picture for this item's size, its device pixel ratio set to `scale`; null for none. It
@@ -25,10 +30,11 @@ protected:
     virtual QImage draw(qreal scale) const = 0;
     /// A transparent picture of the item's size to draw on; null where it has none.
     QImage canvas(qreal scale) const;
-    /// The theme was found or looks different now.
-    virtual void themeChanged() { redraw(); }
+    /// Called when the item is complete, and when a property or the theme has changed. Subclasses
+    /// whose picture decides their size override it.
+    virtual void refresh() { redraw(); }
     void redraw();
-    /// Null until the item is complete, and in an engine without a theme.
+    /// Null until the item is complete, and in an engine without a theme; never in `refresh`.
     const Theme *theme() const { return m_theme; }
 
     void componentComplete() override;

@@ -15,8 +15,8 @@ namespace brimwatch::views {
 
 namespace {
 
-/// How far a point is outside of a square with round corners, which has its middle at (0, 0);
-/// negative within.
+/// The distance of a point from a square with round corners that is centred at (0, 0); negative
+/// inside.
 qreal distance(QPointF point, qreal halfSide, qreal radius)
 {
     const qreal x = std::abs(point.x()) - halfSide + radius;
@@ -24,13 +24,13 @@ qreal distance(QPointF point, qreal halfSide, qreal radius)
     return std::hypot(std::max(x, 0.0), std::max(y, 0.0)) + std::min(std::max(x, y), 0.0) - radius;
 }
 
-/// A square's shadow, its four corners in pictures of `corner` by `corner` pixels with one row and
-/// one column between them, which are the same all along the edges.
+/// The shadow of a square: four corners of `corner` by `corner` pixels, and between them one row and
+/// one column, which are repeated along the edges.
 QImage shadowOfSquare(int corner, qreal scale, qreal radius, qreal strength)
 {
     const int side = 2 * corner + 1;
     const qreal halfSide = corner - PopoverShadow::blur * scale + 0.5;
-    // Three times that is as good as all of a normal distribution.
+    // Three standard deviations cover nearly all of a normal distribution.
     const qreal deviation = PopoverShadow::blur * scale / 3;
     QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < side; ++y) {
@@ -50,31 +50,13 @@ PopoverShadow::PopoverShadow(QQuickItem *parent)
     : QQuickItem(parent)
 {
     setFlag(ItemHasContents);
-}
-
-PopoverShadow::~PopoverShadow() = default;
-
-void PopoverShadow::setRadius(qreal radius)
-{
-    if (m_radius == radius)
-        return;
-    m_radius = radius;
-    redraw();
-}
-
-void PopoverShadow::setStrength(qreal strength)
-{
-    if (m_strength == strength)
-        return;
-    m_strength = strength;
-    redraw();
+    connect(this, &PopoverShadow::changed, this, &PopoverShadow::redraw);
 }
 
 void PopoverShadow::redraw()
 {
     m_stale = true;
     update();
-    Q_EMIT changed();
 }
 
 void PopoverShadow::itemChange(ItemChange change, const ItemChangeData &data)
@@ -118,7 +100,7 @@ QSGNode *PopoverShadow::updatePaintNode(QSGNode *node, UpdatePaintNodeData * /*d
             if (row == 1 && column == 1)
                 continue;
             auto *part = window()->createImageNode();
-            // All show parts of one texture, which goes with the first of them.
+            // All show parts of one texture, which the first one owns.
             part->setOwnsTexture(row == 0 && column == 0);
             part->setTexture(texture);
             part->setFiltering(QSGTexture::Linear);

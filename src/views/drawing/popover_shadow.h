@@ -5,27 +5,23 @@
 
 namespace brimwatch::views {
 
-/// The shadow that a window with round corners throws, around this item, which is as large as the
-/// window seems. Nothing is drawn behind the item itself.
+/// The shadow of a window with round corners, drawn around this item, which fills the window but
+/// for its shadow. Nothing is drawn behind the item itself.
 class PopoverShadow : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(qreal radius MEMBER m_radius WRITE setRadius NOTIFY changed FINAL)
-    Q_PROPERTY(qreal strength MEMBER m_strength WRITE setStrength NOTIFY changed FINAL)
+    /// Of the item's corners.
+    Q_PROPERTY(qreal radius MEMBER m_radius NOTIFY changed FINAL)
+    /// Its opacity where it is darkest, 0 to 1.
+    Q_PROPERTY(qreal strength MEMBER m_strength NOTIFY changed FINAL)
 
 public:
-    /// How far it reaches beyond the item: as far on all sides, but it has moved down a little.
+    /// How far it extends beyond the item: equally on all sides, but moved down by `drop`.
     static constexpr int blur = 14;
     static constexpr int drop = 4;
     static constexpr QMargins extent{blur, blur - drop, blur, blur + drop};
 
     explicit PopoverShadow(QQuickItem *parent = nullptr);
-    ~PopoverShadow() override;
-
-    /// Of the item's corners.
-    void setRadius(qreal radius);
-    /// Its opacity where it is darkest, 0 to 1.
-    void setStrength(qreal strength);
 
 Q_SIGNALS:
     void changed();

@@ -14,39 +14,23 @@ class SymbolImage : public brimwatch::views::ImageItem {
     // The base is qualified, or the type description that QML tools read does not find it (Qt 6.4).
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QString name READ name WRITE setName NOTIFY nameChanged FINAL)
-    Q_PROPERTY(double pointSize READ pointSize WRITE setPointSize NOTIFY pointSizeChanged FINAL)
-    Q_PROPERTY(Weight weight READ weight WRITE setWeight NOTIFY weightChanged FINAL)
-    Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY colorChanged FINAL)
+    Q_PROPERTY(QString name MEMBER m_name NOTIFY changed FINAL)
+    Q_PROPERTY(double pointSize MEMBER m_pointSize NOTIFY changed FINAL)
+    Q_PROPERTY(Weight weight MEMBER m_weight NOTIFY changed FINAL)
+    Q_PROPERTY(QColor color MEMBER m_color NOTIFY changed FINAL)
 
 public:
+    /// platform::SymbolWeight for QML, value for value.
     enum class Weight { Regular, Medium, Semibold, Bold };
     Q_ENUM(Weight)
 
     using ImageItem::ImageItem;
 
-    const QString &name() const { return m_name; }
-    void setName(const QString &name);
-    double pointSize() const { return m_pointSize; }
-    void setPointSize(double size);
-    Weight weight() const { return m_weight; }
-    void setWeight(Weight weight);
-    const QColor &color() const { return m_color; }
-    void setColor(const QColor &color);
-
-Q_SIGNALS:
-    void nameChanged();
-    void pointSizeChanged();
-    void weightChanged();
-    void colorChanged();
-
 protected:
     QImage draw(qreal scale) const override;
-    void themeChanged() override;
+    void refresh() override;
 
 private:
-    void resize();
-
     QString m_name;
     double m_pointSize = 12;
     Weight m_weight = Weight::Regular;

@@ -26,8 +26,8 @@ qreal widestDigit(const QFontMetricsF &metrics)
     return widest;
 }
 
-/// Hands each piece of the text to `place` with its left end: runs without digits whole, digits one
-/// by one, each in the middle of its cell. Returns the right end of all.
+/// Calls `place` with the left end of each piece of the text: a run without digits is one piece, and
+/// so is each digit, in the middle of its cell. Returns the right end of the last one.
 template <typename Place>
 qreal forEachPiece(const QFontMetricsF &metrics, const QString &text, Place place)
 {
@@ -60,7 +60,7 @@ qreal width(const QFontMetricsF &metrics, const QString &text)
 
 QString elided(const QFontMetricsF &metrics, QString text, qreal available)
 {
-    // A hair of slack: the item's width went through a layout that rounds.
+    // Half a pixel of tolerance: the layout rounds the item's width.
     if (width(metrics, text) <= available + 0.5)
         return text;
     while (!text.isEmpty()) {
@@ -72,50 +72,6 @@ QString elided(const QFontMetricsF &metrics, QString text, qreal available)
 }
 
 } // namespace
-
-TabularText::TabularText(QQuickItem *parent)
-    : ImageItem(parent)
-{
-    m_font.setPixelSize(12);
-}
-
-TabularText::~TabularText() = default;
-
-void TabularText::setText(const QString &text)
-{
-    if (m_text == text)
-        return;
-    m_text = text;
-    layOut();
-    Q_EMIT textChanged();
-}
-
-void TabularText::setPixelSize(int size)
-{
-    if (m_font.pixelSize() == size || size <= 0)
-        return;
-    m_font.setPixelSize(size);
-    layOut();
-    Q_EMIT fontChanged();
-}
-
-void TabularText::setWeight(int weight)
-{
-    if (m_font.weight() == weight)
-        return;
-    m_font.setWeight(static_cast<QFont::Weight>(weight));
-    layOut();
-    Q_EMIT fontChanged();
-}
-
-void TabularText::setColor(const QColor &color)
-{
-    if (m_color == color)
-        return;
-    m_color = color;
-    redraw();
-    Q_EMIT colorChanged();
-}
 
 qreal TabularText::advance(const QFont &font, const QString &text)
 {
@@ -138,16 +94,11 @@ QImage TabularText::draw(qreal scale) const
     return image;
 }
 
-void TabularText::themeChanged()
+void TabularText::refresh()
 {
     m_font.setFamily(theme()->fontFamily());
-    layOut();
-}
-
-void TabularText::layOut()
-{
-    if (theme() == nullptr)
-        return;
+    m_font.setPixelSize(m_pixelSize);
+    m_font.setWeight(static_cast<QFont::Weight>(m_weight));
     const QFontMetricsF metrics(m_font);
     setImplicitSize(
         std::ceil(brimwatch::views::width(metrics, m_text)), std::ceil(metrics.height()));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/diagnostics.h"
 #include "service/quota_service.h"
 
 #include <QAbstractItemModel>
@@ -7,7 +8,8 @@
 
 namespace brimwatch::views {
 
-/// Makes the service known to QML, which its own folder does not know.
+// Types of other folders, which know nothing of QML.
+
 struct ForeignQuotaService {
     Q_GADGET
     QML_FOREIGN(brimwatch::service::QuotaService)
@@ -15,7 +17,13 @@ struct ForeignQuotaService {
     QML_UNCREATABLE("The program makes the one there is.")
 };
 
-/// Tells the QML tools what our lists of cards and rows are.
+struct ForeignDiagnosticLine {
+    Q_GADGET
+    QML_FOREIGN(brimwatch::service::DiagnosticLine)
+    QML_VALUE_TYPE(diagnosticLine)
+};
+
+/// The base of our lists of cards and rows, for the QML tools.
 struct ForeignItemModel {
     Q_GADGET
     QML_FOREIGN(QAbstractItemModel)

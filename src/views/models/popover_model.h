@@ -74,7 +74,7 @@ public:
     void setShown(bool shown);
     bool isShown() const { return m_isShown; }
 
-    /// Which face the view shows. The view's own state: it sets this, and others only ask.
+    /// Which face the view shows. Only the view sets it; others request the settings.
     bool showingSettings() const { return m_showingSettings; }
     void setShowingSettings(bool showing);
 
@@ -102,7 +102,7 @@ public:
     /// happens.
     Q_INVOKABLE void openAntigravity();
     Q_INVOKABLE void quit() const;
-    Q_INVOKABLE void close() const;
+    void close() const;
 
 Q_SIGNALS:
     void bodyChanged();
@@ -115,6 +115,8 @@ Q_SIGNALS:
     void isRefreshingChanged();
     void isShownChanged();
     void showingSettingsChanged();
+    /// To the view: it shall show the settings.
+    void settingsRequested();
 
 private:
     void follow();

@@ -61,21 +61,16 @@ SettingsModel::SettingsModel(Dependencies dependencies, QObject *parent)
         &SettingsModel::refreshIntervalChanged);
     connect(quotaService, &QuotaService::lowQuotaThresholdChanged, this,
         &SettingsModel::thresholdTextChanged);
-    connect(quotaService, &QuotaService::activeDaemonChanged, this, &SettingsModel::daemonChanged);
+    connect(quotaService, &QuotaService::activeDaemonChanged, this, &SettingsModel::daemonRowsChanged);
     connect(
         quotaService, &QuotaService::lastUpdatedChanged, this, &SettingsModel::lastUpdateChanged);
 }
 
 SettingsModel::~SettingsModel() = default;
 
-void SettingsModel::setShown(bool shown)
+void SettingsModel::refreshLaunchAtLogin()
 {
-    if (m_isShown == shown)
-        return;
-    m_isShown = shown;
-    if (shown)
-        m_dependencies.launchAtLogin.refresh();
-    Q_EMIT isShownChanged();
+    m_dependencies.launchAtLogin.refresh();
 }
 
 bool SettingsModel::launchAtLogin() const
@@ -149,25 +144,14 @@ QString SettingsModel::thresholdText() const
     return QString::number(static_cast<qint64>(threshold)) + u'%';
 }
 
-bool SettingsModel::hasDaemon() const
+QVariantList SettingsModel::daemonRows() const
 {
-    return m_dependencies.quotaService.activeDaemon().has_value();
-}
-
-QStringList SettingsModel::daemonLabels() const
-{
-    QStringList labels;
-    for (const auto &row : m_dependencies.diagnostics.daemonRows())
-        labels.append(row.label);
-    return labels;
-}
-
-QStringList SettingsModel::daemonValues() const
-{
-    QStringList values;
-    for (const auto &row : m_dependencies.diagnostics.daemonRows())
-        values.append(shownText(row.value));
-    return values;
+    QVariantList rows;
+    for (auto row : m_dependencies.diagnostics.daemonRows()) {
+        row.value = shownText(row.value);
+        rows.append(QVariant::fromValue(row));
+    }
+    return rows;
 }
 
 QString SettingsModel::lastUpdate() const

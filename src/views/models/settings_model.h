@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QVariant>
 #include <QtQml/qqmlregistration.h>
 
 #include <functional>
@@ -27,7 +28,6 @@ class SettingsModel final : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("Made by the popover's content.")
     Q_PROPERTY(brimwatch::service::QuotaService *service READ service CONSTANT FINAL)
-    Q_PROPERTY(bool isShown READ isShown NOTIFY isShownChanged FINAL)
     Q_PROPERTY(bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY
             launchAtLoginChanged FINAL)
     Q_PROPERTY(bool requiresApproval READ requiresApproval NOTIFY launchAtLoginChanged FINAL)
@@ -38,9 +38,7 @@ class SettingsModel final : public QObject {
     Q_PROPERTY(int refreshInterval READ refreshInterval WRITE setRefreshInterval NOTIFY
             refreshIntervalChanged FINAL)
     Q_PROPERTY(QString thresholdText READ thresholdText NOTIFY thresholdTextChanged FINAL)
-    Q_PROPERTY(bool hasDaemon READ hasDaemon NOTIFY daemonChanged FINAL)
-    Q_PROPERTY(QList<QString> daemonLabels READ daemonLabels NOTIFY daemonChanged FINAL)
-    Q_PROPERTY(QList<QString> daemonValues READ daemonValues NOTIFY daemonChanged FINAL)
+    Q_PROPERTY(QVariantList daemonRows READ daemonRows NOTIFY daemonRowsChanged FINAL)
     Q_PROPERTY(QString lastUpdate READ lastUpdate NOTIFY lastUpdateChanged FINAL)
     Q_PROPERTY(QString appVersion READ appVersion CONSTANT FINAL)
 
@@ -60,11 +58,8 @@ public:
 
     service::QuotaService *service() const { return &m_dependencies.quotaService; }
 
-    /// Whether the settings can be seen. Each time that they come to be, the system is asked anew
-    /// whether it starts us at login.
-    bool isShown() const { return m_isShown; }
-    void setShown(bool shown);
-
+    /// Asks the system whether it starts us at login: each time the settings are shown.
+    void refreshLaunchAtLogin();
     bool launchAtLogin() const;
     void setLaunchAtLogin(bool enabled);
     bool requiresApproval() const;
@@ -83,10 +78,8 @@ public:
     /// "20%"
     QString thresholdText() const;
 
-    bool hasDaemon() const;
-    /// What is known of the active daemon, label for label and value for value; empty without one.
-    QStringList daemonLabels() const;
-    QStringList daemonValues() const;
+    /// What is known of the active daemon, each a service::DiagnosticLine; empty without one.
+    QVariantList daemonRows() const;
     QString lastUpdate() const;
     QString appVersion() const;
 
@@ -97,17 +90,15 @@ public:
     Q_INVOKABLE void quit() const;
 
 Q_SIGNALS:
-    void isShownChanged();
     void launchAtLoginChanged();
     void labelStyleChanged();
     void refreshIntervalChanged();
     void thresholdTextChanged();
-    void daemonChanged();
+    void daemonRowsChanged();
     void lastUpdateChanged();
 
 private:
     Dependencies m_dependencies;
-    bool m_isShown = false;
 };
 
 } // namespace brimwatch::views

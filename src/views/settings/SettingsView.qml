@@ -1,5 +1,3 @@
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import Brimwatch
 
@@ -8,10 +6,11 @@ Item {
     id: root
 
     required property SettingsModel model
+    required property PopoverModel popover
 
-    readonly property QuotaService service: model.service
-
-    // Where the keyboard is, which has to be seen.
+    // Of the pickers.
+    readonly property bool mayOpen: popover.isShown && enabled
+    // The control with the keyboard focus, which has to be visible.
     readonly property Item focused: Window.activeFocusItem
 
     signal back
@@ -28,7 +27,7 @@ Item {
         scroll.handleScrollKey(event);
     }
 
-    // The control that the keyboard goes to first.
+    // Focuses the first control.
     function takeFocus() {
         backButton.forceActiveFocus(Qt.TabFocusReason);
     }
@@ -45,7 +44,7 @@ Item {
             objectName: "backButton"
             anchors.verticalCenter: parent.verticalCenter
             x: 14
-            overhang: 4
+            margin: 4
             text: "Dashboard"
             onClicked: root.back()
 
@@ -72,7 +71,7 @@ Item {
             id: title
 
             anchors.verticalCenter: parent.verticalCenter
-            // Between two flexible spaces of one size.
+            // With equal space on both sides.
             x: Math.round((backButton.x + backButton.width + done.x - width) / 2)
             text: "Preferences"
             font.pixelSize: 14
@@ -93,13 +92,10 @@ Item {
         }
     }
 
-    Rectangle {
+    Divider {
         id: headerLine
 
         y: header.height
-        width: parent.width
-        height: 1
-        color: Theme.divider
     }
 
     ScrollArea {
@@ -122,309 +118,32 @@ Item {
             width: scroll.width - 28
             spacing: 14
 
-            SettingsSection {
-                title: "General"
-                symbol: "gearshape"
-
-                SettingsSwitch {
-                    objectName: "launchAtLogin"
-                    text: "Start at Login"
-                    on: root.model.launchAtLogin
-                    onWanted: on => root.model.launchAtLogin = on
-                }
-
-                Item {
-                    width: parent.width
-                    height: openLoginSettings.height + 2
-                    visible: root.model.requiresApproval
-
-                    SymbolImage {
-                        id: warning
-
-                        anchors.verticalCenter: openLoginSettings.verticalCenter
-                        name: "exclamationmark.triangle.fill"
-                        pointSize: 11
-                        color: Theme.orange
-                    }
-
-                    SettingsCaption {
-                        objectName: "approvalText"
-                        anchors.verticalCenter: openLoginSettings.verticalCenter
-                        x: warning.width + 6
-                        width: openLoginSettings.x - x - 6
-                        text: root.model.approvalText
-                        color: Theme.secondaryLabel
-                        font.pixelSize: 10
-                    }
-
-                    PushButton {
-                        id: openLoginSettings
-
-                        objectName: "openLoginSettings"
-                        x: parent.width - width
-                        y: 2
-                        text: "Open Settings"
-                        onClicked: root.model.openLoginSettings()
-                    }
-                }
+            GeneralSection {
+                model: root.model
             }
 
-            SettingsSection {
-                title: "Toolbar & Menu Bar"
-                symbol: "menubar.rectangle"
-
-                SettingsCaption {
-                    text: "Stats to Display in Toolbar:"
-                }
-
-                SettingsSwitch {
-                    objectName: "showGemini"
-                    symbol: "sparkles"
-                    text: "Gemini"
-                    on: root.service.showGeminiInToolbar
-                    onWanted: on => root.service.showGeminiInToolbar = on
-                }
-
-                SettingsSwitch {
-                    objectName: "showArgon"
-                    symbol: "cpu"
-                    text: "Argon"
-                    on: root.service.showArgonInToolbar
-                    onWanted: on => root.service.showArgonInToolbar = on
-                }
-
-                SettingsSwitch {
-                    objectName: "showClaude"
-                    symbol: "brain"
-                    text: "Claude"
-                    on: root.service.showClaudeInToolbar
-                    onWanted: on => root.service.showClaudeInToolbar = on
-                }
-
-                SettingsCaption {
-                    objectName: "noStatsNote"
-                    text: "No stats selected — menu bar will show icon only."
-                    color: Theme.secondaryLabel
-                    visible: !root.service.showGeminiInToolbar && !root.service.showArgonInToolbar
-                        && !root.service.showClaudeInToolbar
-                }
-
-                SettingsPicker {
-                    objectName: "labelStyle"
-                    caption: "Label Style:"
-                    boxWidth: 180
-                    mayOpen: root.model.isShown && root.enabled
-                    scrollPosition: scroll.contentY
-                    options: root.model.labelStyleNames
-                    index: root.model.labelStyle
-                    onWanted: index => root.model.labelStyle = index
-                }
-
-                Item {
-                    width: parent.width
-                    height: 5
-
-                    Rectangle {
-                        y: 2
-                        width: parent.width
-                        height: 1
-                        color: Theme.divider
-                    }
-                }
-
-                SettingsCaption {
-                    text: "Display Options:"
-                    color: Theme.secondaryLabel
-                }
-
-                SettingsSwitch {
-                    objectName: "showIcon"
-                    text: "Show Sparkle Icon"
-                    on: root.service.showIconInMenuBar
-                    onWanted: on => root.service.showIconInMenuBar = on
-                }
-
-                SettingsSwitch {
-                    objectName: "showPercentage"
-                    text: "Show Percentage Text"
-                    on: root.service.showPercentageInMenuBar
-                    onWanted: on => root.service.showPercentageInMenuBar = on
-                }
-
-                SettingsSwitch {
-                    objectName: "useColor"
-                    text: "Colored Status Indicator"
-                    on: root.service.useColoredStatusIndicator
-                    onWanted: on => root.service.useColoredStatusIndicator = on
-                }
-
-                SettingsSwitch {
-                    objectName: "showFiveHour"
-                    text: "Show 5-Hour Limit"
-                    on: root.service.showFiveHourInMenuBar
-                    onWanted: on => root.service.showFiveHourInMenuBar = on
-                }
-
-                SettingsSwitch {
-                    objectName: "showWeekly"
-                    text: "Show Weekly Limit"
-                    on: root.service.showWeeklyInMenuBar
-                    onWanted: on => root.service.showWeeklyInMenuBar = on
-                }
+            LabelSection {
+                model: root.model
+                mayOpen: root.mayOpen
+                scrollPosition: scroll.contentY
             }
 
-            SettingsSection {
-                title: "Auto-Refresh"
-                symbol: "arrow.triangle.2.circlepath"
-
-                SettingsPicker {
-                    objectName: "refreshInterval"
-                    caption: "Check Quota Every:"
-                    boxWidth: 130
-                    mayOpen: root.model.isShown && root.enabled
-                    scrollPosition: scroll.contentY
-                    options: root.model.refreshIntervalNames
-                    index: root.model.refreshInterval
-                    onWanted: index => root.model.refreshInterval = index
-                }
+            AutoRefreshSection {
+                model: root.model
+                mayOpen: root.mayOpen
+                scrollPosition: scroll.contentY
             }
 
-            SettingsSection {
-                title: "Notifications"
-                symbol: "bell.badge"
-
-                SettingsSwitch {
-                    objectName: "notify"
-                    text: "Notify when quota drops low"
-                    on: root.service.notifyOnLowQuota
-                    onWanted: on => root.service.notifyOnLowQuota = on
-                }
-
-                Item {
-                    objectName: "thresholdRow"
-                    width: parent.width
-                    height: Math.max(slider.height, thresholdCaption.height)
-                    visible: root.service.notifyOnLowQuota
-
-                    Label {
-                        id: thresholdCaption
-
-                        anchors.verticalCenter: parent.verticalCenter
-                        text: "Alert Threshold:"
-                        font.pixelSize: 12
-                    }
-
-                    SettingsSlider {
-                        id: slider
-
-                        objectName: "threshold"
-                        anchors.verticalCenter: parent.verticalCenter
-                        x: thresholdCaption.width + 10
-                        width: thresholdText.x - x - 10
-                        from: 5
-                        to: 50
-                        stepSize: 5
-                        stored: root.service.lowQuotaThreshold
-                        onWanted: value => root.service.lowQuotaThreshold = value
-
-                        Accessible.name: "Alert Threshold in percent"
-                    }
-
-                    Label {
-                        id: thresholdText
-
-                        objectName: "thresholdText"
-                        anchors.verticalCenter: parent.verticalCenter
-                        anchors.right: parent.right
-                        width: 34
-                        horizontalAlignment: Text.AlignRight
-                        text: root.model.thresholdText
-                        color: Theme.orange
-                        font.pixelSize: 12
-                        font.weight: Font.DemiBold
-                    }
-                }
+            NotificationsSection {
+                model: root.model
             }
 
-            SettingsSection {
-                title: "Antigravity Daemon Diagnostics"
-                symbol: "network"
-
-                Column {
-                    width: parent.width
-                    spacing: 4
-                    visible: root.model.hasDaemon
-
-                    Repeater {
-                        model: root.model.daemonLabels
-
-                        DiagnosticRow {
-                            required property int index
-                            required property string modelData
-
-                            label: modelData
-                            value: root.model.daemonValues[index] ?? ""
-                        }
-                    }
-                }
-
-                SettingsCaption {
-                    objectName: "noDaemonNote"
-                    text: "No active daemon detected."
-                    color: Theme.secondaryLabel
-                    visible: !root.model.hasDaemon
-                }
-
-                Item {
-                    width: parent.width
-                    height: 9
-
-                    Rectangle {
-                        y: 4
-                        width: parent.width
-                        height: 1
-                        color: Theme.divider
-                    }
-                }
-
-                DiagnosticRow {
-                    label: "Last Update"
-                    value: root.model.lastUpdate
-                }
-
-                Row {
-                    spacing: 8
-
-                    PushButton {
-                        objectName: "openFolder"
-                        text: "Open Daemon Folder"
-                        onClicked: root.model.openDaemonFolder()
-                    }
-
-                    PushButton {
-                        objectName: "copyDiagnostics"
-                        text: "Copy Diagnostics"
-                        onClicked: root.model.copyDiagnostics()
-                    }
-                }
+            DiagnosticsSection {
+                model: root.model
             }
 
-            SettingsSection {
-                title: "Support & Feedback"
-                symbol: "envelope"
-
-                SettingsCaption {
-                    text: "Have a question, feedback, or encountering an issue? Send us an email with diagnostic "
-                        + "details attached automatically."
-                    color: Theme.secondaryLabel
-                }
-
-                ProminentButton {
-                    objectName: "contactSupport"
-                    symbol: "paperplane"
-                    text: "Contact Support"
-                    onClicked: root.model.sendSupportEmail()
-                }
+            SupportSection {
+                model: root.model
             }
         }
     }

@@ -5,7 +5,8 @@
 
 namespace brimwatch::app {
 
-/// Loads the library of the views, which stays loaded, and lets it make the popover's content.
+/// A factory that loads the library of the views, which stays loaded, and has it make the popover's
+/// content.
 platform::PopoverContentFactory viewsFromLibrary(const views::PopoverDependencies &dependencies);
 
 } // namespace brimwatch::app

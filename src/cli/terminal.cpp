@@ -1,23 +1,21 @@
-#include "cli/output.h"
+#include "cli/terminal.h"
 
 #include <QByteArray>
-#include <QDateTime>
 
 #include <langinfo.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <cstring>
 
 namespace brimwatch::cli {
 
-using namespace Qt::Literals::StringLiterals;
-
 namespace {
 
-bool terminalKnowsUnicode = true;
+bool terminalIsUtf8 = false;
 
 int widthOfTerminal()
 {
@@ -29,20 +27,13 @@ int widthOfTerminal()
     return usual;
 }
 
-QString ended(const QString &text)
-{
-    return text.isEmpty() || text.endsWith(u'\n') ? text : text + u'\n';
-}
-
 } // namespace
 
-void rememberTerminal()
+void detectTerminal()
 {
-    // NOLINTBEGIN(concurrency-mt-unsafe): there is one thread yet.
-    if (std::setlocale(LC_CTYPE, "") != nullptr)
-        terminalKnowsUnicode = std::strcmp(::nl_langinfo(CODESET), "UTF-8") == 0;
-    else
-        terminalKnowsUnicode = false;
+    // NOLINTBEGIN(concurrency-mt-unsafe): there is only one thread so far.
+    terminalIsUtf8 = std::setlocale(LC_CTYPE, "") != nullptr
+        && std::strcmp(::nl_langinfo(CODESET), "UTF-8") == 0;
     // NOLINTEND(concurrency-mt-unsafe)
 }
 
@@ -51,9 +42,9 @@ TextLook lookOfStandardOutput()
     if (::isatty(STDOUT_FILENO) == 0)
         return {};
     const QByteArray terminal = qgetenv("TERM");
-    return {.colours
+    return {.colors
         = qEnvironmentVariableIsEmpty("NO_COLOR") && !terminal.isEmpty() && terminal != "dumb",
-        .bars = terminalKnowsUnicode ? TextLook::Bars::Blocks : TextLook::Bars::Ascii,
+        .bars = terminalIsUtf8 ? TextLook::Bars::Blocks : TextLook::Bars::Ascii,
         .width = widthOfTerminal()};
 }
 
@@ -68,27 +59,6 @@ bool writeOut(const QString &text)
 void writeError(const QString &text)
 {
     std::fprintf(stderr, "brimwatchctl: %s\n", text.toUtf8().constData());
-}
-
-Result<QString, QString> render(const Options &options, const Status &status, const TextLook &look)
-{
-    const auto now = QDateTime::currentDateTime();
-    switch (options.format) {
-    case Format::Text:
-        return options.watch ? ended(renderLine(status)) : renderText(status, now, look);
-    case Format::Json:
-        return ended(renderJson(status, options.watch ? JsonShape::OneLine : JsonShape::Lines));
-    case Format::Waybar:
-        return ended(renderWaybar(status, now));
-    case Format::I3blocks:
-        return ended(
-            renderI3blocks(status, options.watch ? BlockShape::OneLine : BlockShape::Whole));
-    case Format::Template:
-        break;
-    }
-    return renderTemplate(options.formatTemplate, status, now).map([](const QString &text) {
-        return QString(text + u'\n');
-    });
 }
 
 } // namespace brimwatch::cli

@@ -1,5 +1,8 @@
 #include "cli/command_line.h"
 
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -17,9 +20,6 @@ constexpr auto commands = std::to_array<std::pair<QLatin1StringView, Command>>({
     {"toggle"_L1, Command::Toggle},
     {"settings"_L1, Command::Settings},
     {"diagnostics"_L1, Command::Diagnostics},
-    {"--version"_L1, Command::Version},
-    {"--help"_L1, Command::Help},
-    {"-h"_L1, Command::Help},
 });
 
 constexpr auto formats = std::to_array<std::pair<QLatin1StringView, Format>>({
@@ -39,74 +39,58 @@ std::optional<T> named(
     return found == table.end() ? std::nullopt : std::optional(found->second);
 }
 
-/// Reads "--NAME VALUE" and "--NAME=VALUE" at `index`, and moves that to the last argument taken.
-/// Absent when it is not that option; an empty optional inside when the value is missing.
-std::optional<std::optional<QString>> valueOf(
-    QLatin1StringView name, const QStringList &arguments, qsizetype &index)
-{
-    const QString &argument = arguments[index];
-    if (argument == name) {
-        if (index + 1 == arguments.size())
-            return std::optional<QString>();
-        return std::optional(arguments[++index]);
-    }
-    if (argument.startsWith(name) && argument.mid(name.size()).startsWith(u'='))
-        return std::optional(argument.mid(name.size() + 1));
-    return std::nullopt;
-}
-
-Result<void, QString> readStatusOptions(const QStringList &arguments, Options &options)
-{
-    bool hasFormat = false;
-    bool hasTemplate = false;
-    for (qsizetype i = 0; i < arguments.size(); ++i) {
-        const QString &argument = arguments[i];
-        if (argument == "--watch"_L1) {
-            options.watch = true;
-        } else if (const auto format = valueOf("--format"_L1, arguments, i)) {
-            if (!*format)
-                return fail(u"--format needs a value"_s);
-            const auto known = named(formats, **format);
-            if (!known)
-                return fail(u"unknown format '%1'"_s.arg(**format));
-            options.format = *known;
-            hasFormat = true;
-        } else if (const auto text = valueOf("--template"_L1, arguments, i)) {
-            if (!*text)
-                return fail(u"--template needs a value"_s);
-            options.formatTemplate = **text;
-            hasTemplate = true;
-        } else {
-            return fail(u"unknown argument '%1'"_s.arg(argument));
-        }
-    }
-    if (hasTemplate && !hasFormat)
-        options.format = Format::Template;
-    if (hasTemplate && options.format != Format::Template)
-        return fail(u"--template goes with --format template alone"_s);
-    if (options.format == Format::Template && !hasTemplate)
-        return fail(u"--format template needs --template TEXT"_s);
-    return {};
-}
-
 } // namespace
 
 Result<Options, QString> parseCommandLine(const QStringList &arguments)
 {
-    if (arguments.isEmpty())
+    const QCommandLineOption help(QStringList{u"h"_s, u"help"_s});
+    const QCommandLineOption version(u"version"_s);
+    const QCommandLineOption format(u"format"_s, {}, u"FORMAT"_s);
+    const QCommandLineOption formatTemplate(u"template"_s, {}, u"TEXT"_s);
+    const QCommandLineOption watch(u"watch"_s);
+    QCommandLineParser parser;
+    parser.addOptions({help, version, format, formatTemplate, watch});
+    // The parser takes the first argument for the program's name.
+    if (!parser.parse(QStringList(u"brimwatchctl"_s) + arguments))
+        return fail(parser.errorText());
+    if (parser.isSet(help))
+        return Options{.command = Command::Help};
+    if (parser.isSet(version))
+        return Options{.command = Command::Version};
+
+    const auto words = parser.positionalArguments();
+    if (words.isEmpty())
         return fail(u"a command is missing"_s);
-    const auto command = named(commands, arguments.constFirst());
+    const auto command = named(commands, words.constFirst());
     if (!command)
-        return fail(u"unknown command '%1'"_s.arg(arguments.constFirst()));
-    Options options{.command = *command};
-    const auto rest = arguments.mid(1);
-    if (*command == Command::Status) {
-        if (const auto read = readStatusOptions(rest, options); !read)
-            return fail(read.error());
-    } else if (!rest.isEmpty()) {
-        return fail(u"unknown argument '%1'"_s.arg(rest.constFirst()));
+        return fail(u"unknown command '%1'"_s.arg(words.constFirst()));
+    if (words.size() > 1)
+        return fail(u"unknown argument '%1'"_s.arg(words[1]));
+    const auto given = parser.optionNames();
+    if (*command != Command::Status && !given.isEmpty()) {
+        const QString option = "--"_L1 + given.constFirst();
+        return fail(u"unknown argument '%1'"_s.arg(option));
     }
-    return options;
+
+    Options options{.command = *command, .watch = parser.isSet(watch)};
+    const bool hasTemplate = parser.isSet(formatTemplate);
+    if (parser.isSet(format)) {
+        const auto known = named(formats, parser.value(format));
+        if (!known)
+            return fail(u"unknown format '%1'"_s.arg(parser.value(format)));
+        options.format = *known;
+    } else if (hasTemplate) {
+        options.format = Format::Template;
+    }
+    const bool takesTemplate = options.format == Format::Template;
+    if (hasTemplate && !takesTemplate)
+        return fail(u"--template goes with --format template alone"_s);
+    if (takesTemplate && !hasTemplate)
+        return fail(u"--format template needs --template TEXT"_s);
+    return Template::parse(parser.value(formatTemplate)).map([&options](const Template &parsed) {
+        options.formatTemplate = parsed;
+        return options;
+    });
 }
 
 QString helpText()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/output/template.h"
 #include "core/result.h"
 
 #include <QString>
@@ -14,13 +15,13 @@ enum class Format { Text, Json, Waybar, I3blocks, Template };
 struct Options {
     Command command = Command::Status;
     Format format = Format::Text;
-    QString formatTemplate = {}; ///< Of Format::Template; its fields are not looked at yet.
+    Template formatTemplate = {}; ///< Empty unless the format is Format::Template.
     bool watch = false;
 
     bool operator==(const Options &) const = default;
 };
 
-/// Reads the arguments behind the program's name. The error is one line that says what is wrong.
+/// Reads the arguments after the program's name. The error is one line that says what is wrong.
 Result<Options, QString> parseCommandLine(const QStringList &arguments);
 
 /// The text of --help.

@@ -1,12 +1,14 @@
 #include "cli/command_line.h"
 #include "cli/fetch_library.h"
-#include "cli/output.h"
+#include "cli/output/render.h"
 #include "cli/status.h"
+#include "cli/terminal.h"
 #include "cli/watch.h"
 #include "platform/linux/bus/running_program.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
+#include <QDateTime>
 
 #include <csignal>
 #include <cstdlib>
@@ -19,18 +21,14 @@ using platform::RunningProgram;
 
 namespace {
 
-constexpr int fine = 0;
-constexpr int offline = 2;
-constexpr int wrongUsage = 3;
-
-int wrong(const QString &what)
+/// Says why nothing was done.
+ExitStatus failed(const QString &reason)
 {
-    writeError(what);
-    writeError(u"try 'brimwatchctl --help'"_s);
-    return wrongUsage;
+    writeError(reason);
+    return ExitStatus::Offline;
 }
 
-/// Tells the state of the running program, once the program itself knows it.
+/// The state of the running program, once the program itself knows it.
 Result<Status, ProgramError> askProgram(const RunningProgram &program)
 {
     auto state = program.state();
@@ -57,71 +55,58 @@ Status askAnybody(const RunningProgram &program)
                    : offlineStatus(outcome.error());
 }
 
-int printStatus(const RunningProgram &program, const Options &options)
+ExitStatus printStatus(const RunningProgram &program, const Options &options)
 {
-    // A template that is wrong is so before anybody is asked.
-    if (const auto tried = render(options, {}, {}); !tried)
-        return wrong(tried.error());
     const Status status = askAnybody(program);
-    if (const auto text = render(options, status, lookOfStandardOutput()))
-        static_cast<void>(writeOut(*text));
+    static_cast<void>(
+        writeOut(render(options, status, QDateTime::currentDateTime(), lookOfStandardOutput())));
     if (!status.isOnline())
         writeError(status.state.error);
     return exitStatusOf(status);
 }
 
-int watch(const QDBusConnection &bus, const Options &options)
+ExitStatus watch(const QDBusConnection &bus, const Options &options)
 {
-    if (const auto tried = render(options, {}, {}); !tried)
-        return wrong(tried.error());
-    if (!bus.isConnected()) {
-        writeError(u"there is no session bus on which to watch Brimwatch"_s);
-        return offline;
-    }
+    if (!bus.isConnected())
+        return failed(u"there is no session bus on which to watch Brimwatch"_s);
     const Watch watching(bus, options);
-    QObject::connect(&watching, &Watch::ended, QCoreApplication::instance(),
-        [](int exitStatus) { QCoreApplication::exit(exitStatus); });
-    return QCoreApplication::exec();
+    QObject::connect(
+        &watching, &Watch::ended, QCoreApplication::instance(), &QCoreApplication::quit);
+    QCoreApplication::exec();
+    return ExitStatus::Success;
 }
 
-int outcomeOf(const Result<void, ProgramError> &done)
+ExitStatus exitStatusOf(const Result<void, ProgramError> &done)
 {
-    if (done)
-        return fine;
-    writeError(done.error().message);
-    return offline;
+    return done ? ExitStatus::Success : failed(done.error().message);
 }
 
-int printDiagnostics(const RunningProgram &program)
+ExitStatus printDiagnostics(const RunningProgram &program)
 {
     auto report = program.diagnostics();
     if (!report && report.error().kind == ProgramError::Kind::NotRunning) {
         const auto outcome = fetchOnce();
-        if (!outcome) {
-            writeError(outcome.error());
-            return offline;
-        }
+        if (!outcome)
+            return failed(outcome.error());
         report = outcome->report;
     }
-    if (!report) {
-        writeError(report.error().message);
-        return offline;
-    }
+    if (!report)
+        return failed(report.error().message);
     static_cast<void>(writeOut(*report));
-    return fine;
+    return ExitStatus::Success;
 }
 
-int run(const Options &options)
+ExitStatus run(const Options &options)
 {
     const auto bus = QDBusConnection::sessionBus();
     const RunningProgram program(bus);
     switch (options.command) {
     case Command::Refresh:
-        return outcomeOf(program.refresh());
+        return exitStatusOf(program.refresh());
     case Command::Toggle:
-        return outcomeOf(program.toggle());
+        return exitStatusOf(program.toggle());
     case Command::Settings:
-        return outcomeOf(program.showSettings());
+        return exitStatusOf(program.showSettings());
     case Command::Diagnostics:
         return printDiagnostics(program);
     default:
@@ -133,27 +118,30 @@ int run(const Options &options)
 
 int main(int argc, char **argv)
 {
-    // Writing then says that nobody reads any more.
+    // A write then fails when nobody reads any more, instead of ending the process.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
-    rememberTerminal();
+    detectTerminal();
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
     const auto options = parseCommandLine(arguments);
-    if (!options)
-        return wrong(options.error());
+    if (!options) {
+        writeError(options.error());
+        writeError(u"try 'brimwatchctl --help'"_s);
+        return static_cast<int>(ExitStatus::WrongUsage);
+    }
     if (options->command == Command::Version || options->command == Command::Help) {
         static_cast<void>(writeOut(options->command == Command::Help
                 ? helpText()
                 : u"brimwatchctl "_s + QStringLiteral(BRIMWATCH_VERSION) + u'\n'));
-        return fine;
+        return static_cast<int>(ExitStatus::Success);
     }
     if (options->watch)
         blockEndSignals();
 
     const QCoreApplication application(argc, argv);
-    const int status = run(*options);
-    // All is written. Not through the destructors: in Qt 6.4 the bus's thread may still be decoding
-    // a message then, of types that are gone already.
-    std::_Exit(status);
+    const ExitStatus status = run(*options);
+    // Deliberate: no destructors, since all is written. In Qt 6.4 QtDBus's thread may still be
+    // decoding a message, of types that they have removed already.
+    std::_Exit(static_cast<int>(status));
 }

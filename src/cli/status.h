@@ -2,12 +2,25 @@
 
 #include "platform/published_state.h"
 
+#include <QDateTime>
+#include <QString>
+
+#include <optional>
+
 namespace brimwatch::cli {
+
+/// What brimwatchctl says to scripts when it ends; brimwatchctl(1) promises the numbers.
+enum class ExitStatus {
+    Success = 0,
+    Critical = 1, ///< The lowest bucket of the label is critical.
+    Offline = 2, ///< Nobody answered, or what was asked failed.
+    WrongUsage = 3,
+};
 
 /// What brimwatchctl knows, and from whom.
 struct Status {
     enum class Source {
-        None, ///< Nobody told: the state is empty but for its error.
+        None, ///< Nobody answered: the state is empty but for its error.
         Program, ///< The running program.
         Daemon, ///< A fetch of our own, because no program runs.
     };
@@ -23,11 +36,20 @@ struct Status {
     bool operator==(const Status &) const = default;
 };
 
-/// 0 when the lowest bucket of the label is healthy or a warning, or there is none; 1 when it is
-/// critical; 2 when offline.
-int exitStatusOf(const Status &status);
+ExitStatus exitStatusOf(const Status &status);
 
-/// What is known when nobody could be asked, for the reason given.
-Status offlineStatus(const QString &why);
+/// The status when nobody could be asked, for the reason given.
+Status offlineStatus(const QString &reason);
+
+/// "program", "daemon" or "none".
+QString sourceName(Status::Source source);
+
+/// Why it is not online, in words.
+QString offlineReason(const Status &status);
+
+std::optional<QDateTime> resetTimeOf(const platform::PublishedBucket &bucket);
+
+/// "resets in 2h 3m" or "refreshed"; empty when the time is not known.
+QString resetText(const platform::PublishedBucket &bucket, const QDateTime &now);
 
 } // namespace brimwatch::cli

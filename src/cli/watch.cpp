@@ -1,8 +1,10 @@
 #include "cli/watch.h"
 
-#include "cli/output.h"
+#include "cli/output/render.h"
 #include "cli/status.h"
+#include "cli/terminal.h"
 
+#include <QDateTime>
 #include <QSocketNotifier>
 
 #include <pthread.h>
@@ -44,12 +46,12 @@ Watch::Watch(QDBusConnection bus, Options options)
 {
     const sigset_t signals = endSignals();
     const int descriptor = ::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
-    const auto end = [this] { Q_EMIT ended(0); };
     connect(new QSocketNotifier(descriptor, QSocketNotifier::Read, this),
-        &QSocketNotifier::activated, this, end);
-    // A pipe tells so when its reader has gone: between two changes nothing is written.
+        &QSocketNotifier::activated, this, &Watch::ended);
+    // A pipe reports an exception when its reader has gone: between two changes nothing is written,
+    // so no write fails.
     connect(new QSocketNotifier(STDOUT_FILENO, QSocketNotifier::Exception, this),
-        &QSocketNotifier::activated, this, end);
+        &QSocketNotifier::activated, this, &Watch::ended);
     connect(&m_follower, &platform::ProgramFollower::changed, this, &Watch::change);
     m_pause.setSingleShot(true);
     m_pause.setInterval(pauseBetweenLines);
@@ -74,17 +76,12 @@ void Watch::print()
     const auto &state = m_follower.state();
     const Status status = state ? Status{.state = *state, .source = Status::Source::Program}
                                 : offlineStatus(u"Brimwatch is not running"_s);
-    const auto text = render(m_options, status, {});
-    if (!text) {
-        writeError(text.error());
-        Q_EMIT ended(3);
+    const QString line = render(m_options, status, QDateTime::currentDateTime(), {});
+    if (line == m_printed)
         return;
-    }
-    if (*text == m_printed)
-        return;
-    m_printed = *text;
-    if (!writeOut(*text))
-        Q_EMIT ended(0);
+    m_printed = line;
+    if (!writeOut(line))
+        Q_EMIT ended();
 }
 
 } // namespace brimwatch::cli

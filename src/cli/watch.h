@@ -10,8 +10,8 @@
 namespace brimwatch::cli {
 
 /// Prints a line now and at each change, until it is interrupted or nobody reads any more. Changes
-/// that follow each other closely share a line: polybar 3.6 leaves the second of two lines that
-/// come at once unread until there is a third.
+/// in quick succession share a line: polybar 3.6 leaves the second of two lines that come at once
+/// unread until there is a third.
 class Watch final : public QObject {
     Q_OBJECT
 
@@ -19,7 +19,7 @@ public:
     Watch(QDBusConnection bus, Options options);
 
 Q_SIGNALS:
-    void ended(int exitStatus);
+    void ended();
 
 private:
     void change();
@@ -28,12 +28,12 @@ private:
     Options m_options;
     platform::ProgramFollower m_follower;
     QString m_printed;
-    QTimer m_pause; ///< Runs while readers are to be left in peace.
-    bool m_changed = false; ///< In the pause.
+    QTimer m_pause; ///< Runs while no further line may be printed.
+    bool m_changed = false; ///< During the pause.
 };
 
-/// Keeps the signals that end a watch from ending the process, for Watch to read. Before there is
-/// a second thread.
+/// Blocks the signals that end a watch, so that Watch reads them. Call it before there is a second
+/// thread.
 void blockEndSignals();
 
 } // namespace brimwatch::cli

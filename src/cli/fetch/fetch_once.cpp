@@ -2,7 +2,6 @@
 
 #include "app/state_description.h"
 #include "core/clock.h"
-#include "core/plain_text.h"
 #include "discovery/daemon_discovery_service.h"
 #include "platform/linux/linux_app_information.h"
 #include "service/diagnostics.h"
@@ -21,7 +20,7 @@ using namespace Qt::Literals::StringLiterals;
 extern "C" void brimwatch_fetch_once(cli::FetchOutcome &outcome)
 {
     // Each daemon has four seconds, and dead ones may have left their files.
-    constexpr std::chrono::seconds patience{30};
+    constexpr std::chrono::seconds timeout{30};
     const QString home = qEnvironmentVariable("HOME");
     SystemClock clock;
     service::SettingsStore settings;
@@ -33,7 +32,7 @@ extern "C" void brimwatch_fetch_once(cli::FetchOutcome &outcome)
     QEventLoop loop;
     QObject::connect(&quotaService, &service::QuotaService::connectionStatusChanged, &loop,
         &QEventLoop::quit, Qt::QueuedConnection);
-    QTimer::singleShot(patience, &loop, &QEventLoop::quit);
+    QTimer::singleShot(timeout, &loop, &QEventLoop::quit);
     loop.exec();
 
     outcome.state = app::describeState(quotaService, home);

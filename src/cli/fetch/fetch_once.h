@@ -6,7 +6,7 @@
 
 namespace brimwatch::cli {
 
-/// What one fetch came to.
+/// What one fetch found out.
 struct FetchOutcome {
     platform::PublishedState state; ///< Connected or offline.
     QString report; ///< For support, with the daemon's token cut.
@@ -14,6 +14,7 @@ struct FetchOutcome {
 
 } // namespace brimwatch::cli
 
-/// The one door of the fetching library: asks the daemons once, with the user's settings, and
-/// returns when that is done. It needs an application object, and runs its event loop meanwhile.
+/// The only function that the fetch library exports: asks the daemons once, with the user's
+/// settings, and returns when that is done. It needs an application object, and runs its event loop
+/// meanwhile.
 extern "C" void brimwatch_fetch_once(brimwatch::cli::FetchOutcome &outcome);

@@ -23,11 +23,12 @@ private Q_SLOTS:
         row("status --watch --format i3blocks", {.format = Format::I3blocks, .watch = true});
         row("status --format text --format json", {.format = Format::Json});
         row("status --format template --template {title}",
-            {.format = Format::Template, .formatTemplate = u"{title}"_s});
+            {.format = Format::Template, .formatTemplate = *Template::parse(u"{title}"_s)});
         row("status --template={title}",
-            {.format = Format::Template, .formatTemplate = u"{title}"_s});
+            {.format = Format::Template, .formatTemplate = *Template::parse(u"{title}"_s)});
         row("status --template --watch",
-            {.format = Format::Template, .formatTemplate = u"--watch"_s});
+            {.format = Format::Template, .formatTemplate = *Template::parse(u"--watch"_s)});
+        row("--watch status", {.watch = true});
         row("refresh", {.command = Command::Refresh});
         row("toggle", {.command = Command::Toggle});
         row("settings", {.command = Command::Settings});
@@ -35,6 +36,8 @@ private Q_SLOTS:
         row("--version", {.command = Command::Version});
         row("--help", {.command = Command::Help});
         row("-h", {.command = Command::Help});
+        row("toggle --help", {.command = Command::Help});
+        row("--version --help", {.command = Command::Help});
     }
     void whatMakesSenseIsUnderstood()
     {
@@ -55,17 +58,21 @@ private Q_SLOTS:
         row({}, u"a command is missing"_s);
         row({u""_s}, u"unknown command ''"_s);
         row({u"configure"_s}, u"unknown command 'configure'"_s);
-        row({u"--watch"_s}, u"unknown command '--watch'"_s);
+        row({u"--watch"_s}, u"a command is missing"_s);
         row({u"toggle"_s, u"now"_s}, u"unknown argument 'now'"_s);
-        row({u"--version"_s, u"--help"_s}, u"unknown argument '--help'"_s);
-        row({u"status"_s, u"--colour"_s}, u"unknown argument '--colour'"_s);
-        row({u"status"_s, u"--format"_s}, u"--format needs a value"_s);
-        row({u"status"_s, u"--formatjson"_s}, u"unknown argument '--formatjson'"_s);
+        row({u"toggle"_s, u"--watch"_s}, u"unknown argument '--watch'"_s);
+        row({u"status"_s, u"--color"_s}, u"Unknown option 'color'."_s);
+        row({u"status"_s, u"-x"_s}, u"Unknown option 'x'."_s);
+        row({u"status"_s, u"--watch=yes"_s}, u"Unexpected value after '--watch'."_s);
+        row({u"status"_s, u"--format"_s}, u"Missing value after '--format'."_s);
+        row({u"status"_s, u"--formatjson"_s}, u"Unknown option 'formatjson'."_s);
         row({u"status"_s, u"--format"_s, u"xml"_s}, u"unknown format 'xml'"_s);
         row({u"status"_s, u"--format="_s}, u"unknown format ''"_s);
         row({u"status"_s, u"--format"_s, u"template"_s},
             u"--format template needs --template TEXT"_s);
-        row({u"status"_s, u"--template"_s}, u"--template needs a value"_s);
+        row({u"status"_s, u"--template"_s}, u"Missing value after '--template'."_s);
+        row({u"status"_s, u"--template"_s, u"{titel}"_s},
+            u"the template's field '{titel}' does not exist"_s);
         row({u"status"_s, u"--format"_s, u"json"_s, u"--template"_s, u"x"_s},
             u"--template goes with --format template alone"_s);
     }

@@ -1,0 +1,22 @@
+#include "cli/output/forms.h"
+#include "cli/output/pango.h"
+#include "model/percent.h"
+
+#include <QStringList>
+
+namespace brimwatch::cli {
+
+using namespace Qt::Literals::StringLiterals;
+
+QString renderI3blocks(const Status &status, Layout layout)
+{
+    const QString title = pangoTitle(status);
+    if (layout == Layout::OneLine)
+        return title;
+    const auto &lowest = status.state.lowest;
+    const QString color = status.isOnline() && lowest ? colorOf(lowest->tier) : QString(noColor);
+    const QString percentage = lowest ? model::wholePercent(lowest->percentage) : u"–"_s;
+    return QStringList{title, pangoColored(percentage, color), color}.join(u'\n');
+}
+
+} // namespace brimwatch::cli

@@ -1,0 +1,51 @@
+#include "cli/output/forms.h"
+#include "cli/output/pango.h"
+#include "model/percent.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QStringList>
+
+namespace brimwatch::cli {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+QString tooltipOf(const Status &status, const QDateTime &now)
+{
+    QStringList lines;
+    for (const auto &group : status.state.groups) {
+        lines.append("<b>"_L1 + group.name.toHtmlEscaped() + "</b>"_L1);
+        for (const auto &bucket : group.buckets) {
+            const QString reset = resetText(bucket, now);
+            lines.append(bucket.name.toHtmlEscaped() + ": "_L1
+                + pangoColored(
+                    model::percentWithOneDecimal(bucket.percentage), colorOf(bucket.tier))
+                + (reset.isEmpty() ? QString() : QString(", "_L1 + reset)));
+        }
+    }
+    if (!status.isOnline())
+        lines.append(offlineReason(status).toHtmlEscaped());
+    return lines.join(u'\n');
+}
+
+} // namespace
+
+QString renderWaybar(const Status &status, const QDateTime &now)
+{
+    const auto &state = status.state;
+    QJsonArray classes;
+    if (!status.isOnline())
+        classes.append(platform::connectionName(state.connection));
+    if (state.lowest)
+        classes.append(platform::tierName(state.lowest->tier));
+    QJsonObject object{{u"text"_s, pangoTitle(status)}, {u"tooltip"_s, tooltipOf(status, now)},
+        {u"class"_s, classes}};
+    if (state.lowest)
+        object.insert(u"percentage"_s, qRound(state.lowest->percentage));
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+} // namespace brimwatch::cli

@@ -2,7 +2,7 @@
 # bus-log.sh [--minutes N] [--panel NAME]   what the program says on the session bus while it is used
 #
 #   --minutes N    how long (default 60)
-#   --panel NAME   the panel that it stands in, a script of tools/panels (default lxqt, which asks for the item over the bus)
+#   --panel NAME   the panel that it stands in, a script of tools/desktops/panels (default lxqt, which asks for the item over the bus)
 #
 # Runs the program of $BRIMWATCH_BUILD (default build/release, which is built) against the sample daemon with quota that
 # moves, on a bus of its own that dbus-monitor watches; each minute the popover is opened and closed, and brimwatchctl asks
@@ -28,7 +28,7 @@ while [ $# -gt 0 ]; do
             shift
             ;;
         --panel)
-            if [ ! -x "$root/tools/panels/${2:-}.sh" ]; then
+            if [ ! -x "$root/tools/desktops/panels/${2:-}.sh" ]; then
                 usage >&2
                 exit 2
             fi
@@ -63,7 +63,7 @@ finish()
     local status=$? process
     trap - EXIT INT TERM
     for process in "${processes[@]}"; do end_process "$process"; done
-    "$root/tools/panels/$panel.sh" stop "$session"
+    "$root/tools/desktops/panels/$panel.sh" stop "$session"
     if [ "$status" = 0 ]; then
         rm -rf "$work"
     else
@@ -84,7 +84,7 @@ start()
     disown
 }
 
-"$root/tools/panels/$panel.sh" start "$session" >/dev/null 2>"$work/session.log" || die "no panel: $(tail -n 3 "$work/session.log")"
+"$root/tools/desktops/panels/$panel.sh" start "$session" >/dev/null 2>"$work/session.log" || die "no panel: $(tail -n 3 "$work/session.log")"
 # shellcheck source=/dev/null
 . "$session/env"
 # A log that grows without end would fill the disk.

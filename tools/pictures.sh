@@ -70,7 +70,7 @@ desktop()
 # in_a_session COMMAND...: on a display and a bus of their own.
 in_a_session()
 {
-    BRIMWATCH_PACKAGES_CHECKED=1 "$root/tools/panels/trayer.sh" run "$work/session" -- "$@" >>"$work/log" 2>&1 ||
+    BRIMWATCH_PACKAGES_CHECKED=1 "$root/tools/desktops/panels/trayer.sh" run "$work/session" -- "$@" >>"$work/log" 2>&1 ||
         die "no picture: $(tail -n 3 "$work/log")"
 }
 
@@ -78,9 +78,9 @@ in_a_session()
 take_faces()
 {
     local program daemon
-    HELPERS=$("$root/tools/panels/helpers.sh")
-    # shellcheck source=panels/item.sh
-    . "$root/tools/panels/item.sh"
+    HELPERS=$("$root/tools/desktops/lib/helpers.sh")
+    # shellcheck source=desktops/lib/item.sh
+    . "$root/tools/desktops/lib/item.sh"
     mkdir -p "$HOME/.gemini/antigravity/daemon"
     "$build/src/app/brimwatch" &
     program=$!
@@ -103,7 +103,7 @@ is_offline() { [ "$("$build/src/cli/brimwatchctl" status --template '{source} {s
 # settled FILE.png GEOMETRY: takes pictures until two in a row agree.
 settled()
 {
-    "$root/tools/panels/shot.sh" "$work/one.png" "$2" && "$root/tools/panels/shot.sh" "$1" "$2" && ! differ "$work/one.png" "$1"
+    "$root/tools/desktops/lib/shot.sh" "$work/one.png" "$2" && "$root/tools/desktops/lib/shot.sh" "$1" "$2" && ! differ "$work/one.png" "$1"
 }
 
 # shoot_popover PID NAME

@@ -1,7 +1,7 @@
 #!/bin/bash
 # bar_test.sh BAR   shows the quota in a real bar, by the example for it, and looks at the screen.
 #
-# BAR is a script of tools/bars: waybar, i3blocks, polybar, tmux. The programs are those of $BRIMWATCH_BUILD
+# BAR is a script of tools/desktops/bars: waybar, i3blocks, polybar, tmux. The programs are those of $BRIMWATCH_BUILD
 # (default build/dev). Logs and pictures stay in $BRIMWATCH_BAR_LOGS (default build/bars)/BAR. Prints a line
 # a check and `N passed, N failed` last.
 set -uo pipefail
@@ -11,7 +11,7 @@ PROGRAM=bar_test
 . "$root/tools/lib/common.sh"
 
 bar=${1:-}
-script=$root/tools/bars/$bar.sh
+script=$root/tools/desktops/bars/$bar.sh
 if [ $# != 1 ] || [ ! -x "$script" ]; then
     sed -n '2,6s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
     exit 2

@@ -74,10 +74,9 @@ own_display
 # Only what is installed here is started by this bus.
 own_bus "$prefix/share/dbus-1/services"
 
-HELPERS=$("$root/tools/panels/helpers.sh")
-PANELS=$root/tools/panels
-# shellcheck source=../../tools/panels/item.sh
-. "$root/tools/panels/item.sh"
+HELPERS=$("$root/tools/desktops/lib/helpers.sh")
+# shellcheck source=../../tools/desktops/lib/item.sh
+. "$root/tools/desktops/lib/item.sh"
 
 shown() { popover_open "$program_pid"; }
 hidden() { popover_closed "$program_pid"; }

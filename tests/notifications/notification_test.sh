@@ -1,7 +1,7 @@
 #!/bin/bash
 # notification_test.sh SERVER   lets quota fall low before a real notification server and looks at what it shows.
 #
-# SERVER is a script of tools/notifications: dunst, xfce4-notifyd, mako. The program and the sample daemon are
+# SERVER is a script of tools/desktops/notifications: dunst, xfce4-notifyd, mako. The program and the sample daemon are
 # those of $BRIMWATCH_BUILD (default build/dev). Logs and pictures stay in $BRIMWATCH_NOTIFICATION_LOGS (default
 # build/notifications)/SERVER. Prints a line a check and `N passed, N failed` last.
 set -uo pipefail
@@ -11,7 +11,7 @@ PROGRAM=notification_test
 . "$root/tools/lib/common.sh"
 
 server=${1:-}
-script=$root/tools/notifications/$server.sh
+script=$root/tools/desktops/notifications/$server.sh
 if [ $# != 1 ] || [ ! -x "$script" ]; then
     sed -n '2,6s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
     exit 2

@@ -154,10 +154,9 @@ bus_pid=$!
 disown
 wait_for 30 test -S "$bare/root/run/bus" || die "the bus inside did not start: $(cat "$out/log/bus.log")"
 
-HELPERS=$("$root/tools/panels/helpers.sh")
-PANELS=$root/tools/panels
-# shellcheck source=../../tools/panels/item.sh
-. "$PANELS/item.sh"
+HELPERS=$("$root/tools/desktops/lib/helpers.sh")
+# shellcheck source=../../tools/desktops/lib/item.sh
+. "$root/tools/desktops/lib/item.sh"
 owner()
 {
     inside dbus-send --session --print-reply=literal --dest=org.freedesktop.DBus / \
@@ -170,7 +169,7 @@ source_is() { [ "$(inside brimwatchctl status --template '{source}')" = "$1" ]; 
 drawn()
 {
     # shellcheck disable=SC2046
-    "$PANELS/shot.sh" "$out/log/$1.png" "$(geometry_of $(popover_places "$program_pid" | head -n 1))" 2>>"$out/log/shot.log" &&
+    "$root/tools/desktops/lib/shot.sh" "$out/log/$1.png" "$(geometry_of $(popover_places "$program_pid" | head -n 1))" 2>>"$out/log/shot.log" &&
         [ "$(identify -format %k "$out/log/$1.png")" -ge 40 ] &&
         [ "$(coloured_pixels "$out/log/$1.png" green)" -ge 40 ]
 }

@@ -13,7 +13,7 @@ if [ "$*" != changing ]; then
     sed -n '2,5s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
     exit 2
 fi
-script=$root/tools/panels/changing.sh
+script=$root/tools/desktops/panels/changing.sh
 build=${BRIMWATCH_BUILD:-$root/build/dev}
 out=${BRIMWATCH_PANEL_LOGS:-$root/build/panels}/changing
 desktop=changing

@@ -16,7 +16,7 @@ if [ $# != 1 ] || { [ "$desktop" != gnome-plain ] && [ "$desktop" != gnome-plain
     sed -n '2,7s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
     exit 2
 fi
-script=$root/tools/panels/$desktop.sh
+script=$root/tools/desktops/panels/$desktop.sh
 build=${BRIMWATCH_BUILD:-$root/build/dev}
 out=${BRIMWATCH_PANEL_LOGS:-$root/build/panels}/$desktop
 # shellcheck source=../support/desktop_test.sh

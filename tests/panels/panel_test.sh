@@ -1,7 +1,7 @@
 #!/bin/bash
 # panel_test.sh PANEL   drives the program on a real panel with real clicks and looks at the screen.
 #
-# PANEL is a script of tools/panels: xfce4, trayer, mate, lxqt, i3bar, polybar, sway (with waybar), swaybar,
+# PANEL is a script of tools/desktops/panels: xfce4, trayer, mate, lxqt, i3bar, polybar, sway (with waybar), swaybar,
 # plasma, plasma-wayland, gnome, gnome-wayland. The program and the sample daemon are those of $BRIMWATCH_BUILD (default build/dev). The panel
 # crashes and comes back $BRIMWATCH_PANEL_RESTARTS times (default 5). Logs and pictures stay in
 # $BRIMWATCH_PANEL_LOGS (default build/panels)/PANEL. Prints a line a check and `N passed, N failed` last.
@@ -12,7 +12,7 @@ PROGRAM=panel_test
 . "$root/tools/lib/common.sh"
 
 panel=${1:-}
-script=$root/tools/panels/$panel.sh
+script=$root/tools/desktops/panels/$panel.sh
 if [ $# != 1 ] || [ ! -x "$script" ]; then
     sed -n '2,7s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
     exit 2
@@ -172,8 +172,8 @@ has_not_grown() { [ -n "${growth:-}" ] && [ "$growth" -le "$growth_allowed" ]; }
 # The play ---------------------------------------------------------------------------------------
 CLOCK=off start_session
 
-# shellcheck source=../../tools/panels/on-panel.sh
-. "$root/tools/panels/on-panel.sh"
+# shellcheck source=../../tools/desktops/lib/on-panel.sh
+. "$root/tools/desktops/lib/on-panel.sh"
 look_at_screen
 
 start_daemon --speed 0 --log

@@ -14,7 +14,7 @@ if [ "$*" != screens-sway ]; then
     sed -n '2,6s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
     exit 2
 fi
-script=$root/tools/panels/sway.sh
+script=$root/tools/desktops/panels/sway.sh
 build=${BRIMWATCH_BUILD:-$root/build/dev}
 out=${BRIMWATCH_PANEL_LOGS:-$root/build/panels}/screens-sway
 desktop=screens-sway

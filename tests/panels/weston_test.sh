@@ -11,7 +11,7 @@ PROGRAM=weston_test
 . "$root/tools/lib/common.sh"
 
 desktop=weston
-script=$root/tools/panels/$desktop.sh
+script=$root/tools/desktops/panels/$desktop.sh
 build=${BRIMWATCH_BUILD:-$root/build/dev}
 out=${BRIMWATCH_PANEL_LOGS:-$root/build/panels}/$desktop
 # shellcheck source=../support/desktop_test.sh

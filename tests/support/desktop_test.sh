@@ -31,9 +31,9 @@ logs_are()
     done
 }
 
-shot() { "$root/tools/panels/shot.sh" "$out/pictures/$1.png" ${2:+"$2"} 2>>"$out/shot.log" || true; }
-click() { "$root/tools/panels/click.sh" "$@"; }
-key() { "$root/tools/panels/key.sh" "$@"; }
+shot() { "$root/tools/desktops/lib/shot.sh" "$out/pictures/$1.png" ${2:+"$2"} 2>>"$out/shot.log" || true; }
+click() { "$root/tools/desktops/lib/click.sh" "$@"; }
+key() { "$root/tools/desktops/lib/key.sh" "$@"; }
 
 # start_session: the desktop, in whose session everything is from then on; with NO_PANEL=1 without its panel.
 start_session()
@@ -44,10 +44,9 @@ start_session()
     }
     # shellcheck source=/dev/null
     . "$session/env"
-    HELPERS=$("$root/tools/panels/helpers.sh")
-    PANELS=$root/tools/panels
-    # shellcheck source=../../tools/panels/item.sh
-    . "$root/tools/panels/item.sh"
+    HELPERS=$("$root/tools/desktops/lib/helpers.sh")
+    # shellcheck source=../../tools/desktops/lib/item.sh
+    . "$root/tools/desktops/lib/item.sh"
 }
 
 start_daemon() # start_daemon OPTION...

@@ -22,7 +22,9 @@ target_compile_definitions(brimwatch_build_flags INTERFACE
     QT_NO_FOREACH
     QT_STRICT_ITERATORS
     QT_USE_QSTRINGBUILDER
-    QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+    QT_DISABLE_DEPRECATED_BEFORE=0x060400
+    # What later versions deprecate has to be called as long as Qt 6.4 has nothing in its place.
+    QT_WARN_DEPRECATED_UP_TO=0x060400)
 if(BRIMWATCH_SANITIZE)
     target_compile_options(brimwatch_build_flags INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)

@@ -41,6 +41,9 @@ target_compile_options(brimwatch_strict_flags INTERFACE -Wshadow)
 if(BRIMWATCH_PRECOMPILED_HEADERS)
     # For compiler caches, which have to see what was read before.
     target_compile_options(brimwatch_build_flags INTERFACE -fpch-preprocess)
+    # One kind of code for libraries and programs, as a compiler takes no header that was compiled for the other.
+    # Targets of Qt 6.4 ask for it themselves, those of Qt 6.8 do not.
+    target_compile_options(brimwatch_build_flags INTERFACE -fPIC)
     find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Network Qml Quick)
     file(GENERATE OUTPUT "${PROJECT_BINARY_DIR}/precompiled.cpp" CONTENT "")
     function(_brimwatch_precompile name)

@@ -22,7 +22,9 @@ target_compile_definitions(brimwatch_build_flags INTERFACE
     QT_NO_FOREACH
     QT_STRICT_ITERATORS
     QT_USE_QSTRINGBUILDER
-    QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+    QT_DISABLE_DEPRECATED_BEFORE=0x060400
+    # What later versions deprecate has to be called as long as Qt 6.4 has nothing in its place.
+    QT_WARN_DEPRECATED_UP_TO=0x060400)
 if(BRIMWATCH_SANITIZE)
     target_compile_options(brimwatch_build_flags INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
@@ -39,6 +41,9 @@ target_compile_options(brimwatch_strict_flags INTERFACE -Wshadow)
 if(BRIMWATCH_PRECOMPILED_HEADERS)
     # For compiler caches, which have to see what was read before.
     target_compile_options(brimwatch_build_flags INTERFACE -fpch-preprocess)
+    # One kind of code for libraries and programs, as a compiler takes no header that was compiled for the other.
+    # Targets of Qt 6.4 ask for it themselves, those of Qt 6.8 do not.
+    target_compile_options(brimwatch_build_flags INTERFACE -fPIC)
     find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Network Qml Quick)
     file(GENERATE OUTPUT "${PROJECT_BINARY_DIR}/precompiled.cpp" CONTENT "")
     function(_brimwatch_precompile name)

@@ -133,8 +133,11 @@ linked=$(cd "$work" && dpkg-shlibdeps -O "-l${libraries[0]%/*}" "${programs[@]}"
     die "no dependencies: $(cat "$work/shlibdeps.log")"
 linked=${linked#shlibs:Depends=}
 # ... of that very version of Qt, whose private interfaces leave no symbol to know them by ...
+# Debian 13 has other names for the package and for what it provides.
 # shellcheck disable=SC2016
-linked+=", $(dpkg-query -W -f '${Provides}\n' libqt6core6 | grep -o 'qt6-base-abi ([^)]*)')"
+abi=$(dpkg-query -W -f '${Provides}\n' 'libqt6core6*' | grep -o 'qt6-base-\(private-\)\{0,1\}abi ([^)]*)') ||
+    die "no package says which version of Qt's private interfaces it has"
+linked+=", $abi"
 # ... and of the QML modules that the views import, and those import in their turn.
 qml=$(qtpaths6 --query QT_INSTALL_QML)
 modules=$("$(qtpaths6 --query QT_INSTALL_LIBEXECS)/qmlimportscanner" -rootPath "$root/src/views" -importPath "$qml" |

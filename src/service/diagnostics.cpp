@@ -148,8 +148,9 @@ QString truncatedToken(const QString &token)
 
 QUrl mailUrl(const QString &address, const QString &subject, const QString &body)
 {
-    return QUrl::fromEncoded("mailto:" + QUrl::toPercentEncoding(address, "@"_ba)
-        + "?subject=" + queryEncoded(subject) + "&body=" + queryEncoded(body));
+    const QByteArray url = "mailto:" + QUrl::toPercentEncoding(address, "@"_ba)
+        + "?subject=" + queryEncoded(subject) + "&body=" + queryEncoded(body);
+    return QUrl::fromEncoded(url);
 }
 
 } // namespace brimwatch::service

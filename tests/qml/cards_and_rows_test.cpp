@@ -282,12 +282,12 @@ void CardsAndRowsTest::cardsAndRowsHaveTheirPaddings()
     const QQuickItem *row = fixture.item(u"bucketRow"_s);
     QCOMPARE(card->mapToScene({}).x(), 12.0);
     QCOMPARE(card->width(), 380.0 - 24);
-    QCOMPARE(row->mapToItem(card, {}).x(), 12.0);
+    QCOMPARE(row->mapToItem(card, QPointF()).x(), 12.0);
     QCOMPARE(row->width(), card->width() - 24);
-    QCOMPARE(fixture.item(u"barTrack"_s)->mapToItem(row, {}).x(), 10.0);
+    QCOMPARE(fixture.item(u"barTrack"_s)->mapToItem(row, QPointF()).x(), 10.0);
     QCOMPARE(fixture.item(u"barTrack"_s)->width(), row->width() - 20);
     const auto rows = fixture.items(u"bucketRow"_s);
-    QCOMPARE(rows.at(1)->mapToItem(rows.at(0), {}).y(), rows.at(0)->height() + 8);
+    QCOMPARE(rows.at(1)->mapToItem(rows.at(0), QPointF()).y(), rows.at(0)->height() + 8);
 }
 
 QTEST_MAIN(CardsAndRowsTest)

@@ -263,6 +263,32 @@ private Q_SLOTS:
             u"Short Names (Gem, Arg, Cla)"_s);
     }
 
+    void aPickerThatIsHalfOutOfViewOpensAtTheFirstClick()
+    {
+        m_fixture->showSettings();
+        reveal(*m_fixture, u"labelStyle"_s);
+        QQuickItem *list = m_fixture->item(u"settingsList"_s);
+        const QQuickItem *box = m_fixture->item(u"labelStyleBox"_s);
+        const double hidden = box->mapToItem(list, QPointF(0, box->height() / 2)).y();
+        list->setProperty("contentY", list->property("contentY").toDouble() + hidden);
+        QCOMPARE_LT(box->mapToItem(list, QPointF()).y(), 0.0);
+        QTest::mouseClick(&m_fixture->window(), Qt::LeftButton, {},
+            box->mapToScene(QPointF(20, box->height() - 4)).toPoint());
+        QTRY_VERIFY(isLaidOut(m_fixture->items(u"pickerOption"_s), 3));
+        QCOMPARE_GE(box->mapToItem(list, QPointF()).y(), 0.0);
+    }
+
+    void anOpenListClosesWhenItsPickerIsScrolled()
+    {
+        m_fixture->showSettings();
+        reveal(*m_fixture, u"labelStyle"_s);
+        click(*m_fixture, u"labelStyleBox"_s);
+        QTRY_VERIFY(isLaidOut(m_fixture->items(u"pickerOption"_s), 3));
+        QQuickItem *list = m_fixture->item(u"settingsList"_s);
+        list->setProperty("contentY", list->property("contentY").toDouble() - 1);
+        QTRY_VERIFY(m_fixture->items(u"pickerOption"_s).isEmpty());
+    }
+
     void thePickerWorksByKeyboard()
     {
         m_fixture->showSettings();

@@ -29,7 +29,7 @@ public:
             number += m_server.readAllStandardOutput();
         if (!number.contains('\n'))
             qFatal("Xvfb did not start: %s", qPrintable(m_server.errorString()));
-        qputenv("DISPLAY", ":" + number.trimmed());
+        qputenv("DISPLAY", QByteArray(":" + number.trimmed()));
     }
     ~PrivateDisplay() { stop(); }
     PrivateDisplay(const PrivateDisplay &) = delete;

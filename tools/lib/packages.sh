@@ -35,16 +35,36 @@ if [ "${1:-}" = --list ]; then
 fi
 [ $# -gt 0 ] || { sed -n '2,6s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2; exit 2; }
 
-wanted=$(for purpose; do packages_of "$purpose" || exit; done) || exit
-mapfile -t wanted < <(sort -u <<<"$wanted")
+# of_this_release: of each line `a|b` the first that apt knows, or the last; other lines as they are.
+of_this_release()
+{
+    local line name
+    while IFS= read -r line; do
+        while [[ $line == *'|'* ]]; do
+            name=${line%%|*}
+            line=${line#*|}
+            ! apt-cache pkgnames "$name" 2>/dev/null | grep -Fx -e "$name" >/dev/null || line=$name
+        done
+        [ -z "$line" ] || printf '%s\n' "$line"
+    done
+}
+
+lines=$(for purpose; do packages_of "$purpose" || exit; done) || exit
+
+# find_missing: sets the packages that are `wanted`, and those of them that are `missing`.
+find_missing()
+{
+    mapfile -t wanted < <(of_this_release <<<"$lines" | sort -u)
+    # A package without a line in dpkg's answer is as absent as one that is not "installed".
+    mapfile -t missing < <(comm -23 <(printf '%s\n' "${wanted[@]}") \
+        <(dpkg-query -W -f '${db:Status-Status} ${Package}\n' 2>/dev/null | sed -n 's/^installed //p' | sort -u))
+}
+
+find_missing
 if [ -n "$only_list" ]; then
     printf '%s\n' "${wanted[@]}"
     exit
 fi
-
-# A package without a line in dpkg's answer is as absent as one that is not "installed".
-mapfile -t missing < <(comm -23 <(printf '%s\n' "${wanted[@]}") \
-    <(dpkg-query -W -f '${db:Status-Status} ${Package}\n' 2>/dev/null | sed -n 's/^installed //p' | sort -u))
 [ ${#missing[@]} -gt 0 ] || exit 0
 
 as_root=()
@@ -63,6 +83,8 @@ printf 'Installing %d packages: %s\n' ${#missing[@]} "${missing[*]}" >&2
 apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300)
 # An index that cannot be renewed may still do; if it does not, installing says so.
 "${apt[@]}" update >"$log" 2>&1 || { tail -n 5 "$log" >&2; }
+# Before there was an index, apt knew no package of the release.
+find_missing
 if ! "${apt[@]}" install -y --no-install-recommends "${missing[@]}" >"$log" 2>&1; then
     tail -n 30 "$log" >&2
     echo "Installing packages failed." >&2

@@ -18,6 +18,9 @@ Item {
     readonly property real rowHeight: Math.ceil(metrics.height) + 8
     // Where the picker is scrolled to: an open list does not travel.
     property real scrollPosition: 0
+    // The box that takes the keyboard to open its list is scrolled into view. From some version between Qt 6.4 and 6.8 on a
+    // list that is closed meanwhile does not open.
+    property bool takesKeyboard: false
 
     signal wanted(int index)
 
@@ -32,7 +35,10 @@ Item {
     }
 
     onMayOpenChanged: box.popup.close()
-    onScrollPositionChanged: box.popup.close()
+    onScrollPositionChanged: {
+        if (!takesKeyboard)
+            box.popup.close();
+    }
 
     Label {
         anchors.verticalCenter: parent.verticalCenter
@@ -148,8 +154,10 @@ Item {
             onAboutToShow: {
                 // Around the list there is what Qt calls a dialog, without a name.
                 contentItem.parent.Accessible.ignored = true;
+                root.takesKeyboard = true;
                 if (!box.activeFocus)
                     box.forceActiveFocus(Qt.PopupFocusReason);
+                root.takesKeyboard = false;
             }
 
             background: Rectangle {

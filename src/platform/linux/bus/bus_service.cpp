@@ -3,6 +3,7 @@
 #include "bus_service_adaptor.h"
 #include "platform/linux/bus/bus_names.h"
 #include "platform/linux/bus/bus_state.h"
+#include "platform/linux/bus/exported_object.h"
 
 #include <QDBusError>
 #include <QMetaMethod>
@@ -23,7 +24,7 @@ BusService::BusService(QDBusConnection bus, QString version, QObject *parent)
     , m_properties(toBusProperties(m_published))
 {
     new BusServiceAdaptor(this);
-    m_bus.registerObject(bus::path, this, QDBusConnection::ExportAdaptors);
+    bus::exportAdaptors(m_bus, bus::path, this);
 }
 
 BusService::~BusService()

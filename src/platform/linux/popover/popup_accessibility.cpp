@@ -16,7 +16,7 @@ QList<QAccessibleInterface *> visibleWindows()
     QList<QAccessibleInterface *> windows;
     const auto all = QGuiApplication::topLevelWindows();
     for (const QWindow *window : all) {
-        if (!window->isVisible() || window->type() == Qt::Desktop)
+        if (!window->isVisible())
             continue;
         if (QAccessibleInterface *root = window->accessibleRoot())
             windows.append(root);

@@ -1,6 +1,7 @@
 #include "platform/linux/tray/dbus_menu.h"
 
 #include "dbus_menu_adaptor.h"
+#include "platform/linux/bus/exported_object.h"
 
 #include <QDBusError>
 #include <QDBusMetaType>
@@ -64,7 +65,7 @@ DBusMenu::DBusMenu(QDBusConnection bus, QString path, QList<DBusMenuEntry> entri
     , m_entries(std::move(entries))
 {
     registerTypes();
-    m_bus.registerObject(m_path, this, QDBusConnection::ExportAdaptors);
+    bus::exportAdaptors(m_bus, m_path, this);
 }
 
 DBusMenu::~DBusMenu()

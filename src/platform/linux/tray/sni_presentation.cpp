@@ -2,6 +2,7 @@
 
 #include "core/plain_text.h"
 #include "platform/linux/bus/bus_calls.h"
+#include "platform/linux/bus/exported_object.h"
 #include "platform/linux/tray/dbus_menu.h"
 #include "platform/linux/tray/label_painter.h"
 #include "sni_adaptor.h"
@@ -145,7 +146,7 @@ SniPresentation::SniPresentation(
     m_bus.connect({}, u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,
         u"Disconnected"_s, this, SLOT(lose()));
 
-    if (!m_bus.registerObject(itemPath, this, QDBusConnection::ExportAdaptors)) {
+    if (!bus::exportAdaptors(m_bus, itemPath, this)) {
         QTimer::singleShot(0, this, &SniPresentation::lose);
         return;
     }

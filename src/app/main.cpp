@@ -109,8 +109,7 @@ public:
         , m_notifier(m_bus,
               {.name = u"Brimwatch"_s,
                   .identifier = QStringLiteral(BRIMWATCH_IDENTIFIER),
-                  .icon
-                  = [this] { return platform::applicationIcon(m_symbols, notificationIconSide); }},
+                  .icon = [] { return platform::applicationIcon(notificationIconSide); }},
               platform::DesktopNotifier::Timeouts())
         , m_program({.settings = m_settings,
               .appearance = m_appearance,

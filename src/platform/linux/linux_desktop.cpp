@@ -40,7 +40,7 @@ LinuxDesktop::LinuxDesktop(const Session &session, RemoteControl &remoteControl)
     , m_notifier(Session::bus(),
           {.name = QGuiApplication::applicationDisplayName(),
               .identifier = QGuiApplication::desktopFileName(),
-              .icon = [this] { return applicationIcon(m_symbols, notificationIconSide); }},
+              .icon = [] { return applicationIcon(notificationIconSide); }},
           {})
     , m_noPanelNotice(m_clock, m_notifier, Session::runtimeFolder(), currentDesktops())
 {

@@ -1,7 +1,6 @@
 #include "dbus/desktop/fake_notification_server.h"
 #include "platform/linux/desktop/application_icon.h"
 #include "platform/linux/desktop/desktop_notifier.h"
-#include "platform/linux/symbols/svg_symbols.h"
 
 #include <QDBusArgument>
 #include <QDBusConnectionInterface>
@@ -96,8 +95,7 @@ private Q_SLOTS:
         QCOMPARE(bytes.size(), qsizetype(stride) * height);
         const QImage sent(reinterpret_cast<const uchar *>(bytes.constData()), width, height, stride,
             QImage::Format_RGBA8888);
-        const QImage drawn
-            = applicationIcon(m_symbols, iconSide).convertToFormat(QImage::Format_RGBA8888);
+        const QImage drawn = applicationIcon(iconSide).convertToFormat(QImage::Format_RGBA8888);
         QCOMPARE(sent, drawn);
         QCOMPARE(sent.pixelColor(0, 0).alpha(), 0);
         // Left of the sparkle the ground, which is more blue than red.
@@ -555,7 +553,7 @@ private:
     static DesktopNotifier::Sender sender()
     {
         return {.name = u"Brimwatch"_s, .identifier = u"app.brimwatch.Brimwatch"_s, .icon = [] {
-                    return applicationIcon(SvgSymbols(), iconSide);
+                    return applicationIcon(iconSide);
                 }};
     }
 
@@ -597,7 +595,6 @@ private:
         return ids;
     }
 
-    SvgSymbols m_symbols;
     OtherProgram m_program;
     std::unique_ptr<DesktopNotifier> m_notifier;
     std::unique_ptr<FakeNotificationServer> m_server;

@@ -38,7 +38,7 @@ QRect inkOf(const QImage &image)
     return ink;
 }
 
-QWindow *shownHoverText()
+QWindow *shownToolTip()
 {
     const auto windows = QGuiApplication::topLevelWindows();
     for (QWindow *window : windows) {
@@ -98,7 +98,7 @@ private Q_SLOTS:
     void beingThrownOutIsReportedOnce();
     void theWindowIsGoneWithThePresentation();
     void aRestingPointerShowsTheDescriptionBesideTheItem();
-    void theHoverTextHasEveryLineOfTheFullestDescription();
+    void theToolTipHasEveryLineOfTheFullestDescription();
     void aPressTakesTheDescriptionAwayUntilThePointerHasLeft();
     void theDescriptionGoesWithTheItem();
 
@@ -557,8 +557,8 @@ void XembedPresentationTest::aRestingPointerShowsTheDescriptionBesideTheItem()
     dock();
     QTRY_VERIFY(isDrawn());
     m_pointer.moveTo(itemCentre());
-    QTRY_VERIFY(shownHoverText());
-    const QRect text = shownHoverText()->geometry();
+    QTRY_VERIFY(shownToolTip());
+    const QRect text = shownToolTip()->geometry();
     const QRect item = m_manager->slot();
     QVERIFY(text.top() > item.bottom() && text.top() < item.bottom() + 20);
     QVERIFY(text.left() < item.right() && text.right() > item.left());
@@ -567,12 +567,12 @@ void XembedPresentationTest::aRestingPointerShowsTheDescriptionBesideTheItem()
     PresentedItem item2 = sampleItem();
     item2.description.lines.append(u"a third line"_s);
     m_item->present(item2);
-    QTRY_VERIFY(shownHoverText() && shownHoverText()->height() > text.height());
+    QTRY_VERIFY(shownToolTip() && shownToolTip()->height() > text.height());
     m_pointer.moveTo(elsewhere);
-    QTRY_VERIFY(!shownHoverText());
+    QTRY_VERIFY(!shownToolTip());
 }
 
-void XembedPresentationTest::theHoverTextHasEveryLineOfTheFullestDescription()
+void XembedPresentationTest::theToolTipHasEveryLineOfTheFullestDescription()
 {
     dock();
     QTRY_VERIFY(isDrawn());
@@ -580,12 +580,12 @@ void XembedPresentationTest::theHoverTextHasEveryLineOfTheFullestDescription()
     item.description.lines = {u"bucket"_s};
     m_item->present(item);
     m_pointer.moveTo(itemCentre());
-    QTRY_VERIFY(shownHoverText());
-    const int ofOneLine = shownHoverText()->height();
+    QTRY_VERIFY(shownToolTip());
+    const int ofOneLine = shownToolTip()->height();
     item.description.lines.append(u"bucket"_s);
     m_item->present(item);
-    QTRY_VERIFY(shownHoverText() && shownHoverText()->height() > ofOneLine);
-    const int lineHeight = shownHoverText()->height() - ofOneLine;
+    QTRY_VERIFY(shownToolTip() && shownToolTip()->height() > ofOneLine);
+    const int lineHeight = shownToolTip()->height() - ofOneLine;
 
     constexpr int most = ItemDescription::mostLines;
     while (item.description.lines.size() < most - 1)
@@ -593,8 +593,8 @@ void XembedPresentationTest::theHoverTextHasEveryLineOfTheFullestDescription()
     item.description.lines.append(u"Offline since 10:00"_s);
     m_item->present(item);
     QTRY_COMPARE(
-        shownHoverText() ? shownHoverText()->height() : 0, ofOneLine + (most - 1) * lineHeight);
-    QVERIFY(QRect(0, 0, 1280, 720).contains(shownHoverText()->geometry()));
+        shownToolTip() ? shownToolTip()->height() : 0, ofOneLine + (most - 1) * lineHeight);
+    QVERIFY(QRect(0, 0, 1280, 720).contains(shownToolTip()->geometry()));
 }
 
 void XembedPresentationTest::aPressTakesTheDescriptionAwayUntilThePointerHasLeft()
@@ -602,14 +602,14 @@ void XembedPresentationTest::aPressTakesTheDescriptionAwayUntilThePointerHasLeft
     dock();
     QTRY_VERIFY(isDrawn());
     m_pointer.moveTo(itemCentre());
-    QTRY_VERIFY(shownHoverText());
+    QTRY_VERIFY(shownToolTip());
     m_pointer.click(left);
-    QTRY_VERIFY(!shownHoverText());
+    QTRY_VERIFY(!shownToolTip());
     QTRY_COMPARE(m_clicked->count(), 1);
     m_pointer.moveTo(elsewhere);
     settle();
     m_pointer.moveTo(itemCentre());
-    QTRY_VERIFY(shownHoverText());
+    QTRY_VERIFY(shownToolTip());
 }
 
 void XembedPresentationTest::theDescriptionGoesWithTheItem()
@@ -617,9 +617,9 @@ void XembedPresentationTest::theDescriptionGoesWithTheItem()
     dock();
     QTRY_VERIFY(isDrawn());
     m_pointer.moveTo(itemCentre());
-    QTRY_VERIFY(shownHoverText());
+    QTRY_VERIFY(shownToolTip());
     m_manager.reset();
-    QTRY_VERIFY(!shownHoverText());
+    QTRY_VERIFY(!shownToolTip());
 }
 
 } // namespace brimwatch::platform

@@ -4,10 +4,8 @@ class QImage;
 
 namespace brimwatch::platform {
 
-class SymbolSource;
-
-/// The program's icon, a white sparkle on a coloured square with round corners, for those who take
-/// a picture and may not find an installed one. `side` pixels wide and high, premultiplied ARGB.
-QImage applicationIcon(const SymbolSource &symbols, int side);
+/// The program's icon for those who take a picture and may not find the installed one, from the
+/// same drawing. `side` pixels wide and high, premultiplied ARGB.
+QImage applicationIcon(int side);
 
 } // namespace brimwatch::platform

@@ -40,18 +40,6 @@ const QString newEntry = u"[Desktop Entry]\n"
                          "Icon=" BRIMWATCH_IDENTIFIER "\n"
                          "Terminal=false\n"_s;
 
-/// Whether the entry would start something, were it not switched off.
-bool startsAProgram(const DesktopEntryText &entry)
-{
-    if (entry.rawValue(typeKey) != "Application"_L1)
-        return false;
-    const QString tryExec = entry.value(tryExecKey);
-    if (!tryExec.isEmpty() && !canBeStarted(tryExec))
-        return false;
-    const QStringList command = commandOfExec(entry.value(execKey));
-    return !command.isEmpty() && canBeStarted(command.first());
-}
-
 /// The Exec key that starts the program.
 QString execOf(const QString &program)
 {
@@ -92,7 +80,7 @@ QString AutostartLoginItem::file() const
 LoginItem::Status AutostartLoginItem::status() const
 {
     const auto entry = DesktopEntryText::read(file());
-    if (entry && startsAProgram(*entry))
+    if (entry && !entry->startableCommand().isEmpty())
         return isSwitchedOff(*entry) || !isShownHere(*entry) ? Status::requiresApproval
                                                              : Status::enabled;
     return isWritable(folder()) ? Status::notRegistered : Status::notFound;
@@ -162,7 +150,7 @@ Result<void, QString> AutostartLoginItem::registerItem()
         entry = DesktopEntryText::parse(newEntry.toUtf8());
     if (!entry->has(nameKey))
         entry->set(nameKey, u"Brimwatch"_s);
-    if (!startsAProgram(*entry)) {
+    if (entry->startableCommand().isEmpty()) {
         entry->set(typeKey, u"Application"_s);
         entry->set(tryExecKey, m_surroundings.program);
         entry->set(execKey, execOf(m_surroundings.program));

@@ -13,16 +13,16 @@ class DesktopEntryText;
 /// The login item of freedesktop desktops: an entry in the user's autostart folder (Desktop
 /// Application Autostart Specification 0.5), which desktops read at login.
 ///
-/// - No entry, or one that starts nothing because its program is gone or it is none: not
-/// registered.
-/// - An entry that the desktop in use starts: enabled, whoever wrote it and whatever it starts.
-/// - An entry that this desktop passes over (Hidden, X-GNOME-Autostart-enabled, OnlyShowIn,
+/// - No entry, or one that starts nothing, as it is no application or its program is gone: not
+///   registered.
+/// - An entry that the desktop in use starts: enabled, no matter who wrote it and what it starts.
+/// - An entry that this desktop skips (Hidden, X-GNOME-Autostart-enabled, OnlyShowIn,
 ///   NotShowIn), as desktops' own settings write it: requires approval.
 /// - No entry and no place to write one: not found.
 class AutostartLoginItem final : public LoginItem {
 public:
     struct Surroundings {
-        QString configHome; ///< $XDG_CONFIG_HOME, or what stands for it.
+        QString configHome; ///< $XDG_CONFIG_HOME, or its default.
         QString program; ///< The absolute path of the program to start.
         QStringList currentDesktops; ///< The names in $XDG_CURRENT_DESKTOP; none: not known.
     };
@@ -36,10 +36,10 @@ public:
     QString file() const;
 
     Status status() const override;
-    /// Writes the entry. One that stands there keeps all that does not keep us from being started:
-    /// it loses what switches it off, and gets our program if its own is gone.
+    /// Writes the entry. An existing one keeps all that does not prevent our start: it loses what
+    /// switches it off, and gets our program if its own is gone.
     Result<void, QString> registerItem() override;
-    /// Takes the entry away.
+    /// Removes the entry.
     Result<void, QString> unregisterItem() override;
     /// Starts the desktop's own panel for programs that start at login. Without one that is known
     /// and installed, opens the folder.
@@ -55,7 +55,7 @@ private:
     Opener &m_opener;
 };
 
-/// What the environment says: the names in $XDG_CURRENT_DESKTOP.
+/// The names in $XDG_CURRENT_DESKTOP.
 QStringList currentDesktops();
 
 /// The commands, best first, that open the panel of these desktops for programs that start at

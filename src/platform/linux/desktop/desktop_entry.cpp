@@ -105,7 +105,7 @@ std::optional<DesktopEntryText> DesktopEntryText::read(const QString &path)
 {
     const QFileInfo info(path);
     QFile file(path);
-    // Looked at first: a FIFO would keep us waiting.
+    // Checked first: opening a FIFO would block.
     if (!info.isFile() || info.size() > largestFile || !file.open(QIODevice::ReadOnly))
         return {};
     return parse(file.read(largestFile));
@@ -243,6 +243,16 @@ bool canBeStarted(const QString &program)
         return info.isFile() && info.isExecutable();
     }
     return !QStandardPaths::findExecutable(program).isEmpty();
+}
+
+QStringList DesktopEntryText::startableCommand() const
+{
+    if (rawValue("Type"_L1) != "Application"_L1)
+        return {};
+    if (const QString tryExec = value("TryExec"_L1); !tryExec.isEmpty() && !canBeStarted(tryExec))
+        return {};
+    const QStringList command = commandOfExec(value("Exec"_L1));
+    return !command.isEmpty() && canBeStarted(command.first()) ? command : QStringList();
 }
 
 QStringList commandOfExec(const QString &exec)

@@ -41,6 +41,10 @@ public:
     /// Takes the key away, each time that it stands there; translations of it stay.
     void remove(QLatin1StringView key);
 
+    /// The program that it starts, and its arguments. Empty when it is no application, or its
+    /// program or the one that TryExec names cannot be started.
+    QStringList startableCommand() const;
+
     QByteArray toBytes() const { return m_lines.join('\n'); }
 
 private:

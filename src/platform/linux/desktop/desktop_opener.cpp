@@ -19,15 +19,11 @@ using namespace Qt::Literals::StringLiterals;
 std::optional<DesktopEntry> readDesktopEntry(const QString &file)
 {
     const auto text = DesktopEntryText::read(file);
-    if (!text || text->rawValue("Type"_L1) != "Application"_L1
-        || text->boolean("Hidden"_L1).value_or(false)
+    if (!text || text->boolean("Hidden"_L1).value_or(false)
         || text->boolean("NoDisplay"_L1).value_or(false))
         return {};
-    const QString tryExec = text->value("TryExec"_L1);
-    if (!tryExec.isEmpty() && !canBeStarted(tryExec))
-        return {};
-    const QStringList command = commandOfExec(text->value("Exec"_L1));
-    if (command.isEmpty() || !canBeStarted(command.first()))
+    const QStringList command = text->startableCommand();
+    if (command.isEmpty())
         return {};
     return DesktopEntry{
         .file = file, .command = command, .workingDirectory = text->value("Path"_L1)};
@@ -87,7 +83,7 @@ bool DesktopOpener::openAntigravity()
 
 void DesktopOpener::openUrl(const QUrl &url)
 {
-    // A desktop's own program would open a window to say that it is not there.
+    // The desktop's opener would show a window saying that the file is missing.
     if (url.isLocalFile() && !QFileInfo::exists(url.toLocalFile()))
         return;
     QDesktopServices::openUrl(url);

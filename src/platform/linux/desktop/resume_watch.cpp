@@ -9,7 +9,7 @@ using namespace Qt::Literals::StringLiterals;
 ResumeWatch::ResumeWatch(QDBusConnection bus)
     : m_bus(std::move(bus))
 {
-    // Named, so that nobody else on that bus is believed.
+    // With the name of the service, so that no other sender counts.
     m_bus.connect(u"org.freedesktop.login1"_s, u"/org/freedesktop/login1"_s,
         u"org.freedesktop.login1.Manager"_s, u"PrepareForSleep"_s, this,
         SLOT(prepareForSleep(bool)));

@@ -5,8 +5,8 @@
 
 namespace brimwatch::platform {
 
-/// Tells when the machine is back from suspend or hibernation, as logind announces it
-/// (`PrepareForSleep` of org.freedesktop.login1). Where no logind runs it stays silent.
+/// Reports that the machine is back from suspend or hibernation, as logind announces it
+/// (`PrepareForSleep` of org.freedesktop.login1). Without logind it reports nothing.
 class ResumeWatch final : public QObject {
     Q_OBJECT
 

@@ -17,6 +17,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr int rootId = 0;
+// The entries never change.
+constexpr uint revision = 1;
 // Panels ask for all entries of a menu at once, and a menu of ours has a handful.
 constexpr qsizetype longestGroup = 256;
 
@@ -44,7 +46,7 @@ QVariantMap propertiesOf(const DBusMenuEntry &entry)
     // A single underscore marks the key that chooses an entry.
     QString label = entry.label;
     label.replace(u'_', "__"_L1);
-    return {{u"label"_s, label}, {u"enabled"_s, entry.enabled}, {u"visible"_s, true}};
+    return {{u"label"_s, label}, {u"enabled"_s, true}, {u"visible"_s, true}};
 }
 
 QVariantMap onlyNamed(QVariantMap properties, const QStringList &names)
@@ -61,10 +63,10 @@ DBusMenu::DBusMenu(QDBusConnection bus, QString path, QList<DBusMenuEntry> entri
     : QObject(parent)
     , m_bus(std::move(bus))
     , m_path(std::move(path))
-    , m_adaptor(new DBusMenuAdaptor(this))
     , m_entries(std::move(entries))
 {
     registerTypes();
+    new DBusMenuAdaptor(this);
     bus::exportAdaptors(m_bus, m_path, this);
 }
 
@@ -72,15 +74,6 @@ DBusMenu::~DBusMenu()
 {
     if (m_bus.objectRegisteredAt(m_path) == this)
         m_bus.unregisterObject(m_path);
-}
-
-void DBusMenu::setEntries(QList<DBusMenuEntry> entries)
-{
-    if (entries == m_entries)
-        return;
-    m_entries = std::move(entries);
-    ++m_revision;
-    Q_EMIT m_adaptor->LayoutUpdated(m_revision, rootId);
 }
 
 uint DBusMenu::version() const
@@ -117,14 +110,14 @@ uint DBusMenu::GetLayout(
                     .children = {}});
             }
         }
-        return m_revision;
+        return revision;
     }
     const auto entry = std::ranges::find(std::as_const(m_entries), parentId, &DBusMenuEntry::id);
     if (entry != m_entries.cend())
         layout.properties = onlyNamed(propertiesOf(*entry), propertyNames);
     else
         sendErrorReply(QDBusError::InvalidArgs, u"no menu entry has the id %1"_s.arg(parentId));
-    return m_revision;
+    return revision;
 }
 
 QList<DBusMenuProperties> DBusMenu::GetGroupProperties(
@@ -217,7 +210,7 @@ void DBusMenu::take(int id, const QString &eventId)
     if (eventId != "clicked"_L1)
         return;
     const auto entry = std::ranges::find(std::as_const(m_entries), id, &DBusMenuEntry::id);
-    if (entry == m_entries.cend() || entry->separator || !entry->enabled)
+    if (entry == m_entries.cend() || entry->separator)
         return;
     // From the event loop: what follows may end this menu, and the caller still waits for its
     // answer.

@@ -11,18 +11,13 @@
 #include <QStringList>
 #include <QVariantMap>
 
-class DBusMenuAdaptor;
-
 namespace brimwatch::platform {
 
 /// One entry of a menu. A separator has neither label nor id that anybody can choose.
 struct DBusMenuEntry {
     int id = 0; ///< Above 0, once per menu.
     QString label; ///< As it is read: no character has a second meaning.
-    bool enabled = true;
     bool separator = false;
-
-    bool operator==(const DBusMenuEntry &) const = default;
 };
 
 /// An entry with its children as the protocol carries them, `(ia{sv}av)`.
@@ -64,8 +59,8 @@ struct DBusMenuEvent {
 /// A menu of one level that a panel draws for us, after the com.canonical.dbusmenu protocol. It is
 /// on the bus from its making to its end, or until another object takes its path.
 ///
-/// Whoever asks for what is not there gets an error, and a group of ids or events longer than any
-/// panel's is refused.
+/// A call for what is not there gets an error, and a group of ids or events longer than any panel's
+/// is refused.
 class DBusMenu : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_PROPERTY(uint Version READ version CONSTANT FINAL)
@@ -76,13 +71,6 @@ class DBusMenu : public QObject, protected QDBusContext {
 public:
     DBusMenu(QDBusConnection bus, QString path, QList<DBusMenuEntry> entries, QObject *parent);
     ~DBusMenu() override;
-    DBusMenu(const DBusMenu &) = delete;
-    DBusMenu &operator=(const DBusMenu &) = delete;
-    DBusMenu(DBusMenu &&) = delete;
-    DBusMenu &operator=(DBusMenu &&) = delete;
-
-    /// The panel hears of it only when they differ.
-    void setEntries(QList<DBusMenuEntry> entries);
 
     uint version() const;
     QString textDirection() const;
@@ -102,7 +90,7 @@ public:
     QList<int> AboutToShowGroup(const QList<int> &ids, QList<int> &idErrors);
 
 Q_SIGNALS:
-    /// The entry was chosen. Entries that are disabled or separators never are.
+    /// The entry was chosen. Separators never are.
     void triggered(int id);
 
 private:
@@ -112,9 +100,7 @@ private:
 
     QDBusConnection m_bus;
     QString m_path;
-    DBusMenuAdaptor *m_adaptor;
     QList<DBusMenuEntry> m_entries;
-    uint m_revision = 1;
 };
 
 QDBusArgument &operator<<(QDBusArgument &argument, const DBusMenuLayout &layout);

@@ -1,7 +1,6 @@
 #include "platform/linux/tray/host_detector.h"
 
 #include "platform/linux/bus/bus_calls.h"
-#include "platform/linux/x11/manager_selection.h"
 #include "platform/linux/x11/x_connection.h"
 
 #include <QDBusMessage>
@@ -52,6 +51,7 @@ HostDetector::HostDetector(
     , m_x(x)
     , m_bus(std::move(bus))
     , m_executableOf(std::move(executableOf))
+    , m_tray(x, "_NET_SYSTEM_TRAY_S", 0)
 {
     m_timeout.setSingleShot(true);
     m_timeout.setInterval(timeout);
@@ -61,15 +61,10 @@ HostDetector::HostDetector(
     });
 }
 
-HostDetector::~HostDetector() = default;
-
 void HostDetector::start()
 {
-    if (m_x.isValid()) {
-        m_tray = std::make_unique<ManagerSelection>(m_x, "_NET_SYSTEM_TRAY_S", 0);
-        connect(m_tray.get(), &ManagerSelection::changed, this, &HostDetector::trayManagerChanged);
-        trayManagerChanged();
-    }
+    connect(&m_tray, &ManagerSelection::changed, this, &HostDetector::trayManagerChanged);
+    trayManagerChanged();
     if (!m_bus.isConnected()) {
         m_facts.watcherKnown = true;
         choose();
@@ -94,9 +89,9 @@ void HostDetector::start()
 
 void HostDetector::trayManagerChanged()
 {
-    if (m_tray->manager() == m_manager)
+    if (m_tray.manager() == m_manager)
         return;
-    m_manager = m_tray->manager();
+    m_manager = m_tray.manager();
     m_facts.manager.reset();
     if (m_manager != XCB_WINDOW_NONE)
         m_facts.manager = describeTrayManager();

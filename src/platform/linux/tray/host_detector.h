@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/tray/host_table.h"
+#include "platform/linux/x11/manager_selection.h"
 
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
@@ -12,14 +13,12 @@
 
 #include <chrono>
 #include <functional>
-#include <memory>
 #include <optional>
 
 class QDBusMessage;
 
 namespace brimwatch::platform {
 
-class ManagerSelection;
 class XConnection;
 
 /// Who shows our item now, and how. Two hosts are the same only when nobody has taken the place of
@@ -54,7 +53,6 @@ public:
 
     HostDetector(XConnection &x, QDBusConnection bus,
         ExecutableOf executableOf = executableOfProcess, QObject *parent = nullptr);
-    ~HostDetector() override;
 
     /// Begins to look. A tray manager that is right whatever the bus says is announced before this
     /// returns.
@@ -79,7 +77,7 @@ private:
     QDBusConnection m_bus;
     ExecutableOf m_executableOf;
     QDBusServiceWatcher m_ownerWatcher;
-    std::unique_ptr<ManagerSelection> m_tray; ///< Null until it is started.
+    ManagerSelection m_tray;
     QTimer m_timeout;
     xcb_window_t m_manager = XCB_WINDOW_NONE;
     QString m_watcher;

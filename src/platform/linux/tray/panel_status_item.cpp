@@ -38,18 +38,15 @@ PanelStatusItem::PanelStatusItem(XConnection &x, QDBusConnection bus, const Labe
     , m_detector(x, m_bus, std::move(executableOf))
 {
     m_retry.setSingleShot(true);
-    connect(&m_retry, &QTimer::timeout, this, &PanelStatusItem::stand);
-    connect(&m_detector, &HostDetector::hostChanged, this, [this](const Host &host) {
+    connect(&m_retry, &QTimer::timeout, this, &PanelStatusItem::attach);
+    connect(&m_detector, &HostDetector::hostChanged, this, [this] {
         m_presentation.reset();
         m_retry.stop();
         m_nextRetry = firstRetry;
-        stand();
-        Q_EMIT hostChanged(host);
+        attach();
     });
     m_detector.start();
 }
-
-PanelStatusItem::~PanelStatusItem() = default;
 
 void PanelStatusItem::setLabel(const model::LabelComposition &label)
 {
@@ -83,7 +80,7 @@ void PanelStatusItem::update()
     m_updatePending = false;
     if (!m_presentation) {
         if (!m_retry.isActive())
-            stand();
+            attach();
         return;
     }
     if (m_item == m_shown)
@@ -92,16 +89,16 @@ void PanelStatusItem::update()
     m_presentation->present(m_item);
 }
 
-void PanelStatusItem::stand()
+void PanelStatusItem::attach()
 {
-    // An item that has nothing to show yet would stand there empty.
+    // An item that has nothing to show yet would be an empty place in the panel.
     if (m_presentation || !m_labelKnown)
         return;
     m_presentation = makePresentation();
     if (!m_presentation)
         return;
     connect(m_presentation.get(), &Presentation::registered, this, [this] {
-        m_standing.start();
+        m_attached.start();
         Q_EMIT registered();
     });
     connect(m_presentation.get(), &Presentation::pressed, this, &PanelStatusItem::pressed);
@@ -112,16 +109,17 @@ void PanelStatusItem::stand()
         &PanelStatusItem::settingsRequested);
     connect(
         m_presentation.get(), &Presentation::quitRequested, this, &PanelStatusItem::quitRequested);
-    connect(m_presentation.get(), &Presentation::lost, this, &PanelStatusItem::standAgainLater);
+    connect(m_presentation.get(), &Presentation::lost, this, &PanelStatusItem::reattachLater);
     m_shown = m_item;
     m_presentation->present(m_item);
 }
 
-void PanelStatusItem::standAgainLater()
+void PanelStatusItem::reattachLater()
 {
     using std::chrono::milliseconds;
     m_presentation->disconnect(this);
-    // It is what is calling: it goes when it has returned, if nothing else has taken its place.
+    // The presentation is calling this: it is deleted when it has returned, if no other has
+    // replaced it.
     QMetaObject::invokeMethod(
         this,
         [this, gone = QPointer(m_presentation.get())] {
@@ -129,9 +127,9 @@ void PanelStatusItem::standAgainLater()
                 m_presentation.reset();
         },
         Qt::QueuedConnection);
-    if (m_standing.isValid() && milliseconds(m_standing.elapsed()) >= slowestRetry)
+    if (m_attached.isValid() && milliseconds(m_attached.elapsed()) >= slowestRetry)
         m_nextRetry = firstRetry;
-    m_standing.invalidate();
+    m_attached.invalidate();
     qCDebug(itemLog) << "the item has lost its place with" << host().name << "- asking again in"
                      << m_nextRetry.count() << "ms unless another host comes";
     m_retry.start(m_nextRetry);

@@ -17,7 +17,7 @@ class Appearance;
 class LabelPainter;
 class XConnection;
 
-/// The item on whatever panel there is, once. Keeps what it shows for the panel that comes next.
+/// The item on the panel that is there, once. Keeps what it shows for the panel that comes next.
 class PanelStatusItem final : public StatusItem {
     Q_OBJECT
 
@@ -27,9 +27,8 @@ public:
     /// With other knowledge of who runs which program.
     PanelStatusItem(XConnection &x, QDBusConnection bus, const LabelPainter &painter,
         Appearance &appearance, ExecutableOf executableOf, QObject *parent = nullptr);
-    ~PanelStatusItem() override;
 
-    /// Always: what is said to it now is shown by the panel that comes.
+    /// Always: what it is given now is shown by the panel that comes.
     bool hasButton() const override { return true; }
     void setLabel(const model::LabelComposition &label) override;
     void setDescription(const ItemDescription &description) override;
@@ -41,13 +40,12 @@ public:
 Q_SIGNALS:
     /// A panel has taken the item. Comes again with each panel.
     void registered();
-    void hostChanged(const brimwatch::platform::Host &host);
 
 private:
     void changed();
     void update();
-    void stand();
-    void standAgainLater();
+    void attach();
+    void reattachLater();
     std::unique_ptr<Presentation> makePresentation();
 
     XConnection &m_x;
@@ -57,14 +55,14 @@ private:
     HostDetector m_detector;
     std::unique_ptr<Presentation> m_presentation;
     PresentedItem m_item;
-    PresentedItem m_shown; // What the presentation was told last.
+    PresentedItem m_shown; ///< What the presentation was given last.
     bool m_labelKnown = false;
     bool m_updatePending = false;
-    // A panel that throws the item out is asked again, ever less often while it goes on doing so.
+    // A panel that throws the item out is asked again, ever less often while it keeps doing so.
     static constexpr std::chrono::milliseconds firstRetry = std::chrono::seconds(1);
     std::chrono::milliseconds m_nextRetry = firstRetry;
     QTimer m_retry;
-    QElapsedTimer m_standing;
+    QElapsedTimer m_attached;
 };
 
 } // namespace brimwatch::platform

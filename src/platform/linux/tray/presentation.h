@@ -18,19 +18,17 @@ struct PresentedItem {
     bool operator==(const PresentedItem &) const = default;
 };
 
-/// One way of standing in a panel. It registers with the panel that is there when it is made and
+/// One way to be shown in a panel. It registers with the panel that is there when it is made and
 /// ends with it: the status item then makes another for the panel that comes next.
 class Presentation : public QObject {
     Q_OBJECT
 
 public:
     using QObject::QObject;
-    ~Presentation() override;
 
-    /// Redraws what differs from what it shows, and tells the panel of nothing else.
+    /// Redraws what differs from what it shows, and reports nothing else to the panel.
     virtual void present(const PresentedItem &item) = 0;
-    /// Where it stands, in native pixels of the virtual screen; absent where the panel does not
-    /// say.
+    /// Its place, in native pixels of the virtual screen; absent where the panel does not say.
     virtual std::optional<QRect> place() const = 0;
 
 Q_SIGNALS:

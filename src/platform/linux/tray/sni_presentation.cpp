@@ -2,11 +2,8 @@
 
 #include "core/plain_text.h"
 #include "platform/linux/bus/bus_calls.h"
-#include "platform/linux/bus/exported_object.h"
 #include "platform/linux/tray/dbus_menu.h"
 #include "platform/linux/tray/label_painter.h"
-#include "sni_adaptor.h"
-#include "sni_menuless_adaptor.h"
 
 #include <QCoreApplication>
 #include <QPainter>
@@ -26,13 +23,11 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr auto watcherService = "org.kde.StatusNotifierWatcher"_L1;
-constexpr auto itemPath = "/StatusNotifierItem"_L1;
-constexpr auto menuPath = "/StatusNotifierItem/Menu"_L1;
 
 // Every host reads all pictures again at each change, so there are few: one for each usual height
 // of a panel.
 constexpr std::array pictureSides{16, 22, 24, 32, 48};
-// Those of wide pictures: the usual one, and it twice for screens of high resolution.
+// Heights of wide pictures: the usual one, and twice that for screens of high resolution.
 constexpr std::array wideHeights{22, 44};
 constexpr double wideRadius = 5;
 constexpr QColor pictureBackground(0x20, 0x22, 0x26);
@@ -71,8 +66,8 @@ QList<DBusMenuEntry> menuEntries()
         {.id = SeparatorId, .label = {}, .separator = true}, {.id = QuitId, .label = u"Quit"_s}};
 }
 
-/// A line of text that no host takes for markup or for more than a line. The label comes as long as
-/// it is, and what stands for "&" is longer than it was.
+/// A line of text that no host takes for markup or for more than a line. Deliberate: it is bounded
+/// twice. The label may have any length, and what replaces "&" is longer.
 QString safeLine(const QString &text)
 {
     QString line;
@@ -99,15 +94,16 @@ QString safeLines(const QStringList &texts)
     return lines.join(u'\n');
 }
 
-std::optional<QPoint> globalPoint(int x, int y)
+/// Absent where it cannot be a point of the screen.
+std::optional<QPoint> globalPoint(QPoint place)
 {
     const auto withinItem
         = [](int coordinate) { return coordinate >= 0 && coordinate < largestItem; };
     const auto tooFar
         = [](int coordinate) { return coordinate < -farthest || coordinate > farthest; };
-    if ((withinItem(x) && withinItem(y)) || tooFar(x) || tooFar(y))
+    if ((withinItem(place.x()) && withinItem(place.y())) || tooFar(place.x()) || tooFar(place.y()))
         return std::nullopt;
-    return QPoint(x, y);
+    return place;
 }
 
 int nextNumber()
@@ -124,16 +120,12 @@ SniPresentation::SniPresentation(
     , m_form(form)
     , m_bus(bus)
     , m_painter(painter)
+    , m_item(bus, hasMenu(form) ? SniItem::Menu::Yes : SniItem::Menu::No, textsOf(m_wanted),
+          [this] { return draw(); })
     , m_watcher(watcherService, bus, QDBusServiceWatcher::WatchForOwnerChange)
     , m_name(u"org.kde.StatusNotifierItem-%1-%2"_s.arg(QCoreApplication::applicationPid())
               .arg(nextNumber()))
 {
-    registerSniTypes();
-    if (hasMenu(form))
-        new SniAdaptor(this);
-    else
-        new SniMenulessAdaptor(this);
-    m_texts = textsOf(m_wanted);
     m_pause.setSingleShot(true);
     m_pause.setInterval(pauseBetweenSignals);
     connect(&m_pause, &QTimer::timeout, this, &SniPresentation::announce);
@@ -146,23 +138,28 @@ SniPresentation::SniPresentation(
     m_bus.connect({}, u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,
         u"Disconnected"_s, this, SLOT(lose()));
 
-    if (!bus::exportAdaptors(m_bus, itemPath, this)) {
+    connect(&m_item, &SniItem::activated, this,
+        [this](QPoint place) { Q_EMIT clicked({.bounds = {}, .pointer = globalPoint(place)}); });
+
+    if (!m_item.isOnBus()) {
         QTimer::singleShot(0, this, &SniPresentation::lose);
         return;
     }
-    if (hasMenu(form)) {
-        m_menu = new DBusMenu(m_bus, menuPath, menuEntries(), this);
-        connect(m_menu, &DBusMenu::triggered, this, &SniPresentation::chooseFromMenu);
-    }
+    if (hasMenu(form))
+        addMenu();
     requestName();
 }
 
 SniPresentation::~SniPresentation()
 {
-    if (m_bus.objectRegisteredAt(itemPath) != this)
-        return;
-    m_bus.unregisterObject(itemPath);
-    bus::releaseName(m_bus, m_name);
+    if (m_item.isOnBus())
+        bus::releaseName(m_bus, m_name);
+}
+
+void SniPresentation::addMenu()
+{
+    auto *menu = new DBusMenu(m_bus, SniItem::menuPath(), menuEntries(), this);
+    connect(menu, &DBusMenu::triggered, this, &SniPresentation::chooseFromMenu);
 }
 
 void SniPresentation::present(const PresentedItem &item)
@@ -176,40 +173,18 @@ void SniPresentation::present(const PresentedItem &item)
 
 void SniPresentation::announce()
 {
-    const Texts before = std::exchange(m_texts, textsOf(m_wanted));
-    bool newIcon = false;
-    if (m_shownLabel != m_wanted.label) {
-        m_shownLabel = m_wanted.label;
-        // What nobody has asked for need not be drawn.
-        if (!m_pixmaps.isEmpty()) {
-            const SniPixmaps old = std::exchange(m_pixmaps, draw(m_shownLabel));
-            newIcon = m_pixmaps != old;
-        }
-    }
-    if (!m_wasRead)
-        return;
-
-    const bool newTitle = m_texts.title != before.title;
-    const bool newToolTip = m_texts.toolTip != before.toolTip;
-    const bool newLabel = m_texts.label != before.label || m_texts.labelGuide != before.labelGuide;
-    if (newIcon)
-        Q_EMIT NewIcon();
-    if (newTitle)
-        Q_EMIT NewTitle();
-    if (newToolTip)
-        Q_EMIT NewToolTip();
-    if (newLabel)
-        Q_EMIT XAyatanaNewLabel(m_texts.label, m_texts.labelGuide);
-    if (newIcon || newTitle || newToolTip || newLabel)
+    const bool labelChanged = m_shownLabel != m_wanted.label;
+    m_shownLabel = m_wanted.label;
+    if (m_item.update(textsOf(m_wanted), labelChanged))
         m_pause.start();
 }
 
-SniPresentation::Texts SniPresentation::textsOf(const PresentedItem &item)
+SniItem::Texts SniPresentation::textsOf(const PresentedItem &item)
 {
     // The widest that a percentage gets, so that the panel's other items keep their places.
     static const QRegularExpression percentage(u"[0-9]+%"_s);
     const auto &description = item.description;
-    Texts texts;
+    SniItem::Texts texts;
     texts.title = safeLine(description.title);
     if (texts.title.isEmpty())
         texts.title = u"Brimwatch"_s;
@@ -220,43 +195,44 @@ SniPresentation::Texts SniPresentation::textsOf(const PresentedItem &item)
     return texts;
 }
 
-SniPixmaps SniPresentation::draw(const model::LabelComposition &label)
+SniPixmaps SniPresentation::draw()
 {
     SniPixmaps pixmaps;
     if (m_form == SniForm::Wide) {
         for (const int height : wideHeights)
-            pixmaps.append(toSniPixmap(drawWide(label, height)));
+            pixmaps.append(toSniPixmap(drawWide(height)));
     } else {
         for (const int side : pictureSides)
-            pixmaps.append(toSniPixmap(drawSquare(label, side)));
+            pixmaps.append(toSniPixmap(drawSquare(side)));
     }
     return pixmaps;
 }
 
-QImage SniPresentation::drawWide(const model::LabelComposition &label, int height)
+QImage SniPresentation::drawWide(int height)
 {
     // Laid out once, at the usual height: all pictures have the same proportions.
     LabelLook look{.height = wideHeights.front()};
-    const int width = m_steadyWidth.of(label, m_painter, look);
+    const int width = m_steadyWidth.of(m_shownLabel, m_painter, look);
     look.devicePixelRatio = static_cast<double>(height) / look.height;
     QImage picture(
         static_cast<int>(std::lround(width * look.devicePixelRatio)), height, pictureFormat);
     picture.setDevicePixelRatio(look.devicePixelRatio);
     fillBackground(picture, wideRadius);
     QPainter painter(&picture);
-    painter.drawImage(0, 0, m_painter.image(label, look));
+    painter.drawImage(0, 0, m_painter.image(m_shownLabel, look));
     return picture;
 }
 
-QImage SniPresentation::drawSquare(const model::LabelComposition &label, int side) const
+QImage SniPresentation::drawSquare(int side) const
 {
     QImage square(side, side, pictureFormat);
     fillBackground(square, side / 5.0);
     QPainter painter(&square);
     // Numbers take all the room there is; a symbol stands clear of the edges.
-    const int margin = label.badge.numbers.isEmpty() ? std::max(1, side / 10) : side / 16;
-    // The look's own background is the dark one.
-    painter.drawImage(margin, margin, m_painter.squareImage(label, LabelLook{}, side - 2 * margin));
+    const int margin = m_shownLabel.badge.numbers.isEmpty() ? std::max(1, side / 10) : side / 16;
+    // A look's default background is dark.
+    painter.drawImage(
+        margin, margin, m_painter.squareImage(m_shownLabel, LabelLook{}, side - 2 * margin));
     return square;
 }
 
@@ -309,99 +285,6 @@ void SniPresentation::lose()
         return;
     m_pause.stop();
     Q_EMIT lost();
-}
-
-void SniPresentation::Activate(int x, int y)
-{
-    // From the event loop: the popover may take its time, and the panel waits for our answer.
-    const ItemAnchor anchor{.bounds = {}, .pointer = globalPoint(x, y)};
-    QTimer::singleShot(0, this, [this, anchor] { Q_EMIT clicked(anchor); });
-}
-
-void SniPresentation::SecondaryActivate(int /*x*/, int /*y*/) { }
-
-// Hosts without menus of ours call it for a right click.
-void SniPresentation::ContextMenu(int x, int y)
-{
-    Activate(x, y);
-}
-
-void SniPresentation::Scroll(int /*delta*/, const QString & /*orientation*/) { }
-
-void SniPresentation::ProvideXdgActivationToken(const QString & /*token*/) { }
-
-void SniPresentation::XAyatanaSecondaryActivate(uint /*timestamp*/) { }
-
-QString SniPresentation::category() const
-{
-    return u"ApplicationStatus"_s;
-}
-
-QString SniPresentation::id() const
-{
-    return u"brimwatch"_s;
-}
-
-QString SniPresentation::status() const
-{
-    return u"Active"_s;
-}
-
-int SniPresentation::windowId() const
-{
-    return 0;
-}
-
-QDBusObjectPath SniPresentation::menu() const
-{
-    return QDBusObjectPath(menuPath);
-}
-
-bool SniPresentation::itemIsMenu() const
-{
-    return false;
-}
-
-QString SniPresentation::noName() const
-{
-    return u""_s;
-}
-
-SniPixmaps SniPresentation::noPixmaps() const
-{
-    return {};
-}
-
-QString SniPresentation::title()
-{
-    m_wasRead = true;
-    return m_texts.title;
-}
-
-SniPixmaps SniPresentation::iconPixmap()
-{
-    m_wasRead = true;
-    if (m_pixmaps.isEmpty())
-        m_pixmaps = draw(m_shownLabel);
-    return m_pixmaps;
-}
-
-SniToolTip SniPresentation::toolTip()
-{
-    m_wasRead = true;
-    return {.iconName = {}, .iconPixmaps = {}, .title = m_texts.toolTip, .text = {}};
-}
-
-QString SniPresentation::label()
-{
-    m_wasRead = true;
-    return m_texts.label;
-}
-
-QString SniPresentation::labelGuide()
-{
-    m_wasRead = true;
-    return m_texts.labelGuide;
 }
 
 } // namespace brimwatch::platform

@@ -23,7 +23,7 @@ namespace {
 
 constexpr int fontSize = 12;
 constexpr QMargins margins(9, 6, 9, 6);
-constexpr int gap = 4; // Between the item and the text.
+constexpr int gap = 4; // Between the item and the tooltip.
 constexpr int widest = 480;
 
 } // namespace
@@ -93,7 +93,7 @@ ToolTipWindow::ToolTipWindow(
     , m_itemPlace(std::move(itemPlace))
 {
     m_rest.setSingleShot(true);
-    m_rest.setInterval(restMilliseconds);
+    m_rest.setInterval(restTime);
     connect(&m_rest, &QTimer::timeout, this, &ToolTipWindow::show);
     connect(&m_appearance, &Appearance::changed, this, [this] {
         if (isShown())
@@ -123,7 +123,7 @@ bool ToolTipWindow::isShown() const
 
 void ToolTipWindow::pointerMoved()
 {
-    // The toolkit knows of screens and places only on X11.
+    // Qt knows the places of windows on the screen only on X11.
     if (!m_pressed && !isShown() && QGuiApplication::platformName() == "xcb"_L1)
         m_rest.start();
 }

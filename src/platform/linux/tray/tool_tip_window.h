@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <QTimer>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -13,27 +14,27 @@ namespace brimwatch::platform {
 class Appearance;
 
 /// A tooltip for an item whose panel shows none for it: lines of plain text in a small window
-/// beside it. Works where the toolkit is on X11, and does nothing elsewhere.
-class ToolTipWindow : public QObject {
+/// beside it. Works where Qt is on X11, and does nothing elsewhere.
+class ToolTipWindow final : public QObject {
     Q_OBJECT
 
 public:
-    /// How long the pointer rests before the text shows.
-    static constexpr int restMilliseconds = 600;
+    /// How long the pointer rests before the tooltip shows.
+    static constexpr std::chrono::milliseconds restTime{600};
 
-    /// `itemPlace` says where the item stands, in native pixels of the virtual screen.
+    /// `itemPlace` returns the item's place, in native pixels of the virtual screen.
     ToolTipWindow(
         Appearance &appearance, std::function<QRect()> itemPlace, QObject *parent = nullptr);
     ~ToolTipWindow() override;
 
-    /// Shown texts change in place. Without lines nothing shows. All of them are laid out, so they
-    /// are few and none is endless; what is wider than the window is cut there.
+    /// A tooltip that is shown changes in place. Without lines nothing shows. All of them are laid
+    /// out, so the caller bounds their number and length; wider ones are elided.
     void setLines(const QStringList &lines);
     bool isShown() const;
 
     void pointerMoved();
     void pointerLeft();
-    /// Takes the text away until the pointer has left.
+    /// Hides the tooltip until the pointer has left.
     void pressed();
 
 private:

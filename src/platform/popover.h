@@ -9,7 +9,7 @@
 
 namespace brimwatch::platform {
 
-/// The popover that hangs from the status item. It is transient: a click elsewhere closes it.
+/// The popover of the status item. It is transient: a click elsewhere closes it.
 class Popover : public QObject {
     Q_OBJECT
 
@@ -19,16 +19,15 @@ public:
     static constexpr int contentHeight = 490;
 
     using QObject::QObject;
-    ~Popover() override;
 
     virtual bool isShown() const = 0;
     /// Loads the content, if it is not loaded yet: a show() is about to follow.
     virtual void prepare() = 0;
-    /// Shows it beside the item, below it where there is room; loads the content first if nothing
-    /// has.
+    /// Shows it beside the item, below it where there is room. Loads the content if it is not
+    /// loaded yet.
     virtual void show(const ItemAnchor &anchor) = 0;
-    /// Shows it though nobody clicked: beside the item at `item`, in native pixels; without one
-    /// where it stood the last time, and before that in the corner where panels have their items.
+    /// Shows it without a click: beside the item at `item`, in native pixels; where that is absent,
+    /// at its last place; and before it has had one, in the corner where panels have their items.
     virtual void showUnclicked(const std::optional<QRect> &item) = 0;
     /// Gives it the keyboard, without making the program the active one.
     virtual void makeKey() = 0;

@@ -10,28 +10,25 @@ class QWindow;
 
 namespace brimwatch::platform {
 
-/// What stands in a popover: a window with the views in it, made without flags, place or visibility
-/// of its own, opaque and with square corners.
+/// The content of a popover: a window with the views in it. It is made hidden, without flags or a
+/// place, opaque and with square corners.
 class PopoverContent {
 public:
     PopoverContent() = default;
     virtual ~PopoverContent() = default;
-    PopoverContent(const PopoverContent &) = delete;
-    PopoverContent &operator=(const PopoverContent &) = delete;
-    PopoverContent(PopoverContent &&) = delete;
-    PopoverContent &operator=(PopoverContent &&) = delete;
+    Q_DISABLE_COPY_MOVE(PopoverContent)
 
-    /// Lives as long as this content, which fills it whatever its size, but for the shadow: what
-    /// has no room scrolls.
+    /// Lives as long as this object. The views fill it at any size, except for the shadow; what has
+    /// no room scrolls.
     virtual QWindow &window() = 0;
-    /// How large the content should be, text scale included; the window has that size at first.
+    /// The preferred size, text scale included; the initial size of the window.
     virtual QSize size() const = 0;
-    /// Whether the window is seen through where nothing is drawn: then it is larger than the
-    /// content, which has round corners and a shadow. Only while it is hidden.
+    /// Whether the window is transparent where nothing is drawn: then the content has round corners
+    /// and a shadow, and the window room for it. To be called only while the window is hidden.
     virtual void setTranslucent(bool translucent) = 0;
-    /// How wide the shadow is on each side, device-independent; null while it is not translucent.
+    /// The width of the shadow on each side, device-independent; null while it is not translucent.
     virtual QMargins shadow() const = 0;
-    /// Views stand still while they are not shown. Before it shows, everything is up to date.
+    /// The views are updated only while they are shown; this brings them up to date first.
     virtual void setShown(bool shown) = 0;
     /// Turns to the settings.
     virtual void showSettings() = 0;

@@ -10,8 +10,8 @@
 
 namespace brimwatch::platform {
 
-/// The other programs of the user's session: what they see of us, and what they ask. The signals
-/// come from the event loop, never from within a call of ours.
+/// The other programs of the user's session: what they see of us, and what they ask for. The
+/// signals are emitted from the event loop, never during a call of these functions.
 class RemoteControl : public QObject {
     Q_OBJECT
 
@@ -19,17 +19,16 @@ public:
     using Report = std::function<QString()>;
 
     using QObject::QObject;
-    ~RemoteControl() override;
 
-    /// They hear of it only when it differs from what was published before.
+    /// Announces the state to them if it differs from the one published before.
     virtual void publish(const PublishedState &state) = 0;
-    /// Answers all who wait for a refresh: absent that it went well, else why it did not.
+    /// Answers all callers that wait for a refresh. `error` is absent when it succeeded.
     virtual void finishRefresh(const std::optional<QString> &error) = 0;
-    /// Makes the report on our state that they may ask for. Before this is called there is none.
+    /// Sets what makes the report on our state that they may ask for. Until then there is none.
     virtual void setReport(Report report) = 0;
 
 Q_SIGNALS:
-    /// Somebody waits for a refresh. Sent once, however many wait, until finishRefresh().
+    /// A caller waits for a refresh. Emitted once for all that wait, until finishRefresh().
     void refreshRequested();
     void showRequested();
     void toggleRequested();

@@ -37,7 +37,7 @@ QString prettyNameOf(const QByteArray &osRelease)
     for (const QByteArray &line : lines) {
         constexpr QByteArrayView key = "PRETTY_NAME=";
         const QByteArray trimmed = line.trimmed();
-        // The last one counts, as in the shell.
+        // The last assignment counts, as in a shell.
         if (trimmed.startsWith(key))
             value = trimmed.mid(key.size());
     }

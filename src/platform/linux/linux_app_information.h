@@ -7,12 +7,12 @@
 
 namespace brimwatch::platform {
 
-/// The version and number that this build was given, and the name of the distribution with the
-/// kernel's release.
+/// The version and build number of this build, and the name of the distribution with the kernel's
+/// release.
 AppInformation linuxAppInformation();
 
-/// PRETTY_NAME of an os-release file (os-release(5)), its quotes undone, in one line; "Linux", as
-/// that page has it, where there is none.
+/// PRETTY_NAME of an os-release file (os-release(5)), unquoted, on one line; "Linux", the default
+/// of that page, where there is none.
 QString prettyNameOf(const QByteArray &osRelease);
 
 } // namespace brimwatch::platform

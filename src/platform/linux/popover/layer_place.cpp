@@ -6,14 +6,15 @@ namespace brimwatch::platform {
 
 namespace {
 
-/// The start of a span of `length` with its middle at `middle`, within 0 and `whole`; 0 when it is
-/// longer.
-int startAround(int middle, int length, int whole)
+/// The start of a span of `length` that is centred on `middle` within 0 and `total`; 0 when it is
+/// longer than that.
+int startAround(int middle, int length, int total)
 {
-    return std::max(0, std::min(middle - length / 2, whole - length));
+    return std::max(0, std::min(middle - length / 2, total - length));
 }
 
-/// No compositor says how much room its panels leave, but between two edges it gives all of it.
+/// Anchors what may be too high for the room between the panels to both edges: no compositor says
+/// how much room there is, but then it gives all of it.
 LayerPlace fitted(LayerPlace place, const QSize &screen)
 {
     constexpr int largestPanels = 128;
@@ -36,16 +37,16 @@ LayerPlace popoverLayer(const QPoint &item, const QSize &size, const QSize &scre
     const auto nearSide = item.x() <= toRight ? LayerPlace::Left : LayerPlace::Right;
     const auto nearEnd = item.y() <= toBottom ? LayerPlace::Top : LayerPlace::Bottom;
     LayerPlace place{.edges = nearSide | nearEnd, .size = size};
-    // Margins are from what panels leave, of which nobody tells how much it is: those from the near
-    // edges are right wherever another panel stands.
+    // Margins count from the room that panels leave, of which the size is unknown. Those from the
+    // near edges are right whether or not there is a panel at the far ones.
     const int left = startAround(item.x(), size.width(), screen.width());
     const int top = startAround(item.y(), size.height(), screen.height());
     const int right = std::max(0, screen.width() - left - size.width());
     const int bottom = std::max(0, screen.height() - top - size.height());
-    // Panels above and below are the usual ones: in a corner it is one of them.
+    // Most panels are horizontal: an item in a corner is taken to be in one of those.
     constexpr int thickPanel = 64;
-    const int toUsualPanel = std::min(item.y(), toBottom);
-    if (toUsualPanel < thickPanel || toUsualPanel <= std::min(item.x(), toRight)) {
+    const int toHorizontalEdge = std::min(item.y(), toBottom);
+    if (toHorizontalEdge < thickPanel || toHorizontalEdge <= std::min(item.x(), toRight)) {
         if (nearSide == LayerPlace::Left)
             place.margins.setLeft(left);
         else
@@ -78,7 +79,7 @@ LayerPlace keptOff(const QMargins &panels, LayerPlace place)
 
 LayerPlace grownBy(const QMargins &shadow, LayerPlace place)
 {
-    // Where it is anchored on both sides, it has no size of its own.
+    // It has no size in a direction that is anchored on both sides.
     if (place.size.width() > 0)
         place.size.rwidth() += shadow.left() + shadow.right();
     if (place.size.height() > 0)

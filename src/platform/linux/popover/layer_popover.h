@@ -18,9 +18,9 @@ class QWindow;
 
 namespace brimwatch::platform {
 
-/// The popover on a Wayland compositor with a layer shell, where no program learns of places on the
-/// screen: an invisible overlay on each output catches every click, and the one that the pointer
-/// turns out to be over holds the popover at it.
+/// The popover on a Wayland compositor with a layer shell, where programs do not learn where on the
+/// screen things are: an invisible overlay on each output catches every click, and when the pointer
+/// enters one of them, the popover is shown there, at the pointer.
 class LayerPopover final : public Popover {
     Q_OBJECT
 
@@ -59,7 +59,7 @@ private:
         m_catchers; ///< As many as there have ever been outputs at once.
     std::optional<LayerSurface> m_surface; ///< The content's.
     bool m_shown = false;
-    bool m_followsPointer = false; ///< Waits for an overlay to learn where the pointer is.
+    bool m_followsPointer = false; ///< Waits until an overlay reports the pointer.
     QTimer m_pointerTimeout; ///< Runs meanwhile.
     QPointer<QScreen> m_lastScreen; ///< Where it was shown the last time.
     LayerPlace m_lastPlace;

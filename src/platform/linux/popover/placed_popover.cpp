@@ -21,7 +21,7 @@ PlacedPopover::PlacedPopover(PopoverContentFactory factory, WindowSurroundings s
     , m_surroundings(std::move(surroundings))
     , m_flags(flags)
 {
-    // The item has moved with its panel, or went with it.
+    // The item has moved with its panel, or is gone with it.
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, &PlacedPopover::performClose);
 }
 
@@ -49,8 +49,8 @@ void PlacedPopover::prepare()
 void PlacedPopover::show(const ItemAnchor &anchor)
 {
     if (!anchor.bounds && !anchor.pointer) {
-        // The toolkit's idea of the pointer is right on every panel tried, also where the panel's
-        // is not.
+        // Qt knows the pointer's position on every panel tried, also where the panel reports a
+        // wrong one.
         const QPoint cursor = QCursor::pos();
         showBeside(QRect(cursor, QSize(1, 1)), QGuiApplication::screenAt(cursor));
         return;
@@ -121,7 +121,7 @@ void PlacedPopover::performClose()
         m_window->hide();
 }
 
-/// A screen of another size has its panels, and the item, elsewhere.
+/// When the screen changes its size, its panels move, and the item with them.
 void PlacedPopover::closeWith(QScreen *screen)
 {
     if (m_screen == screen)

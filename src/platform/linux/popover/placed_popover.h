@@ -12,26 +12,22 @@
 
 namespace brimwatch::platform {
 
-/// What windows that choose their place are told of their surroundings.
+/// What windows that choose their place have to know of the screen.
 struct WindowSurroundings {
-    /// The part of a screen that panels leave free, in the toolkit's coordinates.
+    /// The part of a screen that panels leave free, in device-independent pixels.
     std::function<QRect(const QScreen &)> workArea;
-    /// Whether windows may be seen through now.
+    /// Whether windows may be translucent now.
     std::function<bool()> isComposited;
 };
 
-/// What popovers have in common that are windows of their own, at a place that they ask for: the
-/// place, the loading, and the news of their end. How they come by their input, and what closes
-/// them, is each one's own.
+/// What the popovers have in common that are windows at a place that they ask for: they compute the
+/// place, load the content and announce that they have closed. How they get their input, and what
+/// closes them, differs.
 class PlacedPopover : public Popover {
     Q_OBJECT
 
 public:
     ~PlacedPopover() override;
-    PlacedPopover(const PlacedPopover &) = delete;
-    PlacedPopover &operator=(const PlacedPopover &) = delete;
-    PlacedPopover(PlacedPopover &&) = delete;
-    PlacedPopover &operator=(PlacedPopover &&) = delete;
 
     bool isShown() const override { return m_shown; }
     void prepare() override;
@@ -44,16 +40,16 @@ protected:
     PlacedPopover(PopoverContentFactory factory, WindowSurroundings surroundings,
         Qt::WindowFlags flags, QObject *parent);
 
-    /// Where the window goes, shadow and all, for a popover of `size` with that shadow beside
-    /// `item`. Here only the popover itself stays within the work area.
+    /// The geometry of the window, shadow included, for a popover of `size` beside `item`. Unless
+    /// it is overridden, only the popover itself stays within the work area.
     virtual QRect windowPlace(const QRect &item, const QSize &size, const QMargins &shadow,
         const QRect &screen, const QRect &workArea) const;
 
     /// Null until the content is loaded.
     QWindow *window() const;
-    /// Where the popover stands, without the shadow that its window has room for.
+    /// The geometry of the popover, without its shadow.
     QRect frame() const;
-    /// Shows it beside `item`, in the toolkit's coordinates, on that screen.
+    /// Shows it beside `item`, in device-independent pixels, on that screen.
     void showBeside(const QRect &item, QScreen *screen);
 
     /// The window is about to be shown, and has its place.

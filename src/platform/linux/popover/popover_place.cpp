@@ -10,7 +10,7 @@ QRect popoverPlace(const QRect &item, const QSize &size, const QRect &screen, co
     const bool below = item.center().y() < screen.center().y();
     int x = item.left() + item.width() / 2 - size.width() / 2;
     int y = below ? item.bottom() + 1 : item.top() - size.height();
-    // What keeps the item's columns free for itself is an upright panel.
+    // A vertical panel: the work area leaves out the columns of the item.
     if (item.right() < workArea.left() || item.left() > workArea.right()) {
         x = item.right() < workArea.left() ? workArea.left() : workArea.right() + 1 - room.width();
         y = item.top() + item.height() / 2 - size.height() / 2;

@@ -41,12 +41,12 @@ public:
     }
 };
 
-/// The library asks for each class of an object, the most derived one first.
+/// Qt calls it for each class of an object, the most derived one first.
 QAccessibleInterface *makeApplication(const QString &className, QObject *object)
 {
     if (object != QCoreApplication::instance() || className != "QGuiApplication"_L1)
         return nullptr;
-    // The library's cache of interfaces owns it.
+    // QAccessible's cache of interfaces takes ownership.
     return new Application;
 }
 

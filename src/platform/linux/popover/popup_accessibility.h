@@ -2,9 +2,9 @@
 
 namespace brimwatch::platform {
 
-/// Has the application, as a screen reader finds it, bear its display name and hold every window
-/// that can be seen. Qt (6.4) leaves popups out, and our popover is one. To be called once, before
-/// the application object is made.
+/// Makes the application show its display name and every visible window to screen readers. Qt 6.4
+/// leaves popups out, and on X11 our popover is one. To be called once, before the application
+/// object is made.
 void showPopupsToScreenReaders();
 
 } // namespace brimwatch::platform

@@ -7,7 +7,7 @@ namespace brimwatch::platform {
 
 void showUndecorated(QWindow &window)
 {
-    // The toolkit reads this variable but then, and programs that we start do not see it.
+    // Qt reads the variable while it shows the window; programs that we start must not inherit it.
     constexpr const char *undecorated = "QT_WAYLAND_DISABLE_WINDOWDECORATION";
     const bool usersChoice = qEnvironmentVariableIsSet(undecorated);
     if (!usersChoice)

@@ -21,8 +21,8 @@ WindowPopover::WindowPopover(
 
 void WindowPopover::show(const ItemAnchor &anchor)
 {
-    // The toolkit does not know where the pointer is over what is not its own: it would say where
-    // it was last.
+    // Deliberate: not at QCursor::pos(). Over windows of other programs Qt does not know where the
+    // pointer is, and reports where it was last.
     if (!anchor.bounds && !anchor.pointer)
         showUnclicked(std::nullopt);
     else
@@ -43,13 +43,13 @@ QRect WindowPopover::windowPlace(const QRect &item, const QSize &size, const QMa
 
 bool WindowPopover::eventFilter(QObject *watched, QEvent *event)
 {
-    // Later: the window is not done with it.
+    // Queued: the window still handles the event.
     if (watched == window() && event->type() == QEvent::FocusOut)
         QMetaObject::invokeMethod(this, &WindowPopover::performClose, Qt::QueuedConnection);
     return PlacedPopover::eventFilter(watched, event);
 }
 
-/// An invisible window over a whole screen but for the popover.
+/// An invisible window over a whole screen, except where the popover is.
 class XwaylandPopover::Catcher final : public QRasterWindow {
 public:
     Catcher(XwaylandPopover &popover, QScreen *screen, const QRect &hole)
@@ -76,7 +76,7 @@ protected:
     }
     void mousePressEvent(QMouseEvent * /*event*/) override
     {
-        // Not from within: it ends this window.
+        // Queued: it deletes this window.
         QMetaObject::invokeMethod(&m_popover, &Popover::performClose, Qt::QueuedConnection);
     }
 

@@ -8,8 +8,8 @@
 namespace brimwatch::platform {
 
 /// The popover as an ordinary window without a frame or an entry in taskbars. It closes when
-/// another window becomes the active one. Where it stands is the compositor's choice, which need
-/// not be the place that it asks for.
+/// another window becomes the active one. The compositor chooses its place, which need not be the
+/// one that it asks for.
 class WindowPopover : public PlacedPopover {
     Q_OBJECT
 
@@ -21,16 +21,16 @@ public:
     void makeKey() override;
 
 protected:
-    /// Window managers keep the whole window within the work area, and move what is not.
+    /// Within the work area with its shadow: window managers move a window that is not.
     QRect windowPlace(const QRect &item, const QSize &size, const QMargins &shadow,
         const QRect &screen, const QRect &workArea) const override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 };
 
-/// The same through the X server that a Wayland compositor runs for old programs: it stands where
-/// it wants. No grab of its own reaches what is not X11, and panels and bare desktops take no
-/// focus, so invisible windows over all screens catch the presses elsewhere. Only X11 lets windows
-/// be there without the compositor's management, and with a hole where the popover is.
+/// The same through Xwayland, where it chooses its place. A grab would not reach Wayland windows,
+/// and panels and bare desktops take no focus, so invisible windows over all screens catch the
+/// presses elsewhere. Only X11 has windows that the compositor does not manage, and with a hole
+/// where the popover is.
 class XwaylandPopover final : public WindowPopover {
     Q_OBJECT
 
@@ -38,10 +38,6 @@ public:
     XwaylandPopover(
         PopoverContentFactory factory, WindowSurroundings surroundings, QObject *parent = nullptr);
     ~XwaylandPopover() override;
-    XwaylandPopover(const XwaylandPopover &) = delete;
-    XwaylandPopover &operator=(const XwaylandPopover &) = delete;
-    XwaylandPopover(XwaylandPopover &&) = delete;
-    XwaylandPopover &operator=(XwaylandPopover &&) = delete;
 
 protected:
     void aboutToShow() override;

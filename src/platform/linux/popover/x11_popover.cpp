@@ -4,6 +4,7 @@
 #include <QMouseEvent>
 #include <QWindow>
 
+#include <chrono>
 #include <utility>
 
 namespace brimwatch::platform {
@@ -12,9 +13,9 @@ Q_LOGGING_CATEGORY(popoverLog, "brimwatch.popover", QtInfoMsg)
 
 namespace {
 
-// A panel may hold the pointer for a moment after it has told us of the click.
+// A panel may keep its grab of the pointer for a moment after it has reported the click.
 constexpr int grabAttempts = 50;
-constexpr int grabInterval = 10;
+constexpr std::chrono::milliseconds grabInterval{10};
 
 } // namespace
 
@@ -66,7 +67,7 @@ void X11Popover::hidden()
 bool X11Popover::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == window() && event->type() == QEvent::MouseButtonPress) {
-        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-static-cast-downcast): told by type()
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-static-cast-downcast): type() says so
         const auto *press = static_cast<QMouseEvent *>(event);
         if (!QRectF(QPointF(), window()->size()).contains(press->position())) {
             performClose();

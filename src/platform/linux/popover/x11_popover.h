@@ -6,8 +6,8 @@
 
 namespace brimwatch::platform {
 
-/// The popover as an X11 popup: no window manager in between, pointer and keyboard grabbed, so that
-/// any press elsewhere closes it, panels and bare desktops included.
+/// The popover as an X11 popup, which no window manager manages. It grabs pointer and keyboard, so
+/// that any press elsewhere closes it, on panels and bare desktops too.
 class X11Popover final : public PlacedPopover {
     Q_OBJECT
 

@@ -1,7 +1,0 @@
-#include "platform/popover.h"
-
-namespace brimwatch::platform {
-
-Popover::~Popover() = default;
-
-} // namespace brimwatch::platform

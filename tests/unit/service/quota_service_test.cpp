@@ -521,7 +521,7 @@ private Q_SLOTS:
     void everySettingHasItsKeyItsDefaultAndAnnouncesItsChange_data()
     {
         QTest::addColumn<QByteArray>("key");
-        QTest::addColumn<QVariant>("fallback");
+        QTest::addColumn<QVariant>("defaultValue");
         QTest::addColumn<QVariant>("other");
         QTest::newRow("1") << QByteArray("refreshInterval") << QVariant(60.0) << QVariant(120.0);
         QTest::newRow("2") << QByteArray("showPercentageInMenuBar") << QVariant(true)
@@ -547,10 +547,10 @@ private Q_SLOTS:
     void everySettingHasItsKeyItsDefaultAndAnnouncesItsChange()
     {
         QFETCH(QByteArray, key);
-        QFETCH(QVariant, fallback);
+        QFETCH(QVariant, defaultValue);
         QFETCH(QVariant, other);
         makeService();
-        QCOMPARE(m_service->property(key.constData()), fallback);
+        QCOMPARE(m_service->property(key.constData()), defaultValue);
 
         QVariantList seen;
         const auto read = [&] { seen += m_service->property(key.constData()); };
@@ -560,7 +560,7 @@ private Q_SLOTS:
         QSignalSpy after(&*m_service, notify);
 
         QVERIFY(m_service->setProperty(key.constData(), other));
-        QCOMPARE(seen, QVariantList{fallback}); // Just before.
+        QCOMPARE(seen, QVariantList{defaultValue}); // Just before.
         QCOMPARE(after.count(), 1);
         QCOMPARE(m_service->property(key.constData()), other);
 

@@ -1,8 +1,8 @@
 #include "service/quota_service.h"
 
 #include "core/when_done.h"
-#include "service/launch_at_login.h"
-#include "service/low_quota_alerting.h"
+#include "service/launch_at_login_service.h"
+#include "service/low_quota_alerts.h"
 
 #include <QTimer>
 
@@ -42,10 +42,10 @@ QuotaService::QuotaService(const Dependencies &dependencies, QObject *parent)
     if (m_alerts != nullptr)
         m_alerts->requestNotificationPermission();
     if (m_launchAtLogin != nullptr) {
-        connect(m_launchAtLogin, &LaunchAtLogin::objectWillChange, this,
+        connect(m_launchAtLogin, &LaunchAtLoginService::objectWillChange, this,
             &QuotaService::objectWillChange);
         connect(
-            m_launchAtLogin, &LaunchAtLogin::changed, this, &QuotaService::launchAtLoginChanged);
+            m_launchAtLogin, &LaunchAtLoginService::changed, this, &QuotaService::launchAtLoginChanged);
     }
     QTimer::singleShot(0, this, &QuotaService::refresh);
 }

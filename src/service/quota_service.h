@@ -18,8 +18,8 @@
 
 namespace brimwatch::service {
 
-class LaunchAtLogin;
-class LowQuotaAlerting;
+class LaunchAtLoginService;
+class LowQuotaAlerts;
 
 /// The one observable model of the program: the latest quota, the connection, the settings, and the
 /// refreshes that keep them current. Everything happens on the main thread.
@@ -61,8 +61,8 @@ public:
         Clock &clock;
         QuotaFetching &fetching;
         SettingsStore &settings;
-        LowQuotaAlerting *alerts = nullptr;
-        LaunchAtLogin *launchAtLogin = nullptr;
+        LowQuotaAlerts *alerts = nullptr;
+        LaunchAtLoginService *launchAtLogin = nullptr;
     };
 
     /// Starts the timers and a first refresh, which runs with the next turn of the event loop.
@@ -190,8 +190,8 @@ private:
     Clock &m_clock;
     QuotaFetching &m_fetching;
     SettingsStore &m_settings;
-    LowQuotaAlerting *m_alerts;
-    LaunchAtLogin *m_launchAtLogin;
+    LowQuotaAlerts *m_alerts;
+    LaunchAtLoginService *m_launchAtLogin;
 
     std::optional<model::QuotaSummary> m_quotaSummary;
     std::optional<discovery::DaemonInfo> m_activeDaemon;

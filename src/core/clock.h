@@ -8,43 +8,37 @@
 
 namespace brimwatch {
 
-/// A timer that goes on until it is destroyed.
+/// A timer that runs until it is destroyed.
 class RepeatingTimer {
 public:
     RepeatingTimer() = default;
     virtual ~RepeatingTimer() = default;
-    RepeatingTimer(const RepeatingTimer &) = delete;
-    RepeatingTimer &operator=(const RepeatingTimer &) = delete;
-    RepeatingTimer(RepeatingTimer &&) = delete;
-    RepeatingTimer &operator=(RepeatingTimer &&) = delete;
+    Q_DISABLE_COPY_MOVE(RepeatingTimer)
 
-    /// The period in force, which may be shorter than the one asked for: see Clock::every.
+    /// The period, which may be shorter than the requested one: see Clock::every.
     virtual std::chrono::milliseconds interval() const = 0;
 };
 
-/// The time, and what happens as it passes. Everything that needs either is given a clock, so that
-/// a test can turn its hands.
+/// The current time, and timers. Everything that needs either is given a clock, so that a test can
+/// set it.
 class Clock {
 public:
     Clock() = default;
     virtual ~Clock() = default;
-    Clock(const Clock &) = delete;
-    Clock &operator=(const Clock &) = delete;
-    Clock(Clock &&) = delete;
-    Clock &operator=(Clock &&) = delete;
+    Q_DISABLE_COPY_MOVE(Clock)
 
-    /// Now, in the user's time zone: what "today" means follows from it.
+    /// The current time in the user's time zone, which defines what "today" is.
     virtual QDateTime now() const = 0;
 
-    /// Runs `action` on this thread's event loop, the first time one period from now. Periods
-    /// longer than a timer can hold (about 24 days) count as that long.
+    /// Runs `action` on this thread's event loop once per period, first one period from now. A
+    /// period longer than a timer can hold is shortened to that, about 24 days.
     virtual std::unique_ptr<RepeatingTimer> every(
         std::chrono::duration<double> period, std::function<void()> action)
         = 0;
 };
 
-/// The system's time and the event loop's timers. The timers are coarse: they may come up to 5 %
-/// early or late, which lets the system wake up once for several programs.
+/// The system's time and the event loop's timers. The timers are coarse: they may fire up to 5 %
+/// early or late, so that the system can wake up once for several programs.
 class SystemClock final : public Clock {
 public:
     QDateTime now() const override;

@@ -133,18 +133,18 @@ QString DateStyles::dateAbbreviatedTimeStandard(const QDateTime &date) const
 
 QString userDateLocale()
 {
-    const QString fallback = u"en_US"_s;
+    const QString english = u"en_US"_s;
     for (const char *variable : {"LC_ALL", "LC_TIME", "LANG"}) {
         QString name = qEnvironmentVariable(variable);
         if (name.isEmpty())
             continue;
         name.truncate(name.indexOf(u'@') < 0 ? name.size() : name.indexOf(u'@'));
         name.truncate(name.indexOf(u'.') < 0 ? name.size() : name.indexOf(u'.'));
-        return name.isEmpty() || name == "C"_L1 || name == "POSIX"_L1 ? fallback : name;
+        return name.isEmpty() || name == "C"_L1 || name == "POSIX"_L1 ? english : name;
     }
     // Programs of macOS are started without these variables.
     const QString name = QLocale::system().name();
-    return name == "C"_L1 ? fallback : name;
+    return name == "C"_L1 ? english : name;
 }
 
 } // namespace brimwatch

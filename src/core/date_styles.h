@@ -7,22 +7,17 @@
 
 namespace brimwatch {
 
-/// Dates and times as the reader's locale writes them, from the data of ICU: the space before AM
-/// and PM is a plain one, and date and time are joined as the locale joins them in its long form
-/// ("Nov 16, 2026 at 4:59:24 AM").
+/// Formats dates and times for a locale, with ICU's data. The space before AM and PM is a plain
+/// one, and date and time are joined as in the locale's long form ("Nov 16, 2026 at 4:59:24 AM").
 ///
-/// A date is shown in the time zone that it carries. Formats are made when first asked for, and
-/// kept.
+/// A date is shown in its own time zone. Formats are made when they are first needed, and kept.
 class DateStyles {
 public:
-    /// `locale` is a name such as "en_US" or "pt_BR"; one that ICU does not know falls back as ICU
-    /// does, one that is no name at all is "en_US".
+    /// `locale` is a name such as "en_US" or "pt_BR". For one that it does not know ICU chooses the
+    /// next best; a text that is no name counts as "en_US".
     explicit DateStyles(const QString &locale);
     ~DateStyles();
-    DateStyles(const DateStyles &) = delete;
-    DateStyles &operator=(const DateStyles &) = delete;
-    DateStyles(DateStyles &&) = delete;
-    DateStyles &operator=(DateStyles &&) = delete;
+    Q_DISABLE_COPY_MOVE(DateStyles)
 
     /// The styles of the user's locale for dates: LC_ALL, LC_TIME or LANG, the first that is set
     /// and not empty, read once.
@@ -40,9 +35,8 @@ private:
     std::unique_ptr<Formats> m_formats;
 };
 
-/// The locale for dates that the environment names, without encoding and modifier
-/// ("de_DE.UTF-8@euro" gives "de_DE"). "C", "POSIX" and an environment that names none give
-/// "en_US".
+/// The locale for dates in the environment, without encoding and modifier ("de_DE.UTF-8@euro" gives
+/// "de_DE"). "C", "POSIX" and an environment without a locale give "en_US".
 QString userDateLocale();
 
 } // namespace brimwatch

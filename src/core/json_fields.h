@@ -15,8 +15,8 @@
 
 namespace brimwatch {
 
-/// Why a body is no record: the key path and what was expected there. It holds nothing of the
-/// body's values.
+/// Why a body cannot be decoded: the path of a key, and what was expected there. It contains none
+/// of the body's values.
 struct DecodingError {
     QString description;
 };
@@ -25,8 +25,8 @@ struct DecodingError {
 /// field of the wrong type is an error; an optional one that is missing or null is absent.
 ///
 /// The first error ends the reading: every field after it is empty, no further record of an array
-/// is read, and the caller throws away what there is. So a record's fields can be read in one
-/// expression, and a body of a million faults costs no more than the first of them.
+/// is read, and the caller discards the result. So a record's fields can be read in one expression,
+/// and a body with a million errors takes no longer than one with the first of them.
 class JsonFields {
 public:
     /// The outermost object of a body. `firstError` must outlive the fields.
@@ -35,7 +35,7 @@ public:
     QString text(QLatin1StringView key);
     std::optional<QString> optionalText(QLatin1StringView key);
     double number(QLatin1StringView key);
-    /// Integers of 64 bits; 1.0 is one of them, 1.5 and 2^63 are none.
+    /// An integer of 64 bits: 1.0 is one, 1.5 and 2^63 are not.
     std::optional<std::int64_t> optionalInteger(QLatin1StringView key);
 
     /// The records of an array of objects, each read by `read(JsonFields)`, which must not keep the
@@ -43,7 +43,7 @@ public:
     template <typename Read> auto records(QLatin1StringView key, Read read)
     {
         const auto array = requiredArray(key);
-        // No room is reserved: how long an array claims to be says nothing before it is read.
+        // No memory is reserved: reading may stop at the first record.
         QList<decltype(read(std::declval<JsonFields>()))> records;
         for (qsizetype i = 0; i < array.size() && !m_firstError; ++i)
             records.append(read(fieldsOf(array.at(i), Step{.key = key, .index = i})));
@@ -62,7 +62,7 @@ public:
     }
 
 private:
-    /// From an object to one within it.
+    /// From an object to a nested one.
     struct Step {
         QLatin1StringView key;
         std::optional<qsizetype> index; ///< In the array of that key.
@@ -78,15 +78,15 @@ private:
     QString pathOf(const Step &step) const;
 
     QJsonObject m_object;
-    const JsonFields *m_parent = nullptr; ///< None: the outermost object.
+    const JsonFields *m_parent = nullptr; ///< Null for the outermost object.
     Step m_step; ///< From the parent to here.
     std::optional<DecodingError> &m_firstError;
 };
 
-/// The object that a whole body is. Bodies that are no JSON or another value fail.
+/// The object that a body consists of. A body that is no JSON, or another value, is an error.
 Result<QJsonObject, DecodingError> parseJsonObject(const QByteArray &body);
 
-/// The record that `read(JsonFields)` makes of `object`.
+/// The record that `read(JsonFields)` decodes from `object`.
 template <typename Read>
 auto decodeRecord(const QJsonObject &object, Read read)
     -> Result<decltype(read(std::declval<JsonFields>())), DecodingError>

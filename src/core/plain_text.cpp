@@ -19,8 +19,8 @@ QString truncated(const QString &text, qsizetype longest)
         return text;
     if (longest <= 0)
         return {};
-    // Whether two characters belong together is seen in those before and in the next code point, of
-    // two units at most. The rest may be long.
+    // Whether a grapheme ends here depends on the text before and on the next code point, of two
+    // units at most. The rest may be long.
     const QString read = text.left(longest + 2);
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, read);
     finder.setPosition(longest);
@@ -36,7 +36,7 @@ QString asOneLine(const QString &text, qsizetype longest)
     QString line;
     for (const QChar character : text) {
         if (!isBlank(character)) {
-            // Enough to know that something is cut off, and where.
+            // Long enough to know that the text is truncated, and where.
             if (line.size() > longest + 2)
                 break;
             line += character;

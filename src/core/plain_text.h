@@ -4,12 +4,12 @@
 
 namespace brimwatch {
 
-/// The beginning of `text`, at most `longest` UTF-16 units of it. The cut is between characters as
-/// readers see them, or, where one alone is longer, between code points.
+/// The beginning of `text`, at most `longest` UTF-16 units. It ends between two characters as
+/// readers see them (graphemes), or, when a single one is longer, between two code points.
 QString truncated(const QString &text, qsizetype longest);
 
-/// `text` on one line of at most `longest` UTF-16 units: control characters, line ends and blanks
-/// become one blank each time, none stands at an end, and "…" stands for what is cut off.
+/// `text` as one line of at most `longest` UTF-16 units. Each run of control characters, line ends
+/// and blanks becomes one blank, without any at the start and the end; a longer text ends in "…".
 QString asOneLine(const QString &text, qsizetype longest);
 
 } // namespace brimwatch

@@ -28,7 +28,7 @@ QString Redactor::redacted(QString text) const
 
 QString Redactor::line(const QString &text, qsizetype longest) const
 {
-    // Once more at the end: a line break may have stood where the token has a blank.
+    // Redacted again: the text may have had a line break where the token has a blank.
     return redacted(asOneLine(redacted(text), longest));
 }
 

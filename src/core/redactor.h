@@ -6,8 +6,8 @@
 
 namespace brimwatch {
 
-/// Takes what is private out of texts that leave the program: "…" stands for the daemon's token and
-/// "~" for the user's home directory. A daemon may put either into anything that it answers.
+/// Replaces what is private in texts that leave the program: the daemon's token by "…", the user's
+/// home directory by "~". A daemon may put either into any text of its answer.
 class Redactor {
 public:
     /// A token of less than four characters is not worth hiding; neither is an empty home, nor "/",

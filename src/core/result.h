@@ -6,7 +6,7 @@
 
 namespace brimwatch {
 
-/// The outcome of what can fail: a value, or an error that says why there is none.
+/// The outcome of an operation that can fail: a value, or an error that says why there is none.
 template <typename T, typename E> using Result = tl::expected<T, E>;
 
 template <typename E> auto fail(E &&error)

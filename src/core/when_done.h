@@ -8,8 +8,8 @@
 
 namespace brimwatch {
 
-/// Hands the result of `future` to `done` on the event loop of `context`, unless the context ends
-/// first. A future that ends without a result (it was cancelled) is not reported.
+/// Calls `done` with the result of `future` on the event loop of `context`, unless the context is
+/// destroyed first. A future that ends without a result (it was canceled) is not reported.
 ///
 /// Not QFuture::then(context, …): in Qt 6.4 that one asserts when the context dies before the
 /// future is done.

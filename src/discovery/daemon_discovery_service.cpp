@@ -11,7 +11,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <csignal>
 #include <limits>
 #include <memory>
@@ -34,7 +33,7 @@ struct ModificationTime {
 
     QDateTime toDateTime() const
     {
-        // Anyone can set a file's time to anything; the year 9999 is late enough.
+        // A file can have any time; the year 9999 is late enough.
         constexpr std::int64_t latest = 253'402'300'799;
         return QDateTime::fromMSecsSinceEpoch(
             std::clamp(seconds, -latest, latest) * 1000 + nanoseconds / 1'000'000);
@@ -59,44 +58,24 @@ struct Candidate {
     bool isAlive = false;
 };
 
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor)
-        : m_descriptor(descriptor)
-    {
-    }
-    ~Descriptor()
-    {
-        if (m_descriptor >= 0)
-            ::close(m_descriptor);
-    }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-    Descriptor(Descriptor &&) = delete;
-    Descriptor &operator=(Descriptor &&) = delete;
-
-    int get() const { return m_descriptor; }
-
-private:
-    int m_descriptor;
-};
-
 struct CloseDirectory {
     void operator()(DIR *directory) const { ::closedir(directory); }
 };
 using Directory = std::unique_ptr<DIR, CloseDirectory>;
 
-ModificationTime modificationTime(const struct stat &status)
+/// The name of the field differs between Linux and macOS.
+template <typename Status> ModificationTime modificationTime(const Status &status)
 {
-#ifdef __APPLE__
-    const auto &time = status.st_mtimespec;
-#else
-    const auto &time = status.st_mtim;
-#endif
-    return {.seconds = time.tv_sec, .nanoseconds = time.tv_nsec};
+    const auto from = [](const auto &time) {
+        return ModificationTime{.seconds = time.tv_sec, .nanoseconds = time.tv_nsec};
+    };
+    if constexpr (requires { status.st_mtimespec; })
+        return from(status.st_mtimespec);
+    else
+        return from(status.st_mtim);
 }
 
-/// Drops all but so many of the newest.
+/// Drops all but the `most` newest.
 void keepNewest(QList<Entry> &entries, qsizetype most)
 {
     if (entries.size() <= most)
@@ -106,19 +85,19 @@ void keepNewest(QList<Entry> &entries, qsizetype most)
     entries.resize(most);
 }
 
-/// The entries whose names are those of announcements, the newest first, at most so many. A
-/// directory of more takes up no more memory than twice as many.
+/// The `most` newest entries with the names of announcements, the newest first. However large the
+/// directory is, no more than twice as many are held in memory.
 QList<Entry> listEntries(DIR *directory, qsizetype most)
 {
     QList<Entry> entries;
     qsizetype position = 0;
-    // One scan at a time on a directory of its own: readdir is safe there.
+    // Each scan has a directory stream of its own, which makes readdir safe.
     while (const dirent *entry = ::readdir(directory)) { // NOLINT(concurrency-mt-unsafe)
         if (!isCandidateName(QFile::decodeName(entry->d_name)))
             continue;
         struct stat status = {};
         if (::fstatat(::dirfd(directory), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0)
-            continue; // Gone meanwhile.
+            continue; // Removed meanwhile.
         entries.append(
             {.name = entry->d_name, .modified = modificationTime(status), .position = position++});
         if (entries.size() >= 2 * most)
@@ -130,57 +109,48 @@ QList<Entry> listEntries(DIR *directory, qsizetype most)
 }
 
 /// The content of the regular file of that name, or of the one that a link of that name leads to.
-/// Absent when there is none, it cannot be read or is larger than `largest` or than `left`, from
-/// which all that was read is taken.
+/// Absent when there is none, or it is larger than `largest` or than `left`, from which all that
+/// was read is subtracted.
 std::optional<QByteArray> readFile(
     int directory, const QByteArray &name, qint64 largest, qint64 &left)
 {
     largest = std::min(largest, left);
-    // Looked at before it is opened: opening alone can hang (a FIFO) or do something (a device).
+    // Checked before it is opened: opening alone can hang (a FIFO) or do something (a device).
     struct stat status = {};
     if (::fstatat(directory, name.constData(), &status, 0) != 0 || !S_ISREG(status.st_mode)
         || status.st_size > largest)
         return std::nullopt;
-    const Descriptor file(
-        ::openat(directory, name.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    // Looked at again: another file may have taken the name meanwhile.
-    if (file.get() < 0 || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
+    const int descriptor
+        = ::openat(directory, name.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (descriptor < 0)
         return std::nullopt;
-
-    // One byte more than allowed tells a file that has grown beyond it from one that just fits.
-    const qint64 most = largest + 1;
-    QByteArray content;
-    qint64 size = 0;
-    for (;;) {
-        // Sizes are what files say of themselves; those in /proc say 0.
-        constexpr qint64 smallestStep = 4096;
-        const qint64 step = std::max(qint64{status.st_size} + 1 - size, smallestStep);
-        content.resize(step < most - size ? size + step : most);
-        const auto got = ::read(
-            file.get(), content.data() + size, static_cast<std::size_t>(content.size() - size));
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0)
-            return std::nullopt;
-        size += got;
-        left -= got;
-        if (size == most)
-            return std::nullopt;
-        if (got == 0)
-            break;
+    QFile file;
+    // Unbuffered: a buffer would read beyond the bound.
+    if (!file.open(descriptor, QIODevice::ReadOnly | QIODevice::Unbuffered,
+            QFileDevice::AutoCloseHandle)) {
+        ::close(descriptor);
+        return std::nullopt;
     }
-    content.truncate(size);
+    // Checked again: another file may have taken the name meanwhile.
+    if (::fstat(file.handle(), &status) != 0 || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    // One byte more than allowed distinguishes a file that has grown beyond the bound, or does not
+    // say its size (/proc), from one that just fits.
+    const QByteArray content = file.read(largest + 1);
+    left -= content.size();
+    if (content.size() > largest)
+        return std::nullopt;
     return content;
 }
 
-/// Signal 0 tests whether the process exists and is ours: one of another user counts as dead.
+/// Signal 0 tests whether the process exists and is ours: a process of another user counts as dead.
 bool isAlive(const DaemonInfo &info)
 {
     if (!info.pid || *info.pid <= 0)
         return false;
     if (*info.pid > std::numeric_limits<pid_t>::max()) {
-        // No daemon ever writes that, so something is wrong that must not be glossed over. It is
-        // meant so. The file is named, nothing of what it holds is.
+        // Deliberate: no daemon ever writes that, so the program ends instead of hiding the fault.
+        // The message names the file and none of its content.
         qFatal("brimwatch: the discovery file %s names a process that cannot exist",
             qUtf8Printable(info.filePath.value_or(QString())));
     }
@@ -217,7 +187,7 @@ QList<DaemonInfo> DaemonDiscoveryService::discoverDaemons()
     if (!directory)
         return {};
 
-    // The newest are read first, so the bound on all of them leaves out the oldest.
+    // The newest are read first, so that the bound on all bytes leaves out the oldest.
     const auto entries = listEntries(directory.get(), m_limits.files);
     QList<Candidate> candidates;
     qint64 bytesLeft = m_limits.bytes;
@@ -226,7 +196,7 @@ QList<DaemonInfo> DaemonDiscoveryService::discoverDaemons()
         const auto content
             = readFile(::dirfd(directory.get()), entry.name, m_limits.file, bytesLeft);
         if (!content) {
-            qCDebug(logDiscovery) << name << "is skipped: it cannot be read, or is too much";
+            qCDebug(logDiscovery) << name << "is skipped: it cannot be read, or is too large";
             continue;
         }
         auto info = decodeDaemonInfo(*content);
@@ -239,7 +209,7 @@ QList<DaemonInfo> DaemonDiscoveryService::discoverDaemons()
         candidates.append({.info = *std::move(info), .modified = entry.modified, .isAlive = alive});
     }
 
-    // Equal ones keep the order of the listing: that of the entries above.
+    // Stable: equal ones keep the order of the entries above.
     std::stable_sort(
         candidates.begin(), candidates.end(), [](const Candidate &a, const Candidate &b) {
             return std::pair(a.isAlive, a.modified) > std::pair(b.isAlive, b.modified);

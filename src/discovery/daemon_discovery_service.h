@@ -10,19 +10,20 @@
 
 namespace brimwatch::discovery {
 
-/// Whether the file of that name can announce a daemon: "ls_" or "hub_" at its start, ".json" at
-/// its end, case counts.
+/// Whether a file of that name can announce a daemon: it starts with "ls_" or "hub_" and ends in
+/// ".json", case-sensitively.
 bool isCandidateName(const QString &fileName);
 
 /// Finds the daemons that announce themselves in the user's discovery directory.
 class DaemonDiscoveryService {
 public:
-    /// What one scan takes in, in a directory that anything may have written to. An announcement is
-    /// a few hundred bytes, and a daemon that crashed leaves one behind.
+    /// What one scan reads at most: any program may write to the directory. An announcement has a
+    /// few hundred bytes, and a daemon that crashed leaves one behind.
     struct Limits {
-        qint64 file = 64LL * 1024; ///< Bytes; larger files count as unreadable.
-        qsizetype files = 16'384; ///< Where there are more candidates, the newest are read.
-        /// Bytes of all files. The newest are read first; what does not fit counts as unreadable.
+        qint64 file = 64LL * 1024; ///< Bytes of one file; larger ones count as unreadable.
+        qsizetype files = 16'384; ///< Of more candidates the newest are read.
+        /// Bytes of all files. The newest are read first; those that do not fit count as
+        /// unreadable.
         qint64 bytes = 8LL * 1024 * 1024;
     };
 
@@ -34,16 +35,17 @@ public:
     const QString &directory() const { return m_directory; }
     bool directoryExists() const;
 
-    /// The daemons that announce themselves, those alive first, among equals the newest file first,
-    /// then in listing order. What cannot be read or decoded is skipped; nothing is waited for,
-    /// only regular files (or links to them) are opened. A link counts with the time at which it
-    /// was made, as the entry of the directory that it is.
+    /// The daemons that announce themselves: those alive first, among equals the newest file first,
+    /// then in the order of the listing. Files that cannot be read or decoded are skipped. Only
+    /// regular files, or links to them, are opened, so that nothing blocks. The time of a link is
+    /// its own, not that of its target.
     ///
-    /// A pid that is no 32-bit process id ends the program with a message that names the file.
+    /// Deliberate: a pid that is no 32-bit process id ends the program with a message that names
+    /// the file.
     QList<DaemonInfo> discoverDaemons();
 
-    /// The newest modification among the candidates of the last scan that could list the directory;
-    /// absent when there was none.
+    /// The newest modification time among the candidates of the last scan that could list the
+    /// directory; absent without candidates.
     const std::optional<QDateTime> &latestDaemonModDate() const { return m_latestDaemonModDate; }
 
     /// When a daemon last answered with a summary; absent before the first time.

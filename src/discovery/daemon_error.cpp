@@ -7,7 +7,7 @@ using namespace Qt::Literals::StringLiterals;
 QString DaemonError::errorDescription(const DateStyles &styles) const
 {
     const QString last = lastUpdateString(styles);
-    // The first and the last text end without a full stop, those between with one: it is meant so.
+    // Deliberate: the first and the last text end without a full stop, the others with one.
     switch (kind) {
     case Kind::directoryNotFound:
         return u"Antigravity daemon directory not found in ~/.gemini/antigravity/daemon (Last update: "_s

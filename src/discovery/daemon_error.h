@@ -9,19 +9,18 @@
 
 namespace brimwatch::discovery {
 
-/// Why no quota could be fetched. Each case carries the time of the last success, absent before the
-/// first.
+/// Why no quota could be fetched, with the time of the last success, absent before the first.
 struct DaemonError {
     enum class Kind {
         directoryNotFound,
         noDaemonFound,
-        invalidResponse, ///< Has its text, but nothing raises it: an answer that makes no sense
-                         ///< counts as no daemon.
+        /// Never used, but it has its text: a daemon with a malformed answer counts as none.
+        invalidResponse,
         daemonUnreachable,
     };
 
     Kind kind = Kind::noDaemonFound;
-    QString message = {}; ///< Of daemonUnreachable alone: the transport error in words.
+    QString message = {}; ///< For daemonUnreachable only: the text of the transport error.
     std::optional<QDateTime> lastUpdate = {};
 
     /// The text for the user.

@@ -18,15 +18,15 @@ struct DaemonInfo {
     std::optional<std::int64_t> httpsPort = {};
     std::optional<std::int64_t> httpPort = {};
     std::optional<QString> lsVersion = {};
-    std::optional<QString> csrfToken
-        = {}; ///< A secret: it goes into the request and the report, never into a log.
-    std::optional<QString> filePath = {}; ///< Where it was read.
+    /// A secret: part of the request and the report, never of a log.
+    std::optional<QString> csrfToken = {};
+    std::optional<QString> filePath = {}; ///< Of the discovery file.
 
     bool operator==(const DaemonInfo &) const = default;
 };
 
-/// All keys are optional, but one of a wrong type (a port as text, a pid with a fraction) refuses
-/// the file whole.
+/// All keys are optional, but one of a wrong type (a port as text, a pid with a fraction) rejects
+/// the whole file.
 Result<DaemonInfo, DecodingError> decodeDaemonInfo(const QByteArray &json);
 QJsonObject encode(const DaemonInfo &info);
 

@@ -10,16 +10,15 @@ namespace brimwatch::model {
 
 /// One number of a badge.
 struct BadgeNumber {
-    QString text; ///< What is left, in whole percent: "42", "100".
+    QString text; ///< Percent left, whole: "42", "100".
     ColorToken color = ColorToken::Label;
-    /// Drawn so that it is told from the others without colours too.
+    /// Drawn differently from the others even without colors.
     bool isCritical = false;
 
     bool operator==(const BadgeNumber &) const = default;
 };
 
-/// The label in the room of a square: the two numbers that tell most. With none it is the label's
-/// symbol.
+/// The label within a square: the two most important numbers, or, without any, the label's symbol.
 struct BadgeComposition {
     QList<BadgeNumber> numbers; ///< At most two, the upper one first.
 
@@ -28,8 +27,8 @@ struct BadgeComposition {
 
 enum class BadgeColors { Health, Plain };
 
-/// The lowest of the five-hour buckets over the lowest of the weekly ones. A bucket with another
-/// window, or none, counts with the five-hour ones. Of equals the first.
+/// The lowest five-hour bucket above the lowest weekly one, of equals the first. A bucket with
+/// another window, or without one, counts as a five-hour one.
 BadgeComposition composeBadge(const QList<ToolbarStatItem> &items, BadgeColors colors);
 
 } // namespace brimwatch::model

@@ -5,20 +5,19 @@
 namespace brimwatch::model {
 Q_NAMESPACE
 
-/// A colour by its role. What it looks like depends on the desktop and on light or dark: platform/
-/// resolves it.
+/// A color by its role. platform/ resolves it for the desktop, light or dark.
 ///
-/// There are two greens, and it is meant so: views draw health in the system's green, the panel's
-/// label in a green of our own that stays legible on light and dark panels.
+/// Deliberate: there are two greens. Views draw health in the system's green, the label in a green
+/// of our own that is legible on light and dark panels.
 enum class ColorToken {
-    Label, ///< Text of the first rank.
-    SecondaryLabel, ///< Text of the second rank, separators between texts.
+    Label, ///< Primary text.
+    SecondaryLabel, ///< Secondary text, separators between texts.
     Separator, ///< Lines and tracks.
     WindowBackground,
     ControlBackground,
     Accent,
-    SystemGreen, ///< The declarative form of the healthy green.
-    AdaptiveHealthyGreen, ///< The toolkit form of the healthy green: (0.08, 0.52, 0.26) on light,
+    SystemGreen, ///< Healthy, in views.
+    AdaptiveHealthyGreen, ///< Healthy, in the label: (0.08, 0.52, 0.26) on light,
                           ///< (0.20, 0.83, 0.45) on dark.
     SystemOrange,
     SystemRed,

@@ -9,17 +9,18 @@
 
 namespace brimwatch::model {
 
-/// The moment that an ISO 8601 internet date-time names (RFC 3339 with "T", seconds and a zone, "Z"
-/// or "+05:30"), with a fraction of one to nine digits (cut to milliseconds) or without. In UTC.
+/// The moment of an ISO 8601 internet date-time, in UTC: RFC 3339 with "T", seconds and a zone ("Z"
+/// or
+/// "+05:30"), with or without a fraction of one to nine digits, which is truncated to milliseconds.
 ///
-/// Absent for everything else, among it what other readers roll over or guess: 30 February, 24:00,
-/// a leap second, spaces around the text, years before 1583, when the calendar was another one.
+/// Absent for everything else, also for what other parsers accept: 30 February, 24:00, a leap
+/// second, spaces around the text, and years before 1583, when another calendar was used.
 std::optional<QDateTime> parseInternetDateTime(QStringView text);
 
 /// A timestamp as a daemon writes it, with the moment that it names, which is parsed once.
 class Timestamp {
 public:
-    Timestamp(QString text) // Deliberate: not explicit. A text is a timestamp as it comes.
+    Timestamp(QString text) // Deliberate: not explicit, so that a record takes a decoded text.
         : m_text(std::move(text))
         , m_moment(parseInternetDateTime(m_text))
     {

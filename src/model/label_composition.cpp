@@ -11,13 +11,13 @@ bool hasText(const LabelInput &input)
     return input.showPercentage && !input.items.isEmpty();
 }
 
-/// The icon never goes away when there is nothing else to show.
+/// The icon is shown when there is nothing else, even when it is switched off.
 bool showsIcon(const LabelInput &input)
 {
     return input.showIcon || !hasText(input);
 }
 
-/// The stored text itself, not the style that it stands for.
+/// The stored text itself, not the style that it names.
 bool drawsModelsAsSymbols(const LabelInput &input)
 {
     return input.labelStyle == "icon"_L1;

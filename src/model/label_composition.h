@@ -24,8 +24,7 @@ struct LabelSymbol {
     bool operator==(const LabelSymbol &) const = default;
 };
 
-/// The image before the text: a symbol in a transparent frame, drawn in the colour of the panel's
-/// own texts.
+/// The image before the text: a symbol in a transparent frame, in the color of the panel's texts.
 struct LabelImage {
     LabelSymbol symbol;
     QString accessibleName;
@@ -38,8 +37,7 @@ struct LabelImage {
 
 enum class ImagePosition { Leading, Only };
 
-/// A run of text in one colour, in the label's font. Without a colour it has no look of its own: it
-/// is a gap.
+/// A run of text in one color, in the label's font. Without a color it is a gap.
 struct TextRun {
     QString text;
     std::optional<ColorToken> color;
@@ -47,8 +45,8 @@ struct TextRun {
     bool operator==(const TextRun &) const = default;
 };
 
-/// A symbol within the text, its middle at half the cap height of the label's font, in the colour
-/// of the panel's own texts.
+/// A symbol within the text, centered at half the cap height of the label's font, in the color of
+/// the panel's texts.
 struct SymbolRun {
     LabelSymbol symbol;
 
@@ -57,15 +55,15 @@ struct SymbolRun {
 
 using LabelRun = std::variant<TextRun, SymbolRun>;
 
-/// What stands in the panel, whatever draws it. Texts are in the interface font at 12 points,
-/// medium, all digits of one width.
+/// The label, independent of what draws it. Texts are in the interface font at 12 points, medium,
+/// with digits of one width.
 struct LabelComposition {
     static constexpr double fontSize = 12;
 
     std::optional<LabelImage> image;
-    ImagePosition imagePosition = ImagePosition::Only; ///< Means nothing without an image.
+    ImagePosition imagePosition = ImagePosition::Only; ///< Meaningless without an image.
     QList<LabelRun> title;
-    /// The same for panels that give no more room than a square.
+    /// The label for panels with room for a square only.
     BadgeComposition badge;
 
     /// The title's texts, a symbol as the object replacement character U+FFFC.
@@ -74,33 +72,27 @@ struct LabelComposition {
     bool operator==(const LabelComposition &) const = default;
 };
 
-/// What decides the label.
+/// Everything that determines the label.
 struct LabelInput {
     QList<ToolbarStatItem> items;
     bool showPercentage = true;
     bool showIcon = true;
     bool colored = true;
-    QString labelStyle; ///< The stored text. "icon" and nothing else draws models as symbols.
+    QString labelStyle; ///< The stored text. Only "icon" draws models as symbols.
     ColorToken tint = ColorToken::SecondaryLabel; ///< For the icon of the declarative form.
 };
 
 /// Whether the desktop has a symbol of that name.
 using SymbolExists = std::function<bool(const QString &name)>;
 
-/// The label of the status item. Where the desktop lacks the sparkle the image stays that of
-/// `previous`; where it lacks a model's symbol, the item shows its text.
+/// The label of the status item. On a desktop without the sparkle symbol the image is that of
+/// `previous`; without a model's symbol the item shows its text.
 LabelComposition composeLabel(
     const LabelInput &input, const LabelComposition &previous, const SymbolExists &exists);
 
 /// One item of the declarative label.
 struct LabelViewItem {
-    Q_GADGET
-    Q_PROPERTY(QString symbolName MEMBER symbolName CONSTANT FINAL)
-    Q_PROPERTY(QString text MEMBER text CONSTANT FINAL)
-    Q_PROPERTY(brimwatch::model::ColorToken color MEMBER color CONSTANT FINAL)
-
-public:
-    QString symbolName = {}; ///< Empty: none, the text names the model.
+    QString symbolName = {}; ///< Empty when the text names the model.
     QString text = {};
     ColorToken color = ColorToken::Label;
 
@@ -109,12 +101,6 @@ public:
 
 /// The same label for a view: an optional sparkle, then the items with a dot between them.
 struct LabelViewComposition {
-    Q_GADGET
-    Q_PROPERTY(bool showIcon MEMBER showIcon CONSTANT FINAL)
-    Q_PROPERTY(brimwatch::model::ColorToken iconColor MEMBER iconColor CONSTANT FINAL)
-    Q_PROPERTY(QList<brimwatch::model::LabelViewItem> items MEMBER items CONSTANT FINAL)
-
-public:
     bool showIcon = true;
     ColorToken iconColor = ColorToken::Label;
     QList<LabelViewItem> items = {};

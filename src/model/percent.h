@@ -4,11 +4,10 @@
 
 namespace brimwatch::model {
 
-/// `fraction` × 100, at least 0 and at most 100. A NaN stays one.
+/// `fraction` × 100, at least 0 and at most 100. NaN stays NaN.
 double clampedPercentage(double fraction);
 
-/// As printf's "%.1f%%" and "%.0f%%" do: ties go to even, the decimal point is a point in every
-/// locale.
+/// As printf's "%.1f%%" and "%.0f%%" in the C locale: ties are rounded to even.
 QString percentWithOneDecimal(double percentage);
 QString wholePercent(double percentage);
 

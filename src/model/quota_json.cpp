@@ -10,8 +10,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// In a braced list the fields are read in their order, so the error told is that of the first bad
-// one.
+// A braced list is evaluated in order, so the error reported is that of the first invalid field.
 
 QuotaBucket readBucket(JsonFields fields)
 {
@@ -20,8 +19,8 @@ QuotaBucket readBucket(JsonFields fields)
         .displayName = fields.text("displayName"_L1),
         .description = fields.optionalText("description"_L1),
         .window = fields.optionalText("window"_L1),
-        // Meant so: one bucket without it refuses the whole body. A made-up 0 or 1 would be a false
-        // alarm or a false calm.
+        // Deliberate: one bucket without it rejects the whole body. A default of 0 would raise a
+        // false alarm, and one of 1 would hide that quota is low.
         .remainingFraction = fields.number("remainingFraction"_L1),
         .resetTime = fields.optionalText("resetTime"_L1),
     };
@@ -89,8 +88,7 @@ Result<QuotaSummary, DecodingError> decodeAnswer(const QByteArray &body)
             if (envelope && envelope->response)
                 return *std::move(envelope->response);
             auto bare = decodeRecord(object, readSummary);
-            // Of an envelope that is broken the error of the envelope says more than the missing
-            // groups of a bare summary.
+            // The error of an invalid envelope says more than the missing groups of a bare summary.
             if (!bare && !envelope)
                 return fail(std::move(envelope.error()));
             return bare;

@@ -9,17 +9,17 @@
 
 namespace brimwatch::model {
 
-/// Decodes a whole body. All or nothing: one missing, null or wrongly typed required field refuses
-/// it whole, as does a wrongly typed optional one, and nothing after it is read. Unknown keys are
-/// ignored; of two equal keys one wins.
+/// Decodes a whole body. A required field that is missing, null or of the wrong type rejects the
+/// body, as does an optional one of the wrong type, and nothing after it is read. Unknown keys are
+/// ignored; of two equal keys one counts.
 Result<QuotaSummaryEnvelope, DecodingError> decodeQuotaSummaryEnvelope(const QByteArray &body);
 /// The same for a body that is a summary without an envelope.
 Result<QuotaSummary, DecodingError> decodeQuotaSummary(const QByteArray &body);
 
-/// What a daemon's answer says: the summary of an envelope, or else a bare summary.
+/// The summary in a daemon's answer, which is an envelope or a bare summary.
 Result<QuotaSummary, DecodingError> decodeAnswer(const QByteArray &body);
 
-// The same keys back; absent fields are left out.
+// Encoded under the same keys; absent fields are left out.
 QJsonObject encode(const QuotaSummaryEnvelope &envelope);
 QJsonObject encode(const QuotaSummary &summary);
 QJsonObject encode(const QuotaGroup &group);

@@ -15,7 +15,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// The same moment, told in the zone of `other`.
+/// The same moment in the time zone of `other`.
 QDateTime inZoneOf(const QDateTime &other, const QDateTime &date)
 {
     switch (other.timeSpec()) {
@@ -31,9 +31,9 @@ QDateTime inZoneOf(const QDateTime &other, const QDateTime &date)
     return date.toTimeZone(other.timeZone());
 }
 
-/// A bucket's place in its card. The id is asked as well, and case counts: a bucket without a
-/// window, or with another one, that has "5h" in its id ranks as a five-hour bucket. It is meant
-/// so, and only here: the label goes by the window alone.
+/// A bucket's place in its card. Deliberate: the id counts as well, case-sensitively. A bucket with
+/// "5h" in its id ranks as a five-hour bucket whatever its window, but only here: the label goes by
+/// the window alone.
 int rank(const QuotaBucket &bucket)
 {
     if (bucket.window == u"5h"_s || bucket.bucketId.contains("5h"_L1))
@@ -43,8 +43,8 @@ int rank(const QuotaBucket &bucket)
     return 2;
 }
 
-/// By rank, from 0 to `Ranks` - 1; equal ranks keep their order. Each record is ranked once:
-/// ranking searches texts that may be long.
+/// Sorted by rank, from 0 to `Ranks` - 1; equal ranks keep their order. Each record is ranked only
+/// once, as ranking searches texts that may be long.
 template <std::size_t Ranks, typename Record, typename RankOf>
 QList<Record> stablyRanked(const QList<Record> &records, const RankOf &rankOf)
 {
@@ -139,7 +139,7 @@ QString QuotaBucket::compactPercentage() const
 
 QuotaTier QuotaBucket::statusTier() const
 {
-    // Not rounded: 59.99 % reads "60%" and is a warning all the same. A NaN is critical.
+    // Not rounded: 59.99 % is shown as "60%" and is a warning. A NaN is critical.
     const double p = remainingFraction * 100;
     if (p >= 60)
         return QuotaTier::healthy;
@@ -149,7 +149,7 @@ QuotaTier QuotaBucket::statusTier() const
 ColorToken QuotaBucket::statusColor() const
 {
     const auto color = statusNSColor();
-    // Two greens, and it is meant so: see ColorToken.
+    // Deliberate: there are two greens. See ColorToken.
     return color == ColorToken::AdaptiveHealthyGreen ? ColorToken::SystemGreen : color;
 }
 
@@ -187,8 +187,8 @@ std::optional<QString> QuotaBucket::formattedResetTimestamp(
 QString QuotaBucket::resetCountdownString(const QDateTime &now) const
 {
     const auto reset = parsedResetDate();
-    // The view says "Resets in " before whatever this is. "Resets in Active" and "Resets in
-    // Refreshed" are meant so.
+    // Deliberate: the view writes "Resets in " before any of these, "Resets in Active" and "Resets
+    // in Refreshed" too.
     return reset ? countdownText(now, *reset) : u"Active"_s;
 }
 
@@ -209,8 +209,8 @@ QList<QuotaBucket> QuotaGroup::sortedBuckets() const
 
 QString QuotaGroup::iconName() const
 {
-    // Argon before Gemini, the other way round than groupSortPriority: it is meant so. A name with
-    // both is Argon's either way.
+    // Deliberate: Argon is tested before Gemini, in groupSortPriority() after it. A name with both
+    // is Argon's either way.
     if (lowerCasedContains(displayName, u"argon"_s))
         return u"cpu"_s;
     if (lowerCasedContains(displayName, u"gemini"_s))
@@ -222,7 +222,7 @@ QString QuotaGroup::iconName() const
 
 int QuotaGroup::groupSortPriority() const
 {
-    // Gemini before Argon: see iconName.
+    // Gemini is tested before Argon: see iconName().
     if (lowerCasedContains(displayName, u"gemini"_s)
         && !lowerCasedContains(displayName, u"argon"_s))
         return 0;

@@ -6,33 +6,22 @@
 
 #include <QDateTime>
 #include <QList>
-#include <QMetaType>
 #include <QString>
 
 #include <optional>
 
 namespace brimwatch::model {
 
-/// The health of a bucket. From 60 % on healthy, from 20 % on warning, below that critical.
+/// The health of a bucket: healthy from 60 % left, warning from 20 %, critical below that.
 enum class QuotaTier { healthy, warning, critical };
 
-/// How long it is from `now` to `reset`: "2d 3h", "5h 2m", "12m 5s"; "Refreshed" when it has come.
+/// The time from `now` to `reset`: "2d 3h", "5h 2m", "12m 5s"; "Refreshed" once it has passed.
 QString countdownText(const QDateTime &now, const QDateTime &reset);
-/// A countdown for what is not written anew each second: "12m" for "12m 5s".
+/// A countdown for a text that is not updated each second: "12m" for "12m 5s".
 QString withoutSeconds(const QString &countdown);
 
 /// One quota window of a group of models, as the daemon gives it.
 struct QuotaBucket {
-    Q_GADGET
-    Q_PROPERTY(QString bucketId MEMBER bucketId CONSTANT FINAL)
-    Q_PROPERTY(QString displayName MEMBER displayName CONSTANT FINAL)
-    Q_PROPERTY(bool hasWindow READ hasWindow CONSTANT FINAL)
-    Q_PROPERTY(QString windowText READ windowText CONSTANT FINAL)
-    Q_PROPERTY(double percentage READ percentage CONSTANT FINAL)
-    Q_PROPERTY(QString formattedPercentage READ formattedPercentage CONSTANT FINAL)
-    Q_PROPERTY(brimwatch::model::ColorToken statusColor READ statusColor CONSTANT FINAL)
-
-public:
     QString bucketId;
     QString displayName;
     std::optional<QString> description = {};
@@ -57,15 +46,15 @@ public:
 
     /// Absent when `resetTime` is absent or no ISO 8601 internet date-time.
     std::optional<QDateTime> parsedResetDate() const;
-    /// When the reset comes, in the time zone of `now`: the time alone today or for a time gone by,
-    /// else date and time. Absent without a parsed date.
+    /// The time of the reset in the time zone of `now`: without its date when that is today or
+    /// past, else with it. Absent without a parsed date.
     std::optional<QString> formattedResetTimestamp(
         const QDateTime &now, const DateStyles &styles = DateStyles::user()) const;
-    /// "2d 3h", "5h 2m", "12m 5s"; "Active" without a date, "Refreshed" when it has come.
-    Q_INVOKABLE QString resetCountdownString(const QDateTime &now) const;
+    /// countdownText(), or "Active" without a parsed date.
+    QString resetCountdownString(const QDateTime &now) const;
 
-    /// What views read of the optional fields: empty means absent.
-    Q_INVOKABLE QString resetTimestampText(const QDateTime &now) const;
+    /// For views: formattedResetTimestamp(), empty when absent.
+    QString resetTimestampText(const QDateTime &now) const;
     bool hasWindow() const { return window.has_value(); }
     /// The window in upper case as the locale-independent full mapping has it ("straße" gives
     /// "STRASSE"); empty when absent.
@@ -76,14 +65,6 @@ public:
 
 /// A family of models that share quota.
 struct QuotaGroup {
-    Q_GADGET
-    Q_PROPERTY(QString displayName MEMBER displayName CONSTANT FINAL)
-    Q_PROPERTY(QString descriptionText READ descriptionText CONSTANT FINAL)
-    Q_PROPERTY(QString iconName READ iconName CONSTANT FINAL)
-    Q_PROPERTY(int bucketCount READ bucketCount CONSTANT FINAL)
-    Q_PROPERTY(QList<brimwatch::model::QuotaBucket> sortedBuckets READ sortedBuckets CONSTANT FINAL)
-
-public:
     QString displayName;
     std::optional<QString> description = {};
     QList<QuotaBucket> buckets = {}; ///< In the daemon's order.
@@ -94,9 +75,9 @@ public:
     /// Five-hour buckets first, then weekly ones, then the rest; the daemon's order among equals.
     /// The id alone can give a bucket its rank.
     QList<QuotaBucket> sortedBuckets() const;
-    /// The symbol of the family: "cpu", "sparkles", "brain" or "gauge.medium".
+    /// The name of the family's symbol: "cpu", "sparkles", "brain" or "gauge.medium".
     QString iconName() const;
-    /// Where the group stands: Gemini 0, Argon 1, Claude 2, others 3.
+    /// The family's place in the list: Gemini 0, Argon 1, Claude 2, others 3.
     int groupSortPriority() const;
 
     /// The description, empty when absent.
@@ -106,11 +87,8 @@ public:
     bool operator==(const QuotaGroup &) const = default;
 };
 
-/// What the daemon says of all quota.
+/// All quota groups that the daemon knows.
 struct QuotaSummary {
-    Q_GADGET
-
-public:
     QList<QuotaGroup> groups = {}; ///< In the daemon's order.
     std::optional<QString> description = {};
 
@@ -130,8 +108,8 @@ public:
     bool operator==(const QuotaSummary &) const = default;
 };
 
-/// The whole body of the daemon's answer. `code` and `message` are carried as they came and mean
-/// nothing here.
+/// The whole body of the daemon's answer. `code` and `message` are kept as the daemon sent them and
+/// not interpreted.
 struct QuotaSummaryEnvelope {
     std::optional<QuotaSummary> response = {};
     std::optional<QString> code = {};

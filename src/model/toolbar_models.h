@@ -8,7 +8,7 @@
 
 namespace brimwatch::model {
 
-/// The families of models that the label can show, in the order in which it shows them.
+/// The model families that the label can show, in its order.
 enum class ToolbarModel { gemini, argon, claude };
 
 inline constexpr std::array allToolbarModels{

@@ -10,7 +10,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// A bucket that the label shows, with the tag that tells it from a second one of the same model.
+/// A bucket in the label, with the tag that distinguishes it from a second one of the same model.
 struct Entry {
     QuotaBucket bucket;
     QString windowTag;
@@ -98,8 +98,8 @@ QList<ToolbarStatItem> toolbarStatItems(
             continue;
         const auto entries = entriesOf(*group, settings);
         const bool areTwo = entries.size() == 2;
-        // Gemini's two windows alone need no "G". Argon and Claude keep their letter, and so does a
-        // single Gemini item: it is meant so.
+        // Deliberate: only Gemini's two windows have no letter. Argon and Claude keep theirs, and
+        // so does a single Gemini item.
         const bool needsNone = isGeminiAlone && areTwo && style == ToolbarLabelStyle::letter;
         const QString prefix = needsNone ? QString() : prefixOf(model, style);
         for (const auto &entry : entries) {
@@ -139,7 +139,7 @@ QString menuBarTitle(const std::optional<QuotaSummary> &summary,
     if (!summary)
         return phase == ConnectionPhase::Connecting ? u"✦ ..."_s : u"✦ Gemini"_s;
     if (items.isEmpty()) {
-        // The star stays with the icon switched off: it is meant so.
+        // Deliberate: the star stays when the icon is switched off.
         return star == StarAtStart::Yes ? u"✦"_s : u"✦ Gemini"_s;
     }
     QStringList texts;

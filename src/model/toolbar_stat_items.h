@@ -11,15 +11,15 @@
 
 namespace brimwatch::model {
 
-/// One item of the panel's label.
+/// One item of the label.
 struct ToolbarStatItem {
     ToolbarModel model = ToolbarModel::gemini;
     QuotaBucket bucket;
     QString text; ///< With the model's prefix: "G 5h: 80%".
-    QString
-        formattedValue; ///< Without it: "5h: 80%"; for the style that draws the model as a symbol.
+    /// Without it: "5h: 80%"; for the style that draws the model as a symbol.
+    QString formattedValue;
     ColorToken color = ColorToken::SystemRed; ///< Health, for views.
-    ColorToken nsColor = ColorToken::SystemRed; ///< Health, for the panel's label.
+    ColorToken nsColor = ColorToken::SystemRed; ///< Health, for the label in the panel.
 
     /// "gemini_" and the bucket's id. Two items of one list may share it.
     QString id() const;
@@ -27,22 +27,22 @@ struct ToolbarStatItem {
     bool operator==(const ToolbarStatItem &) const = default;
 };
 
-/// What of the user's settings decides the items of the label.
+/// The settings that determine the items of the label.
 struct ToolbarSettings {
     bool showGeminiInToolbar = true;
     bool showArgonInToolbar = false;
     bool showClaudeInToolbar = false;
     bool showFiveHourInMenuBar = true;
     bool showWeeklyInMenuBar = true;
-    QString toolbarLabelStyle; ///< A raw value; anything unknown counts as `letter`.
+    QString toolbarLabelStyle; ///< A raw value; an unknown one counts as `letter`.
 };
 
-/// The items of the label, Gemini, Argon, Claude, within each the five-hour one before the weekly
-/// one. Empty without a summary.
+/// The items of the label in the order Gemini, Argon, Claude, of each the five-hour one before the
+/// weekly one. Empty without a summary.
 QList<ToolbarStatItem> toolbarStatItems(
     const std::optional<QuotaSummary> &summary, const ToolbarSettings &settings);
 
-/// The bucket with least left among the items (the first of equals), without items Gemini's lowest
+/// The bucket with least left among the items, the first of equals; without items Gemini's lowest
 /// one.
 std::optional<QuotaBucket> lowestSelectedBucket(
     const std::optional<QuotaSummary> &summary, const QList<ToolbarStatItem> &items);
@@ -54,10 +54,10 @@ enum class ConnectionPhase { Connecting, Settled };
 QString menuBarTitle(const std::optional<QuotaSummary> &summary,
     const QList<ToolbarStatItem> &items, StarAtStart star, ConnectionPhase phase);
 
-/// The label's colour as a whole, for views: SecondaryLabel without a bucket, else its health (the
-/// system's green).
+/// The color of the whole label, for views: SecondaryLabel without a bucket, else its health, with
+/// the system's green.
 ColorToken menuBarTint(const std::optional<QuotaBucket> &lowest);
-/// The same for native items: healthy is our adaptive green, and so is no bucket.
+/// The same for native items, with our adaptive green, which also stands for no bucket.
 ColorToken menuBarNSTint(const std::optional<QuotaBucket> &lowest);
 
 } // namespace brimwatch::model

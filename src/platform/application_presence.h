@@ -1,21 +1,20 @@
 #pragma once
 
+#include <QtGlobal>
+
 namespace brimwatch::platform {
 
-/// How the program as a whole stands on the desktop.
+/// How the program appears on the desktop as a whole.
 class ApplicationPresence {
 public:
     ApplicationPresence() = default;
     virtual ~ApplicationPresence() = default;
-    ApplicationPresence(const ApplicationPresence &) = delete;
-    ApplicationPresence &operator=(const ApplicationPresence &) = delete;
-    ApplicationPresence(ApplicationPresence &&) = delete;
-    ApplicationPresence &operator=(ApplicationPresence &&) = delete;
+    Q_DISABLE_COPY_MOVE(ApplicationPresence)
 
-    /// From now on: no entry in a dock, a task bar or a window list, and no end with the last
-    /// window.
+    /// From now on the program has no entry in a dock, a task bar or a window list, and does not
+    /// end with its last window.
     virtual void becomeAccessory() = 0;
-    /// Takes every window that there is off the screen, then closes it.
+    /// Hides every window, then closes it.
     virtual void closeWindows() = 0;
     /// Ends the program.
     virtual void terminate() = 0;

@@ -6,8 +6,8 @@
 
 namespace brimwatch::platform {
 
-/// Whether the system starts this program at login. The system owns the answer, and the user may
-/// change it behind our back: it is asked each time and never kept.
+/// Whether the system starts this program at login. The user may change that in the system's
+/// settings at any time: it is asked each time and never kept.
 class LoginItem {
 public:
     enum class Status {
@@ -19,14 +19,11 @@ public:
 
     LoginItem() = default;
     virtual ~LoginItem() = default;
-    LoginItem(const LoginItem &) = delete;
-    LoginItem &operator=(const LoginItem &) = delete;
-    LoginItem(LoginItem &&) = delete;
-    LoginItem &operator=(LoginItem &&) = delete;
+    Q_DISABLE_COPY_MOVE(LoginItem)
 
     virtual Status status() const = 0;
-    /// Has the system start this program at each login. What may hold afterwards is for status() to
-    /// say: success does not mean that nobody's approval is missing. The error is a sentence.
+    /// Makes the system start this program at each login. Success does not mean that the user has
+    /// approved it: see status(). The error is a sentence.
     virtual Result<void, QString> registerItem() = 0;
     /// The opposite; not being registered is no error.
     virtual Result<void, QString> unregisterItem() = 0;

@@ -5,16 +5,16 @@
 
 namespace brimwatch::platform {
 
-/// Something to tell the user, with the desktop's default notification sound.
+/// A notification with the desktop's default sound.
 struct Notification {
-    QString identifier; ///< What is posted under it replaces what was posted under it before.
+    QString identifier; ///< A later notification with the same one replaces this one.
     QString title; ///< Plain text, as the body is.
     QString body;
 
     bool operator==(const Notification &) const = default;
 };
 
-/// Puts notifications before the user in the desktop's own way.
+/// Posts notifications on the desktop.
 class Notifier : public QObject {
     Q_OBJECT
 
@@ -22,10 +22,10 @@ public:
     using QObject::QObject;
     ~Notifier() override;
 
-    /// Asks the desktop whether we may alert the user, with sound. The answer is reported to
-    /// nobody: posting goes on regardless, and the desktop drops what the user has not allowed.
+    /// Asks the desktop whether we may alert the user, with sound. The answer is not reported:
+    /// notifications are posted in any case, and the desktop drops those that are not allowed.
     virtual void requestAuthorization() = 0;
-    /// Delivers at once and waits for nothing. A failure is not reported.
+    /// Posts the notification without waiting. A failure is not reported.
     virtual void post(const Notification &notification) = 0;
 
 Q_SIGNALS:

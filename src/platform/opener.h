@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 class QUrl;
 
 namespace brimwatch::platform {
@@ -10,10 +12,7 @@ class Opener {
 public:
     Opener() = default;
     virtual ~Opener() = default;
-    Opener(const Opener &) = delete;
-    Opener &operator=(const Opener &) = delete;
-    Opener(Opener &&) = delete;
-    Opener &operator=(Opener &&) = delete;
+    Q_DISABLE_COPY_MOVE(Opener)
 
     /// Starts the installed IDE. False when none is installed.
     virtual bool openAntigravity() = 0;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 class QString;
 
 namespace brimwatch::platform {
@@ -9,10 +11,7 @@ class Pasteboard {
 public:
     Pasteboard() = default;
     virtual ~Pasteboard() = default;
-    Pasteboard(const Pasteboard &) = delete;
-    Pasteboard &operator=(const Pasteboard &) = delete;
-    Pasteboard(Pasteboard &&) = delete;
-    Pasteboard &operator=(Pasteboard &&) = delete;
+    Q_DISABLE_COPY_MOVE(Pasteboard)
 
     /// Replaces all that is there with plain text.
     virtual void setText(const QString &text) = 0;

@@ -14,11 +14,11 @@ namespace brimwatch::platform {
 struct PublishedBucket {
     QString id;
     QString name;
-    QString window; ///< "5h", "weekly" or anything else the daemon says; empty when it says none.
-    double fraction = 0; ///< As the daemon gave it; values outside 0 to 1 occur.
+    QString window; ///< "5h", "weekly" or another text of the daemon; empty without one.
+    double fraction = 0; ///< As in the daemon's answer; values outside 0 to 1 occur.
     double percentage = 0; ///< 0 to 100.
     model::QuotaTier tier = model::QuotaTier::critical;
-    std::optional<std::int64_t> resetTime = {}; ///< Seconds since the epoch; absent when not known.
+    std::optional<std::int64_t> resetTime = {}; ///< Seconds since the epoch; absent when unknown.
 
     bool operator==(const PublishedBucket &) const = default;
 };
@@ -40,8 +40,8 @@ struct PublishedItem {
     bool operator==(const PublishedItem &) const = default;
 };
 
-/// What other programs of the user's session may know of us. Whoever makes it keeps it within the
-/// bounds, and leaves out what is private: the daemon's token, and where the user's files are.
+/// The state that other programs of the user's session may read. It is within the bounds here, and
+/// without what is private: the daemon's token and the user's home directory.
 struct PublishedState {
     static constexpr qsizetype longestName = 200; ///< In UTF-16 units; ids and windows too.
     static constexpr qsizetype longestText = 400; ///< Title and error.
@@ -52,12 +52,13 @@ struct PublishedState {
     enum class Connection { Connecting, Connected, Offline };
 
     Connection connection = Connection::Connecting;
-    std::int64_t port = 0; ///< That the daemon answered on; 0 unless connected.
-    std::optional<std::int64_t> lastUpdate = {}; ///< Seconds since the epoch; absent before.
+    std::int64_t port = 0; ///< On which the daemon was asked; 0 unless connected.
+    std::optional<std::int64_t> lastUpdate
+        = {}; ///< Seconds since the epoch; absent before the first.
     QString error = {}; ///< Why it is offline; empty unless it is.
     QString title = {}; ///< The label as a line of text.
     QList<PublishedItem> items = {}; ///< The numbers in the label, from left to right.
-    /// The bucket of the label with least left, which colours it; absent without quota.
+    /// The bucket in the label with least left, which gives it its color; absent without quota.
     std::optional<PublishedBucket> lowest = {};
     QList<PublishedGroup> groups = {}; ///< The last good ones, in the order of the popover.
 

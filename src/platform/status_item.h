@@ -14,13 +14,13 @@ namespace brimwatch::platform {
 
 /// Where the item was clicked, as far as the desktop says, in native pixels of the virtual screen.
 struct ItemAnchor {
-    std::optional<QRect> bounds; ///< The item's own place.
-    std::optional<QPoint> pointer; ///< The pointer's at the click.
+    std::optional<QRect> bounds; ///< Of the item.
+    std::optional<QPoint> pointer; ///< At the click.
 };
 
-/// What the item says beyond its label, for tooltips, screen readers and panels that show text.
-/// Plain text that whoever makes it keeps within the bounds: names come from a server, and a
-/// tooltip should fit a screen.
+/// The item's texts beside its label, for tooltips, screen readers and panels that show text. They
+/// are plain, and within the bounds here: names come from a server, and a tooltip should fit a
+/// screen.
 struct ItemDescription {
     static constexpr qsizetype longestLine = 400; ///< In UTF-16 units; the title is a line too.
     static constexpr qsizetype mostLines = 40;
@@ -31,7 +31,7 @@ struct ItemDescription {
     bool operator==(const ItemDescription &) const = default;
 };
 
-/// Our item in the panel. It is there once a panel is, and again after the panel was gone.
+/// Our item in the panel. It appears when a panel does, and again after the panel was restarted.
 class StatusItem : public QObject {
     Q_OBJECT
 
@@ -39,22 +39,21 @@ public:
     using QObject::QObject;
     ~StatusItem() override;
 
-    /// Whether there is something to draw on and to click. Without it the other operations do
-    /// nothing.
+    /// Whether there is an item to draw and to click. Without one the other operations do nothing.
     virtual bool hasButton() const = 0;
-    /// Draws the label. The panel hears of it only when it differs from the one that it shows.
+    /// Draws the label. The panel is notified only when the label differs from the one shown.
     virtual void setLabel(const model::LabelComposition &label) = 0;
     virtual void setDescription(const ItemDescription &description) = 0;
-    /// Where the item stands just now, in native pixels of the virtual screen; absent without an
-    /// item, and on panels that keep it to themselves.
+    /// The item's current bounds in native pixels of the virtual screen; absent without an item,
+    /// and on panels that do not report them.
     virtual std::optional<QRect> place() const = 0;
 
 Q_SIGNALS:
-    /// The left or right button went down on the item: a click is likely. Only on panels that tell.
+    /// The left or right button went down on the item: a click is likely. Not on every panel.
     void pressed();
-    /// A left or right click, once per click, when the button is let go.
+    /// A left or right click, once per click, when the button is released.
     void clicked(const brimwatch::platform::ItemAnchor &anchor);
-    /// Chosen from the item's menu, on panels that keep the right click for one.
+    /// Chosen from the item's menu, on panels where the right click opens one.
     void refreshRequested();
     void settingsRequested();
     void quitRequested();

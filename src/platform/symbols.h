@@ -22,10 +22,7 @@ class SymbolSource {
 public:
     SymbolSource() = default;
     virtual ~SymbolSource() = default;
-    SymbolSource(const SymbolSource &) = delete;
-    SymbolSource &operator=(const SymbolSource &) = delete;
-    SymbolSource(SymbolSource &&) = delete;
-    SymbolSource &operator=(SymbolSource &&) = delete;
+    Q_DISABLE_COPY_MOVE(SymbolSource)
 
     virtual bool has(const QString &name) const = 0;
     /// In device-independent pixels; empty for an unknown name.

@@ -16,7 +16,7 @@ constexpr DesktopFamily thisDesktopFamily()
 #endif
 }
 
-/// The few texts that name the desktop, in its own words.
+/// The texts that differ between desktops.
 struct Wording {
     QString refreshToolTip; ///< "Refresh Quota (⌘R)"; Linux has Ctrl+R.
     QString requiresApproval; ///< "Requires approval in macOS System Settings."

@@ -15,7 +15,7 @@ QString ConnectionStatus::displayText() const
 
 model::ColorToken ConnectionStatus::statusDotColor() const
 {
-    // Drawn by views, so the healthy green in its declarative form.
+    // Views draw it, so the healthy green is the system's: see ColorToken.
     if (isConnected())
         return model::ColorToken::SystemGreen;
     return isOffline() ? model::ColorToken::SystemRed : model::ColorToken::SystemOrange;

@@ -10,12 +10,8 @@
 
 namespace brimwatch::service {
 
-/// What is known of the connection to the daemon.
+/// The state of the connection to the daemon.
 class ConnectionStatus {
-    Q_GADGET
-    Q_PROPERTY(QString displayText READ displayText CONSTANT FINAL)
-    Q_PROPERTY(brimwatch::model::ColorToken statusDotColor READ statusDotColor CONSTANT FINAL)
-
 public:
     struct Connected {
         std::int64_t port = 0;

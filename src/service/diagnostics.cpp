@@ -33,8 +33,8 @@ QString tokenText(const discovery::DaemonInfo &daemon, Diagnostics::Token token)
         return u"N/A"_s;
     if (token == Diagnostics::Token::Complete)
         return *daemon.csrfToken;
-    const QString cut = truncatedToken(*daemon.csrfToken);
-    return cut.startsWith(*daemon.csrfToken) ? u"..."_s : cut;
+    const QString beginning = truncatedToken(*daemon.csrfToken);
+    return beginning.startsWith(*daemon.csrfToken) ? u"..."_s : beginning;
 }
 
 QString shownModels(const QuotaService &service)
@@ -49,7 +49,7 @@ QString shownModels(const QuotaService &service)
     return names.isEmpty() ? u"None"_s : names.join(u", "_s);
 }
 
-/// A part of a query. What else may stand there as it is separates its parts.
+/// A part of a query. "&", "=" and "#" would end it.
 QByteArray queryEncoded(const QString &text)
 {
     return QUrl::toPercentEncoding(text, "!$'()*+,;:@/?"_ba);

@@ -11,7 +11,7 @@ namespace brimwatch::service {
 
 class QuotaService;
 
-/// One line of what the settings show: what it is, and its value.
+/// One line of the diagnostics: a label and a value.
 struct DiagnosticLine {
     Q_GADGET
     Q_PROPERTY(QString label MEMBER label CONSTANT FINAL)
@@ -24,29 +24,29 @@ public:
     bool operator==(const DiagnosticLine &) const = default;
 };
 
-/// What is known when something is wrong: as rows for the settings, and as a report for support.
+/// The diagnostics, as rows for the settings and as a report for support.
 class Diagnostics {
 public:
-    /// How much of the daemon's token the report holds: all of it, or its beginning as the rows
-    /// have it, and nothing of one that they show whole.
+    /// How much of the daemon's token the report holds: all of it, or its beginning as in the rows.
+    /// Of a token that the rows show completely, the truncated form holds nothing.
     enum class Token { Complete, Truncated };
 
     /// The service outlives it. `home` is the user's home directory.
     Diagnostics(
         const QuotaService &quotaService, platform::AppInformation information, QString home);
 
-    /// "Brimwatch v0.1.0 (12)"; without a build number no parentheses. A version that is not known
-    /// is "1.0.0".
+    /// "Brimwatch v0.1.0 (12)"; without a build number no parentheses. An unknown version is
+    /// "1.0.0".
     QString appVersionString() const;
     /// When the quota was last updated, in the user's locale and with seconds; "Never" before.
     QString lastUpdateString() const;
 
-    /// The rows of the active daemon; none without one. The token is cut, and has no row when there
-    /// is none.
+    /// The rows of the active daemon; empty without one. The token is truncated; without a token
+    /// there is no row for it.
     QList<DiagnosticLine> daemonRows() const;
 
-    /// The whole report, each line ended by a line feed. With the daemon's whole token it is for
-    /// support, and goes nowhere but where the user sends it.
+    /// The report, each line ended by a line feed. With the complete token it is for support only,
+    /// and the user alone sends it there.
     QString generateDiagnosticInfo(Token token = Token::Complete) const;
 
     /// Opens a mail to support with the report in it.
@@ -60,11 +60,11 @@ private:
     QString m_home;
 };
 
-/// The first eight characters and "..."; a shorter token stands whole before them.
+/// The first eight characters and "..."; a shorter token is shown completely, followed by "...".
 QString truncatedToken(const QString &token);
 
-/// An address that opens a mail (RFC 6068). Subject and body are percent-encoded but for what may
-/// stand in a query as it is; a plus sign is one of these.
+/// An address that opens a mail (RFC 6068). Subject and body are percent-encoded, except characters
+/// that a query may hold as they are; the plus sign is one of them.
 QUrl mailUrl(const QString &address, const QString &subject, const QString &body);
 
 } // namespace brimwatch::service

@@ -28,8 +28,8 @@ bool isTokenCharacter(char c)
     return isDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || others.contains(c);
 }
 
-/// A length, which may be larger than any limit: then the largest number stands for it. Absent when
-/// it is none.
+/// The length that a text says; the largest number when it is larger than that. Absent when the
+/// text is no number.
 std::optional<qint64> lengthIn(QByteArrayView text, int base)
 {
     if (text.isEmpty())
@@ -70,7 +70,7 @@ HttpResponseReader::State HttpResponseReader::feed(QByteArrayView bytes)
 HttpResponseReader::State HttpResponseReader::end()
 {
     if (m_state == State::Unfinished)
-        conclude(m_expected == Expected::BodyToTheEnd ? State::Whole : State::Cut);
+        finish(m_expected == Expected::BodyToTheEnd ? State::Complete : State::Truncated);
     return m_state;
 }
 
@@ -78,7 +78,7 @@ qsizetype HttpResponseReader::feedBody(QByteArrayView bytes)
 {
     if (m_expected == Expected::BodyToTheEnd) {
         if (bytes.size() > m_limits.body - m_body.size())
-            conclude(State::TooLong);
+            finish(State::TooLarge);
         else
             m_body += bytes;
         return bytes.size();
@@ -90,7 +90,7 @@ qsizetype HttpResponseReader::feedBody(QByteArrayView bytes)
         if (m_expected == Expected::ChunkData)
             m_expected = Expected::ChunkEnd;
         else
-            conclude(State::Whole);
+            finish(State::Complete);
     }
     return size;
 }
@@ -98,36 +98,36 @@ qsizetype HttpResponseReader::feedBody(QByteArrayView bytes)
 void HttpResponseReader::feedLine(char c)
 {
     if (m_expected == Expected::ChunkLine || m_expected == Expected::ChunkEnd) {
-        // One byte of body can cost hundreds that are none.
+        // One byte of body can come with hundreds of bytes around it.
         if (++m_framingSize > m_limits.body + m_limits.chunkLine) {
-            conclude(State::TooLong);
+            finish(State::TooLarge);
             return;
         }
         if (m_line.size() == m_limits.chunkLine && c != '\n') {
-            conclude(State::Senseless);
+            finish(State::Malformed);
             return;
         }
     } else if (++m_headSize > m_limits.head) {
-        conclude(State::Senseless);
+        finish(State::Malformed);
         return;
     }
     if (c != '\n') {
         m_line += c;
-        // Who speaks another protocol may wait for us to say more.
+        // A server of another protocol may wait for more from us and never end.
         if (m_expected == Expected::StatusLine && m_line.size() <= protocol.size()
             && !protocol.startsWith(m_line))
-            conclude(State::Senseless);
+            finish(State::Malformed);
         return;
     }
     readLine();
-    m_line.resize(0); // Not clear(): the next line wants the memory again.
+    m_line.resize(0); // Not clear(): the next line uses the memory again.
 }
 
 void HttpResponseReader::readLine()
 {
     const bool framing = m_expected == Expected::ChunkLine || m_expected == Expected::ChunkEnd;
     if (!endLine(framing ? LineEnd::Strict : LineEnd::Lenient)) {
-        conclude(State::Senseless);
+        finish(State::Malformed);
         return;
     }
     switch (m_expected) {
@@ -145,7 +145,7 @@ void HttpResponseReader::readLine()
         if (m_line.isEmpty())
             m_expected = Expected::ChunkLine;
         else
-            conclude(State::Senseless);
+            finish(State::Malformed);
         break;
     case Expected::LengthOfBody:
     case Expected::BodyToTheEnd:
@@ -154,7 +154,7 @@ void HttpResponseReader::readLine()
     }
 }
 
-/// Takes the carriage return off. False when the line is none.
+/// Removes the carriage return. False when the line is malformed.
 bool HttpResponseReader::endLine(LineEnd lineEnd)
 {
     if (m_line.endsWith('\r'))
@@ -166,17 +166,17 @@ bool HttpResponseReader::endLine(LineEnd lineEnd)
 
 void HttpResponseReader::readStatusLine()
 {
-    // "HTTP/1.1 200 OK"; the blank behind the number belongs there, and is often left out.
+    // "HTTP/1.1 200 OK"; the blank behind the number is required, and often missing.
     const QByteArrayView line(m_line);
     constexpr auto version = protocol.size();
     constexpr auto code = version + 2;
     constexpr auto reason = code + 3;
-    const bool sense = line.size() >= reason && line.startsWith(protocol) && isDigit(line[version])
-        && line[version + 1] == ' ' && line[code] != '0'
+    const bool isWellFormed = line.size() >= reason && line.startsWith(protocol)
+        && isDigit(line[version]) && line[version + 1] == ' ' && line[code] != '0'
         && std::all_of(line.begin() + code, line.begin() + reason, isDigit)
         && (line.size() == reason || line[reason] == ' ');
-    if (!sense) {
-        conclude(State::Senseless);
+    if (!isWellFormed) {
+        finish(State::Malformed);
         return;
     }
     m_oldProtocol = line[version] == '0';
@@ -190,7 +190,7 @@ void HttpResponseReader::readFieldLine()
         if (m_field)
             *m_field += ' ' + m_line.trimmed();
         else
-            conclude(State::Senseless);
+            finish(State::Malformed);
         return;
     }
     if (m_field)
@@ -201,7 +201,7 @@ void HttpResponseReader::readFieldLine()
     if (!m_line.isEmpty())
         m_field = m_line;
     else if (m_expected == Expected::TrailerField)
-        conclude(State::Whole);
+        finish(State::Complete);
     else
         endHead();
 }
@@ -211,10 +211,10 @@ void HttpResponseReader::readField()
     const QByteArrayView field(*m_field);
     const auto colon = field.indexOf(':');
     if (colon <= 0 || !std::all_of(field.begin(), field.begin() + colon, isTokenCharacter)) {
-        conclude(State::Senseless);
+        finish(State::Malformed);
         return;
     }
-    // It is too late for a trailer to say how long the body is.
+    // A trailer comes too late to set the length of the body.
     if (m_expected == Expected::TrailerField)
         return;
     const auto name = field.first(colon);
@@ -227,12 +227,12 @@ void HttpResponseReader::readField()
 
 void HttpResponseReader::readContentLength(QByteArrayView value)
 {
-    // Something on the way may have put several into one field.
+    // A proxy may have joined several fields into one.
     const auto members = value.toByteArray().split(',');
     for (const QByteArray &member : members) {
         const auto length = lengthIn(member.trimmed(), 10);
         if (!length || (m_contentLength && *m_contentLength != *length)) {
-            conclude(State::Senseless);
+            finish(State::Malformed);
             return;
         }
         m_contentLength = length;
@@ -243,7 +243,7 @@ void HttpResponseReader::readTransferEncoding(QByteArrayView value)
 {
     if (m_chunked || m_oldProtocol
         || value.trimmed().compare("chunked", Qt::CaseInsensitive) != 0) {
-        conclude(State::Senseless);
+        finish(State::Malformed);
         return;
     }
     m_chunked = true;
@@ -252,7 +252,7 @@ void HttpResponseReader::readTransferEncoding(QByteArrayView value)
 void HttpResponseReader::endHead()
 {
     if (m_contentLength && m_chunked) {
-        conclude(State::Senseless);
+        finish(State::Malformed);
         return;
     }
     const auto length = std::exchange(m_contentLength, {});
@@ -264,13 +264,13 @@ void HttpResponseReader::endHead()
     m_status = m_statusCode;
     const bool bodiless = m_statusCode == 101 || m_statusCode == 204 || m_statusCode == 304;
     if (bodiless || length == 0) {
-        conclude(State::Whole);
+        finish(State::Complete);
     } else if (chunked) {
         m_expected = Expected::ChunkLine;
     } else if (!length) {
         m_expected = Expected::BodyToTheEnd;
     } else if (*length > m_limits.body) {
-        conclude(State::TooLong);
+        finish(State::TooLarge);
     } else {
         m_left = *length;
         m_expected = Expected::LengthOfBody;
@@ -279,7 +279,8 @@ void HttpResponseReader::endHead()
 
 void HttpResponseReader::readChunkLine()
 {
-    // Blanks before an extension are bad manners, and to be borne.
+    // A server should send no blanks before an extension, and a client has to accept them: RFC
+    // 9112, section 7.1.1.
     const QByteArrayView line(m_line);
     const auto extension = line.indexOf(';');
     auto text = extension < 0 ? line : line.first(extension);
@@ -287,9 +288,9 @@ void HttpResponseReader::readChunkLine()
         text.chop(1);
     const auto size = lengthIn(text, 16);
     if (!size) {
-        conclude(State::Senseless);
+        finish(State::Malformed);
     } else if (*size > m_limits.body - m_body.size()) {
-        conclude(State::TooLong);
+        finish(State::TooLarge);
     } else if (*size == 0) {
         m_expected = Expected::TrailerField;
     } else {
@@ -298,10 +299,10 @@ void HttpResponseReader::readChunkLine()
     }
 }
 
-void HttpResponseReader::conclude(State state)
+void HttpResponseReader::finish(State state)
 {
     m_state = state;
-    if (state == State::TooLong)
+    if (state == State::TooLarge)
         m_body.clear();
     m_field.reset();
 }

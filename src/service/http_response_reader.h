@@ -7,40 +7,39 @@
 
 namespace brimwatch::service {
 
-/// Reads one HTTP/1 answer to a POST, in whatever pieces it comes. Knows no socket.
+/// Reads one HTTP/1 answer to a POST, in pieces of any size. Knows no socket.
 ///
-/// It is RFC 9112 read strictly where lengths are concerned, and never takes more than its limits:
-/// - Interim answers (1xx) are skipped. 101 is none: nobody asked for another protocol.
-/// - A line of the head may end with a bare line feed; framing between chunks may not. A carriage
-///   return or NUL within a line makes no sense.
-/// - A folded field is one field with a blank for the fold; a fold before the first field makes no
-///   sense, and neither does a name that is no token.
-/// - Content-Length may be repeated if all say the same. Contradicting ones, and what is not a
-///   plain number, make no sense; so does Content-Length beside Transfer-Encoding.
-/// - Transfer-Encoding is "chunked", once and in HTTP/1.1, or the answer makes no sense: nothing
-///   else was asked for.
+/// It follows RFC 9112, strictly where lengths are concerned, and never takes more than its limits:
+/// - Interim answers (1xx) are skipped. 101 is final: no other protocol was asked for.
+/// - A line of the head may end with a bare line feed; a line between chunks may not. A carriage
+///   return or NUL within a line is malformed.
+/// - A folded field is one field with a blank for the fold. A fold before the first field is
+///   malformed, and so is a name that is no token.
+/// - Content-Length may be repeated with the same value. Different values, and values that are no
+///   plain number, are malformed; so is Content-Length beside Transfer-Encoding.
+/// - Transfer-Encoding must be "chunked", once and in HTTP/1.1: nothing else was asked for.
 /// - 204 and 304 have no body. Without a length the body ends with the connection.
-/// - A Content-Encoding is not undone: the body is what came.
+/// - A Content-Encoding is not decoded.
 ///
-/// What comes behind the answer's end is ignored.
+/// Bytes behind the end of the answer are ignored.
 class HttpResponseReader {
 public:
     struct Limits {
-        /// Largest body, with chunks put together. As much again may be spent on what stands
-        /// between chunks.
+        /// Of the body, all chunks together. The lines between chunks may take up as much again.
         qint64 body;
-        /// For all lines that are no part of the body: interim answers, the head, the trailer.
+        /// Of all other lines together: interim answers, the head, the trailer.
         qsizetype head = qsizetype{64} * 1024;
-        /// For the line before a chunk: its size and what extensions there are.
+        /// Of the line before a chunk, with its size and its extensions.
         qsizetype chunkLine = 256;
     };
 
     enum class State {
-        Unfinished, ///< More has to come.
-        Whole,
-        Cut, ///< The connection ended before the answer did.
-        Senseless, ///< Not HTTP, or with more head than a limit allows.
-        TooLong, ///< Of a body beyond the limit, announced or sent. Nothing is kept of it.
+        Unfinished, ///< More bytes are needed.
+        Complete,
+        Truncated, ///< The connection ended before the answer did.
+        Malformed, ///< Not HTTP, or with more head than a limit allows.
+        TooLarge, ///< The body is larger than the limit, by its length or by what came. Nothing is
+                  ///< kept of it.
     };
 
     explicit HttpResponseReader(Limits limits)
@@ -48,26 +47,25 @@ public:
     {
     }
 
-    /// Takes the next bytes. Once the state is not Unfinished, nothing changes it.
+    /// Takes the next bytes. A state other than Unfinished is final.
     State feed(QByteArrayView bytes);
 
-    /// The connection ended: no more comes.
+    /// The connection ended.
     State end();
 
     State state() const { return m_state; }
 
-    /// The status, once the head has come; interim answers have none. Stays what it is when the
-    /// body fails.
+    /// The status, once the head of the final answer is read. It stays when the body fails.
     std::optional<int> status() const { return m_status; }
 
-    /// The body as far as it came.
+    /// The body as far as it was read.
     const QByteArray &body() const { return m_body; }
 
 private:
     enum class Expected {
         StatusLine,
         Field, ///< Or the empty line that ends them.
-        LengthOfBody, ///< So many bytes of body.
+        LengthOfBody, ///< A body of known length.
         BodyToTheEnd,
         ChunkLine,
         ChunkData,
@@ -87,12 +85,12 @@ private:
     void readTransferEncoding(QByteArrayView value);
     void endHead();
     void readChunkLine();
-    void conclude(State state);
+    void finish(State state);
 
     Limits m_limits;
     State m_state = State::Unfinished;
     Expected m_expected = Expected::StatusLine;
-    QByteArray m_line; ///< As far as it came.
+    QByteArray m_line; ///< As far as it was read.
     qsizetype m_headSize = 0;
     qint64 m_framingSize = 0;
 

@@ -12,7 +12,7 @@ using Status = platform::LoginItem::Status;
 } // namespace
 
 LaunchAtLoginService::LaunchAtLoginService(platform::LoginItem &loginItem, QObject *parent)
-    : LaunchAtLogin(parent)
+    : QObject(parent)
     , m_loginItem(loginItem)
 {
     refresh();
@@ -21,17 +21,18 @@ LaunchAtLoginService::LaunchAtLoginService(platform::LoginItem &loginItem, QObje
 void LaunchAtLoginService::refresh()
 {
     const Status status = m_loginItem.status();
-    publishRequiresApproval(status == Status::requiresApproval);
+    publish(&LaunchAtLoginService::m_requiresApproval, status == Status::requiresApproval);
     // A login item that awaits approval counts as enabled: the switch stays on while the system
     // asks the user.
-    publishIsEnabled(status == Status::enabled || status == Status::requiresApproval);
+    publish(&LaunchAtLoginService::m_isEnabled,
+        status == Status::enabled || status == Status::requiresApproval);
 }
 
 void LaunchAtLoginService::setEnabled(bool enabled)
 {
     if (m_loginItem.status() == (enabled ? Status::enabled : Status::notRegistered)) {
-        publishIsEnabled(enabled);
-        publishRequiresApproval(false);
+        publish(&LaunchAtLoginService::m_isEnabled, enabled);
+        publish(&LaunchAtLoginService::m_requiresApproval, false);
         return;
     }
     const auto changed = enabled ? m_loginItem.registerItem() : m_loginItem.unregisterItem();
@@ -52,17 +53,10 @@ void LaunchAtLoginService::openSystemSettings()
     m_loginItem.openSystemSettings();
 }
 
-void LaunchAtLoginService::publishRequiresApproval(bool requiresApproval)
+void LaunchAtLoginService::publish(bool LaunchAtLoginService::*member, bool value)
 {
     Q_EMIT objectWillChange();
-    m_requiresApproval = requiresApproval;
-    Q_EMIT changed();
-}
-
-void LaunchAtLoginService::publishIsEnabled(bool isEnabled)
-{
-    Q_EMIT objectWillChange();
-    m_isEnabled = isEnabled;
+    this->*member = value;
     Q_EMIT changed();
 }
 

@@ -1,43 +1,46 @@
 #pragma once
 
 #include "platform/login_item.h"
-#include "service/launch_at_login.h"
+
+#include <QObject>
 
 namespace brimwatch::service {
 
-/// Registers the program with the system as one to start at login, and publishes what the system
-/// says of that. Its changes are the only thing that the program logs unasked, in the category
+/// Registers the program with the system as one to start at login, and publishes the system's
+/// answer. Its changes are the only thing that the program logs by default, in the category
 /// "LaunchAtLogin".
 ///
 /// The state is read at construction, after each attempt to change it, and by refresh(); a change
-/// that the user makes elsewhere is seen with the next of these. What is read is announced also
-/// when it is what was known: a switch that was moved in vain goes back by it.
-class LaunchAtLoginService final : public LaunchAtLogin {
+/// that the user makes elsewhere is seen with the next of these. Each reading is announced, even of
+/// an unchanged state, so that a switch goes back after a failed attempt.
+class LaunchAtLoginService : public QObject {
     Q_OBJECT
-    Q_PROPERTY(bool isEnabled READ isEnabled WRITE setEnabled NOTIFY changed FINAL)
-    Q_PROPERTY(bool requiresApproval READ requiresApproval NOTIFY changed FINAL)
 
 public:
     /// The login item outlives the service.
     explicit LaunchAtLoginService(platform::LoginItem &loginItem, QObject *parent = nullptr);
 
     /// Registered, whether or not the user still has to approve it.
-    bool isEnabled() const override { return m_isEnabled; }
-    /// Registered, and switched off in the system's settings until the user approves it there.
-    bool requiresApproval() const override { return m_requiresApproval; }
+    bool isEnabled() const { return m_isEnabled; }
+    /// Registered, but switched off in the system's settings until the user approves it there.
+    bool requiresApproval() const { return m_requiresApproval; }
 
     /// Reads the system's state.
-    Q_INVOKABLE void refresh() override;
-    /// Registers or unregisters, unless that is done already. A failure is logged and goes no
-    /// further; the state is what the system says afterwards. If the user's approval is missing
-    /// then, the system's settings open.
-    void setEnabled(bool enabled) override;
-    /// Shows the system's list of what it starts at login.
-    Q_INVOKABLE void openSystemSettings() override;
+    void refresh();
+    /// Registers or unregisters, unless that is done already. A failure is only logged, and the
+    /// state is read again afterwards. If the user has to approve then, the system's settings open.
+    void setEnabled(bool enabled);
+    /// Opens the system's list of what it starts at login.
+    void openSystemSettings();
+
+Q_SIGNALS:
+    /// Just before isEnabled or requiresApproval changes.
+    void objectWillChange();
+    /// Just after.
+    void changed();
 
 private:
-    void publishRequiresApproval(bool requiresApproval);
-    void publishIsEnabled(bool isEnabled);
+    void publish(bool LaunchAtLoginService::*member, bool value);
 
     platform::LoginItem &m_loginItem;
     bool m_isEnabled = false;

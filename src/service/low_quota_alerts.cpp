@@ -40,7 +40,7 @@ void LowQuotaAlerts::checkLowQuotaNotifications(const model::QuotaSummary &summa
             m_lastNotifiedBucketIds.remove(bucket.bucketId);
         }
     }
-    // A daemon that invents new ids with each answer must not fill our memory.
+    // A daemon with new ids in each answer must not fill our memory.
     if (m_lastNotifiedBucketIds.size() > longestMemory) {
         QSet<QString> present;
         for (const auto &bucket : group->buckets)

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "service/low_quota_alerting.h"
-
 #include <QSet>
 #include <QString>
 
@@ -11,7 +9,8 @@ class Clock;
 
 namespace brimwatch::model {
 struct QuotaBucket;
-}
+struct QuotaSummary;
+} // namespace brimwatch::model
 
 namespace brimwatch::platform {
 class Notifier;
@@ -21,23 +20,24 @@ namespace brimwatch::service {
 
 class SettingsStore;
 
-/// Announces each bucket of the Gemini group that has fallen to the user's threshold or below it,
-/// once per fall: one that stays low is announced again only after it has risen above the
-/// threshold. The other groups never raise an alert, whatever the label shows.
+/// Posts an alert for each bucket of the Gemini group that has fallen to the user's threshold or
+/// below it. A bucket that stays low raises no other alert until it has risen above the threshold.
+/// The other groups never raise one, whatever the label shows.
 ///
-/// What was announced is kept in memory alone: after a restart of the program, what is low then is
-/// announced once more. It is kept while alerts are switched off, so that switching them on again
-/// repeats nothing.
-class LowQuotaAlerts final : public LowQuotaAlerting {
+/// The alerts raised are remembered in memory only: after a restart of the program, a bucket that
+/// is still low raises one again. They are remembered while alerts are switched off, so that
+/// switching them on again repeats none.
+class LowQuotaAlerts {
 public:
-    /// So many announcements are remembered for buckets that the daemon no longer speaks of.
+    /// As many alerts are remembered, also for buckets that are no longer in the daemon's answer.
     static constexpr qsizetype longestMemory = 4096;
 
-    /// All of it outlives the alerts.
+    /// All references outlive the alerts.
     LowQuotaAlerts(const Clock &clock, const SettingsStore &settings, platform::Notifier &notifier);
 
-    void requestNotificationPermission() override;
-    void checkLowQuotaNotifications(const model::QuotaSummary &summary) override;
+    /// Asks the desktop once whether we may notify, without waiting for the answer.
+    void requestNotificationPermission();
+    void checkLowQuotaNotifications(const model::QuotaSummary &summary);
 
 private:
     void sendLowQuotaNotification(const model::QuotaBucket &bucket);

@@ -13,7 +13,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-/// What is taken from the daemon in one turn of the event loop, and what the socket holds for us.
+/// Read in one turn of the event loop at most, and buffered by the socket at most.
 constexpr qint64 readAtATime = 64LL * 1024;
 
 } // namespace
@@ -25,7 +25,7 @@ QuotaExchange::QuotaExchange(const QuotaRequest &request, Limits limits, QObject
     m_deadline.setSingleShot(true);
     m_deadline.setTimerType(Qt::PreciseTimer);
     m_deadline.callOnTimeout(
-        this, [this] { conclude(Failed{transportErrorText(TransportError::TimedOut)}); });
+        this, [this] { finish(Failed{transportErrorText(TransportError::TimedOut)}); });
     m_deadline.start(limits.time);
 
     auto *secure = request.security ? new QSslSocket(this) : nullptr;
@@ -33,7 +33,7 @@ QuotaExchange::QuotaExchange(const QuotaRequest &request, Limits limits, QObject
     m_socket->setProxy(QNetworkProxy::NoProxy);
     m_socket->setReadBufferSize(readAtATime);
     connect(m_socket, &QTcpSocket::readyRead, this, &QuotaExchange::read);
-    connect(m_socket, &QTcpSocket::errorOccurred, this, &QuotaExchange::takeError);
+    connect(m_socket, &QTcpSocket::errorOccurred, this, &QuotaExchange::handleError);
     const auto send = [this, bytes = request.bytes] { m_socket->write(bytes); };
     if (secure != nullptr) {
         secure->setSslConfiguration(*request.security);
@@ -44,7 +44,7 @@ QuotaExchange::QuotaExchange(const QuotaRequest &request, Limits limits, QObject
     } else {
         connect(m_socket, &QTcpSocket::connected, this, send);
     }
-    // Later: a connection within the machine can fail at once.
+    // Queued: a connection within the machine can fail at once, before anyone listens.
     QMetaObject::invokeMethod(
         this, [this, secure, port = request.port] { connectTo(secure, port); },
         Qt::QueuedConnection);
@@ -53,7 +53,7 @@ QuotaExchange::QuotaExchange(const QuotaRequest &request, Limits limits, QObject
 QuotaExchange::~QuotaExchange()
 {
     if (m_socket != nullptr)
-        letGo();
+        closeSocket();
 }
 
 void QuotaExchange::connectTo(QSslSocket *secure, quint16 port)
@@ -69,7 +69,7 @@ void QuotaExchange::connectTo(QSslSocket *secure, quint16 port)
 
 void QuotaExchange::read()
 {
-    // The turn that was asked for below may come after the outcome.
+    // A call that was queued below may come after the outcome.
     if (m_socket == nullptr)
         return;
     m_reader.feed(m_socket->read(readAtATime));
@@ -77,10 +77,10 @@ void QuotaExchange::read()
         QMetaObject::invokeMethod(this, &QuotaExchange::read, Qt::QueuedConnection);
     else if (m_closed)
         m_reader.end();
-    judge();
+    checkResponse();
 }
 
-void QuotaExchange::takeError(QAbstractSocket::SocketError error)
+void QuotaExchange::handleError(QAbstractSocket::SocketError error)
 {
     if (m_socket == nullptr)
         return;
@@ -89,49 +89,49 @@ void QuotaExchange::takeError(QAbstractSocket::SocketError error)
         read();
         return;
     }
-    conclude(Failed{m_certificateFault.isEmpty() ? transportErrorText(transportErrorOf(error))
-                                                 : m_certificateFault});
+    finish(Failed{m_certificateFault.isEmpty() ? transportErrorText(transportErrorOf(error))
+                                               : m_certificateFault});
 }
 
-void QuotaExchange::judge()
+void QuotaExchange::checkResponse()
 {
     using State = HttpResponseReader::State;
-    // Not waiting for a body that does not matter: it may never end.
+    // The body of another status is not read: it may never end.
     if (m_reader.status() && m_reader.status() != 200) {
-        conclude(Refused{});
+        finish(Refused{});
         return;
     }
     switch (m_reader.state()) {
     case State::Unfinished:
         break;
-    case State::Whole:
-        conclude(Answered{m_reader.body()});
+    case State::Complete:
+        finish(Answered{m_reader.body()});
         break;
-    case State::TooLong:
-        conclude(Refused{});
+    case State::TooLarge:
+        finish(Refused{});
         break;
-    case State::Cut:
-        conclude(Failed{transportErrorText(TransportError::Lost)});
+    case State::Truncated:
+        finish(Failed{transportErrorText(TransportError::ConnectionLost)});
         break;
-    case State::Senseless:
-        conclude(Failed{transportErrorText(TransportError::Senseless)});
+    case State::Malformed:
+        finish(Failed{transportErrorText(TransportError::Malformed)});
         break;
     }
 }
 
-void QuotaExchange::conclude(const Outcome &outcome)
+void QuotaExchange::finish(const Outcome &outcome)
 {
     m_deadline.stop();
-    letGo();
+    closeSocket();
     Q_EMIT finished(outcome);
 }
 
-void QuotaExchange::letGo()
+void QuotaExchange::closeSocket()
 {
     m_socket->disconnect(this);
-    // At once: what still comes is nobody's.
+    // At once: nothing that still arrives is read.
     m_socket->abort();
-    // Not deleted: this may be one of its own signals.
+    // Not deleted here: this may run within one of the socket's own signals.
     m_socket->deleteLater();
     m_socket = nullptr;
 }

@@ -18,15 +18,15 @@ namespace brimwatch::service {
 
 struct QuotaRequest;
 
-/// One request to one daemon and what came of it. Ends with its object.
+/// One request to one daemon, and its outcome. Destroying the object ends it.
 ///
-/// All of it happens in the thread of the object, on a connection of its own. Whatever the daemon
-/// sends, and however fast: the connection is gone once the outcome is known, what is kept of the
-/// answer stays within the limits, and other events have their turn in between.
+/// Everything happens in the object's thread, on a connection of its own. Whatever the daemon
+/// sends, and however fast: the connection is closed once the outcome is known, no more of the
+/// answer is kept than the limits allow, and other events are handled in between.
 ///
-/// (Not QNetworkAccessManager. Qt 6.4 reads in a thread of its own for as long as bytes come, and
-/// ends a request only between two of them: an answer that floods outlives its request, fills the
-/// memory, and holds up every request after it.)
+/// Not QNetworkAccessManager: in Qt 6.4 it reads in a thread of its own for as long as bytes come,
+/// and ends a request only between two reads. An answer that never pauses outlives its request,
+/// fills the memory, and delays every later request.
 class QuotaExchange final : public QObject {
     Q_OBJECT
 
@@ -35,40 +35,40 @@ public:
     struct Answered {
         QByteArray body;
     };
-    /// Something answered, but with another status, or with more than a summary can be.
+    /// An answer came, but with another status, or with a body larger than a summary can be.
     struct Refused { };
-    /// No answer, or only a part of one: why, in words for the user.
+    /// No answer came, or only a part of one. The reason is a text for the user.
     struct Failed {
         QString reason;
     };
     using Outcome = std::variant<Answered, Refused, Failed>;
 
     struct Limits {
-        /// From now to the last byte.
+        /// From the start to the last byte.
         std::chrono::milliseconds time;
         qint64 body;
     };
 
-    /// Sends the request. It goes out once, whatever becomes of the connection.
+    /// Sends the request. It is sent only once, even if the connection fails.
     QuotaExchange(const QuotaRequest &request, Limits limits, QObject *parent = nullptr);
     ~QuotaExchange() override;
 
 Q_SIGNALS:
-    /// Comes once, never from within the constructor.
+    /// Emitted once, never from within the constructor.
     void finished(const brimwatch::service::QuotaExchange::Outcome &outcome);
 
 private:
     void connectTo(QSslSocket *secure, quint16 port);
     void read();
-    void takeError(QAbstractSocket::SocketError error);
-    void judge();
-    void conclude(const Outcome &outcome);
-    void letGo();
+    void handleError(QAbstractSocket::SocketError error);
+    void checkResponse();
+    void finish(const Outcome &outcome);
+    void closeSocket();
 
     QTcpSocket *m_socket = nullptr; ///< A child; null once the outcome is known.
     QTimer m_deadline;
     HttpResponseReader m_reader;
-    bool m_closed = false; ///< By the daemon. What it sent before may still have to be read.
+    bool m_closed = false; ///< By the daemon; what it sent before may not be read yet.
     QString m_certificateFault;
 };
 

@@ -24,20 +24,15 @@ public:
     ~Fetch() override
     {
         if (!m_finished)
-            finish(failure(DaemonError::Kind::noDaemonFound));
+            setResult(failure(DaemonError::Kind::noDaemonFound));
     }
-
-    Fetch(const Fetch &) = delete;
-    Fetch &operator=(const Fetch &) = delete;
-    Fetch(Fetch &&) = delete;
-    Fetch &operator=(Fetch &&) = delete;
 
     QFuture<FetchResult> future() { return m_promise.future(); }
 
     void start()
     {
         if (!m_client.m_discovery.directoryExists()) {
-            conclude(failure(DaemonError::Kind::directoryNotFound));
+            finish(failure(DaemonError::Kind::directoryNotFound));
             return;
         }
         m_candidates = m_client.m_discovery.discoverDaemons();
@@ -57,23 +52,23 @@ private:
             connect(exchange, &QuotaExchange::finished, this,
                 [this, exchange](const QuotaExchange::Outcome &outcome) {
                     exchange->deleteLater();
-                    take(outcome);
+                    handle(outcome);
                 });
             return;
         }
-        // A daemon that answered something else counts as none, so that only what could not be
-        // reached has a reason.
-        conclude(m_transportError.isNull()
+        // A daemon that answered something else counts as none. A transport error is the only
+        // reason that the user is given.
+        finish(m_transportError.isNull()
                 ? failure(DaemonError::Kind::noDaemonFound)
                 : failure(DaemonError::Kind::daemonUnreachable, m_transportError));
     }
 
-    void take(const QuotaExchange::Outcome &outcome)
+    void handle(const QuotaExchange::Outcome &outcome)
     {
         if (const auto *answer = std::get_if<QuotaExchange::Answered>(&outcome)) {
             if (auto summary = model::decodeAnswer(answer->body)) {
                 m_client.m_discovery.setLastSuccessfulUpdate(m_client.m_clock.now());
-                conclude(FetchedQuota{.summary = *std::move(summary), .daemon = m_asked});
+                finish(FetchedQuota{.summary = *std::move(summary), .daemon = m_asked});
                 return;
             }
         } else if (const auto *failed = std::get_if<QuotaExchange::Failed>(&outcome)) {
@@ -87,13 +82,13 @@ private:
         return fail(DaemonError{.kind = kind, .message = message, .lastUpdate = m_lastUpdated});
     }
 
-    void conclude(FetchResult result)
+    void finish(FetchResult result)
     {
-        finish(std::move(result));
+        setResult(std::move(result));
         deleteLater();
     }
 
-    void finish(FetchResult result)
+    void setResult(FetchResult result)
     {
         m_finished = true;
         m_promise.addResult(std::move(result));
@@ -127,7 +122,7 @@ QuotaFetchClient::QuotaFetchClient(
 
 QuotaFetchClient::~QuotaFetchClient()
 {
-    // While what they were given is still there.
+    // Each fetch refers to members of the client, so it must end before these do.
     const QObjectList fetches = children();
     qDeleteAll(fetches);
 }

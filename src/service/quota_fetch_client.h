@@ -15,17 +15,17 @@ namespace brimwatch::service {
 /// Asks one daemon after the other over the loopback address, in the order of discovery, until one
 /// answers with a summary.
 ///
-/// The token leaves for 127.0.0.1 alone: no proxy, no redirect. Nothing is kept between requests,
-/// and none is sent twice. Fetches that overlap know nothing of each other.
+/// The token is sent to 127.0.0.1 only: no proxy, no redirect. Nothing is kept between requests,
+/// and none is sent twice. Fetches that overlap are independent.
 class QuotaFetchClient final : public QObject, public QuotaFetching {
     Q_OBJECT
 
 public:
     struct Limits {
-        /// For one daemon, from the start to the last byte.
+        /// The timeout for one daemon, from the start to the last byte.
         std::chrono::milliseconds attempt{4000};
-        /// A longer body counts as one that makes no sense. Thousands of buckets fit, and what fits
-        /// is decoded before the next event.
+        /// A larger body counts as malformed. Thousands of buckets fit, and decoding as much delays
+        /// no other event noticeably.
         qint64 body = 1024LL * 1024;
     };
 
@@ -35,7 +35,7 @@ public:
         Limits limits, const QList<QSslCertificate> &trusted = {}, QObject *parent = nullptr);
     QuotaFetchClient(discovery::DaemonDiscoveryService &discovery, const Clock &clock,
         QObject *parent = nullptr);
-    /// What is still being fetched ends as `noDaemonFound`.
+    /// Fetches that are under way end as `noDaemonFound`.
     ~QuotaFetchClient() override;
 
     /// Looks for daemons before it returns; a success is noted with the discovery service.

@@ -27,10 +27,7 @@ class QuotaFetching {
 public:
     QuotaFetching() = default;
     virtual ~QuotaFetching() = default;
-    QuotaFetching(const QuotaFetching &) = delete;
-    QuotaFetching &operator=(const QuotaFetching &) = delete;
-    QuotaFetching(QuotaFetching &&) = delete;
-    QuotaFetching &operator=(QuotaFetching &&) = delete;
+    Q_DISABLE_COPY_MOVE(QuotaFetching)
 
     /// The future always finishes with a result. `lastUpdated` is the caller's last success, absent
     /// before the first; it travels in the error.

@@ -15,9 +15,9 @@ std::optional<QByteArray> tokenHeader(const std::optional<QString> &token)
     if (!token || token->isEmpty())
         return std::nullopt;
     QByteArray bytes = token->toUtf8();
-    // These end a header: what follows would be read as one of its own.
-    constexpr std::array unspeakable{'\r', '\n', '\0'};
-    for (const char c : unspeakable)
+    // These end a header field: what follows would be read as another one.
+    constexpr std::array forbidden{'\r', '\n', '\0'};
+    for (const char c : forbidden)
         if (bytes.contains(c))
             return std::nullopt;
     return bytes;
@@ -26,8 +26,7 @@ std::optional<QByteArray> tokenHeader(const std::optional<QString> &token)
 QSslConfiguration secureConfiguration(const QList<QSslCertificate> &trusted)
 {
     auto configuration = QSslConfiguration::defaultConfiguration();
-    // Naming any authority ends the loading of the system's on demand, so that they have to be
-    // named as well.
+    // Once any authority is set, Qt no longer loads the system's on demand: they are set as well.
     if (!trusted.isEmpty())
         configuration.setCaCertificates(QSslConfiguration::systemCaCertificates() + trusted);
     return configuration;

@@ -15,24 +15,24 @@ namespace brimwatch::service {
 /// What the daemon is sent: an empty JSON object.
 inline constexpr QByteArrayView quotaRequestBody{"{}"};
 
-/// Where the daemon is asked: on its plain port, which is preferred on purpose, else on its secure
-/// one. Absent without either, and when the port makes no address.
+/// Where the daemon is asked: on its plain port, else on its secure one. Deliberate: the plain port
+/// comes first. Absent without either, and when the port is no valid one.
 std::optional<QUrl> quotaUrl(const discovery::DaemonInfo &daemon);
 
 /// What goes to 127.0.0.1, and how.
 struct QuotaRequest {
     quint16 port = 0;
-    QByteArray bytes; ///< As they go over the wire, the body included.
-    /// What makes a certificate good; absent when the daemon is asked without TLS.
+    QByteArray bytes; ///< The whole request, with its body.
+    /// Absent when the daemon is asked without TLS.
     std::optional<QSslConfiguration> security;
 };
 
 /// The request for the daemon's quota. Absent when the daemon cannot be asked: without an address,
 /// without a token, or with a token that no header can carry.
 ///
-/// It asks for no compression, and for the connection to be closed behind the answer. `trusted` are
-/// authorities beside the system's own; the TLS library is loaded only for a daemon that is asked
-/// securely.
+/// It asks for an answer without compression, and for the connection to be closed afterwards.
+/// `trusted` are authorities beside the system's own. The TLS library is loaded only for a daemon
+/// that is asked over https.
 std::optional<QuotaRequest> quotaRequest(
     const discovery::DaemonInfo &daemon, const QList<QSslCertificate> &trusted);
 

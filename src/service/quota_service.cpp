@@ -1,8 +1,8 @@
 #include "service/quota_service.h"
 
 #include "core/when_done.h"
-#include "service/launch_at_login.h"
-#include "service/low_quota_alerting.h"
+#include "service/launch_at_login_service.h"
+#include "service/low_quota_alerts.h"
 
 #include <QTimer>
 
@@ -17,10 +17,10 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr double shortestRefreshInterval = 10.0;
-// What a timer that counts milliseconds in 32 bits can hold, about 24 days.
+// The longest that a timer with 32 bits of milliseconds can hold, about 24 days.
 constexpr double longestRefreshInterval = std::numeric_limits<qint32>::max() / 1000.0;
 
-/// The port that the daemon was asked on.
+/// The port on which the daemon was asked.
 std::int64_t askedPort(const discovery::DaemonInfo &daemon)
 {
     return daemon.httpPort.value_or(daemon.httpsPort.value_or(0));
@@ -42,10 +42,10 @@ QuotaService::QuotaService(const Dependencies &dependencies, QObject *parent)
     if (m_alerts != nullptr)
         m_alerts->requestNotificationPermission();
     if (m_launchAtLogin != nullptr) {
-        connect(m_launchAtLogin, &LaunchAtLogin::objectWillChange, this,
+        connect(m_launchAtLogin, &LaunchAtLoginService::objectWillChange, this,
             &QuotaService::objectWillChange);
         connect(
-            m_launchAtLogin, &LaunchAtLogin::changed, this, &QuotaService::launchAtLoginChanged);
+            m_launchAtLogin, &LaunchAtLoginService::changed, this, &QuotaService::launchAtLoginChanged);
     }
     QTimer::singleShot(0, this, &QuotaService::refresh);
 }
@@ -115,13 +115,12 @@ void QuotaService::announce()
 
 void QuotaService::refresh()
 {
-    // Tested and set without a turn of the event loop in between: the only guard, and a sufficient
-    // one.
+    // The only guard against overlapping refreshes. It suffices, as it is tested and set without a
+    // turn of the event loop in between.
     if (m_isRefreshing)
         return;
     change(&QuotaService::m_isRefreshing, true, &QuotaService::isRefreshingChanged);
-    // Cleared before the answer is known, so that an offline view without data shows that something
-    // is under way.
+    // Cleared before the answer is known, so that an offline view without data shows the refresh.
     changeState(&QuotaService::m_errorMessage, std::optional<QString>(),
         &QuotaService::errorMessageChanged);
     whenDone(m_fetching.fetchQuotaSummary(m_lastUpdated), this,
@@ -197,7 +196,7 @@ double QuotaService::refreshInterval() const
 void QuotaService::setRefreshInterval(double seconds)
 {
     changeSetting(settings::refreshInterval,
-        std::isfinite(seconds) ? seconds : settings::refreshInterval.fallback,
+        std::isfinite(seconds) ? seconds : settings::refreshInterval.defaultValue,
         &QuotaService::refreshIntervalChanged);
 }
 
@@ -272,7 +271,7 @@ double QuotaService::lowQuotaThreshold() const
 void QuotaService::setLowQuotaThreshold(double percent)
 {
     changeSetting(settings::lowQuotaThreshold,
-        std::isfinite(percent) ? percent : settings::lowQuotaThreshold.fallback,
+        std::isfinite(percent) ? percent : settings::lowQuotaThreshold.defaultValue,
         &QuotaService::lowQuotaThresholdChanged);
 }
 

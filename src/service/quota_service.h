@@ -18,8 +18,8 @@
 
 namespace brimwatch::service {
 
-class LaunchAtLogin;
-class LowQuotaAlerting;
+class LaunchAtLoginService;
+class LowQuotaAlerts;
 
 /// The one observable model of the program: the latest quota, the connection, the settings, and the
 /// refreshes that keep them current. Everything happens on the main thread.
@@ -29,11 +29,6 @@ class LowQuotaAlerting;
 /// what already holds is no change.
 class QuotaService final : public QObject {
     Q_OBJECT
-    Q_PROPERTY(brimwatch::service::ConnectionStatus connectionStatus READ connectionStatus NOTIFY
-            connectionStatusChanged FINAL)
-    Q_PROPERTY(bool isRefreshing READ isRefreshing NOTIFY isRefreshingChanged FINAL)
-    Q_PROPERTY(QDateTime currentTime READ currentTime NOTIFY currentTimeChanged FINAL)
-
     Q_PROPERTY(double refreshInterval READ refreshInterval WRITE setRefreshInterval NOTIFY
             refreshIntervalChanged FINAL)
     Q_PROPERTY(bool showPercentageInMenuBar READ showPercentageInMenuBar WRITE
@@ -60,14 +55,14 @@ class QuotaService final : public QObject {
             toolbarLabelStyleChanged FINAL)
 
 public:
-    /// What the service stands on. The pointers may be null: a program without alerts or without a
-    /// login item has none. Everything outlives the service.
+    /// What the service uses. The pointers are null in a program without alerts or without a login
+    /// item. Everything outlives the service.
     struct Dependencies {
         Clock &clock;
         QuotaFetching &fetching;
         SettingsStore &settings;
-        LowQuotaAlerting *alerts = nullptr;
-        LaunchAtLogin *launchAtLogin = nullptr;
+        LowQuotaAlerts *alerts = nullptr;
+        LaunchAtLoginService *launchAtLogin = nullptr;
     };
 
     /// Starts the timers and a first refresh, which runs with the next turn of the event loop.
@@ -83,12 +78,12 @@ public:
     /// Set each second.
     const QDateTime &currentTime() const { return m_currentTime; }
 
-    /// Fetches the quota, unless a fetch is under way: then the request is dropped.
-    Q_INVOKABLE void refresh();
+    /// Fetches the quota. Does nothing while a fetch is under way.
+    void refresh();
 
-    /// Stores the interval in seconds and starts the refresh timer anew with it. Storing it by any
-    /// other way leaves the timer alone.
-    Q_INVOKABLE void updateRefreshInterval(double seconds);
+    /// Stores the interval in seconds and restarts the refresh timer with it. Deliberate:
+    /// setRefreshInterval() alone does not restart the timer.
+    void updateRefreshInterval(double seconds);
     void startPeriodicRefresh();
     void startSecondTick();
 
@@ -195,8 +190,8 @@ private:
     Clock &m_clock;
     QuotaFetching &m_fetching;
     SettingsStore &m_settings;
-    LowQuotaAlerting *m_alerts;
-    LaunchAtLogin *m_launchAtLogin;
+    LowQuotaAlerts *m_alerts;
+    LaunchAtLoginService *m_launchAtLogin;
 
     std::optional<model::QuotaSummary> m_quotaSummary;
     std::optional<discovery::DaemonInfo> m_activeDaemon;

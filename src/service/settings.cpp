@@ -25,7 +25,7 @@ std::optional<bool> asBool(const QVariant &value)
 {
     if (value.typeId() == QMetaType::Bool)
         return value.toBool();
-    // Some stores know no other truth than 1.
+    // Some stores keep true as 1.
     if (isNumber(value))
         return value.toDouble() != 0;
     if (value.typeId() == QMetaType::QString) {
@@ -49,8 +49,8 @@ std::optional<double> asNumber(const QVariant &value)
     return number;
 }
 
-/// Whether the store can read that file in bounded time and memory: no pipe, device or folder. One
-/// that is not there yet can be.
+/// Whether the store can read that file in bounded time and memory: no pipe, device or folder. A
+/// file that does not exist yet is fine.
 bool isReadable(const QString &fileName)
 {
     constexpr qint64 largestFile = 1024LL * 1024;
@@ -66,16 +66,15 @@ SettingsStore::SettingsStore()
     if (isReadable(folder % u"/brimwatch/brimwatch.conf"_s)) {
         m_store = std::make_unique<QSettings>(
             QSettings::NativeFormat, QSettings::UserScope, u"brimwatch"_s, u"brimwatch"_s);
-        // The settings are the user's alone: what else the system may say under these names is not
-        // asked.
+        // Only the user's own file counts, no system-wide one of the same name.
         m_store->setFallbacksEnabled(false);
     }
 }
 
 SettingsStore::SettingsStore(const UserDefaults &store)
 {
-    // The toolkit makes a domain of the organisation's, which it turns round, and the program's
-    // name.
+    // QSettings builds the domain from the organization's domain, which it reverses, and the
+    // program's name.
     QStringList parts = store.domain.split(u'.');
     const QString program = parts.takeLast();
     std::reverse(parts.begin(), parts.end());
@@ -94,20 +93,20 @@ SettingsStore::~SettingsStore() = default;
 
 bool SettingsStore::value(const Setting<bool> &setting) const
 {
-    return asBool(stored(setting.key)).value_or(setting.fallback);
+    return asBool(stored(setting.key)).value_or(setting.defaultValue);
 }
 
 double SettingsStore::value(const Setting<double> &setting) const
 {
-    return asNumber(stored(setting.key)).value_or(setting.fallback);
+    return asNumber(stored(setting.key)).value_or(setting.defaultValue);
 }
 
 QString SettingsStore::value(const Setting<const char *> &setting) const
 {
     const QVariant value = stored(setting.key);
-    // A list is what the file's format makes of a text with commas.
+    // The INI format reads an unquoted text with commas as a list: that is no text.
     return value.typeId() == QMetaType::QString ? value.toString()
-                                                : QString::fromLatin1(setting.fallback);
+                                                : QString::fromLatin1(setting.defaultValue);
 }
 
 void SettingsStore::setValue(const Setting<bool> &setting, bool value)
@@ -117,7 +116,7 @@ void SettingsStore::setValue(const Setting<bool> &setting, bool value)
 
 void SettingsStore::setValue(const Setting<double> &setting, double value)
 {
-    store(setting.key, std::isfinite(value) ? value : setting.fallback);
+    store(setting.key, std::isfinite(value) ? value : setting.defaultValue);
 }
 
 void SettingsStore::setValue(const Setting<const char *> &setting, const QString &value)

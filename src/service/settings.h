@@ -11,39 +11,43 @@ class QSettings;
 
 namespace brimwatch::service {
 
-/// One setting: its key and what counts when the store has none or one that makes no sense.
+/// One setting: its key, and its value when the store has none or an invalid one.
 template <typename T> struct Setting {
     const char *key;
-    T fallback;
+    T defaultValue;
 };
 
 namespace settings {
 
 inline constexpr Setting<double> refreshInterval{
-    .key = "refreshInterval", .fallback = 60.0}; ///< Seconds; applied with a floor of 10.
+    .key = "refreshInterval", .defaultValue = 60.0}; ///< Seconds; applied with a floor of 10.
 inline constexpr Setting<bool> showPercentageInMenuBar{
-    .key = "showPercentageInMenuBar", .fallback = true};
+    .key = "showPercentageInMenuBar", .defaultValue = true};
 inline constexpr Setting<bool> showFiveHourInMenuBar{
-    .key = "showFiveHourInMenuBar", .fallback = true};
-inline constexpr Setting<bool> showWeeklyInMenuBar{.key = "showWeeklyInMenuBar", .fallback = true};
-inline constexpr Setting<bool> showIconInMenuBar{.key = "showIconInMenuBar", .fallback = true};
+    .key = "showFiveHourInMenuBar", .defaultValue = true};
+inline constexpr Setting<bool> showWeeklyInMenuBar{
+    .key = "showWeeklyInMenuBar", .defaultValue = true};
+inline constexpr Setting<bool> showIconInMenuBar{.key = "showIconInMenuBar", .defaultValue = true};
 inline constexpr Setting<bool> useColoredStatusIndicator{
-    .key = "useColoredStatusIndicator", .fallback = true};
-inline constexpr Setting<bool> notifyOnLowQuota{.key = "notifyOnLowQuota", .fallback = true};
+    .key = "useColoredStatusIndicator", .defaultValue = true};
+inline constexpr Setting<bool> notifyOnLowQuota{.key = "notifyOnLowQuota", .defaultValue = true};
 inline constexpr Setting<double> lowQuotaThreshold{
-    .key = "lowQuotaThreshold", .fallback = 20.0}; ///< Percent.
-inline constexpr Setting<bool> showGeminiInToolbar{.key = "showGeminiInToolbar", .fallback = true};
-inline constexpr Setting<bool> showArgonInToolbar{.key = "showArgonInToolbar", .fallback = false};
-inline constexpr Setting<bool> showClaudeInToolbar{.key = "showClaudeInToolbar", .fallback = false};
+    .key = "lowQuotaThreshold", .defaultValue = 20.0}; ///< Percent.
+inline constexpr Setting<bool> showGeminiInToolbar{
+    .key = "showGeminiInToolbar", .defaultValue = true};
+inline constexpr Setting<bool> showArgonInToolbar{
+    .key = "showArgonInToolbar", .defaultValue = false};
+inline constexpr Setting<bool> showClaudeInToolbar{
+    .key = "showClaudeInToolbar", .defaultValue = false};
 inline constexpr Setting<const char *> toolbarLabelStyle{
-    .key = "toolbarLabelStyle", .fallback = "letter"};
+    .key = "toolbarLabelStyle", .defaultValue = "letter"};
 
 } // namespace settings
 
-/// The user's settings, read on each access and written on each change. A value of the wrong type,
-/// one that is no finite number, or none counts as the default; a text that says a value ("true",
-/// "1", "20") is that value. A store that cannot be read or written costs what it held, never the
-/// program: what is set then holds until the program ends.
+/// The user's settings, read on each access and written on each change. A value that is missing,
+/// has the wrong type or is no finite number is the default; a text that spells a value ("true",
+/// "1", "20") is that value. When the store cannot be read or written, settings are kept until the
+/// program ends.
 class SettingsStore {
 public:
     /// The user's own store: on Linux brimwatch/brimwatch.conf in the user's configuration folder.
@@ -57,17 +61,14 @@ public:
     /// A store in a file of its own, for tests.
     explicit SettingsStore(const QString &iniFile);
     ~SettingsStore();
-    SettingsStore(const SettingsStore &) = delete;
-    SettingsStore &operator=(const SettingsStore &) = delete;
-    SettingsStore(SettingsStore &&) = delete;
-    SettingsStore &operator=(SettingsStore &&) = delete;
+    Q_DISABLE_COPY_MOVE(SettingsStore)
 
     bool value(const Setting<bool> &setting) const;
     double value(const Setting<double> &setting) const;
     QString value(const Setting<const char *> &setting) const;
 
     void setValue(const Setting<bool> &setting, bool value);
-    /// What is no finite number is stored as the default.
+    /// A number that is not finite is stored as the default.
     void setValue(const Setting<double> &setting, double value);
     void setValue(const Setting<const char *> &setting, const QString &value);
 
@@ -78,7 +79,7 @@ private:
     QVariant stored(const char *key) const;
     void store(const char *key, const QVariant &value);
 
-    std::unique_ptr<QSettings> m_store; ///< Null when the file is nothing that can hold settings.
+    std::unique_ptr<QSettings> m_store; ///< Null when the file cannot be used.
     QHash<QByteArray, QVariant> m_unsaved; ///< Used without a store.
 };
 

@@ -41,19 +41,19 @@ TransportError transportErrorOf(QAbstractSocket::SocketError error)
     case QAbstractSocket::ConnectionRefusedError:
         return TransportError::Refused;
     case QAbstractSocket::RemoteHostClosedError:
-        return TransportError::Lost;
+        return TransportError::ConnectionLost;
     case QAbstractSocket::SocketTimeoutError:
         return TransportError::TimedOut;
-    // A host out of reach, a connection that a rule forbids, too many connections.
+    // The host is out of reach, a firewall forbids the connection, or there are too many.
     case QAbstractSocket::NetworkError:
     case QAbstractSocket::SocketAccessError:
     case QAbstractSocket::SocketResourceError:
         return TransportError::Unreachable;
-    // The latter two: there is no TLS library, or it does not like what it was told.
+    // The latter two: there is no TLS library, or it rejects its configuration.
     case QAbstractSocket::SslHandshakeFailedError:
     case QAbstractSocket::SslInternalError:
     case QAbstractSocket::SslInvalidUserDataError:
-        return TransportError::Insecure;
+        return TransportError::TlsFailed;
     default:
         return TransportError::Other;
     }
@@ -64,15 +64,15 @@ QString transportErrorText(TransportError error)
     switch (error) {
     case TransportError::Refused:
         return u"Could not connect to the server."_s;
-    case TransportError::Lost:
+    case TransportError::ConnectionLost:
         return u"The network connection was lost."_s;
     case TransportError::TimedOut:
         return u"The request timed out."_s;
     case TransportError::Unreachable:
         return u"The server could not be reached."_s;
-    case TransportError::Insecure:
+    case TransportError::TlsFailed:
         return u"A secure connection to the server could not be made."_s;
-    case TransportError::Senseless:
+    case TransportError::Malformed:
         return u"The server's answer made no sense."_s;
     case TransportError::Other:
         break;
@@ -82,7 +82,7 @@ QString transportErrorText(TransportError error)
 
 QString certificateFaultText(const QList<QSslError> &faults)
 {
-    // In the order of the faults, the order of the table only tells them apart.
+    // The order of the faults decides, not that of the table.
     for (const QSslError &fault : faults) {
         const auto *row = std::find_if(certificateFaultTexts.begin(), certificateFaultTexts.end(),
             [&fault](const CertificateFaultText &candidate) {

@@ -15,7 +15,7 @@ class SymbolSource;
 } // namespace platform
 namespace service {
 class Diagnostics;
-class LaunchAtLogin;
+class LaunchAtLoginService;
 class QuotaService;
 } // namespace service
 } // namespace brimwatch
@@ -29,7 +29,7 @@ struct PopoverDependencies {
     const platform::SymbolSource &symbols;
     platform::Opener &opener;
     platform::Pasteboard &pasteboard;
-    service::LaunchAtLogin &launchAtLogin;
+    service::LaunchAtLoginService &launchAtLogin;
     const service::Diagnostics &diagnostics;
     std::function<void()> terminate; ///< Ends the program.
     std::function<void()> close; ///< Closes the popover, as Escape on the dashboard does.

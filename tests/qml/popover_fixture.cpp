@@ -27,12 +27,7 @@ void collect(QQuickItem *item, const QString &name, QList<QQuickItem *> &found)
 } // namespace
 
 PopoverFixture::PopoverFixture()
-    : clock(sampleNow())
-    , settings(folder.filePath(u"settings.ini"_s))
-    , service({.clock = clock,
-          .fetching = fetching,
-          .settings = settings,
-          .launchAtLogin = &launchAtLogin})
+    : ServiceFixture(sampleNow())
     , diagnostics(service,
           {.version = u"1.2.3"_s, .build = u"45"_s, .systemVersion = u"Debian 12, Linux 6.1"_s},
           u"/home/sample"_s)

@@ -4,23 +4,18 @@
 #include "platform/popover_content.h"
 #include "qml/fakes.h"
 #include "service/diagnostics.h"
-#include "service/quota_service.h"
-#include "service/settings.h"
-#include "support/fake_fetching.h"
-#include "support/fake_launch_at_login.h"
-#include "support/test_clock.h"
+#include "support/service_fixture.h"
 #include "views/models/popover_model.h"
 
 #include <QQuickItem>
 #include <QQuickWindow>
-#include <QTemporaryDir>
 
 #include <memory>
 
 namespace brimwatch::test {
 
 /// The real popover on a service that talks to nobody.
-class PopoverFixture {
+class PopoverFixture : public ServiceFixture {
 public:
     PopoverFixture();
     ~PopoverFixture();
@@ -55,12 +50,6 @@ public:
     /// The middle of an item, in the window.
     QPoint middle(const QString &name) const;
 
-    QTemporaryDir folder;
-    TestClock clock;
-    FakeFetching fetching;
-    service::SettingsStore settings;
-    FakeLaunchAtLogin launchAtLogin;
-    service::QuotaService service;
     service::Diagnostics diagnostics;
     FakeAppearance appearance;
     platform::SvgSymbols symbols;

@@ -154,16 +154,16 @@ private Q_SLOTS:
 
     void theLoginItemIsAskedEachTimeTheSettingsAreShown()
     {
-        QCOMPARE(m_fixture->launchAtLogin.refreshed, 0);
+        const int before = m_fixture->loginItem.asked;
         m_fixture->showSettings();
-        QCOMPARE(m_fixture->launchAtLogin.refreshed, 1);
+        QCOMPARE(m_fixture->loginItem.asked, before + 1);
         m_fixture->hide();
         m_fixture->show();
-        QCOMPARE(m_fixture->launchAtLogin.refreshed, 2);
+        QCOMPARE(m_fixture->loginItem.asked, before + 2);
         QTest::keyClick(&m_fixture->window(), Qt::Key_Escape);
         m_fixture->hide();
         m_fixture->show();
-        QCOMPARE(m_fixture->launchAtLogin.refreshed, 2);
+        QCOMPARE(m_fixture->loginItem.asked, before + 2);
     }
 
     void eachSwitchIsBoundToItsSetting_data()
@@ -203,11 +203,11 @@ private Q_SLOTS:
 
     void aLoginItemThatRefusesPutsTheSwitchBack()
     {
-        m_fixture->launchAtLogin.refuses = true;
+        m_fixture->loginItem.afterwards = platform::LoginItem::Status::notRegistered;
         m_fixture->showSettings();
         click(*m_fixture, u"launchAtLogin"_s);
         QVERIFY(!isOn(*m_fixture, u"launchAtLogin"_s));
-        m_fixture->launchAtLogin.become(true, false);
+        m_fixture->setLoginItem(platform::LoginItem::Status::enabled);
         QVERIFY(isOn(*m_fixture, u"launchAtLogin"_s));
     }
 
@@ -215,12 +215,12 @@ private Q_SLOTS:
     {
         m_fixture->showSettings();
         QVERIFY(m_fixture->item(u"approvalText"_s) == nullptr);
-        m_fixture->launchAtLogin.become(true, true);
+        m_fixture->setLoginItem(platform::LoginItem::Status::requiresApproval);
         QCOMPARE(m_fixture->text(u"approvalText"_s), platform::wording().requiresApproval);
         QCOMPARE(platform::wording(platform::DesktopFamily::macOS).requiresApproval,
             u"Requires approval in macOS System Settings."_s);
         click(*m_fixture, u"openLoginSettings"_s);
-        QCOMPARE(m_fixture->launchAtLogin.settingsOpened, 1);
+        QCOMPARE(m_fixture->loginItem.settingsOpened, 1);
     }
 
     void withoutAnyModelANoteSaysThatTheIconIsAlone()

@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QPromise>
+#include <QStringList>
 
 #include <memory>
 #include <vector>
@@ -16,6 +17,8 @@ public:
     QFuture<service::FetchResult> fetchQuotaSummary(
         const std::optional<QDateTime> &lastUpdated) override
     {
+        if (log != nullptr)
+            log->append(QStringLiteral("fetch"));
         asked.push_back(lastUpdated);
         m_open.push_back(std::make_unique<QPromise<service::FetchResult>>());
         m_open.back()->start();
@@ -33,7 +36,8 @@ public:
 
     bool isWaiting() const { return !m_open.empty(); }
 
-    std::vector<std::optional<QDateTime>> asked; ///< What each fetch was told of the last success.
+    std::vector<std::optional<QDateTime>> asked; ///< The caller's last success, for each fetch.
+    QStringList *log = nullptr; ///< Where calls are written down, if anywhere.
 
 private:
     std::vector<std::unique_ptr<QPromise<service::FetchResult>>> m_open;

@@ -13,12 +13,14 @@ public:
         , m_action(std::move(action))
         , m_next(clock.now().addMSecs(interval.count()))
     {
+        note(QString());
     }
-    ~Timer() override { std::erase(m_clock.m_timers, this); }
-    Timer(const Timer &) = delete;
-    Timer &operator=(const Timer &) = delete;
-    Timer(Timer &&) = delete;
-    Timer &operator=(Timer &&) = delete;
+    ~Timer() override
+    {
+        std::erase(m_clock.m_timers, this);
+        note(QStringLiteral("end of "));
+    }
+    Q_DISABLE_COPY_MOVE(Timer)
 
     std::chrono::milliseconds interval() const override { return m_interval; }
     const QDateTime &next() const { return m_next; }
@@ -32,6 +34,13 @@ public:
     }
 
 private:
+    void note(const QString &event) const
+    {
+        const auto seconds = std::chrono::duration<double>(m_interval).count();
+        if (m_clock.log != nullptr)
+            m_clock.log->append(event + QStringLiteral("timer ") + QString::number(seconds));
+    }
+
     TestClock &m_clock;
     std::chrono::milliseconds m_interval;
     std::function<void()> m_action;

@@ -3,6 +3,7 @@
 #include "core/clock.h"
 
 #include <QDateTime>
+#include <QStringList>
 
 #include <functional>
 #include <memory>
@@ -10,8 +11,7 @@
 
 namespace brimwatch::test {
 
-/// A clock whose hands the test turns; its timers fire while they turn, in the order of their
-/// times.
+/// A clock that the test sets; its timers fire while it advances, in the order of their times.
 class TestClock final : public Clock {
 public:
     explicit TestClock(QDateTime now);
@@ -23,6 +23,10 @@ public:
 
     void advance(std::chrono::milliseconds by);
     void setNow(const QDateTime &now) { m_now = now; }
+
+    /// Where the start and the end of each timer is written down, if anywhere: "timer 60" and "end
+    /// of timer 60".
+    QStringList *log = nullptr;
 
     /// The periods of the timers that run, in the order in which they were started.
     std::vector<std::chrono::milliseconds> periods() const;

@@ -81,7 +81,7 @@ QList<Scenario> scenarios()
             .prepare =
                 [](PopoverFixture &f) {
                     showSettings(f);
-                    f.launchAtLogin.become(true, true);
+                    f.setLoginItem(platform::LoginItem::Status::requiresApproval);
                     QTest::keyClick(&f.window(), Qt::Key_PageDown);
                 }},
         {.name = u"settings-end"_s,
@@ -95,7 +95,7 @@ QList<Scenario> scenarios()
                 [](PopoverFixture &f) {
                     f.service.setShowGeminiInToolbar(false);
                     f.service.setRefreshInterval(77);
-                    f.launchAtLogin.become(true, true);
+                    f.setLoginItem(platform::LoginItem::Status::requiresApproval);
                     showSettings(f);
                 }},
         {.name = u"settings-picker"_s,

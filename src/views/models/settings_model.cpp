@@ -5,7 +5,7 @@
 #include "platform/pasteboard.h"
 #include "platform/wording.h"
 #include "service/diagnostics.h"
-#include "service/launch_at_login.h"
+#include "service/launch_at_login_service.h"
 #include "views/models/quota_entries.h"
 
 #include <QUrl>
@@ -53,7 +53,7 @@ SettingsModel::SettingsModel(Dependencies dependencies, QObject *parent)
 {
     using service::QuotaService;
     const auto *quotaService = &m_dependencies.quotaService;
-    connect(&m_dependencies.launchAtLogin, &service::LaunchAtLogin::changed, this,
+    connect(&m_dependencies.launchAtLogin, &service::LaunchAtLoginService::changed, this,
         &SettingsModel::launchAtLoginChanged);
     connect(quotaService, &QuotaService::toolbarLabelStyleChanged, this,
         &SettingsModel::labelStyleChanged);

@@ -17,7 +17,7 @@ class Pasteboard;
 
 namespace brimwatch::service {
 class Diagnostics;
-class LaunchAtLogin;
+class LaunchAtLoginService;
 } // namespace brimwatch::service
 
 namespace brimwatch::views {
@@ -46,7 +46,7 @@ public:
     /// Everything outlives the model.
     struct Dependencies {
         service::QuotaService &quotaService;
-        service::LaunchAtLogin &launchAtLogin;
+        service::LaunchAtLoginService &launchAtLogin;
         const service::Diagnostics &diagnostics;
         platform::Opener &opener;
         platform::Pasteboard &pasteboard;

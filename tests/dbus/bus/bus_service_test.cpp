@@ -3,20 +3,18 @@
 #include "platform/linux/bus/bus_service.h"
 #include "platform/linux/bus/bus_state.h"
 #include "service/diagnostics.h"
-#include "service/quota_service.h"
-#include "support/fake_fetching.h"
 #include "support/fake_watcher.h"
 #include "support/quota_samples.h"
-#include "support/test_clock.h"
+#include "support/service_fixture.h"
 
 #include <QDBusArgument>
 #include <QDBusError>
 #include <QDBusPendingCall>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
+#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch;
@@ -98,27 +96,21 @@ class BusServiceTest : public QObject {
 private Q_SLOTS:
     void init()
     {
-        m_home = std::make_unique<QTemporaryDir>();
-        m_settings = std::make_unique<service::SettingsStore>(m_home->filePath(u"settings.ini"_s));
-        m_clock = std::make_unique<test::TestClock>(
-            QDateTime(QDate(2026, 11, 16), QTime(9, 0), Qt::UTC));
-        m_fetching = std::make_unique<test::FakeFetching>();
+        m_fixture.emplace();
         m_bus = std::make_unique<BusService>(QDBusConnection::sessionBus(), u"1.2.3"_s);
-        m_service = std::make_unique<service::QuotaService>(service::QuotaService::Dependencies{
-            .clock = *m_clock, .fetching = *m_fetching, .settings = *m_settings});
-        m_diagnostics = std::make_unique<service::Diagnostics>(*m_service,
+        m_diagnostics = std::make_unique<service::Diagnostics>(m_fixture->service,
             platform::AppInformation{
                 .version = u"1.2.3"_s, .build = {}, .systemVersion = u"Debian"_s},
-            m_home->path());
+            m_fixture->folder.path());
         m_access = std::make_unique<app::RemoteAccess>(
-            *m_service, *m_diagnostics, *m_bus, u"/home/someone"_s);
+            m_fixture->service, *m_diagnostics, *m_bus, u"/home/someone"_s);
         m_reader = std::make_unique<Reader>();
     }
     void cleanup()
     {
         m_access.reset();
         m_diagnostics.reset();
-        m_service.reset();
+        m_fixture.reset();
         m_bus.reset();
         m_reader.reset();
     }
@@ -133,9 +125,9 @@ private Q_SLOTS:
         QCOMPARE(properties[u"Version"_s], QVariant(u"1.2.3"_s));
         QCOMPARE(properties[u"State"_s], QVariant(u"connected"_s));
         QCOMPARE(properties[u"Port"_s], QVariant(4711U));
-        QCOMPARE(properties[u"LastUpdate"_s], QVariant(m_clock->now().toSecsSinceEpoch()));
+        QCOMPARE(properties[u"LastUpdate"_s], QVariant(m_fixture->clock.now().toSecsSinceEpoch()));
         QCOMPARE(properties[u"Error"_s], QVariant(u""_s));
-        QCOMPARE(properties[u"Title"_s], QVariant(m_service->menuBarTitle()));
+        QCOMPARE(properties[u"Title"_s], QVariant(m_fixture->service.menuBarTitle()));
         const auto lowest = qdbus_cast<QVariantMap>(properties[u"Lowest"_s]);
         QCOMPARE(lowest[u"percentage"_s], QVariant(15.0));
         QCOMPARE(lowest[u"tier"_s], QVariant(u"critical"_s));
@@ -171,8 +163,8 @@ private Q_SLOTS:
                 u"State"_s, u"Title"_s}));
         m_reader->forget();
 
-        m_clock->setNow(m_clock->now().addSecs(5));
-        m_service->refresh();
+        m_fixture->clock.setNow(m_fixture->clock.now().addSecs(5));
+        m_fixture->service.refresh();
         answer(0.45, 0.4);
         const auto changes = m_reader->changes();
         QCOMPARE(changes.size(), 1);
@@ -185,7 +177,7 @@ private Q_SLOTS:
         answer(0.5, 0.4);
         QCOMPARE(m_reader->changes().size(), 1);
         m_reader->forget();
-        m_clock->advance(30s);
+        m_fixture->clock.advance(30s);
         QCoreApplication::processEvents();
         QVERIFY(m_reader->changes().isEmpty());
     }
@@ -193,11 +185,11 @@ private Q_SLOTS:
     void anOfflineDaemonIsToldOnceHoweverOftenItIsAsked()
     {
         for (int i = 0; i < 5; ++i) {
-            QTRY_VERIFY(m_fetching->isWaiting());
-            m_fetching->answer(fail(discovery::DaemonError{}));
-            QTRY_VERIFY(!m_service->isRefreshing());
+            QTRY_VERIFY(m_fixture->fetching.isWaiting());
+            m_fixture->fetching.answer(fail(discovery::DaemonError{}));
+            QTRY_VERIFY(!m_fixture->service.isRefreshing());
             m_reader->changes();
-            m_service->refresh();
+            m_fixture->service.refresh();
         }
         const auto changes = m_reader->changes();
         QCOMPARE(changes.size(), 1);
@@ -210,20 +202,20 @@ private Q_SLOTS:
         answer(0.4, 0.5);
         m_reader->changes();
         m_reader->forget();
-        m_service->setShowWeeklyInMenuBar(false);
+        m_fixture->service.setShowWeeklyInMenuBar(false);
         const auto changes = m_reader->changes();
         QCOMPARE(changes.size(), 1);
         QCOMPARE(sortedKeys(changes[0]), (QStringList{u"Items"_s, u"Title"_s}));
-        m_service->setLowQuotaThreshold(30);
+        m_fixture->service.setLowQuotaThreshold(30);
         QCOMPARE(m_reader->changes().size(), 1);
     }
 
     void callsDuringARefreshJoinIt()
     {
         answer(0.5, 0.4);
-        const auto asked = m_fetching->asked.size();
+        const auto asked = m_fixture->fetching.asked.size();
         const auto first = m_reader->start(u"Refresh"_s);
-        QTRY_VERIFY(m_fetching->isWaiting());
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
         const auto second = m_reader->start(u"Refresh"_s);
         const auto third = m_reader->start(u"Refresh"_s);
         m_reader->properties();
@@ -232,7 +224,7 @@ private Q_SLOTS:
         QTRY_VERIFY(first.isFinished() && second.isFinished() && third.isFinished());
         for (const auto &call : {first, second, third})
             QCOMPARE(call.reply().type(), QDBusMessage::ReplyMessage);
-        QCOMPARE(m_fetching->asked.size(), asked + 1);
+        QCOMPARE(m_fixture->fetching.asked.size(), asked + 1);
     }
 
     void thePropertiesAreCurrentWhenARefreshAnswers()
@@ -241,8 +233,8 @@ private Q_SLOTS:
         m_reader->changes();
         m_reader->forget();
         const auto call = m_reader->start(u"Refresh"_s);
-        QTRY_VERIFY(m_fetching->isWaiting());
-        m_clock->setNow(m_clock->now().addSecs(5));
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
+        m_fixture->clock.setNow(m_fixture->clock.now().addSecs(5));
         answer(0.3, 0.2);
         QTRY_VERIFY(call.isFinished());
         QCOMPARE(m_reader->changes().size(), 1);
@@ -255,8 +247,8 @@ private Q_SLOTS:
         // Joins the refresh that the service starts with: an answer to a later call has come after.
         const auto call = m_reader->start(u"Refresh"_s);
         m_reader->properties();
-        QTRY_VERIFY(m_fetching->isWaiting());
-        m_fetching->answer(
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
+        m_fixture->fetching.answer(
             fail(discovery::DaemonError{.kind = discovery::DaemonError::Kind::daemonUnreachable,
                 .message = u"The request timed out."_s,
                 .lastUpdate = {}}));
@@ -268,7 +260,7 @@ private Q_SLOTS:
 
     void aFloodOfRefreshesIsRefusedAboveItsShare()
     {
-        QTRY_VERIFY(m_fetching->isWaiting());
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
         constexpr int flood = 10'000;
         QList<QDBusPendingCall> calls;
         for (int i = 0; i < flood; ++i)
@@ -282,7 +274,7 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(open(), BusService::mostWaitingOfOneCaller, 60'000);
         // Who is not flooding still gets an answer.
         QVERIFY(!friendly.isFinished());
-        QCOMPARE(m_fetching->asked.size(), 1U);
+        QCOMPARE(m_fixture->fetching.asked.size(), 1U);
         answer(0.5, 0.4);
         QTRY_COMPARE(open(), 0);
         QTRY_VERIFY(friendly.isFinished());
@@ -295,22 +287,22 @@ private Q_SLOTS:
             }
         }
         QCOMPARE(refused, flood - BusService::mostWaitingOfOneCaller);
-        QCOMPARE(m_fetching->asked.size(), 1U);
+        QCOMPARE(m_fixture->fetching.asked.size(), 1U);
     }
 
     void theDaemonIsAskedAtMostOnceASecondForOthers()
     {
         answer(0.5, 0.4);
-        const auto asked = m_fetching->asked.size();
+        const auto asked = m_fixture->fetching.asked.size();
         QElapsedTimer since;
         since.start();
         const auto first = m_reader->start(u"Refresh"_s);
         answer(0.5, 0.3);
         QTRY_VERIFY(first.isFinished());
         const auto second = m_reader->start(u"Refresh"_s);
-        QTRY_VERIFY(m_fetching->isWaiting());
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
         QVERIFY(since.elapsed() >= 1000);
-        QCOMPARE(m_fetching->asked.size(), asked + 2);
+        QCOMPARE(m_fixture->fetching.asked.size(), asked + 2);
         answer(0.5, 0.2);
         QTRY_VERIFY(second.isFinished());
         QVERIFY(!second.isError());
@@ -418,21 +410,17 @@ private:
     /// Answers the fetch that waits, with the Gemini quota.
     void answer(double fiveHours, double weekly, const std::optional<QString> &reset = {})
     {
-        QTRY_VERIFY(m_fetching->isWaiting());
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
         auto group = model::sampleGroup(u"Gemini Models"_s, fiveHours, weekly);
         group.buckets[0].resetTime = reset;
         group.buckets[1].resetTime = reset;
-        m_fetching->answer(service::FetchedQuota{.summary = {.groups = {group}},
+        m_fixture->fetching.answer(service::FetchedQuota{.summary = {.groups = {group}},
             .daemon = {.httpPort = 4711, .csrfToken = u"1234567890-a-secret"_s}});
-        QTRY_VERIFY(!m_service->isRefreshing());
+        QTRY_VERIFY(!m_fixture->service.isRefreshing());
     }
 
-    std::unique_ptr<QTemporaryDir> m_home;
-    std::unique_ptr<service::SettingsStore> m_settings;
-    std::unique_ptr<test::TestClock> m_clock;
-    std::unique_ptr<test::FakeFetching> m_fetching;
+    std::optional<test::ServiceFixture> m_fixture;
     std::unique_ptr<BusService> m_bus;
-    std::unique_ptr<service::QuotaService> m_service;
     std::unique_ptr<service::Diagnostics> m_diagnostics;
     std::unique_ptr<app::RemoteAccess> m_access;
     std::unique_ptr<Reader> m_reader;

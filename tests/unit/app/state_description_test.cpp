@@ -1,13 +1,10 @@
 #include "app/state_description.h"
-#include "service/quota_service.h"
-#include "support/fake_fetching.h"
 #include "support/quota_samples.h"
-#include "support/test_clock.h"
+#include "support/service_fixture.h"
 
-#include <QTemporaryDir>
 #include <QTest>
 
-#include <memory>
+#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch;
@@ -17,17 +14,8 @@ class StateDescriptionTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_home = std::make_unique<QTemporaryDir>();
-        m_settings = std::make_unique<service::SettingsStore>(m_home->filePath(u"settings.ini"_s));
-        m_clock = std::make_unique<test::TestClock>(
-            QDateTime(QDate(2026, 11, 16), QTime(9, 0), Qt::UTC));
-        m_fetching = std::make_unique<test::FakeFetching>();
-        m_service = std::make_unique<service::QuotaService>(service::QuotaService::Dependencies{
-            .clock = *m_clock, .fetching = *m_fetching, .settings = *m_settings});
-    }
-    void cleanup() { m_service.reset(); }
+    void init() { m_fixture.emplace(); }
+    void cleanup() { m_fixture.reset(); }
 
     void beforeTheFirstAnswerThereIsNothingToTell()
     {
@@ -51,9 +39,9 @@ private Q_SLOTS:
         const auto state = describe();
         QCOMPARE(state.connection, PublishedState::Connection::Connected);
         QCOMPARE(state.port, 4711);
-        QCOMPARE(state.lastUpdate, m_clock->now().toSecsSinceEpoch());
+        QCOMPARE(state.lastUpdate, m_fixture->clock.now().toSecsSinceEpoch());
         QVERIFY(state.error.isEmpty());
-        QCOMPARE(state.title, m_service->menuBarTitle());
+        QCOMPARE(state.title, m_fixture->service.menuBarTitle());
         QCOMPARE(state.groups.size(), 2);
         QCOMPARE(state.groups[0].name, u"Gemini Models"_s);
         QCOMPARE(state.groups[0].family, u"gemini"_s);
@@ -76,15 +64,15 @@ private Q_SLOTS:
     {
         answer({.groups = {model::sampleGroup(u"Gemini Models"_s, 0.5, 0.4)}});
         const auto before = describe();
-        m_service->refresh();
-        m_fetching->answer(fail(discovery::DaemonError{
+        m_fixture->service.refresh();
+        m_fixture->fetching.answer(fail(discovery::DaemonError{
             .kind = discovery::DaemonError::Kind::noDaemonFound, .lastUpdate = {}}));
-        QTRY_VERIFY(m_service->connectionStatus().isOffline());
+        QTRY_VERIFY(m_fixture->service.connectionStatus().isOffline());
 
         const auto state = describe();
         QCOMPARE(state.connection, PublishedState::Connection::Offline);
         QCOMPARE(state.port, 0);
-        QCOMPARE(state.error, m_service->connectionStatus().displayText());
+        QCOMPARE(state.error, m_fixture->service.connectionStatus().displayText());
         QCOMPARE(state.lastUpdate, before.lastUpdate);
         QCOMPARE(state.groups, before.groups);
     }
@@ -93,14 +81,14 @@ private Q_SLOTS:
     {
         answer({.groups = {model::sampleGroup(u"Gemini Models"_s, 0.5, 0.4)}});
         const auto before = describe();
-        m_service->refresh();
-        QVERIFY(m_service->isRefreshing());
+        m_fixture->service.refresh();
+        QVERIFY(m_fixture->service.isRefreshing());
         QCOMPARE(describe(), before);
-        m_fetching->answer(fail(discovery::DaemonError{}));
-        QTRY_VERIFY(m_service->connectionStatus().isOffline());
+        m_fixture->fetching.answer(fail(discovery::DaemonError{}));
+        QTRY_VERIFY(m_fixture->service.connectionStatus().isOffline());
         const auto offline = describe();
-        m_service->refresh();
-        QVERIFY(m_service->isRefreshing());
+        m_fixture->service.refresh();
+        QVERIFY(m_fixture->service.isRefreshing());
         QCOMPARE(describe(), offline);
     }
 
@@ -151,21 +139,17 @@ private Q_SLOTS:
     }
 
 private:
-    PublishedState describe() const { return app::describeState(*m_service, u"/home/someone"_s); }
+    PublishedState describe() const
+    {
+        return app::describeState(m_fixture->service, u"/home/someone"_s);
+    }
 
     void answer(const model::QuotaSummary &summary, const QString &token = u"SECRET-TOKEN"_s)
     {
-        QTRY_VERIFY(m_fetching->isWaiting());
-        m_fetching->answer(service::FetchedQuota{
-            .summary = summary, .daemon = {.httpPort = 4711, .csrfToken = token}});
-        QTRY_VERIFY(m_service->connectionStatus().isConnected());
+        m_fixture->answer(summary, {.httpPort = 4711, .csrfToken = token});
     }
 
-    std::unique_ptr<QTemporaryDir> m_home;
-    std::unique_ptr<service::SettingsStore> m_settings;
-    std::unique_ptr<test::TestClock> m_clock;
-    std::unique_ptr<test::FakeFetching> m_fetching;
-    std::unique_ptr<service::QuotaService> m_service;
+    std::optional<test::ServiceFixture> m_fixture;
 };
 
 QTEST_GUILESS_MAIN(StateDescriptionTest)

@@ -5,11 +5,8 @@
 #include "platform/application_presence.h"
 #include "platform/remote_control.h"
 #include "service/diagnostics.h"
-#include "service/quota_service.h"
-#include "support/fake_fetching.h"
-#include "support/test_clock.h"
+#include "support/service_fixture.h"
 
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -129,20 +126,14 @@ class StatusBarControllerTest : public QObject {
 private Q_SLOTS:
     void init()
     {
-        m_home = std::make_unique<QTemporaryDir>();
-        m_settings = std::make_unique<service::SettingsStore>(m_home->filePath(u"settings.ini"_s));
-        m_clock = std::make_unique<test::TestClock>(
-            QDateTime(QDate(2026, 11, 16), QTime(9, 0), Qt::UTC));
-        m_fetching = std::make_unique<test::FakeFetching>();
-        m_service = std::make_unique<service::QuotaService>(service::QuotaService::Dependencies{
-            .clock = *m_clock, .fetching = *m_fetching, .settings = *m_settings});
+        m_fixture.emplace();
         auto item = std::make_unique<FakeStatusItem>();
         auto popover = std::make_unique<FakePopover>();
         m_item = item.get();
         m_popover = popover.get();
         m_controller = std::make_unique<app::StatusBarController>(
-            app::StatusBarController::Dependencies{.quotaService = *m_service,
-                .clock = *m_clock,
+            app::StatusBarController::Dependencies{.quotaService = m_fixture->service,
+                .clock = m_fixture->clock,
                 .statusItem = std::move(item),
                 .popover = std::move(popover),
                 .symbolExists = [](const QString &) { return true; }});
@@ -151,7 +142,7 @@ private Q_SLOTS:
     void cleanup()
     {
         m_controller.reset();
-        m_service.reset();
+        m_fixture.reset();
     }
 
     void theLabelShowsAtOnceAsTheIconAlone()
@@ -218,8 +209,8 @@ private Q_SLOTS:
 
     void aChangeRebuildsTheLabelFromTheStoredValue()
     {
-        QTRY_VERIFY(m_fetching->isWaiting());
-        m_fetching->answer(
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
+        m_fixture->fetching.answer(
             service::FetchedQuota{.summary = summaryWith(0.8, 0.55), .daemon = {.httpPort = 1}});
         QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 80% · W: 55%"_s);
     }
@@ -230,9 +221,9 @@ private Q_SLOTS:
         QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 80% · W: 55%"_s);
         Q_EMIT m_item->clicked({});
         QVERIFY(m_popover->shown);
-        m_service->refresh();
-        QVERIFY(m_fetching->isWaiting());
-        m_fetching->answer(
+        m_fixture->service.refresh();
+        QVERIFY(m_fixture->fetching.isWaiting());
+        m_fixture->fetching.answer(
             service::FetchedQuota{.summary = summaryWith(0.3, 0.2), .daemon = {.httpPort = 1}});
         QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 30% · W: 20%"_s);
         QCOMPARE(m_item->descriptions.last().lines.first(), u"Gemini Models, Five hours: 30.0%"_s);
@@ -243,8 +234,8 @@ private Q_SLOTS:
     {
         auto summary = summaryWith(0.8, 0.55);
         summary.groups[0].displayName = u"Gemini 0123-secret Models"_s;
-        QTRY_VERIFY(m_fetching->isWaiting());
-        m_fetching->answer(service::FetchedQuota{
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
+        m_fixture->fetching.answer(service::FetchedQuota{
             .summary = summary, .daemon = {.httpPort = 1, .csrfToken = u"0123-secret"_s}});
         QTRY_COMPARE(m_item->descriptions.last().lines.size(), 2);
         QCOMPARE(
@@ -253,13 +244,13 @@ private Q_SLOTS:
 
     void theChangesOfOneTurnRebuildOnce()
     {
-        QTRY_VERIFY(m_fetching->isWaiting());
-        m_fetching->answer(
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
+        m_fixture->fetching.answer(
             service::FetchedQuota{.summary = summaryWith(0.8, 0.55), .daemon = {.httpPort = 1}});
         QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 80% · W: 55%"_s);
         const auto before = m_item->labels.size();
-        m_service->setShowIconInMenuBar(false);
-        m_service->setShowWeeklyInMenuBar(false);
+        m_fixture->service.setShowIconInMenuBar(false);
+        m_fixture->service.setShowWeeklyInMenuBar(false);
         QCOMPARE(m_item->labels.size(), before); // Not before the values are stored.
         QTRY_COMPARE(m_item->labels.size(), before + 1);
         QCoreApplication::processEvents();
@@ -270,9 +261,9 @@ private Q_SLOTS:
     void aRefreshIsDerivedDrawnAndPublishedOnce()
     {
         show(summaryWith(0.8, 0.55));
-        const service::Diagnostics diagnostics(*m_service, {}, {});
+        const service::Diagnostics diagnostics(m_fixture->service, {}, {});
         FakeRemoteControl bus;
-        const app::RemoteAccess access(*m_service, diagnostics, bus, {});
+        const app::RemoteAccess access(m_fixture->service, diagnostics, bus, {});
         QCoreApplication::processEvents();
         m_item->labels.clear();
         m_item->descriptions.clear();
@@ -281,15 +272,15 @@ private Q_SLOTS:
         // What each reader has just read. Lists that are kept share their memory with no other
         // derivation.
         QList<QList<model::ToolbarStatItem>> read;
-        const auto note = [&] { read.append(m_service->toolbarStatItems()); };
+        const auto note = [&] { read.append(m_fixture->service.toolbarStatItems()); };
         connect(m_item, &FakeStatusItem::drawn, &bus, note);
         connect(&bus, &FakeRemoteControl::told, &bus, note);
-        connect(m_service.get(), &service::QuotaService::stateChanged, &bus, note);
+        connect(&m_fixture->service, &service::QuotaService::stateChanged, &bus, note);
 
-        m_clock->advance(5s);
-        m_service->refresh();
+        m_fixture->clock.advance(5s);
+        m_fixture->service.refresh();
         QCoreApplication::processEvents();
-        m_fetching->answer(
+        m_fixture->fetching.answer(
             service::FetchedQuota{.summary = summaryWith(0.3, 0.2), .daemon = {.httpPort = 1}});
         QTRY_COMPARE(bus.finished, QList<std::optional<QString>>{std::nullopt});
         QCOMPARE(m_item->labels.size(), 1);
@@ -303,12 +294,12 @@ private Q_SLOTS:
 
     void theTimeRebuildsNothing()
     {
-        QTRY_VERIFY(m_fetching->isWaiting());
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
         QCoreApplication::processEvents();
         const auto before = m_item->labels.size();
-        const QDateTime earlier = m_service->currentTime();
-        m_clock->advance(5s);
-        QCOMPARE(m_service->currentTime(), earlier.addSecs(5));
+        const QDateTime earlier = m_fixture->service.currentTime();
+        m_fixture->clock.advance(5s);
+        QCOMPARE(m_fixture->service.currentTime(), earlier.addSecs(5));
         QCoreApplication::processEvents();
         QCOMPARE(m_item->labels.size(), before);
     }
@@ -322,25 +313,25 @@ private Q_SLOTS:
 
     void aSettingRebuildsTheLabel()
     {
-        QTRY_VERIFY(m_fetching->isWaiting());
-        m_fetching->answer(
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
+        m_fixture->fetching.answer(
             service::FetchedQuota{.summary = summaryWith(0.8, 0.55), .daemon = {.httpPort = 1}});
-        m_service->setShowWeeklyInMenuBar(false);
+        m_fixture->service.setShowWeeklyInMenuBar(false);
         QTRY_COMPARE(m_item->labels.last().plainTitle(), u" G: 80%"_s);
-        m_service->setShowIconInMenuBar(false);
+        m_fixture->service.setShowIconInMenuBar(false);
         QTRY_COMPARE(m_item->labels.last().plainTitle(), u"G: 80%"_s);
         QVERIFY(!m_item->labels.last().image.has_value());
     }
 
     void withAllModelsSwitchedOffTheIconAloneIsLeft()
     {
-        QTRY_VERIFY(m_fetching->isWaiting());
-        m_fetching->answer(
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
+        m_fixture->fetching.answer(
             service::FetchedQuota{.summary = summaryWith(0.8, 0.55), .daemon = {.httpPort = 1}});
         QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 80% · W: 55%"_s);
-        m_service->setShowGeminiInToolbar(false);
-        m_service->setShowArgonInToolbar(false);
-        m_service->setShowClaudeInToolbar(false);
+        m_fixture->service.setShowGeminiInToolbar(false);
+        m_fixture->service.setShowArgonInToolbar(false);
+        m_fixture->service.setShowClaudeInToolbar(false);
         QTRY_COMPARE(m_item->labels.last().plainTitle(), QString());
         QVERIFY(m_item->labels.last().image.has_value());
     }
@@ -360,7 +351,7 @@ private Q_SLOTS:
         Q_EMIT m_item->clicked({});
         // The press of that click closes a transient popover; its release comes to us as a click.
         m_popover->close();
-        m_clock->advance(120ms);
+        m_fixture->clock.advance(120ms);
         Q_EMIT m_item->clicked({});
         QVERIFY(!m_popover->shown);
     }
@@ -369,13 +360,13 @@ private Q_SLOTS:
     {
         Q_EMIT m_item->clicked({});
         QVERIFY(m_popover->shown);
-        m_clock->advance(300ms);
+        m_fixture->clock.advance(300ms);
         Q_EMIT m_item->clicked({});
         QVERIFY(!m_popover->shown);
-        m_clock->advance(100ms);
+        m_fixture->clock.advance(100ms);
         Q_EMIT m_item->clicked({});
         QVERIFY(!m_popover->shown);
-        m_clock->advance(150ms);
+        m_fixture->clock.advance(150ms);
         Q_EMIT m_item->clicked({});
         QVERIFY(m_popover->shown);
     }
@@ -384,7 +375,7 @@ private Q_SLOTS:
     {
         Q_EMIT m_item->clicked({});
         m_popover->close();
-        m_clock->setNow(m_clock->now().addSecs(-3600));
+        m_fixture->clock.setNow(m_fixture->clock.now().addSecs(-3600));
         Q_EMIT m_item->clicked({});
         QVERIFY(m_popover->shown);
     }
@@ -393,7 +384,7 @@ private Q_SLOTS:
     {
         m_item->button = false;
         const auto before = m_item->labels.size();
-        m_service->setShowIconInMenuBar(false);
+        m_fixture->service.setShowIconInMenuBar(false);
         QCoreApplication::processEvents();
         QCOMPARE(m_item->labels.size(), before);
         Q_EMIT m_item->clicked({});
@@ -402,11 +393,11 @@ private Q_SLOTS:
 
     void theMenusRefreshRefreshes()
     {
-        QTRY_VERIFY(m_fetching->isWaiting());
-        m_fetching->answer(tl::unexpected(discovery::DaemonError{}));
-        QTRY_VERIFY(!m_service->isRefreshing());
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
+        m_fixture->fetching.answer(tl::unexpected(discovery::DaemonError{}));
+        QTRY_VERIFY(!m_fixture->service.isRefreshing());
         Q_EMIT m_item->refreshRequested();
-        QVERIFY(m_fetching->isWaiting());
+        QVERIFY(m_fixture->fetching.isWaiting());
     }
 
     void theMenusQuitIsPassedOn()
@@ -420,11 +411,11 @@ private Q_SLOTS:
 
     void theDescriptionHasALineForEachBucketInTheOrderOfThePopover()
     {
-        QTRY_VERIFY(m_fetching->isWaiting());
-        m_fetching->answer(
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
+        m_fixture->fetching.answer(
             service::FetchedQuota{.summary = summaryWith(0.8, 0.555), .daemon = {.httpPort = 1}});
-        QTRY_VERIFY(m_service->quotaSummary().has_value());
-        const auto description = app::describeItem(*m_service);
+        QTRY_VERIFY(m_fixture->service.quotaSummary().has_value());
+        const auto description = app::describeItem(m_fixture->service);
         QCOMPARE(description.title, u"✦ 5h: 80% · W: 56%"_s);
         QCOMPARE(description.lines,
             (QStringList{
@@ -443,9 +434,9 @@ private Q_SLOTS:
         const auto labels = m_item->labels.size();
         const auto described = m_item->descriptions.size();
         for (int second = 0; second < 59; ++second)
-            m_clock->advance(1s);
+            m_fixture->clock.advance(1s);
         QCOMPARE(m_item->descriptions.size(), described);
-        m_clock->advance(2s);
+        m_fixture->clock.advance(2s);
         QCOMPARE(m_item->descriptions.size(), described + 1);
         QCOMPARE(m_item->descriptions.last().lines.first(),
             u"Gemini Models, Five hours: 80.0%, resets in 11m"_s);
@@ -465,35 +456,35 @@ private Q_SLOTS:
     {
         show(summaryWith(0.8, 0.55));
         const QString title = u"✦ 5h: 80% · W: 55%"_s;
-        QCOMPARE(app::describeItem(*m_service).title, title);
-        const auto updated = m_service->lastUpdated();
+        QCOMPARE(app::describeItem(m_fixture->service).title, title);
+        const auto updated = m_fixture->service.lastUpdated();
         QVERIFY(updated.has_value());
-        m_clock->advance(5s);
-        m_service->refresh();
-        QTRY_VERIFY(m_fetching->isWaiting());
-        m_fetching->answer(tl::unexpected(
+        m_fixture->clock.advance(5s);
+        m_fixture->service.refresh();
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
+        m_fixture->fetching.answer(tl::unexpected(
             discovery::DaemonError{.kind = discovery::DaemonError::Kind::noDaemonFound}));
-        QTRY_VERIFY(m_service->connectionStatus().isOffline());
-        QCOMPARE(app::describeItem(*m_service).title,
+        QTRY_VERIFY(m_fixture->service.connectionStatus().isOffline());
+        QCOMPARE(app::describeItem(m_fixture->service).title,
             title + " (last update: "_L1 + DateStyles::user().dateAbbreviatedTimeStandard(*updated)
                 + u')');
     }
 
     void theDescriptionSaysWhatIsWrong()
     {
-        QCOMPARE(app::describeItem(*m_service).lines, (QStringList{u"Connecting..."_s}));
-        QTRY_VERIFY(m_fetching->isWaiting());
-        m_fetching->answer(tl::unexpected(
+        QCOMPARE(app::describeItem(m_fixture->service).lines, (QStringList{u"Connecting..."_s}));
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
+        m_fixture->fetching.answer(tl::unexpected(
             discovery::DaemonError{.kind = discovery::DaemonError::Kind::noDaemonFound}));
-        QTRY_VERIFY(m_service->connectionStatus().isOffline());
-        QCOMPARE(app::describeItem(*m_service).lines,
-            (QStringList{m_service->connectionStatus().displayText()}));
+        QTRY_VERIFY(m_fixture->service.connectionStatus().isOffline());
+        QCOMPARE(app::describeItem(m_fixture->service).lines,
+            (QStringList{m_fixture->service.connectionStatus().displayText()}));
     }
 
     void aDescriptionThatFitsIsWhole()
     {
         show(summaryOf(platform::ItemDescription::mostLines));
-        const auto lines = app::describeItem(*m_service).lines;
+        const auto lines = app::describeItem(m_fixture->service).lines;
         QCOMPARE(lines.size(), platform::ItemDescription::mostLines);
         QCOMPARE(lines.first(), u"Gemini Models, Bucket 0: 50.0%"_s);
         QCOMPARE(lines.last(), u"Gemini Models, Bucket 39: 50.0%"_s);
@@ -502,7 +493,7 @@ private Q_SLOTS:
     void ofTooManyBucketsTheDescriptionHasTheFirst()
     {
         show(summaryOf(20'000));
-        const auto lines = app::describeItem(*m_service).lines;
+        const auto lines = app::describeItem(m_fixture->service).lines;
         QCOMPARE(lines.size(), platform::ItemDescription::mostLines);
         QCOMPARE(lines.at(38), u"Gemini Models, Bucket 38: 50.0%"_s);
         QCOMPARE(lines.at(39), u"…"_s);
@@ -521,15 +512,15 @@ private Q_SLOTS:
         QFETCH(const int, buckets);
         QFETCH(const QStringList, lastButOne);
         show(summaryOf(buckets));
-        m_service->refresh();
-        QVERIFY(m_fetching->isWaiting());
-        m_fetching->answer(tl::unexpected(
+        m_fixture->service.refresh();
+        QVERIFY(m_fixture->fetching.isWaiting());
+        m_fixture->fetching.answer(tl::unexpected(
             discovery::DaemonError{.kind = discovery::DaemonError::Kind::noDaemonFound}));
-        QTRY_VERIFY(m_service->connectionStatus().isOffline());
-        const auto lines = app::describeItem(*m_service).lines;
+        QTRY_VERIFY(m_fixture->service.connectionStatus().isOffline());
+        const auto lines = app::describeItem(m_fixture->service).lines;
         QCOMPARE(lines.size(), platform::ItemDescription::mostLines);
         QCOMPARE(lines.mid(38, 1), lastButOne);
-        QCOMPARE(lines.last(), m_service->connectionStatus().displayText());
+        QCOMPARE(lines.last(), m_fixture->service.connectionStatus().displayText());
     }
 
     void aLineOfLongNamesStillEndsInThePercentage()
@@ -538,7 +529,7 @@ private Q_SLOTS:
         summary.groups[0].displayName = u"Gemini\n"_s.repeated(100'000);
         summary.groups[0].buckets[0].displayName = u"🟢"_s.repeated(1'000'000);
         show(summary);
-        const auto lines = app::describeItem(*m_service).lines;
+        const auto lines = app::describeItem(m_fixture->service).lines;
         QCOMPARE(lines.size(), 1);
         QVERIFY(lines.first().size() <= platform::ItemDescription::longestLine);
         QVERIFY(lines.first().startsWith(u"Gemini Gemini "_s));
@@ -548,12 +539,12 @@ private Q_SLOTS:
 
     void aTextOfWhatIsWrongIsOneLine()
     {
-        QTRY_VERIFY(m_fetching->isWaiting());
-        m_fetching->answer(tl::unexpected(
+        QTRY_VERIFY(m_fixture->fetching.isWaiting());
+        m_fixture->fetching.answer(tl::unexpected(
             discovery::DaemonError{.kind = discovery::DaemonError::Kind::daemonUnreachable,
                 .message = u"wrong\n"_s.repeated(100'000)}));
-        QTRY_VERIFY(m_service->connectionStatus().isOffline());
-        const auto lines = app::describeItem(*m_service).lines;
+        QTRY_VERIFY(m_fixture->service.connectionStatus().isOffline());
+        const auto lines = app::describeItem(m_fixture->service).lines;
         QCOMPARE(lines.size(), 1);
         QVERIFY(lines.first().size() <= platform::ItemDescription::longestLine);
         QVERIFY(lines.first().contains(u"wrong wrong"_s));
@@ -561,25 +552,15 @@ private Q_SLOTS:
 
 private:
     /// Answers the first refresh.
-    void show(const model::QuotaSummary &summary)
-    {
-        QTRY_VERIFY(m_fetching->isWaiting());
-        m_fetching->answer(service::FetchedQuota{.summary = summary, .daemon = {.httpPort = 1}});
-        QTRY_VERIFY(m_service->connectionStatus().isConnected());
-        QTRY_VERIFY(!m_service->isRefreshing());
-    }
+    void show(const model::QuotaSummary &summary) { m_fixture->answer(summary); }
 
     /// As a daemon writes the moment that comes so much later.
     QString inSeconds(std::chrono::seconds time) const
     {
-        return m_clock->now().addSecs(time.count()).toUTC().toString(Qt::ISODate);
+        return m_fixture->clock.now().addSecs(time.count()).toUTC().toString(Qt::ISODate);
     }
 
-    std::unique_ptr<QTemporaryDir> m_home;
-    std::unique_ptr<service::SettingsStore> m_settings;
-    std::unique_ptr<test::TestClock> m_clock;
-    std::unique_ptr<test::FakeFetching> m_fetching;
-    std::unique_ptr<service::QuotaService> m_service;
+    std::optional<test::ServiceFixture> m_fixture;
     FakeStatusItem *m_item = nullptr;
     FakePopover *m_popover = nullptr;
     std::unique_ptr<app::StatusBarController> m_controller;

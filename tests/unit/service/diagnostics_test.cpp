@@ -1,15 +1,10 @@
 #include "platform/wording.h"
 #include "service/diagnostics.h"
-#include "service/quota_service.h"
-#include "support/fake_launch_at_login.h"
-#include "support/test_clock.h"
+#include "support/service_fixture.h"
 
-#include <QPromise>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QUrlQuery>
 
-#include <memory>
 #include <optional>
 
 using namespace Qt::Literals::StringLiterals;
@@ -18,23 +13,6 @@ using namespace brimwatch::service;
 using discovery::DaemonInfo;
 
 namespace {
-
-class FakeFetching final : public QuotaFetching {
-public:
-    QFuture<FetchResult> fetchQuotaSummary(const std::optional<QDateTime> & /*last*/) override
-    {
-        m_promise.emplace().start();
-        return m_promise->future();
-    }
-    void answer(const FetchResult &result)
-    {
-        m_promise->addResult(result);
-        m_promise->finish();
-    }
-
-private:
-    std::optional<QPromise<FetchResult>> m_promise;
-};
 
 const QDateTime start{QDate(2026, 11, 16), QTime(4, 59, 24), Qt::UTC};
 const QString noDaemonText
@@ -46,27 +24,8 @@ class DiagnosticsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        QVERIFY(m_folder.emplace().isValid());
-        m_settings.emplace(m_folder->filePath(u"settings.conf"_s));
-        m_clock.emplace(start);
-        m_fetching.emplace();
-        m_login.emplace();
-        m_service = std::make_unique<QuotaService>(QuotaService::Dependencies{.clock = *m_clock,
-            .fetching = *m_fetching,
-            .settings = *m_settings,
-            .launchAtLogin = &*m_login});
-    }
-    void cleanup()
-    {
-        m_service.reset();
-        m_login.reset();
-        m_fetching.reset();
-        m_clock.reset();
-        m_settings.reset();
-        m_folder.reset();
-    }
+    void init() { m_fixture.emplace(start); }
+    void cleanup() { m_fixture.reset(); }
 
     void theVersionNamesTheBuildIfItHasOne_data()
     {
@@ -87,7 +46,7 @@ private Q_SLOTS:
         QFETCH(std::optional<QString>, build);
         QFETCH(QString, text);
         const Diagnostics one(
-            *m_service, {.version = version, .build = build, .systemVersion = {}}, {});
+            m_fixture->service, {.version = version, .build = build, .systemVersion = {}}, {});
         QCOMPARE(one.appVersionString(), text);
     }
 
@@ -110,10 +69,10 @@ private Q_SLOTS:
 
     void aReportWithADaemonHasTenLinesAndTheWholeToken()
     {
-        m_login->enabled = true;
-        m_service->setShowArgonInToolbar(true);
-        m_service->setShowClaudeInToolbar(true);
-        m_service->setToolbarLabelStyle(u"shortName"_s);
+        m_fixture->service.setLaunchAtLogin(true);
+        m_fixture->service.setShowArgonInToolbar(true);
+        m_fixture->service.setShowClaudeInToolbar(true);
+        m_fixture->service.setToolbarLabelStyle(u"shortName"_s);
         succeed({.pid = 4711,
             .httpsPort = 43,
             .httpPort = 42,
@@ -159,40 +118,40 @@ private Q_SLOTS:
 
     void theModelsStandInTheirOrderOrThereAreNone()
     {
-        m_service->setShowGeminiInToolbar(false);
+        m_fixture->service.setShowGeminiInToolbar(false);
         QVERIFY(report().contains(u"\nToolbar Models: None\n"_s));
-        m_service->setShowClaudeInToolbar(true);
+        m_fixture->service.setShowClaudeInToolbar(true);
         QVERIFY(report().contains(u"\nToolbar Models: Claude\n"_s));
-        m_service->setShowGeminiInToolbar(true);
+        m_fixture->service.setShowGeminiInToolbar(true);
         QVERIFY(report().contains(u"\nToolbar Models: Gemini, Claude\n"_s));
     }
 
     void theStoredLabelStyleStandsThereWhateverItIs()
     {
-        m_service->setToolbarLabelStyle(u"no such style"_s);
+        m_fixture->service.setToolbarLabelStyle(u"no such style"_s);
         QVERIFY(report().contains(u"\nToolbar Label Style: no such style\n"_s));
     }
 
     void theLastErrorStandsThereWhileThereIsOne()
     {
-        failToFetch();
+        m_fixture->fail();
         const QString text = report();
         QVERIFY2(text.endsWith(u"\nDaemon: No active daemon detected\nLast Error: "_s + noDaemonText
                      + u"\nLast Update: Never\n"_s),
             qPrintable(text));
         QVERIFY(text.contains(u"\nConnection Status: "_s + noDaemonText + u'\n'));
 
-        m_service->refresh();
+        m_fixture->service.refresh();
         QVERIFY(!report().contains(u"Last Error"_s));
-        m_fetching->answer(FetchedQuota{.summary = {}, .daemon = {.pid = 5}});
-        QTRY_VERIFY(!m_service->isRefreshing());
+        m_fixture->fetching.answer(FetchedQuota{.summary = {}, .daemon = {.pid = 5}});
+        QTRY_VERIFY(!m_fixture->service.isRefreshing());
         QVERIFY(!report().contains(u"Last Error"_s));
 
         // The daemon that was there last is still told of.
-        m_service->refresh();
-        m_fetching->answer(fail(discovery::DaemonError{
+        m_fixture->service.refresh();
+        m_fixture->fetching.answer(fail(discovery::DaemonError{
             .kind = discovery::DaemonError::Kind::noDaemonFound, .lastUpdate = {}}));
-        QTRY_VERIFY(!m_service->isRefreshing());
+        QTRY_VERIFY(!m_fixture->service.isRefreshing());
         QVERIFY(report().contains(u"\nDaemon PID: 5\n"_s));
         QVERIFY(report().contains(u"\nLast Error: "_s));
     }
@@ -242,7 +201,7 @@ private Q_SLOTS:
 private:
     Diagnostics diagnostics() const
     {
-        return {*m_service,
+        return {m_fixture->service,
             {.version = u"0.1.0"_s,
                 .build = u"12"_s,
                 .systemVersion = u"Some Linux 12, kernel 6.1"_s},
@@ -252,25 +211,10 @@ private:
 
     void succeed(const DaemonInfo &daemon)
     {
-        QTRY_VERIFY(m_service->isRefreshing());
-        m_fetching->answer(FetchedQuota{.summary = {}, .daemon = daemon});
-        QTRY_VERIFY(!m_service->isRefreshing());
-        QVERIFY(m_service->activeDaemon());
+        m_fixture->answer(model::QuotaSummary{}, daemon);
+        QVERIFY(m_fixture->service.activeDaemon());
     }
-    void failToFetch()
-    {
-        QTRY_VERIFY(m_service->isRefreshing());
-        m_fetching->answer(fail(discovery::DaemonError{
-            .kind = discovery::DaemonError::Kind::noDaemonFound, .lastUpdate = {}}));
-        QTRY_VERIFY(!m_service->isRefreshing());
-    }
-
-    std::optional<QTemporaryDir> m_folder;
-    std::optional<SettingsStore> m_settings;
-    std::optional<test::TestClock> m_clock;
-    std::optional<FakeFetching> m_fetching;
-    std::optional<test::FakeLaunchAtLogin> m_login;
-    std::unique_ptr<QuotaService> m_service;
+    std::optional<test::ServiceFixture> m_fixture;
 };
 
 QTEST_GUILESS_MAIN(DiagnosticsTest)

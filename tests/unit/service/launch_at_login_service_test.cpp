@@ -1,10 +1,6 @@
-#include "service/launch_at_login_service.h"
-#include "service/quota_service.h"
-#include "support/test_clock.h"
+#include "support/service_fixture.h"
 
-#include <QPromise>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -28,47 +24,6 @@ void writeDown(QtMsgType type, const QMessageLogContext &context, const QString 
         level = u"error"_s;
     happened->append(level + u' ' + QString::fromLatin1(context.category) + u": "_s + message);
 }
-
-class FakeLoginItem final : public platform::LoginItem {
-public:
-    Status status() const override { return held; }
-    Result<void, QString> registerItem() override
-    {
-        happened->append(u"register"_s);
-        return attempt();
-    }
-    Result<void, QString> unregisterItem() override
-    {
-        happened->append(u"unregister"_s);
-        return attempt();
-    }
-    void openSystemSettings() override { happened->append(u"settings"_s); }
-
-    Status held = Status::notRegistered;
-    Status afterwards = Status::notRegistered; ///< What holds after an attempt.
-    QString failure; ///< Empty: attempts succeed.
-
-private:
-    Result<void, QString> attempt()
-    {
-        held = afterwards;
-        if (!failure.isEmpty())
-            return fail(failure);
-        return {};
-    }
-};
-
-class SilentFetching final : public QuotaFetching {
-public:
-    QFuture<FetchResult> fetchQuotaSummary(const std::optional<QDateTime> & /*last*/) override
-    {
-        m_promise.start();
-        return m_promise.future();
-    }
-
-private:
-    QPromise<FetchResult> m_promise;
-};
 
 const QString registered
     = u"info LaunchAtLogin: Successfully registered app for launch at login."_s;
@@ -104,7 +59,8 @@ private Q_SLOTS:
         QFETCH(Status, status);
         QFETCH(bool, isEnabled);
         QFETCH(bool, requiresApproval);
-        FakeLoginItem item;
+        test::FakeLoginItem item;
+        item.log = &m_log;
         item.held = status;
         const LaunchAtLoginService service(item);
         QCOMPARE(service.isEnabled(), isEnabled);
@@ -118,7 +74,8 @@ private Q_SLOTS:
         QFETCH(Status, status);
         QFETCH(bool, isEnabled);
         QFETCH(bool, requiresApproval);
-        FakeLoginItem item;
+        test::FakeLoginItem item;
+        item.log = &m_log;
         item.held = Status::enabled;
         LaunchAtLoginService service(item);
         item.held = status;
@@ -132,7 +89,8 @@ private Q_SLOTS:
 
     void enablingWhatIsEnabledAsksNothingOfThePlatform()
     {
-        FakeLoginItem item;
+        test::FakeLoginItem item;
+        item.log = &m_log;
         item.held = Status::requiresApproval;
         LaunchAtLoginService service(item);
         item.held = Status::enabled;
@@ -144,7 +102,8 @@ private Q_SLOTS:
 
     void disablingWhatIsNotRegisteredAsksNothingOfThePlatform()
     {
-        FakeLoginItem item;
+        test::FakeLoginItem item;
+        item.log = &m_log;
         item.held = Status::requiresApproval;
         LaunchAtLoginService service(item);
         item.held = Status::notRegistered;
@@ -212,7 +171,8 @@ private Q_SLOTS:
         QFETCH(QStringList, log);
         QFETCH(bool, isEnabled);
         QFETCH(bool, requiresApproval);
-        FakeLoginItem item;
+        test::FakeLoginItem item;
+        item.log = &m_log;
         item.held = before;
         item.afterwards = afterwards;
         item.failure = failure;
@@ -225,7 +185,8 @@ private Q_SLOTS:
 
     void theSystemsSettingsOpenWhenAskedFor()
     {
-        FakeLoginItem item;
+        test::FakeLoginItem item;
+        item.log = &m_log;
         LaunchAtLoginService service(item);
         service.openSystemSettings();
         QCOMPARE(m_log, QStringList{u"settings"_s});
@@ -233,16 +194,17 @@ private Q_SLOTS:
 
     void eachValueIsAnnouncedBeforeAndAfterItIsSet()
     {
-        FakeLoginItem item;
+        test::FakeLoginItem item;
+        item.log = &m_log;
         LaunchAtLoginService service(item);
         item.held = Status::requiresApproval;
         const auto state = [&service]() -> QString {
             return (service.requiresApproval() ? u"approval "_s : u"- "_s)
                 + (service.isEnabled() ? u"enabled"_s : u"-"_s);
         };
-        connect(&service, &LaunchAtLogin::objectWillChange, this,
+        connect(&service, &LaunchAtLoginService::objectWillChange, this,
             [this, state] { m_log += u"will: "_s + state(); });
-        connect(&service, &LaunchAtLogin::changed, this,
+        connect(&service, &LaunchAtLoginService::changed, this,
             [this, state] { m_log += u"did: "_s + state(); });
         service.refresh();
         QCOMPARE(m_log,
@@ -252,10 +214,12 @@ private Q_SLOTS:
 
     void aChangeInVainIsAnnouncedSoThatASwitchGoesBack()
     {
-        FakeLoginItem item;
+        test::FakeLoginItem item;
+        item.log = &m_log;
         item.failure = u"no"_s;
+        item.afterwards = Status::notRegistered;
         LaunchAtLoginService service(item);
-        const QSignalSpy changed(&service, &LaunchAtLogin::changed);
+        const QSignalSpy changed(&service, &LaunchAtLoginService::changed);
         service.setEnabled(true);
         QVERIFY(!service.isEnabled());
         QVERIFY(!changed.isEmpty());
@@ -263,17 +227,14 @@ private Q_SLOTS:
 
     void theQuotaServiceForwardsTheSwitchAndAnnouncesItsChanges()
     {
-        const QTemporaryDir folder;
-        QVERIFY(folder.isValid());
-        SettingsStore settings(folder.filePath(u"settings.conf"_s));
-        test::TestClock clock(QDateTime(QDate(2026, 11, 16), QTime(5, 0), Qt::UTC));
-        SilentFetching fetching;
-        FakeLoginItem item;
+        test::ServiceParts parts;
+        test::FakeLoginItem item;
+        item.log = &m_log;
         item.afterwards = Status::requiresApproval;
         LaunchAtLoginService service(item);
-        QuotaService quotaService({.clock = clock,
-            .fetching = fetching,
-            .settings = settings,
+        QuotaService quotaService({.clock = parts.clock,
+            .fetching = parts.fetching,
+            .settings = parts.settings,
             .launchAtLogin = &service});
         bool enabledBefore = true;
         connect(&quotaService, &QuotaService::objectWillChange, this,

@@ -39,23 +39,24 @@ public:
         return file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(keys).toJson()) != -1;
     }
 
-    /// Makes the file look old, so that its daemon is asked after all others.
-    [[nodiscard]] static bool askLast(const QString &path)
+    /// Makes the file older than all others, so that its daemon is asked last.
+    [[nodiscard]] bool askLast(const QString &path)
     {
         QFile file(path);
         return file.open(QIODevice::ReadWrite)
-            && file.setFileTime(
-                QDateTime::currentDateTime().addDays(-1), QFileDevice::FileModificationTime);
+            && file.setFileTime(QDateTime::currentDateTime().addDays(-++m_daysOfTheOldest),
+                QFileDevice::FileModificationTime);
     }
 
     QString pathOf(const QString &name) const { return m_discovery.directory() + u'/' + name; }
 
 private:
     QTemporaryDir m_home;
+    int m_daysOfTheOldest = 0;
     discovery::DaemonDiscoveryService m_discovery{m_home.path()};
 };
 
-/// A port of the loopback address that nobody listens on.
+/// A port of the loopback address on which nothing listens.
 inline quint16 closedPort()
 {
     QTcpServer server;
@@ -64,7 +65,7 @@ inline quint16 closedPort()
     return server.serverPort();
 }
 
-/// The error that the fetch ended with; a fetch that succeeded gives a kind that nothing raises.
+/// The error that the fetch ended with; a fetch that succeeded gives a kind that is never used.
 inline discovery::DaemonError errorOf(const service::FetchResult &result)
 {
     return result ? discovery::DaemonError{.kind = discovery::DaemonError::Kind::invalidResponse}

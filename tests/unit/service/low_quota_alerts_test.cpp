@@ -1,33 +1,18 @@
 #include "model/quota_records.h"
-#include "platform/notifier.h"
-#include "service/low_quota_alerts.h"
-#include "service/quota_service.h"
-#include "service/settings.h"
-#include "support/fake_fetching.h"
 #include "support/quota_samples.h"
-#include "support/test_clock.h"
+#include "support/service_fixture.h"
 
 #include <QLocale>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <limits>
-#include <memory>
+#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch;
 using namespace brimwatch::service;
 
 namespace {
-
-class FakeNotifier final : public platform::Notifier {
-public:
-    void requestAuthorization() override { ++authorizationsAsked; }
-    void post(const platform::Notification &notification) override { posted.append(notification); }
-
-    int authorizationsAsked = 0;
-    QList<platform::Notification> posted;
-};
 
 model::QuotaBucket fiveHours(double remainingFraction)
 {
@@ -55,12 +40,8 @@ class LowQuotaAlertsTest : public QObject {
 private Q_SLOTS:
     void init()
     {
-        m_home = std::make_unique<QTemporaryDir>();
-        m_settings = std::make_unique<SettingsStore>(m_home->filePath(u"settings.ini"_s));
-        m_clock = std::make_unique<test::TestClock>(
-            QDateTime(QDate(2026, 11, 16), QTime(9, 0), Qt::UTC));
-        m_notifier = std::make_unique<FakeNotifier>();
-        m_alerts = std::make_unique<LowQuotaAlerts>(*m_clock, *m_settings, *m_notifier);
+        m_parts.emplace();
+        m_alerts = &m_parts->alerts;
     }
 
     void anAlertSaysWhichBucketHowMuchIsLeftAndUntilWhen()
@@ -68,8 +49,8 @@ private Q_SLOTS:
         auto bucket = fiveHours(0.08);
         bucket.resetTime = u"2026-11-16T12:12:30Z"_s;
         m_alerts->checkLowQuotaNotifications(gemini({bucket}));
-        QCOMPARE(m_notifier->posted.size(), 1);
-        const auto &alert = m_notifier->posted.constFirst();
+        QCOMPARE(m_parts->notifier.posted.size(), 1);
+        const auto &alert = m_parts->notifier.posted.constFirst();
         QCOMPARE(alert.identifier, u"low_quota_gemini-5h"_s);
         QCOMPARE(alert.title, u"Brimwatch Alert: 8.0% Remaining"_s);
         QCOMPARE(alert.body, u"Five-hour limit has dropped to 8.0%. Fully refreshes in 3h 12m."_s);
@@ -92,9 +73,9 @@ private Q_SLOTS:
         if (!resetTime.isNull())
             bucket.resetTime = resetTime;
         m_alerts->checkLowQuotaNotifications(gemini({bucket}));
-        QCOMPARE(m_notifier->posted.size(), 1);
-        QVERIFY2(m_notifier->posted.constFirst().body.endsWith(end),
-            qPrintable(m_notifier->posted.constFirst().body));
+        QCOMPARE(m_parts->notifier.posted.size(), 1);
+        QVERIFY2(m_parts->notifier.posted.constFirst().body.endsWith(end),
+            qPrintable(m_parts->notifier.posted.constFirst().body));
     }
 
     void aBucketIsLowUpToTheThresholdItself_data()
@@ -118,14 +99,14 @@ private Q_SLOTS:
         QFETCH(double, threshold);
         QFETCH(double, fraction);
         QFETCH(bool, announced);
-        m_settings->setValue(settings::lowQuotaThreshold, threshold);
+        m_parts->settings.setValue(settings::lowQuotaThreshold, threshold);
         m_alerts->checkLowQuotaNotifications(gemini({fiveHours(fraction)}));
-        QCOMPARE(m_notifier->posted.size(), announced ? 1 : 0);
+        QCOMPARE(m_parts->notifier.posted.size(), announced ? 1 : 0);
     }
 
     void sharesOutsideTheRangeAreShownAsItsEnds()
     {
-        m_settings->setValue(settings::lowQuotaThreshold, 100.0);
+        m_parts->settings.setValue(settings::lowQuotaThreshold, 100.0);
         auto above = fiveHours(1.7);
         above.bucketId = u"above"_s;
         auto below = fiveHours(-0.3);
@@ -134,8 +115,8 @@ private Q_SLOTS:
         QCOMPARE(titles(),
             QStringList(
                 {u"Brimwatch Alert: 100.0% Remaining"_s, u"Brimwatch Alert: 0.0% Remaining"_s}));
-        QVERIFY(m_notifier->posted.at(0).body.contains(u"dropped to 100.0%."_s));
-        QVERIFY(m_notifier->posted.at(1).body.contains(u"dropped to 0.0%."_s));
+        QVERIFY(m_parts->notifier.posted.at(0).body.contains(u"dropped to 100.0%."_s));
+        QVERIFY(m_parts->notifier.posted.at(1).body.contains(u"dropped to 0.0%."_s));
     }
 
     void percentagesHaveOneDecimalAndAPointInEveryLocale()
@@ -161,7 +142,8 @@ private Q_SLOTS:
         QCOMPARE(titles(),
             QStringList(
                 {u"Brimwatch Alert: 15.0% Remaining"_s, u"Brimwatch Alert: 10.0% Remaining"_s}));
-        QCOMPARE(m_notifier->posted.at(0).identifier, m_notifier->posted.at(1).identifier);
+        QCOMPARE(
+            m_parts->notifier.posted.at(0).identifier, m_parts->notifier.posted.at(1).identifier);
     }
 
     void eachBucketIsItsOwnInTheDaemonsOrder()
@@ -179,8 +161,8 @@ private Q_SLOTS:
         for (const auto *name : {"Claude & GPT Models", "Argon Models", "Gemini Argon", "Others",
                  "GEMINI one", "Gemini two"})
             summary.groups.append(model::sampleGroup(QString::fromLatin1(name), 0.01, 0.9));
-        m_settings->setValue(settings::showClaudeInToolbar, true);
-        m_settings->setValue(settings::showArgonInToolbar, true);
+        m_parts->settings.setValue(settings::showClaudeInToolbar, true);
+        m_parts->settings.setValue(settings::showArgonInToolbar, true);
         m_alerts->checkLowQuotaNotifications(summary);
         QCOMPARE(identifiers(), QStringList(u"low_quota_GEMINI one-five"_s));
     }
@@ -192,7 +174,7 @@ private Q_SLOTS:
         // The same bucket, full, in a group that does not count.
         m_alerts->checkLowQuotaNotifications(groupNamed(u"Claude"_s, {fiveHours(1.0)}));
         m_alerts->checkLowQuotaNotifications(gemini({fiveHours(0.1)}));
-        QCOMPARE(m_notifier->posted.size(), 1);
+        QCOMPARE(m_parts->notifier.posted.size(), 1);
     }
 
     void aBucketThatIsMissingForAWhileIsNotForgotten()
@@ -200,45 +182,45 @@ private Q_SLOTS:
         m_alerts->checkLowQuotaNotifications(gemini({fiveHours(0.1)}));
         m_alerts->checkLowQuotaNotifications(gemini({}));
         m_alerts->checkLowQuotaNotifications(gemini({fiveHours(0.1)}));
-        QCOMPARE(m_notifier->posted.size(), 1);
+        QCOMPARE(m_parts->notifier.posted.size(), 1);
     }
 
     void switchedOffNothingIsPostedOrRemembered()
     {
-        m_settings->setValue(settings::notifyOnLowQuota, false);
+        m_parts->settings.setValue(settings::notifyOnLowQuota, false);
         m_alerts->checkLowQuotaNotifications(gemini({fiveHours(0.1)}));
-        QVERIFY(m_notifier->posted.isEmpty());
-        m_settings->setValue(settings::notifyOnLowQuota, true);
+        QVERIFY(m_parts->notifier.posted.isEmpty());
+        m_parts->settings.setValue(settings::notifyOnLowQuota, true);
         m_alerts->checkLowQuotaNotifications(gemini({fiveHours(0.1)}));
-        QCOMPARE(m_notifier->posted.size(), 1);
+        QCOMPARE(m_parts->notifier.posted.size(), 1);
     }
 
     void switchingOffAndOnRepeatsNoAnnouncement()
     {
         m_alerts->checkLowQuotaNotifications(gemini({fiveHours(0.1)}));
-        m_settings->setValue(settings::notifyOnLowQuota, false);
+        m_parts->settings.setValue(settings::notifyOnLowQuota, false);
         // Neither does a rise that nobody was to hear of count.
         m_alerts->checkLowQuotaNotifications(gemini({fiveHours(0.9)}));
-        m_settings->setValue(settings::notifyOnLowQuota, true);
+        m_parts->settings.setValue(settings::notifyOnLowQuota, true);
         m_alerts->checkLowQuotaNotifications(gemini({fiveHours(0.1)}));
-        QCOMPARE(m_notifier->posted.size(), 1);
+        QCOMPARE(m_parts->notifier.posted.size(), 1);
     }
 
     void aThresholdThatIsRaisedOverABucketAnnouncesIt()
     {
         m_alerts->checkLowQuotaNotifications(gemini({fiveHours(0.3)}));
-        QVERIFY(m_notifier->posted.isEmpty());
-        m_settings->setValue(settings::lowQuotaThreshold, 30.0);
+        QVERIFY(m_parts->notifier.posted.isEmpty());
+        m_parts->settings.setValue(settings::lowQuotaThreshold, 30.0);
         m_alerts->checkLowQuotaNotifications(gemini({fiveHours(0.3)}));
-        QCOMPARE(m_notifier->posted.size(), 1);
+        QCOMPARE(m_parts->notifier.posted.size(), 1);
     }
 
     void afterARestartWhatIsLowIsAnnouncedOnceMore()
     {
         m_alerts->checkLowQuotaNotifications(gemini({fiveHours(0.1)}));
-        m_alerts = std::make_unique<LowQuotaAlerts>(*m_clock, *m_settings, *m_notifier);
-        m_alerts->checkLowQuotaNotifications(gemini({fiveHours(0.1)}));
-        QCOMPARE(m_notifier->posted.size(), 2);
+        LowQuotaAlerts restarted(m_parts->clock, m_parts->settings, m_parts->notifier);
+        restarted.checkLowQuotaNotifications(gemini({fiveHours(0.1)}));
+        QCOMPARE(m_parts->notifier.posted.size(), 2);
     }
 
     void aDaemonThatInventsIdsIsForgottenButNotWhatItStillHas()
@@ -247,45 +229,35 @@ private Q_SLOTS:
         for (qsizetype i = 0; i < LowQuotaAlerts::longestMemory; ++i)
             buckets.append(model::sampleBucket(u"old-%1"_s.arg(i), u"5h"_s, 0.1));
         m_alerts->checkLowQuotaNotifications(gemini(buckets));
-        const auto first = m_notifier->posted.size();
+        const auto first = m_parts->notifier.posted.size();
         QCOMPARE(first, LowQuotaAlerts::longestMemory + 1);
 
         m_alerts->checkLowQuotaNotifications(
             gemini({fiveHours(0.1), model::sampleBucket(u"new"_s, u"5h"_s, 0.1)}));
-        QCOMPARE(m_notifier->posted.size(), first + 1);
+        QCOMPARE(m_parts->notifier.posted.size(), first + 1);
         m_alerts->checkLowQuotaNotifications(
             gemini({fiveHours(0.1), model::sampleBucket(u"old-7"_s, u"5h"_s, 0.1)}));
-        QCOMPARE(m_notifier->posted.size(), first + 2);
+        QCOMPARE(m_parts->notifier.posted.size(), first + 2);
         QCOMPARE(identifiers().last(), u"low_quota_old-7"_s);
     }
 
     void theServiceAsksForPermissionOnceAndAlertsAfterASuccessAlone()
     {
-        test::FakeFetching fetching;
-        QuotaService service({.clock = *m_clock,
-            .fetching = fetching,
-            .settings = *m_settings,
-            .alerts = m_alerts.get()});
-        QCOMPARE(m_notifier->authorizationsAsked, 1);
-
-        QTRY_VERIFY(fetching.isWaiting());
-        fetching.answer(
-            FetchedQuota{.summary = gemini({fiveHours(0.1)}), .daemon = {.httpPort = 1}});
-        QTRY_COMPARE(m_notifier->posted.size(), 1);
-
-        service.refresh();
-        QTRY_VERIFY(fetching.isWaiting());
-        fetching.answer(fail(discovery::DaemonError{}));
-        QTRY_VERIFY(!service.isRefreshing());
-        QCOMPARE(m_notifier->posted.size(), 1);
-        QCOMPARE(m_notifier->authorizationsAsked, 1);
+        test::ServiceFixture fixture;
+        QCOMPARE(fixture.notifier.authorizationsAsked, 1);
+        fixture.answer(gemini({fiveHours(0.1)}));
+        QCOMPARE(fixture.notifier.posted.size(), 1);
+        fixture.service.refresh();
+        fixture.fail();
+        QCOMPARE(fixture.notifier.posted.size(), 1);
+        QCOMPARE(fixture.notifier.authorizationsAsked, 1);
     }
 
 private:
     QStringList titles() const
     {
         QStringList titles;
-        for (const auto &notification : m_notifier->posted)
+        for (const auto &notification : m_parts->notifier.posted)
             titles.append(notification.title);
         return titles;
     }
@@ -293,16 +265,13 @@ private:
     QStringList identifiers() const
     {
         QStringList identifiers;
-        for (const auto &notification : m_notifier->posted)
+        for (const auto &notification : m_parts->notifier.posted)
             identifiers.append(notification.identifier);
         return identifiers;
     }
 
-    std::unique_ptr<QTemporaryDir> m_home;
-    std::unique_ptr<SettingsStore> m_settings;
-    std::unique_ptr<test::TestClock> m_clock;
-    std::unique_ptr<FakeNotifier> m_notifier;
-    std::unique_ptr<LowQuotaAlerts> m_alerts;
+    std::optional<test::ServiceParts> m_parts;
+    LowQuotaAlerts *m_alerts = nullptr;
 };
 
 QTEST_GUILESS_MAIN(LowQuotaAlertsTest)

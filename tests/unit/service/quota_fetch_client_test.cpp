@@ -594,6 +594,9 @@ private Q_SLOTS:
         QVERIFY2(m_daemons->start(failing, {u"--misbehave"_s, u"status-500"_s}),
             qPrintable(failing.errorText()));
         QVERIFY(m_daemons->askLast(failing.filePath()));
+        const auto daemons = m_daemons->discovery().discoverDaemons();
+        QCOMPARE(daemons.value(1).filePath, refusing);
+        QCOMPARE(daemons.value(2).filePath, failing.filePath());
         const auto error = errorOf(fetch());
         QCOMPARE(error.kind, DaemonError::Kind::daemonUnreachable);
         QCOMPARE(error.message, u"Could not connect to the server."_s);

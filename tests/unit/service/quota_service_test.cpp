@@ -1,10 +1,6 @@
-#include "service/low_quota_alerting.h"
-#include "service/quota_service.h"
-#include "support/fake_launch_at_login.h"
 #include "support/quota_samples.h"
-#include "support/test_clock.h"
+#include "support/service_fixture.h"
 
-#include <QPromise>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -27,59 +23,11 @@ namespace {
 /// What happened, in its order.
 using Log = QStringList;
 
-/// A fetch that the test answers when it likes.
-class FakeFetching final : public QuotaFetching {
+class LoggedLaunchAtLogin final : public LaunchAtLoginService {
 public:
-    explicit FakeFetching(Log &log)
-        : m_log(log)
-    {
-    }
-
-    QFuture<FetchResult> fetchQuotaSummary(const std::optional<QDateTime> &lastUpdated) override
-    {
-        m_log += u"fetch"_s;
-        asked.push_back(lastUpdated);
-        m_promises.emplace_back().start();
-        return m_promises.back().future();
-    }
-
-    void answer(const FetchResult &result)
-    {
-        m_promises.back().addResult(result);
-        m_promises.back().finish();
-    }
-
-    std::vector<std::optional<QDateTime>> asked; ///< The caller's last success, for each fetch.
-
-private:
-    Log &m_log;
-    std::vector<QPromise<FetchResult>> m_promises;
-};
-
-class FakeAlerts final : public LowQuotaAlerting {
-public:
-    explicit FakeAlerts(Log &log)
-        : m_log(log)
-    {
-    }
-
-    void requestNotificationPermission() override { m_log += u"permission"_s; }
-    void checkLowQuotaNotifications(const model::QuotaSummary &summary) override
-    {
-        m_log += u"check"_s;
-        checked = summary;
-    }
-
-    std::optional<model::QuotaSummary> checked;
-
-private:
-    Log &m_log;
-};
-
-class LoggedLaunchAtLogin final : public test::FakeLaunchAtLogin {
-public:
-    explicit LoggedLaunchAtLogin(Log &log)
-        : m_log(log)
+    LoggedLaunchAtLogin(platform::LoginItem &loginItem, Log &log)
+        : LaunchAtLoginService(loginItem)
+        , m_log(log)
     {
     }
 
@@ -88,53 +36,6 @@ protected:
 
 private:
     Log &m_log;
-};
-
-/// A clock that tells which timers are started and stopped.
-class LoggingClock final : public Clock {
-public:
-    LoggingClock(Log &log, const QDateTime &now)
-        : m_log(log)
-        , hands(now)
-    {
-    }
-
-    QDateTime now() const override { return hands.now(); }
-    std::unique_ptr<RepeatingTimer> every(
-        std::chrono::duration<double> period, std::function<void()> action) override
-    {
-        const QString name = u"timer "_s + QString::number(period.count());
-        m_log += name;
-        return std::make_unique<LoggingTimer>(m_log, name, hands.every(period, std::move(action)));
-    }
-
-private:
-    class LoggingTimer final : public RepeatingTimer {
-    public:
-        LoggingTimer(Log &log, QString name, std::unique_ptr<RepeatingTimer> timer)
-            : m_log(log)
-            , m_name(std::move(name))
-            , m_timer(std::move(timer))
-        {
-        }
-        ~LoggingTimer() override { m_log += u"end of " + m_name; }
-        LoggingTimer(const LoggingTimer &) = delete;
-        LoggingTimer &operator=(const LoggingTimer &) = delete;
-        LoggingTimer(LoggingTimer &&) = delete;
-        LoggingTimer &operator=(LoggingTimer &&) = delete;
-
-        std::chrono::milliseconds interval() const override { return m_timer->interval(); }
-
-    private:
-        Log &m_log;
-        QString m_name;
-        std::unique_ptr<RepeatingTimer> m_timer;
-    };
-
-    Log &m_log;
-
-public:
-    test::TestClock hands;
 };
 
 const QDateTime start{QDate(2026, 11, 16), QTime(4, 59, 24), Qt::UTC};
@@ -146,9 +47,10 @@ model::QuotaSummary sampleSummary(double fiveHours = 0.8)
                 model::sampleGroup(u"Claude & GPT Models"_s, 1.0, 0.64)}};
 }
 
-FetchResult success(const DaemonInfo &daemon = {.httpPort = 42})
+FetchResult success(const DaemonInfo &daemon = {.httpPort = 42},
+    const model::QuotaSummary &summary = sampleSummary())
 {
-    return FetchedQuota{.summary = sampleSummary(), .daemon = daemon};
+    return FetchedQuota{.summary = summary, .daemon = daemon};
 }
 
 FetchResult noDaemon(const std::optional<QDateTime> &last = {})
@@ -167,23 +69,14 @@ class QuotaServiceTest : public QObject {
 private Q_SLOTS:
     void init()
     {
-        m_log.clear();
-        QVERIFY(m_folder.emplace().isValid());
-        m_settings.emplace(m_folder->filePath(u"settings.conf"_s));
-        m_clock.emplace(m_log, start);
-        m_fetching.emplace(m_log);
-        m_alerts.emplace(m_log);
-        m_login.emplace(m_log);
+        m_parts.emplace(start);
+        m_login.emplace(m_parts->loginItem, m_parts->log);
     }
     void cleanup()
     {
         m_service.reset();
         m_login.reset();
-        m_alerts.reset();
-        m_fetching.reset();
-        m_clock.reset();
-        m_settings.reset();
-        m_folder.reset();
+        m_parts.reset();
     }
 
     // Construction and end
@@ -191,13 +84,13 @@ private Q_SLOTS:
     void theServiceBeginsInItsOrderAndFetchesWithTheNextTurn()
     {
         makeService();
-        QCOMPARE(m_log,
+        QCOMPARE(m_parts->log,
             Log({u"timer 1"_s, u"timer 60"_s, u"permission"_s, u"subscribe"_s, u"subscribe"_s}));
         QVERIFY(!m_service->isRefreshing());
-        QTRY_COMPARE(m_fetching->asked.size(), size_t(1));
+        QTRY_COMPARE(m_parts->fetching.asked.size(), size_t(1));
         QVERIFY(m_service->isRefreshing());
         QCoreApplication::processEvents();
-        QCOMPARE(m_fetching->asked.size(), size_t(1));
+        QCOMPARE(m_parts->fetching.asked.size(), size_t(1));
     }
 
     void theServiceBeginsEmptyAndConnecting()
@@ -215,17 +108,19 @@ private Q_SLOTS:
     void theRefreshTimerEndsBeforeTheTick()
     {
         makeService();
-        m_log.clear();
+        m_parts->log.clear();
         m_service.reset();
-        QCOMPARE(m_log, Log({u"end of timer 60"_s, u"end of timer 1"_s}));
-        QVERIFY(m_clock->hands.periods().empty());
+        QCOMPARE(m_parts->log, Log({u"end of timer 60"_s, u"end of timer 1"_s}));
+        QVERIFY(m_parts->clock.periods().empty());
     }
 
     void aServiceWithoutAlertsAndLoginItemWorks()
     {
-        QuotaService service({.clock = *m_clock, .fetching = *m_fetching, .settings = *m_settings});
-        QTRY_COMPARE(m_fetching->asked.size(), size_t(1));
-        m_fetching->answer(success());
+        QuotaService service({.clock = m_parts->clock,
+            .fetching = m_parts->fetching,
+            .settings = m_parts->settings});
+        QTRY_COMPARE(m_parts->fetching.asked.size(), size_t(1));
+        m_parts->fetching.answer(success());
         QTRY_VERIFY(!service.isRefreshing());
         QVERIFY(service.quotaSummary());
         QVERIFY(!service.launchAtLogin());
@@ -237,9 +132,9 @@ private Q_SLOTS:
     {
         makeServiceThatFetches();
         m_service.reset();
-        m_fetching->answer(success());
+        m_parts->fetching.answer(success({.httpPort = 42}, sampleSummary(0.1)));
         QCoreApplication::processEvents();
-        QVERIFY(!m_alerts->checked);
+        QVERIFY(!m_parts->log.contains(u"notification"_s));
     }
 
     // Refreshes
@@ -247,15 +142,15 @@ private Q_SLOTS:
     void aSuccessIsPublishedInItsOrder()
     {
         makeServiceThatFetches();
-        m_fetching->answer(noDaemon());
+        m_parts->fetching.answer(noDaemon());
         QTRY_VERIFY(!m_service->isRefreshing());
-        m_clock->hands.setNow(start.addSecs(30));
+        m_parts->clock.setNow(start.addSecs(30));
         m_service->refresh();
 
         record();
-        m_fetching->answer(success());
+        m_parts->fetching.answer(success({.httpPort = 42}, sampleSummary(0.1)));
         QTRY_VERIFY(!m_service->isRefreshing());
-        QCOMPARE(m_log,
+        QCOMPARE(m_parts->log,
             Log({
                 u"will: refreshing offline"_s,
                 u"quotaSummary: summary refreshing offline"_s,
@@ -267,19 +162,19 @@ private Q_SLOTS:
                 u"lastUpdated: summary daemon updated refreshing connected"_s,
                 u"will: summary daemon updated refreshing connected"_s,
                 u"isRefreshing: summary daemon updated connected"_s,
-                u"check"_s,
+                u"notification"_s,
             }));
         QCOMPARE(m_service->lastUpdated(), start.addSecs(30));
-        QCOMPARE(m_alerts->checked, sampleSummary());
+        QCOMPARE(m_service->quotaSummary(), sampleSummary(0.1));
     }
 
     void aFailureIsPublishedInItsOrder()
     {
         makeServiceThatFetches();
         record();
-        m_fetching->answer(noDaemon());
+        m_parts->fetching.answer(noDaemon());
         QTRY_VERIFY(m_service->connectionStatus().isOffline());
-        QCOMPARE(m_log,
+        QCOMPARE(m_parts->log,
             Log({
                 u"will: refreshing connecting"_s,
                 u"isRefreshing: connecting"_s,
@@ -291,18 +186,17 @@ private Q_SLOTS:
         QCOMPARE(m_service->errorMessage(), noDaemonText);
         QCOMPARE(m_service->connectionStatus(), ConnectionStatus::offline(noDaemonText));
         QCOMPARE(m_service->connectionStatus().displayText(), noDaemonText);
-        QVERIFY(!m_alerts->checked);
         QCOMPARE(m_service->menuBarTitle(), u"✦ Gemini"_s);
     }
 
     void aRefreshClearsTheErrorAndLeavesTheConnectionAsItWas()
     {
         makeServiceThatFetches();
-        m_fetching->answer(noDaemon());
+        m_parts->fetching.answer(noDaemon());
         QTRY_VERIFY(m_service->connectionStatus().isOffline());
         record();
         m_service->refresh();
-        QCOMPARE(m_log,
+        QCOMPARE(m_parts->log,
             Log({
                 u"will: error offline"_s,
                 u"isRefreshing: error refreshing offline"_s,
@@ -315,12 +209,12 @@ private Q_SLOTS:
     void aFailureAfterASuccessKeepsTheLastGoodData()
     {
         makeServiceThatFetches();
-        m_fetching->answer(success());
+        m_parts->fetching.answer(success());
         QTRY_VERIFY(m_service->connectionStatus().isConnected());
-        m_clock->hands.setNow(start.addSecs(60));
+        m_parts->clock.setNow(start.addSecs(60));
         m_service->refresh();
-        QCOMPARE(m_fetching->asked.back(), start);
-        m_fetching->answer(noDaemon(start));
+        QCOMPARE(m_parts->fetching.asked.back(), start);
+        m_parts->fetching.answer(noDaemon(start));
         QTRY_VERIFY(m_service->connectionStatus().isOffline());
         QCOMPARE(m_service->quotaSummary(), sampleSummary());
         QCOMPARE(m_service->activeDaemon(), (DaemonInfo{.httpPort = 42}));
@@ -337,30 +231,30 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         record();
         connect(&*m_service, &QuotaService::stateChanged, this,
-            [this] { m_log += u"state:"_s + readable(); });
+            [this] { m_parts->log += u"state:"_s + readable(); });
         connect(&*m_service, &QuotaService::refreshFinished, this,
-            [this] { m_log += u"finished:"_s + readable(); });
-        m_fetching->answer(success());
-        QTRY_VERIFY(m_log.contains(u"finished: summary daemon updated connected"_s));
-        QCOMPARE(
-            m_log.filter(u"state:"_s), QStringList{u"state: summary daemon updated connected"_s});
-        QCOMPARE(m_log.mid(m_log.size() - 2),
+            [this] { m_parts->log += u"finished:"_s + readable(); });
+        m_parts->fetching.answer(success());
+        QTRY_VERIFY(m_parts->log.contains(u"finished: summary daemon updated connected"_s));
+        QCOMPARE(m_parts->log.filter(u"state:"_s),
+            QStringList{u"state: summary daemon updated connected"_s});
+        QCOMPARE(m_parts->log.mid(m_parts->log.size() - 2),
             Log({u"state: summary daemon updated connected"_s,
                 u"finished: summary daemon updated connected"_s}));
 
         m_service->refresh();
-        m_fetching->answer(noDaemon());
-        m_log.clear();
-        QTRY_VERIFY(m_log.contains(u"finished: summary daemon updated error offline"_s));
-        QCOMPARE(m_log.filter(u"state:"_s),
+        m_parts->fetching.answer(noDaemon());
+        m_parts->log.clear();
+        QTRY_VERIFY(m_parts->log.contains(u"finished: summary daemon updated error offline"_s));
+        QCOMPARE(m_parts->log.filter(u"state:"_s),
             QStringList{u"state: summary daemon updated error offline"_s});
 
-        m_log.clear();
+        m_parts->log.clear();
         m_service->setShowIconInMenuBar(false);
         m_service->setShowWeeklyInMenuBar(false);
-        QVERIFY(m_log.filter(u"state:"_s).isEmpty());
+        QVERIFY(m_parts->log.filter(u"state:"_s).isEmpty());
         QCoreApplication::processEvents();
-        QCOMPARE(m_log.filter(u"state:"_s).size(), 1);
+        QCOMPARE(m_parts->log.filter(u"state:"_s).size(), 1);
     }
 
     void theTimeAndTheRefreshThatBeginsAreNoChangeOfTheState()
@@ -369,7 +263,7 @@ private Q_SLOTS:
         QSignalSpy told(&*m_service, &QuotaService::stateChanged);
         QSignalSpy ticks(&*m_service, &QuotaService::currentTimeChanged);
         QVERIFY(m_service->isRefreshing());
-        m_clock->hands.advance(5s);
+        m_parts->clock.advance(5s);
         QCoreApplication::processEvents();
         QCOMPARE(ticks.count(), 5);
         QCOMPARE(told.count(), 0);
@@ -379,13 +273,13 @@ private Q_SLOTS:
     void aRefreshThatChangesNothingStillFinishes()
     {
         makeServiceThatFetches();
-        m_fetching->answer(success());
+        m_parts->fetching.answer(success());
         QTRY_VERIFY(m_service->quotaSummary());
         QCoreApplication::processEvents();
         QSignalSpy told(&*m_service, &QuotaService::stateChanged);
         QSignalSpy finished(&*m_service, &QuotaService::refreshFinished);
         m_service->refresh();
-        m_fetching->answer(success());
+        m_parts->fetching.answer(success());
         QTRY_COMPARE(finished.count(), 1);
         QCOMPARE(told.count(), 0);
     }
@@ -407,7 +301,7 @@ private Q_SLOTS:
         QFETCH(std::optional<std::int64_t>, httpsPort);
         QFETCH(QString, text);
         makeServiceThatFetches();
-        m_fetching->answer(success({.httpsPort = httpsPort, .httpPort = httpPort}));
+        m_parts->fetching.answer(success({.httpsPort = httpsPort, .httpPort = httpPort}));
         QTRY_COMPARE(m_service->connectionStatus().displayText(), text);
     }
 
@@ -425,14 +319,14 @@ private Q_SLOTS:
     {
         makeServiceThatFetches();
         m_service->refresh();
-        m_clock->hands.advance(5min);
-        QCOMPARE(m_fetching->asked.size(), size_t(1));
-        m_fetching->answer(success());
+        m_parts->clock.advance(5min);
+        QCOMPARE(m_parts->fetching.asked.size(), size_t(1));
+        m_parts->fetching.answer(success());
         QTRY_VERIFY(!m_service->isRefreshing());
         QCoreApplication::processEvents();
-        QCOMPARE(m_fetching->asked.size(), size_t(1));
+        QCOMPARE(m_parts->fetching.asked.size(), size_t(1));
         m_service->refresh();
-        QCOMPARE(m_fetching->asked.size(), size_t(2));
+        QCOMPARE(m_parts->fetching.asked.size(), size_t(2));
     }
 
     // Timers
@@ -442,13 +336,13 @@ private Q_SLOTS:
         makeService();
         QSignalSpy ticks(&*m_service, &QuotaService::currentTimeChanged);
         QSignalSpy announced(&*m_service, &QuotaService::objectWillChange);
-        m_clock->hands.advance(999ms);
+        m_parts->clock.advance(999ms);
         QCOMPARE(ticks.count(), 0);
-        m_clock->hands.advance(1ms);
+        m_parts->clock.advance(1ms);
         QCOMPARE(ticks.count(), 1);
         QCOMPARE(announced.count(), 1);
         QCOMPARE(m_service->currentTime(), start.addSecs(1));
-        m_clock->hands.advance(9s);
+        m_parts->clock.advance(9s);
         QCOMPARE(ticks.count(), 10);
     }
 
@@ -456,12 +350,12 @@ private Q_SLOTS:
     {
         makeServiceThatFetches();
         for (size_t i = 2; i < 5; ++i) {
-            m_fetching->answer(success());
+            m_parts->fetching.answer(success());
             QTRY_VERIFY(!m_service->isRefreshing());
-            m_clock->hands.advance(59999ms);
-            QCOMPARE(m_fetching->asked.size(), i - 1);
-            m_clock->hands.advance(1ms);
-            QCOMPARE(m_fetching->asked.size(), i);
+            m_parts->clock.advance(59999ms);
+            QCOMPARE(m_parts->fetching.asked.size(), i - 1);
+            m_parts->clock.advance(1ms);
+            QCOMPARE(m_parts->fetching.asked.size(), i);
         }
     }
 
@@ -488,32 +382,32 @@ private Q_SLOTS:
         QFETCH(std::chrono::milliseconds, applied);
         makeService();
         m_service->updateRefreshInterval(stored);
-        QCOMPARE(m_clock->hands.periods(), (std::vector<std::chrono::milliseconds>{1s, applied}));
+        QCOMPARE(m_parts->clock.periods(), (std::vector<std::chrono::milliseconds>{1s, applied}));
         QCOMPARE(m_service->refreshInterval(), std::isfinite(stored) ? stored : 60.0);
     }
 
     void anUpdatedIntervalStartsTheTimerAnew()
     {
         makeServiceThatFetches();
-        m_fetching->answer(success());
+        m_parts->fetching.answer(success());
         QTRY_VERIFY(!m_service->isRefreshing());
-        m_clock->hands.advance(50s);
-        m_log.clear();
+        m_parts->clock.advance(50s);
+        m_parts->log.clear();
         m_service->updateRefreshInterval(60);
-        QCOMPARE(m_log, Log({u"end of timer 60"_s, u"timer 60"_s}));
-        m_clock->hands.advance(59s);
-        QCOMPARE(m_fetching->asked.size(), size_t(1));
-        m_clock->hands.advance(1s);
-        QCOMPARE(m_fetching->asked.size(), size_t(2));
+        QCOMPARE(m_parts->log, Log({u"end of timer 60"_s, u"timer 60"_s}));
+        m_parts->clock.advance(59s);
+        QCOMPARE(m_parts->fetching.asked.size(), size_t(1));
+        m_parts->clock.advance(1s);
+        QCOMPARE(m_parts->fetching.asked.size(), size_t(2));
     }
 
     void anIntervalStoredByAnotherWayLeavesTheTimerAlone()
     {
         makeService();
-        m_log.clear();
+        m_parts->log.clear();
         m_service->setRefreshInterval(300);
         QCOMPARE(m_service->refreshInterval(), 300.0);
-        QVERIFY(m_log.isEmpty());
+        QVERIFY(m_parts->log.isEmpty());
     }
 
     // Settings
@@ -521,7 +415,7 @@ private Q_SLOTS:
     void everySettingHasItsKeyItsDefaultAndAnnouncesItsChange_data()
     {
         QTest::addColumn<QByteArray>("key");
-        QTest::addColumn<QVariant>("fallback");
+        QTest::addColumn<QVariant>("defaultValue");
         QTest::addColumn<QVariant>("other");
         QTest::newRow("1") << QByteArray("refreshInterval") << QVariant(60.0) << QVariant(120.0);
         QTest::newRow("2") << QByteArray("showPercentageInMenuBar") << QVariant(true)
@@ -547,10 +441,12 @@ private Q_SLOTS:
     void everySettingHasItsKeyItsDefaultAndAnnouncesItsChange()
     {
         QFETCH(QByteArray, key);
-        QFETCH(QVariant, fallback);
+        QFETCH(QVariant, defaultValue);
         QFETCH(QVariant, other);
-        makeService();
-        QCOMPARE(m_service->property(key.constData()), fallback);
+        const QTemporaryDir folder;
+        const QString file = folder.filePath(u"settings.conf"_s);
+        startOn(file);
+        QCOMPARE(m_service->property(key.constData()), defaultValue);
 
         QVariantList seen;
         const auto read = [&] { seen += m_service->property(key.constData()); };
@@ -560,7 +456,7 @@ private Q_SLOTS:
         QSignalSpy after(&*m_service, notify);
 
         QVERIFY(m_service->setProperty(key.constData(), other));
-        QCOMPARE(seen, QVariantList{fallback}); // Just before.
+        QCOMPARE(seen, QVariantList{defaultValue}); // Just before.
         QCOMPARE(after.count(), 1);
         QCOMPARE(m_service->property(key.constData()), other);
 
@@ -568,12 +464,8 @@ private Q_SLOTS:
         QCOMPARE(seen.size(), 1);
         QCOMPARE(after.count(), 1);
 
-        // The same for whoever starts next.
-        const QString file = m_settings->fileName();
-        m_service.reset();
-        m_settings.reset();
-        m_settings.emplace(file);
-        makeService();
+        // The same after a restart of the program.
+        startOn(file);
         QCOMPARE(m_service->property(key.constData()), other);
     }
 
@@ -601,11 +493,12 @@ private Q_SLOTS:
             [&] { after += m_service->launchAtLogin(); });
         m_service->setLaunchAtLogin(true);
         QVERIFY(m_login->isEnabled());
-        QCOMPARE(before, QList{false});
-        QCOMPARE(after, QList{true});
+        // requiresApproval is announced first.
+        QCOMPARE(before, QList({false, false}));
+        QCOMPARE(after, QList({false, true}));
         m_login->setEnabled(false);
         QVERIFY(!m_service->launchAtLogin());
-        QCOMPARE(after, QList({true, false}));
+        QCOMPARE(after, QList({false, true, true, false}));
     }
 
     // What the label is made of
@@ -613,7 +506,7 @@ private Q_SLOTS:
     void theLabelFollowsTheSummaryAndTheSettings()
     {
         makeServiceThatFetches();
-        m_fetching->answer(success());
+        m_parts->fetching.answer(success());
         QTRY_VERIFY(m_service->quotaSummary());
         QCOMPARE(m_service->menuBarTitle(), u"✦ 5h: 80% · W: 55%"_s);
         QCOMPARE(m_service->lowestSelectedBucket()->remainingFraction, 0.55);
@@ -640,7 +533,7 @@ private Q_SLOTS:
     void whatTheLabelReadsIsDerivedOncePerRevision()
     {
         makeServiceThatFetches();
-        m_fetching->answer(success());
+        m_parts->fetching.answer(success());
         QTRY_VERIFY(!m_service->isRefreshing());
         // A list that is kept shares its memory with no other derivation.
         const auto items = m_service->toolbarStatItems();
@@ -648,7 +541,7 @@ private Q_SLOTS:
         m_service->menuBarTint();
         m_service->lowestSelectedBucket();
         m_service->labelInput();
-        m_clock->hands.advance(5s);
+        m_parts->clock.advance(5s);
         m_service->refresh();
         QCOMPARE(m_service->toolbarStatItems().constData(), items.constData());
 
@@ -661,7 +554,7 @@ private Q_SLOTS:
     void aReaderOfTheLastMomentBeforeAChangeLeavesNothingStale()
     {
         makeServiceThatFetches();
-        m_fetching->answer(success());
+        m_parts->fetching.answer(success());
         QTRY_VERIFY(m_service->quotaSummary());
         QStringList before;
         QStringList after;
@@ -685,7 +578,7 @@ private Q_SLOTS:
     void theLabelsInputIsWhatTheSettingsAndTheItemsSay()
     {
         makeServiceThatFetches();
-        m_fetching->answer(success());
+        m_parts->fetching.answer(success());
         QTRY_VERIFY(m_service->quotaSummary());
         auto input = m_service->labelInput();
         QCOMPARE(input.items, m_service->toolbarStatItems());
@@ -712,27 +605,34 @@ private Q_SLOTS:
     }
 
 private:
+    /// Starts over with the settings of that file.
+    void startOn(const QString &settingsFile)
+    {
+        cleanup();
+        m_parts.emplace(start, settingsFile);
+        m_login.emplace(m_parts->loginItem, m_parts->log);
+        makeService();
+    }
+
     void makeService()
     {
-        m_service.emplace(QuotaService::Dependencies{.clock = *m_clock,
-            .fetching = *m_fetching,
-            .settings = *m_settings,
-            .alerts = &*m_alerts,
-            .launchAtLogin = &*m_login});
+        auto dependencies = m_parts->dependencies();
+        dependencies.launchAtLogin = &*m_login;
+        m_service.emplace(dependencies);
     }
 
     void makeServiceThatFetches()
     {
         makeService();
-        QTRY_COMPARE(m_fetching->asked.size(), size_t(1));
+        QTRY_COMPARE(m_parts->fetching.asked.size(), size_t(1));
     }
 
     /// From now on logs each announcement with what could be read at that moment.
     void record()
     {
-        m_log.clear();
+        m_parts->log.clear();
         const auto log = [this](const QString &name) {
-            return [this, name] { m_log += name + u':' + readable(); };
+            return [this, name] { m_parts->log += name + u':' + readable(); };
         };
         auto *service = &*m_service;
         connect(service, &QuotaService::objectWillChange, this, log(u"will"_s));
@@ -765,12 +665,7 @@ private:
         return text;
     }
 
-    Log m_log;
-    std::optional<QTemporaryDir> m_folder;
-    std::optional<SettingsStore> m_settings;
-    std::optional<LoggingClock> m_clock;
-    std::optional<FakeFetching> m_fetching;
-    std::optional<FakeAlerts> m_alerts;
+    std::optional<test::ServiceParts> m_parts;
     std::optional<LoggedLaunchAtLogin> m_login;
     std::optional<QuotaService> m_service;
 };

@@ -26,14 +26,15 @@ private Q_SLOTS:
         QTest::addColumn<QString>("text");
         QTest::newRow("refused") << TransportError::Refused
                                  << u"Could not connect to the server."_s;
-        QTest::newRow("lost") << TransportError::Lost << u"The network connection was lost."_s;
+        QTest::newRow("lost") << TransportError::ConnectionLost
+                              << u"The network connection was lost."_s;
         QTest::newRow("timed out") << TransportError::TimedOut << u"The request timed out."_s;
         QTest::newRow("unreachable")
             << TransportError::Unreachable << u"The server could not be reached."_s;
-        QTest::newRow("insecure") << TransportError::Insecure
+        QTest::newRow("insecure") << TransportError::TlsFailed
                                   << u"A secure connection to the server could not be made."_s;
         QTest::newRow("senseless")
-            << TransportError::Senseless << u"The server's answer made no sense."_s;
+            << TransportError::Malformed << u"The server's answer made no sense."_s;
         QTest::newRow("any other") << TransportError::Other << u"The request failed."_s;
     }
     void eachErrorHasItsWords()
@@ -49,7 +50,8 @@ private Q_SLOTS:
         QTest::addColumn<TransportError>("error");
         QTest::newRow("refused") << QAbstractSocket::ConnectionRefusedError
                                  << TransportError::Refused;
-        QTest::newRow("closed") << QAbstractSocket::RemoteHostClosedError << TransportError::Lost;
+        QTest::newRow("closed") << QAbstractSocket::RemoteHostClosedError
+                                << TransportError::ConnectionLost;
         QTest::newRow("timed out")
             << QAbstractSocket::SocketTimeoutError << TransportError::TimedOut;
         QTest::newRow("out of reach")
@@ -59,11 +61,11 @@ private Q_SLOTS:
         QTest::newRow("too many connections")
             << QAbstractSocket::SocketResourceError << TransportError::Unreachable;
         QTest::newRow("handshake")
-            << QAbstractSocket::SslHandshakeFailedError << TransportError::Insecure;
+            << QAbstractSocket::SslHandshakeFailedError << TransportError::TlsFailed;
         QTest::newRow("no TLS library")
-            << QAbstractSocket::SslInternalError << TransportError::Insecure;
+            << QAbstractSocket::SslInternalError << TransportError::TlsFailed;
         QTest::newRow("an authority that is none")
-            << QAbstractSocket::SslInvalidUserDataError << TransportError::Insecure;
+            << QAbstractSocket::SslInvalidUserDataError << TransportError::TlsFailed;
         QTest::newRow("any other") << QAbstractSocket::UnknownSocketError << TransportError::Other;
     }
     void eachErrorOfASocketIsOneOfThose()

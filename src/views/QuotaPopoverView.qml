@@ -85,7 +85,7 @@ Item {
         Rectangle {
             anchors.fill: parent
             radius: Theme.cornerRadius
-            color: Theme.ground
+            color: Theme.background
             visible: radius > 0
         }
 

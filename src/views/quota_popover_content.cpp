@@ -1,5 +1,6 @@
 #include "views/quota_popover_content.h"
 
+#include "platform/popover.h"
 #include "views/drawing/popover_shadow.h"
 
 #include <QGuiApplication>
@@ -55,7 +56,7 @@ void PopoverWindow::mousePressEvent(QMouseEvent *event)
     if ((QRectF(QPointF(), size()) - m_shadow).contains(event->position()))
         QQuickWindow::mousePressEvent(event);
     else
-        // Not from within: some platforms end the window with it.
+        // Queued, since closing destroys the window on some platforms.
         QMetaObject::invokeMethod(&m_model, &PopoverModel::close, Qt::QueuedConnection);
 }
 
@@ -74,30 +75,24 @@ QuotaPopoverContent::QuotaPopoverContent(const PopoverDependencies &dependencies
           .terminate = dependencies.terminate})
     , m_window(m_model)
 {
-    // Its name for a screen reader; no desktop shows it.
+    // For screen readers; no desktop shows it.
     m_window.setTitle(QGuiApplication::applicationDisplayName());
     QJSEngine::setObjectOwnership(&m_model, QJSEngine::CppOwnership);
     QJSEngine::setObjectOwnership(&m_settingsModel, QJSEngine::CppOwnership);
     QJSEngine::setObjectOwnership(&dependencies.quotaService, QJSEngine::CppOwnership);
     m_theme.attachTo(m_engine);
     m_engine.addImportPath(u"qrc:/qt/qml"_s);
-    QObject::connect(&m_theme, &Theme::changed, &m_window, [this] { followTheme(); });
-    followTheme();
+    QObject::connect(&m_theme, &Theme::changed, &m_window, [this] { applyTheme(); });
+    applyTheme();
 
     QQmlComponent component(&m_engine, QUrl(u"qrc:/qt/qml/Brimwatch/QuotaPopoverView.qml"_s));
-    if (!component.isReady()) {
-        qCCritical(viewsLog).noquote() << "The popover cannot be made:" << component.errorString();
-        return;
-    }
-    std::unique_ptr<QObject> root(
+    m_root.reset(qobject_cast<QQuickItem *>(
         component.createWithInitialProperties({{u"model"_s, QVariant::fromValue(&m_model)},
-            {u"settingsModel"_s, QVariant::fromValue(&m_settingsModel)}}));
-    m_root.reset(qobject_cast<QQuickItem *>(root.get()));
+            {u"settingsModel"_s, QVariant::fromValue(&m_settingsModel)}})));
     if (!m_root) {
         qCCritical(viewsLog).noquote() << "The popover cannot be made:" << component.errorString();
         return;
     }
-    static_cast<void>(root.release());
     m_root->setParentItem(m_window.contentItem());
     const auto refreshSettings = [this] {
         if (m_model.isShown() && m_model.showingSettings())
@@ -111,13 +106,11 @@ QuotaPopoverContent::QuotaPopoverContent(const PopoverDependencies &dependencies
     QObject::connect(&m_window, &QQuickWindow::heightChanged, m_root.get(), [this] { layOut(); });
 }
 
-QuotaPopoverContent::~QuotaPopoverContent() = default;
-
 void QuotaPopoverContent::setShown(bool shown)
 {
     m_model.setShown(shown);
-    // No control has the focus at first. And a popup that grabs the keyboard is told of its keys,
-    // but not always that it has the focus, so it takes it.
+    // At first no control has the focus. A popup that grabs the keyboard gets its keys, but not
+    // always a focus event, so the view is focused here.
     if (shown)
         m_root->forceActiveFocus(Qt::PopupFocusReason);
 }
@@ -129,7 +122,8 @@ void QuotaPopoverContent::showSettings()
 
 QSize QuotaPopoverContent::size() const
 {
-    return (QSizeF(width, height) * m_theme.textScale()).toSize();
+    using platform::Popover;
+    return (QSizeF(Popover::contentWidth, Popover::contentHeight) * m_theme.textScale()).toSize();
 }
 
 QMargins QuotaPopoverContent::shadow() const
@@ -142,7 +136,7 @@ void QuotaPopoverContent::setTranslucent(bool translucent)
     const QMargins shadow = translucent ? PopoverShadow::extent : QMargins();
     if (m_window.shadow() == shadow)
         return;
-    // The native window is of the one kind or the other from its making.
+    // A native window is opaque or translucent from its creation.
     m_window.destroy();
     QSurfaceFormat format = m_window.requestedFormat();
     format.setAlphaBufferSize(translucent ? 8 : -1);
@@ -152,15 +146,15 @@ void QuotaPopoverContent::setTranslucent(bool translucent)
     layOut();
 }
 
-void QuotaPopoverContent::followTheme()
+void QuotaPopoverContent::applyTheme()
 {
-    m_window.setColor(m_theme.cornerRadius() > 0 ? QColor(Qt::transparent) : m_theme.ground());
+    m_window.setColor(m_theme.cornerRadius() > 0 ? QColor(Qt::transparent) : m_theme.background());
     const QSize wanted = size().grownBy(m_window.shadow());
     if (std::exchange(m_size, wanted) != wanted)
         m_window.resize(wanted);
 }
 
-/// The view fills the window but for its shadow.
+/// The view fills the window but for the shadow.
 void QuotaPopoverContent::layOut()
 {
     const QRect frame = QRect(QPoint(), m_window.size()) - m_window.shadow();
@@ -173,7 +167,8 @@ void QuotaPopoverContent::layOut()
 brimwatch::platform::PopoverContent *brimwatch_make_popover_content(
     const brimwatch::views::PopoverDependencies &dependencies)
 {
-    // No OpenGL: for a window of this size the software renderer is faster and needs no driver.
+    // Not OpenGL: for a window of this size the software renderer is faster, and it needs no
+    // driver.
     const QString software = u"software"_s;
     if (QQuickWindow::sceneGraphBackend() != software)
         QQuickWindow::setSceneGraphBackend(software);

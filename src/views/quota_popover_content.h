@@ -13,13 +13,13 @@
 
 namespace brimwatch::views {
 
-/// The popover's window. Keys that no control takes are its own: refresh, settings, quit and close.
-/// A press on the shadow is one beside the popover, which closes it.
+/// The popover's window. It handles the keys that no control accepts: refresh, settings, quit and
+/// close. A press on the shadow is a press outside of the popover and closes it.
 class PopoverWindow final : public QQuickWindow {
 public:
     explicit PopoverWindow(PopoverModel &model);
 
-    /// How wide its shadow is on each side; none at first.
+    /// The width of its shadow on each side; none at first.
     QMargins shadow() const { return m_shadow; }
     void setShadow(const QMargins &shadow) { m_shadow = shadow; }
 
@@ -32,20 +32,12 @@ private:
     QMargins m_shadow;
 };
 
-/// The quota popover in a window: 380 by 490, times the text scale.
+/// The quota popover in a window.
 class QuotaPopoverContent final : public platform::PopoverContent {
 public:
-    static constexpr int width = 380;
-    static constexpr int height = 490;
-
     explicit QuotaPopoverContent(const PopoverDependencies &dependencies);
-    ~QuotaPopoverContent() override;
-    QuotaPopoverContent(const QuotaPopoverContent &) = delete;
-    QuotaPopoverContent &operator=(const QuotaPopoverContent &) = delete;
-    QuotaPopoverContent(QuotaPopoverContent &&) = delete;
-    QuotaPopoverContent &operator=(QuotaPopoverContent &&) = delete;
 
-    /// Whether the views could be made.
+    /// Whether the views could be created.
     bool isComplete() const { return m_root != nullptr; }
 
     QWindow &window() override { return m_window; }
@@ -56,17 +48,17 @@ public:
     void showSettings() override;
 
 private:
-    void followTheme();
+    void applyTheme();
     void layOut();
 
-    // Made in this order: what is below uses what is above.
+    // In this order, since what is below uses what is above.
     Theme m_theme;
     PopoverModel m_model;
     SettingsModel m_settingsModel;
     QQmlEngine m_engine;
     PopoverWindow m_window;
     std::unique_ptr<QQuickItem> m_root;
-    QSize m_size; ///< As it was asked for last.
+    QSize m_size; ///< What the window was resized to last.
 };
 
 } // namespace brimwatch::views

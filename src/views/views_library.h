@@ -22,7 +22,7 @@ class QuotaService;
 
 namespace brimwatch::views {
 
-/// What the views are given. Everything outlives the content.
+/// What the views use. Everything outlives the content.
 struct PopoverDependencies {
     service::QuotaService &quotaService;
     platform::Appearance &appearance;
@@ -37,7 +37,7 @@ struct PopoverDependencies {
 
 } // namespace brimwatch::views
 
-/// The one door of the views' library: makes the popover's content. The caller owns it. Null when
-/// the views cannot be made.
+/// The only entry point of the views' library: creates the popover's content, which the caller
+/// owns. Null if the views cannot be created.
 extern "C" Q_DECL_EXPORT brimwatch::platform::PopoverContent *brimwatch_make_popover_content(
     const brimwatch::views::PopoverDependencies &dependencies);

@@ -80,7 +80,7 @@ void CardsAndRowsTest::theFractionDecidesTextColourAndBar()
     QCOMPARE(
         fixture.item(u"percentageText"_s)->property("color").value<QColor>(), systemColor(color));
     QCOMPARE(fixture.item(u"pillDot"_s)->property("color").value<QColor>(), systemColor(color));
-    QCOMPARE(fixture.item(u"pillGround"_s)->property("color").value<QColor>(), systemColor(color));
+    QCOMPARE(fixture.item(u"pillBackground"_s)->property("color").value<QColor>(), systemColor(color));
     const QQuickItem *track = fixture.item(u"barTrack"_s);
     const QQuickItem *fill = fixture.item(u"barFill"_s);
     QCOMPARE(track->height(), 6.0);

@@ -548,9 +548,9 @@ void QuotaPopoverTest::moreThanAPersonCanReadIsOnlyCounted()
             u"bucket-%1"_s.arg(i), u"Bucket %1"_s.arg(i), u"5h"_s, 0.5, std::nullopt));
     }
     fixture.answer(summary);
-    fixture.awaitCards(views::PopoverModel::mostGroups);
+    fixture.awaitCards(views::PopoverModel::maximumGroups);
     QCOMPARE(fixture.text(u"moreGroups"_s), u"and 30 more"_s);
-    QCOMPARE(fixture.items(u"bucketRow"_s).size(), views::PopoverModel::mostRows);
+    QCOMPARE(fixture.items(u"bucketRow"_s).size(), views::PopoverModel::maximumRows);
     const auto hidden = fixture.items(u"moreRows"_s);
     QVERIFY(std::any_of(hidden.begin(), hidden.end(),
         [](const QQuickItem *line) { return line->property("text") == u"and 2800 more"_s; }));

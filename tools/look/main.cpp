@@ -17,107 +17,100 @@ using test::PopoverFixture;
 
 namespace {
 
-/// A state of the popover: what happens before the picture is taken.
-struct Scenario {
-    QString name;
-    std::function<void(PopoverFixture &)> prepare;
-};
+using Step = std::function<void(PopoverFixture &)>;
 
-void showSettings(PopoverFixture &f)
+void answerWithSamples(PopoverFixture &f)
 {
     f.answer(test::sampleSummary());
-    f.showSettings();
 }
+
+Step pressKey(Qt::Key key)
+{
+    return [key](PopoverFixture &f) { QTest::keyClick(&f.window(), key); };
+}
+
+/// A state of the popover. A refresh ends before the popover is shown, so that its icon does not
+/// turn and every picture is reproducible.
+struct Scenario {
+    QString name;
+    Step fetch = answerWithSamples; ///< Before the popover is shown.
+    Step act = [](PopoverFixture &) { }; ///< After that.
+};
 
 QList<Scenario> scenarios()
 {
     const QString longError
         = u"The daemon did not answer: the connection was closed before a complete answer had "
-          u"come, "
-          "and three further attempts with the other daemons that announce themselves failed too."_s;
+          "come, and three further attempts with the other daemons that announce themselves "
+          "failed too."_s;
     return {
-        {.name = u"normal"_s,
-            .prepare = [](PopoverFixture &f) { f.answer(test::sampleSummary()); }},
-        {.name = u"normal-end"_s,
-            .prepare =
-                [](PopoverFixture &f) {
-                    f.answer(test::sampleSummary());
-                    QTest::keyClick(&f.window(), Qt::Key_End);
-                }},
+        {.name = u"normal"_s},
+        {.name = u"normal-end"_s, .act = pressKey(Qt::Key_End)},
         {.name = u"later"_s,
-            .prepare =
-                [](PopoverFixture &f) {
-                    f.answer(test::sampleSummary());
-                    f.clock.advance(std::chrono::seconds(42));
-                }},
-        {.name = u"loading"_s, .prepare = [](PopoverFixture &f) { f.awaitRefresh(); }},
+            .act = [](PopoverFixture &f) { f.clock.advance(std::chrono::seconds(42)); }},
+        {.name = u"loading"_s,
+            .fetch = [](PopoverFixture &) {},
+            .act = [](PopoverFixture &f) { f.awaitRefresh(); }},
         {.name = u"offline"_s,
-            .prepare = [](PopoverFixture &f) { f.fail(u"Could not connect to the server."_s); }},
-        {.name = u"offline-long"_s,
-            .prepare = [longError](PopoverFixture &f) { f.fail(longError); }},
+            .fetch = [](PopoverFixture &f) { f.fail(u"Could not connect to the server."_s); }},
+        {.name = u"offline-long"_s, .fetch = [longError](PopoverFixture &f) { f.fail(longError); }},
         {.name = u"error-beside-data"_s,
-            .prepare =
+            .fetch =
                 [](PopoverFixture &f) {
-                    f.answer(test::sampleSummary());
+                    answerWithSamples(f);
                     f.clock.advance(std::chrono::minutes(5));
                     f.fail(u"Could not connect to the server."_s);
-                    QTest::keyClick(&f.window(), Qt::Key_End);
-                }},
+                },
+            .act = pressKey(Qt::Key_End)},
         {.name = u"zero-groups"_s,
-            .prepare = [](PopoverFixture &f) { f.answer(model::QuotaSummary{}); }},
+            .fetch = [](PopoverFixture &f) { f.answer(model::QuotaSummary{}); }},
         {.name = u"fifty-groups"_s,
-            .prepare =
+            .fetch = [](PopoverFixture &f) { f.answer(test::manyGroups(50)); },
+            .act =
                 [](PopoverFixture &f) {
-                    f.answer(test::manyGroups(50));
                     f.awaitCards(50);
                     QTest::keyClick(&f.window(), Qt::Key_PageDown);
                 }},
-        {.name = u"long-names"_s,
-            .prepare = [](PopoverFixture &f) { f.answer(test::longNames()); }},
-        {.name = u"odd-names"_s, .prepare = [](PopoverFixture &f) { f.answer(test::oddNames()); }},
-        {.name = u"low"_s, .prepare = [](PopoverFixture &f) { f.answer(test::lowSummary()); }},
-        {.name = u"settings"_s, .prepare = [](PopoverFixture &f) { showSettings(f); }},
+        {.name = u"long-names"_s, .fetch = [](PopoverFixture &f) { f.answer(test::longNames()); }},
+        {.name = u"odd-names"_s, .fetch = [](PopoverFixture &f) { f.answer(test::oddNames()); }},
+        {.name = u"low"_s, .fetch = [](PopoverFixture &f) { f.answer(test::lowSummary()); }},
+        {.name = u"settings"_s, .act = [](PopoverFixture &f) { f.showSettings(); }},
         {.name = u"settings-middle"_s,
-            .prepare =
+            .act =
                 [](PopoverFixture &f) {
-                    showSettings(f);
+                    f.showSettings();
                     f.setLoginItem(platform::LoginItem::Status::requiresApproval);
                     QTest::keyClick(&f.window(), Qt::Key_PageDown);
                 }},
         {.name = u"settings-end"_s,
-            .prepare =
+            .act =
                 [](PopoverFixture &f) {
-                    showSettings(f);
+                    f.showSettings();
                     QTest::keyClick(&f.window(), Qt::Key_End);
                 }},
         {.name = u"settings-few"_s,
-            .prepare =
+            .act =
                 [](PopoverFixture &f) {
                     f.service.setShowGeminiInToolbar(false);
                     f.service.setRefreshInterval(77);
                     f.setLoginItem(platform::LoginItem::Status::requiresApproval);
-                    showSettings(f);
+                    f.showSettings();
                 }},
         {.name = u"settings-picker"_s,
-            .prepare =
+            .act =
                 [](PopoverFixture &f) {
-                    showSettings(f);
+                    f.showSettings();
                     QTest::mouseClick(
                         &f.window(), Qt::LeftButton, {}, f.middle(u"labelStyleBox"_s));
                 }},
         {.name = u"settings-keyboard"_s,
-            .prepare =
+            .act =
                 [](PopoverFixture &f) {
-                    showSettings(f);
+                    f.showSettings();
                     for (int i = 0; i < 4; ++i)
                         QTest::keyClick(&f.window(), Qt::Key_Tab);
                 }},
-        {.name = u"focus"_s,
-            .prepare =
-                [](PopoverFixture &f) {
-                    f.answer(test::sampleSummary());
-                    QTest::keyClick(&f.window(), Qt::Key_Tab);
-                }},
+        {.name = u"focus"_s, .act = pressKey(Qt::Key_Tab)},
     };
 }
 
@@ -131,11 +124,11 @@ int main(int argc, char *argv[])
     parser.addHelpOption();
     parser.addPositionalArgument(u"folder"_s, u"Where the pictures go."_s);
     const QCommandLineOption scale(
-        u"text-scale"_s, u"How much larger than usual text is."_s, u"factor"_s, u"1"_s);
+        u"text-scale"_s, u"The factor by which text is enlarged."_s, u"factor"_s, u"1"_s);
     const QCommandLineOption contrast(
-        u"higher-contrast"_s, u"As on a desktop that is set to higher contrast."_s);
+        u"higher-contrast"_s, u"As on a desktop with higher contrast."_s);
     const QCommandLineOption family(u"font"_s, u"The interface font."_s, u"family"_s);
-    const QCommandLineOption only(u"only"_s, u"This one state."_s, u"state"_s);
+    const QCommandLineOption only(u"only"_s, u"Only this state."_s, u"state"_s);
     parser.addOptions({scale, contrast, family, only});
     parser.process(application);
     if (parser.positionalArguments().size() != 1)
@@ -158,8 +151,9 @@ int main(int argc, char *argv[])
             if (parser.isSet(contrast))
                 fixture.appearance.contrast = platform::Contrast::Higher;
             fixture.appearance.family = parser.value(family);
+            scenario.fetch(fixture);
             fixture.show();
-            scenario.prepare(fixture);
+            scenario.act(fixture);
             QCoreApplication::processEvents();
             const QString name = scenario.name
                 + (ground == platform::Background::Light ? "-light.png"_L1 : "-dark.png"_L1);

@@ -162,7 +162,7 @@ Item {
 
             background: Rectangle {
                 radius: 6
-                color: Theme.ground
+                color: Theme.background
                 border.color: Theme.frame
                 border.width: 1
             }

@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Brimwatch
 
-// The panel's label, for a host that shows a view.
+// The label as a view, for a host that can show one.
 Row {
     id: root
 
@@ -11,7 +11,7 @@ Row {
 
     spacing: 4
 
-    MenuBarLabelModel {
+    LabelModel {
         id: label
 
         quotaService: root.quotaService
@@ -33,7 +33,7 @@ Row {
             id: item
 
             required property int index
-            required property menuBarLabelItem modelData
+            required property labelItem modelData
 
             spacing: 4
 

@@ -11,7 +11,7 @@ Item {
     implicitHeight: label.height + 6
 
     Capsule {
-        objectName: "pillGround"
+        objectName: "pillBackground"
         anchors.fill: parent
         color: root.tint
         opacity: 0.12

@@ -102,7 +102,7 @@ Rectangle {
             objectName: "countdown"
             anchors.verticalCenter: parent.verticalCenter
             x: clock.width + 4
-            text: root.bucket.countdownText
+            text: root.bucket.resetLine
             color: Theme.secondaryLabel
             pixelSize: 11
             weight: Font.Medium

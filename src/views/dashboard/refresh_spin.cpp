@@ -1,10 +1,14 @@
 #include "views/dashboard/refresh_spin.h"
 
+#include "views/models/assign.h"
+
+#include <utility>
+
 namespace brimwatch::views {
 
-RefreshSpin::RefreshSpin(std::function<bool()> goesOn, QObject *parent)
+RefreshSpin::RefreshSpin(std::function<bool()> shouldContinue, QObject *parent)
     : QObject(parent)
-    , m_goesOn(std::move(goesOn))
+    , m_shouldContinue(std::move(shouldContinue))
 {
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
@@ -14,9 +18,8 @@ RefreshSpin::RefreshSpin(std::function<bool()> goesOn, QObject *parent)
 
 void RefreshSpin::trigger()
 {
-    if (m_isSpinning)
+    if (!assign(m_isSpinning, true))
         return;
-    m_isSpinning = true;
     Q_EMIT isSpinningChanged();
     startTurn(true);
 }
@@ -24,10 +27,8 @@ void RefreshSpin::trigger()
 void RefreshSpin::startTurn(bool easesInOut)
 {
     // The curve first: the angle's change starts the animation.
-    if (m_easesInOut != easesInOut) {
-        m_easesInOut = easesInOut;
+    if (assign(m_easesInOut, easesInOut))
         Q_EMIT easesInOutChanged();
-    }
     m_rotationDegrees += 360;
     Q_EMIT rotationDegreesChanged();
     m_timer.start();
@@ -35,7 +36,7 @@ void RefreshSpin::startTurn(bool easesInOut)
 
 void RefreshSpin::endTurn()
 {
-    if (m_goesOn()) {
+    if (m_shouldContinue()) {
         startTurn(false);
         return;
     }

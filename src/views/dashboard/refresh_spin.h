@@ -9,12 +9,12 @@
 
 namespace brimwatch::views {
 
-/// The turning of the refresh icon: whole turns only, at least one, and another one as long as a
-/// refresh runs when a turn ends.
+/// The rotation of the refresh icon: whole turns only, at least one, and another one whenever a
+/// refresh still runs at the end of a turn.
 class RefreshSpin final : public QObject {
     Q_OBJECT
     QML_ELEMENT
-    QML_UNCREATABLE("Belongs to the popover's model.")
+    QML_UNCREATABLE("Owned by the popover's model.")
     Q_PROPERTY(bool isSpinning READ isSpinning NOTIFY isSpinningChanged FINAL)
     Q_PROPERTY(double rotationDegrees READ rotationDegrees NOTIFY rotationDegreesChanged FINAL)
     Q_PROPERTY(bool easesInOut READ easesInOut NOTIFY easesInOutChanged FINAL)
@@ -23,18 +23,18 @@ class RefreshSpin final : public QObject {
 public:
     static constexpr std::chrono::milliseconds turn{700};
 
-    /// `goesOn` is asked at the end of each turn whether another one follows.
-    explicit RefreshSpin(std::function<bool()> goesOn, QObject *parent = nullptr);
+    /// `shouldContinue` is called at the end of each turn: whether another one follows.
+    explicit RefreshSpin(std::function<bool()> shouldContinue, QObject *parent = nullptr);
 
-    /// Starts a spin, unless one runs.
+    /// Starts a spin, unless one is running.
     void trigger();
 
     bool isSpinning() const { return m_isSpinning; }
-    /// Where the turn that runs ends; it only grows, by 360 per turn.
+    /// The angle at which the present turn ends; it only grows, by 360 per turn.
     double rotationDegrees() const { return m_rotationDegrees; }
-    /// How the turn that runs is animated: the first eases in and out, the others are linear.
+    /// How the present turn is animated: the first one eases in and out, the others are linear.
     bool easesInOut() const { return m_easesInOut; }
-    /// Milliseconds.
+    /// In milliseconds, as QML counts.
     int turnDuration() const { return static_cast<int>(turn.count()); }
 
 Q_SIGNALS:
@@ -46,7 +46,7 @@ private:
     void startTurn(bool easesInOut);
     void endTurn();
 
-    std::function<bool()> m_goesOn;
+    std::function<bool()> m_shouldContinue;
     QTimer m_timer;
     bool m_isSpinning = false;
     double m_rotationDegrees = 0;

@@ -24,8 +24,8 @@ qreal distance(QPointF point, qreal halfSide, qreal radius)
     return std::hypot(std::max(x, 0.0), std::max(y, 0.0)) + std::min(std::max(x, y), 0.0) - radius;
 }
 
-/// The shadow of a square: four corners of `corner` by `corner` pixels, and between them one row and
-/// one column, which are repeated along the edges.
+/// The shadow of a square: four corners of `corner` by `corner` pixels, and between them one row
+/// and one column, which are repeated along the edges.
 QImage shadowOfSquare(int corner, qreal scale, qreal radius, qreal strength)
 {
     const int side = 2 * corner + 1;

@@ -26,8 +26,8 @@ qreal widestDigit(const QFontMetricsF &metrics)
     return widest;
 }
 
-/// Calls `place` with the left end of each piece of the text: a run without digits is one piece, and
-/// so is each digit, in the middle of its cell. Returns the right end of the last one.
+/// Calls `place` with the left end of each piece of the text: a run without digits is one piece,
+/// and so is each digit, in the middle of its cell. Returns the right end of the last one.
 template <typename Place>
 qreal forEachPiece(const QFontMetricsF &metrics, const QString &text, Place place)
 {

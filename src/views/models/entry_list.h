@@ -15,15 +15,14 @@
 
 namespace brimwatch::views {
 
-/// Records as a list of objects that outlast a refresh: the entry of a record that was there before
-/// is updated, not made anew, so that its view stays and the list keeps its place. Of two records
-/// with one identity, the first gets the first one's entry.
+/// Records as a list model of objects that survive a refresh: the entry of a record that was in the
+/// list before is updated, not replaced, so that its view and the scroll position stay. Records
+/// with the same identity get their entries in order.
 template <typename Entry, typename Record> class EntryList final : public QAbstractListModel {
 public:
     using Make = std::function<Entry *()>;
 
-    /// `role` is the name under which a view sees the entry; `make` makes one, which the list then
-    /// owns.
+    /// `role` is the name of the entry in a delegate; `make` creates an entry, which the list owns.
     EntryList(QByteArray role, Make make)
         : m_role(std::move(role))
         , m_make(std::move(make))
@@ -60,7 +59,7 @@ public:
     }
 
 private:
-    /// Sees to it that the entry of that identity stands at `index`. Those before it are in place
+    /// Inserts or moves the entry with that identity to `index`. Those before it are in place
     /// already.
     void place(std::size_t index, const QString &identity)
     {
@@ -92,7 +91,7 @@ private:
             m_entries.begin() + static_cast<std::ptrdiff_t>(from), m_entries.end());
         m_entries.resize(from);
         endRemoveRows();
-        // Later: the views of these end with the next turn of the event loop, and read them until
+        // Later: their delegates live until the next turn of the event loop and read them until
         // then.
         for (Entry *entry : dropped)
             entry->deleteLater();

@@ -3,6 +3,7 @@
 #include "platform/opener.h"
 #include "platform/wording.h"
 #include "service/quota_service.h"
+#include "views/models/assign.h"
 #include "views/models/theme.h"
 #include "views/models/time_ago.h"
 
@@ -37,9 +38,9 @@ QUrl daemonPage(std::int64_t port)
 QList<ShownGroup> shownGroups(const QList<model::QuotaGroup> &groups)
 {
     QList<ShownGroup> shown;
-    qsizetype rowsLeft = PopoverModel::mostRows;
+    qsizetype rowsLeft = PopoverModel::maximumRows;
     for (const auto &group : groups) {
-        if (shown.size() == PopoverModel::mostGroups)
+        if (shown.size() == PopoverModel::maximumGroups)
             break;
         const qsizetype rows = std::min<qsizetype>(group.bucketCount(), rowsLeft);
         rowsLeft -= rows;
@@ -55,40 +56,29 @@ PopoverModel::PopoverModel(Dependencies dependencies, QObject *parent)
     , m_dependencies(std::move(dependencies))
     , m_service(m_dependencies.quotaService)
     , m_groups("group", [&theme = m_dependencies.theme] { return new GroupEntry(theme); })
-    // While nobody looks the icon need not turn on.
+    // A hidden icon need not turn.
     , m_spin([this] { return m_isShown && m_service.isRefreshing(); })
 {
     connect(&m_dependencies.theme, &Theme::changed, this, &PopoverModel::statusColorChanged);
-    catchUp();
+    readAll();
 }
-
-PopoverModel::~PopoverModel() = default;
 
 void PopoverModel::setShown(bool shown)
 {
-    if (m_isShown == shown)
+    if (!assign(m_isShown, shown))
         return;
-    if (!shown)
+    if (!shown) {
         m_service.disconnect(this);
-    m_isShown = shown;
-    if (shown) {
-        follow();
-        catchUp();
-        // Cards beyond the first ones follow when the first frame is on its way.
+    } else {
+        connectService();
+        readAll();
+        // The other cards follow after the first frame was requested.
         QMetaObject::invokeMethod(this, &PopoverModel::addGroups, Qt::QueuedConnection);
     }
     Q_EMIT isShownChanged();
 }
 
-void PopoverModel::setShowingSettings(bool showing)
-{
-    if (m_showingSettings == showing)
-        return;
-    m_showingSettings = showing;
-    Q_EMIT showingSettingsChanged();
-}
-
-void PopoverModel::follow()
+void PopoverModel::connectService()
 {
     using service::QuotaService;
     connect(&m_service, &QuotaService::quotaSummaryChanged, this, [this] {
@@ -105,7 +95,7 @@ void PopoverModel::follow()
     connect(&m_service, &QuotaService::currentTimeChanged, this, &PopoverModel::readTime);
 }
 
-void PopoverModel::catchUp()
+void PopoverModel::readAll()
 {
     readGroups();
     readStatus();
@@ -120,11 +110,8 @@ void PopoverModel::readGroups()
     const auto &summary = m_service.quotaSummary();
     const auto sorted = summary ? summary->sortedGroups() : QList<model::QuotaGroup>{};
     m_sortedGroups = shownGroups(sorted);
-    const QString more = andMore(sorted.size() - m_sortedGroups.size());
-    if (m_moreText != more) {
-        m_moreText = more;
+    if (assign(m_moreText, andMore(sorted.size() - m_sortedGroups.size())))
         Q_EMIT moreTextChanged();
-    }
     m_groups.update(m_sortedGroups.mid(0, m_groupsShown), m_service.currentTime());
     if (m_isShown && m_groupsShown < m_sortedGroups.size())
         QMetaObject::invokeMethod(this, &PopoverModel::addGroups, Qt::QueuedConnection);
@@ -141,33 +128,23 @@ void PopoverModel::addGroups()
 void PopoverModel::readStatus()
 {
     const auto &status = m_service.connectionStatus();
-    if (const QString text = shownText(status.displayText()); m_statusText != text) {
-        m_statusText = text;
-        Q_EMIT statusChanged();
-    }
-    if (m_statusColor != status.statusDotColor()) {
-        m_statusColor = status.statusDotColor();
+    if (assign(m_statusText, shownText(status.displayText())))
+        Q_EMIT statusTextChanged();
+    if (assign(m_statusColor, status.statusDotColor()))
         Q_EMIT statusColorChanged();
-    }
 }
 
 void PopoverModel::readError()
 {
-    const QString text = shownText(m_service.errorMessage().value_or(QString()));
-    if (m_errorText == text)
-        return;
-    m_errorText = text;
-    Q_EMIT errorTextChanged();
+    if (assign(m_errorText, shownText(m_service.errorMessage().value_or(QString()))))
+        Q_EMIT errorTextChanged();
 }
 
 void PopoverModel::readRefreshing()
 {
-    const bool isRefreshing = m_service.isRefreshing();
-    if (isRefreshing != m_isRefreshing) {
-        m_isRefreshing = isRefreshing;
+    if (assign(m_isRefreshing, m_service.isRefreshing()))
         Q_EMIT isRefreshingChanged();
-    }
-    if (isRefreshing && m_isShown)
+    if (m_isRefreshing && m_isShown)
         m_spin.trigger();
 }
 
@@ -178,10 +155,8 @@ void PopoverModel::readBody()
         body = Body::Cards;
     else if (m_service.isRefreshing())
         body = Body::Loading;
-    if (m_body == body)
-        return;
-    m_body = body;
-    Q_EMIT bodyChanged();
+    if (assign(m_body, body))
+        Q_EMIT bodyChanged();
 }
 
 void PopoverModel::readUpdated()
@@ -189,16 +164,11 @@ void PopoverModel::readUpdated()
     const auto &lastUpdated = m_service.lastUpdated();
     const auto &now = m_service.currentTime();
     const QString waiting = u"Waiting for update"_s;
-    const QString text = lastUpdated ? "Updated "_L1 + timeAgo(*lastUpdated, now) : waiting;
-    if (m_updatedText != text) {
-        m_updatedText = text;
+    if (assign(m_updatedText, lastUpdated ? "Updated "_L1 + timeAgo(*lastUpdated, now) : waiting))
         Q_EMIT updatedTextChanged();
-    }
-    const QString spoken = lastUpdated ? "Updated "_L1 + spokenTimeAgo(*lastUpdated, now) : waiting;
-    if (m_updatedAccessibleName != spoken) {
-        m_updatedAccessibleName = spoken;
+    if (assign(m_updatedAccessibleName,
+            lastUpdated ? "Updated "_L1 + accessibleTimeAgo(*lastUpdated, now) : waiting))
         Q_EMIT updatedAccessibleNameChanged();
-    }
 }
 
 void PopoverModel::readTime()
@@ -222,8 +192,7 @@ void PopoverModel::performRefresh()
     if (m_spin.isSpinning() || m_service.isRefreshing())
         return;
     triggerSpinAnimation();
-    // Not within the caller's event: what the refresh changes shows with the next turn of the event
-    // loop.
+    // Queued, so that the caller's event ends before the refresh changes what is shown.
     QMetaObject::invokeMethod(&m_service, &service::QuotaService::refresh, Qt::QueuedConnection);
 }
 

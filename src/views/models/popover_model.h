@@ -26,8 +26,8 @@ namespace brimwatch::views {
 
 class Theme;
 
-/// What the dashboard shows and does. It follows the service only while it is shown; what happened
-/// meanwhile is caught up with before it shows.
+/// What the dashboard shows and does. It follows the service only while the popover is shown, and
+/// reads all of it anew before it is shown.
 class PopoverModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -35,7 +35,7 @@ class PopoverModel final : public QObject {
     Q_PROPERTY(Body body READ body NOTIFY bodyChanged FINAL)
     Q_PROPERTY(QAbstractItemModel *groups READ groups CONSTANT FINAL)
     Q_PROPERTY(QString moreText READ moreText NOTIFY moreTextChanged FINAL)
-    Q_PROPERTY(QString statusText READ statusText NOTIFY statusChanged FINAL)
+    Q_PROPERTY(QString statusText READ statusText NOTIFY statusTextChanged FINAL)
     Q_PROPERTY(QColor statusColor READ statusColor NOTIFY statusColorChanged FINAL)
     Q_PROPERTY(QString errorText READ errorText NOTIFY errorTextChanged FINAL)
     Q_PROPERTY(QString updatedText READ updatedText NOTIFY updatedTextChanged FINAL)
@@ -44,21 +44,20 @@ class PopoverModel final : public QObject {
     Q_PROPERTY(QString refreshToolTip READ refreshToolTip CONSTANT FINAL)
     Q_PROPERTY(bool isRefreshing READ isRefreshing NOTIFY isRefreshingChanged FINAL)
     Q_PROPERTY(bool isShown READ isShown NOTIFY isShownChanged FINAL)
-    Q_PROPERTY(bool showingSettings READ showingSettings WRITE setShowingSettings NOTIFY
-            showingSettingsChanged FINAL)
+    Q_PROPERTY(bool showingSettings MEMBER m_showingSettings NOTIFY showingSettingsChanged FINAL)
     Q_PROPERTY(brimwatch::views::RefreshSpin *spin READ spin CONSTANT FINAL)
 
 public:
     enum class Body { Cards, Loading, Offline };
     Q_ENUM(Body)
 
-    /// More cards, and more rows in all of them together, are only counted: no daemon means that
-    /// many, and a broken one shall not make the popover slow.
-    static constexpr qsizetype mostGroups = 100;
-    static constexpr qsizetype mostRows = 200;
+    /// How many cards, and rows in all of them together, are shown; the rest is only counted. No
+    /// working daemon has that many, and a broken one must not make the popover slow.
+    static constexpr qsizetype maximumGroups = 100;
+    static constexpr qsizetype maximumRows = 200;
     /// As many cards as the first frame can show; the others follow a few at a time, so that the
     /// first click is answered at once.
-    static constexpr qsizetype firstGroups = 3;
+    static constexpr qsizetype initialGroups = 3;
 
     struct Dependencies {
         service::QuotaService &quotaService;
@@ -69,14 +68,12 @@ public:
     };
 
     explicit PopoverModel(Dependencies dependencies, QObject *parent = nullptr);
-    ~PopoverModel() override;
 
     void setShown(bool shown);
     bool isShown() const { return m_isShown; }
 
     /// Which face the view shows. Only the view sets it; others request the settings.
     bool showingSettings() const { return m_showingSettings; }
-    void setShowingSettings(bool showing);
 
     Body body() const { return m_body; }
     /// The cards, each a GroupEntry in the role "group".
@@ -89,13 +86,13 @@ public:
     const QString &errorText() const { return m_errorText; }
     /// "Updated 42s ago" or "Waiting for update"
     const QString &updatedText() const { return m_updatedText; }
-    /// The same in whole minutes: "Updated just now" for all of the first one.
+    /// The same in whole minutes: "Updated just now" during the first one.
     const QString &updatedAccessibleName() const { return m_updatedAccessibleName; }
     QString refreshToolTip() const;
     bool isRefreshing() const { return m_isRefreshing; }
     RefreshSpin *spin() { return &m_spin; }
 
-    /// Refreshes and spins, unless one or the other is under way.
+    /// Refreshes and spins, unless a refresh or a spin is running.
     Q_INVOKABLE void performRefresh();
     void triggerSpinAnimation() { m_spin.trigger(); }
     /// Opens the IDE; where none is installed, the daemon's own page. Without either nothing
@@ -107,7 +104,7 @@ public:
 Q_SIGNALS:
     void bodyChanged();
     void moreTextChanged();
-    void statusChanged();
+    void statusTextChanged();
     void statusColorChanged();
     void errorTextChanged();
     void updatedTextChanged();
@@ -115,12 +112,12 @@ Q_SIGNALS:
     void isRefreshingChanged();
     void isShownChanged();
     void showingSettingsChanged();
-    /// To the view: it shall show the settings.
+    /// The view has to show the settings.
     void settingsRequested();
 
 private:
-    void follow();
-    void catchUp();
+    void connectService();
+    void readAll();
     void readGroups();
     void addGroups();
     void readStatus();
@@ -135,7 +132,7 @@ private:
     EntryList<GroupEntry, ShownGroup> m_groups;
     RefreshSpin m_spin;
     QList<ShownGroup> m_sortedGroups;
-    qsizetype m_groupsShown = firstGroups;
+    qsizetype m_groupsShown = initialGroups;
 
     bool m_isShown = false;
     bool m_showingSettings = false;

@@ -1,6 +1,7 @@
 #include "views/models/quota_entries.h"
 
 #include "core/plain_text.h"
+#include "views/models/assign.h"
 #include "views/models/theme.h"
 
 #include <algorithm>
@@ -11,22 +12,9 @@ namespace brimwatch::views {
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace {
-
-/// Sets `member` and says whether it was different.
-bool assign(QString &member, const QString &value)
-{
-    if (member == value)
-        return false;
-    member = value;
-    return true;
-}
-
-} // namespace
-
 QString shownText(const QString &text)
 {
-    // Longer than any view has room for, but short enough to lay out in no time.
+    // More than any view has room for, but few enough to be laid out quickly.
     constexpr qsizetype longest = 1000;
     QString shown = truncated(text, longest);
     for (QChar &character : shown) {
@@ -56,15 +44,12 @@ BucketEntry::BucketEntry(const Theme &theme, QString groupName, QObject *parent)
     connect(&theme, &Theme::changed, this, &BucketEntry::colorChanged);
 }
 
-BucketEntry::~BucketEntry() = default;
-
 void BucketEntry::update(const model::QuotaBucket &bucket, const QDateTime &now)
 {
-    if (m_bucket != bucket) {
-        const bool healthChanges = m_bucket.statusColor() != bucket.statusColor();
-        m_bucket = bucket;
+    const model::ColorToken color = m_bucket.statusColor();
+    if (assign(m_bucket, bucket)) {
         Q_EMIT changed();
-        if (healthChanges)
+        if (m_bucket.statusColor() != color)
             Q_EMIT colorChanged();
     }
     setTime(now);
@@ -73,8 +58,8 @@ void BucketEntry::update(const model::QuotaBucket &bucket, const QDateTime &now)
 void BucketEntry::setTime(const QDateTime &now)
 {
     const QString countdown = m_bucket.resetCountdownString(now);
-    if (assign(m_countdownText, "Resets in "_L1 + countdown))
-        Q_EMIT countdownTextChanged();
+    if (assign(m_resetLine, "Resets in "_L1 + countdown))
+        Q_EMIT resetLineChanged();
     if (assign(m_timestampText, m_bucket.resetTimestampText(now)))
         Q_EMIT timestampTextChanged();
     QString percentage = percentageText();
@@ -105,19 +90,15 @@ QColor BucketEntry::color() const
 
 GroupEntry::GroupEntry(const Theme &theme, QObject *parent)
     : QObject(parent)
-    // A group is known by its name, so its rows keep it.
+    // A group is identified by its name, so that its rows can keep it.
     , m_buckets("bucket", [this, &theme] { return new BucketEntry(theme, displayName()); })
 {
 }
 
-GroupEntry::~GroupEntry() = default;
-
 void GroupEntry::update(const ShownGroup &shown, const QDateTime &now)
 {
-    if (m_shown != shown) {
-        m_shown = shown;
+    if (assign(m_shown, shown))
         Q_EMIT changed();
-    }
     m_buckets.update(m_shown.group.sortedBuckets().mid(0, m_shown.rows), now);
 }
 

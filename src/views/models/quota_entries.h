@@ -13,7 +13,7 @@ namespace brimwatch::views {
 
 class Theme;
 
-/// A daemon's text as views show it: on one line, and not endless.
+/// A daemon's text as views show it: on one line, and of limited length.
 QString shownText(const QString &text);
 /// "and 12 more"; empty for none.
 QString andMore(qsizetype count);
@@ -22,20 +22,19 @@ QString andMore(qsizetype count);
 class BucketEntry final : public QObject {
     Q_OBJECT
     QML_ELEMENT
-    QML_UNCREATABLE("Comes from the popover's model.")
+    QML_UNCREATABLE("Created by the popover's model.")
     Q_PROPERTY(QString displayName READ displayName NOTIFY changed FINAL)
     Q_PROPERTY(QString windowText READ windowText NOTIFY changed FINAL)
     Q_PROPERTY(QString percentageText READ percentageText NOTIFY changed FINAL)
     Q_PROPERTY(double fill READ fill NOTIFY changed FINAL)
     Q_PROPERTY(QColor color READ color NOTIFY colorChanged FINAL)
-    Q_PROPERTY(QString countdownText READ countdownText NOTIFY countdownTextChanged FINAL)
+    Q_PROPERTY(QString resetLine READ resetLine NOTIFY resetLineChanged FINAL)
     Q_PROPERTY(QString timestampText READ timestampText NOTIFY timestampTextChanged FINAL)
     Q_PROPERTY(QString accessibleName READ accessibleName NOTIFY accessibleNameChanged FINAL)
 
 public:
-    /// `groupName` is that of the bucket's group, which its accessible name begins with.
+    /// The accessible name begins with `groupName`, the name of the bucket's group.
     BucketEntry(const Theme &theme, QString groupName, QObject *parent = nullptr);
-    ~BucketEntry() override;
 
     static const QString &identity(const model::QuotaBucket &bucket) { return bucket.id(); }
     const QString &identity() const { return m_bucket.id(); }
@@ -52,17 +51,17 @@ public:
     /// The colour of the bucket's health.
     QColor color() const;
     /// "Resets in 2h 3m"
-    const QString &countdownText() const { return m_countdownText; }
-    /// When it resets; empty where that is not known.
+    const QString &resetLine() const { return m_resetLine; }
+    /// When it resets; empty when that is unknown.
     const QString &timestampText() const { return m_timestampText; }
-    /// The row as one sentence: "Gemini, 5 hour limit, 42.5 percent left, resets in 2h 3m". Whole
-    /// minutes only: a screen reader would else hear of it each second.
+    /// The row as one sentence: "Gemini, 5 hour limit, 42.5 percent left, resets in 2h 3m". In
+    /// whole minutes, so that a screen reader is not notified each second.
     const QString &accessibleName() const { return m_accessibleName; }
 
 Q_SIGNALS:
     void changed();
     void colorChanged();
-    void countdownTextChanged();
+    void resetLineChanged();
     void timestampTextChanged();
     void accessibleNameChanged();
 
@@ -70,7 +69,7 @@ private:
     const Theme &m_theme;
     QString m_groupName;
     model::QuotaBucket m_bucket;
-    QString m_countdownText;
+    QString m_resetLine;
     QString m_timestampText;
     QString m_accessibleName;
 };
@@ -87,7 +86,7 @@ struct ShownGroup {
 class GroupEntry final : public QObject {
     Q_OBJECT
     QML_ELEMENT
-    QML_UNCREATABLE("Comes from the popover's model.")
+    QML_UNCREATABLE("Created by the popover's model.")
     Q_PROPERTY(QString displayName READ displayName NOTIFY changed FINAL)
     Q_PROPERTY(QString iconName READ iconName NOTIFY changed FINAL)
     Q_PROPERTY(QString countText READ countText NOTIFY changed FINAL)
@@ -97,7 +96,6 @@ class GroupEntry final : public QObject {
 
 public:
     explicit GroupEntry(const Theme &theme, QObject *parent = nullptr);
-    ~GroupEntry() override;
 
     static const QString &identity(const ShownGroup &shown) { return shown.group.id(); }
     const QString &identity() const { return m_shown.group.id(); }
@@ -108,7 +106,7 @@ public:
     QString iconName() const { return m_shown.group.iconName(); }
     /// "1 bucket", "3 buckets"
     QString countText() const;
-    /// Empty: there is none.
+    /// Empty without one.
     QString descriptionText() const { return shownText(m_shown.group.descriptionText()); }
     /// "and 12 more" of the rows that are not shown; empty when all are.
     QString moreText() const;

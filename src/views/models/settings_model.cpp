@@ -30,7 +30,7 @@ constexpr std::array intervalOptions{IntervalOption{.name = "15 seconds"_L1, .se
     IntervalOption{.name = "2 minutes"_L1, .seconds = 120},
     IntervalOption{.name = "5 minutes"_L1, .seconds = 300}};
 
-/// The element of that index; null when there is none.
+/// The element at that index; null if there is none.
 template <typename T, std::size_t Size>
 const T *elementAt(const std::array<T, Size> &elements, int index)
 {
@@ -61,12 +61,11 @@ SettingsModel::SettingsModel(Dependencies dependencies, QObject *parent)
         &SettingsModel::refreshIntervalChanged);
     connect(quotaService, &QuotaService::lowQuotaThresholdChanged, this,
         &SettingsModel::thresholdTextChanged);
-    connect(quotaService, &QuotaService::activeDaemonChanged, this, &SettingsModel::daemonRowsChanged);
+    connect(
+        quotaService, &QuotaService::activeDaemonChanged, this, &SettingsModel::daemonRowsChanged);
     connect(
         quotaService, &QuotaService::lastUpdatedChanged, this, &SettingsModel::lastUpdateChanged);
 }
-
-SettingsModel::~SettingsModel() = default;
 
 void SettingsModel::refreshLaunchAtLogin()
 {
@@ -137,7 +136,7 @@ void SettingsModel::setRefreshInterval(int index)
 
 QString SettingsModel::thresholdText() const
 {
-    // Stored by hand it may be any number.
+    // A hand-edited settings file may hold any number.
     constexpr double most = 1e15;
     const double threshold
         = std::clamp(m_dependencies.quotaService.lowQuotaThreshold(), -most, most);

@@ -22,7 +22,7 @@ class LaunchAtLoginService;
 
 namespace brimwatch::views {
 
-/// What the settings show and do beyond the service's own properties, which they are bound to.
+/// What the settings show and do beyond the service's own properties, to which they are bound.
 class SettingsModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -54,7 +54,6 @@ public:
     };
 
     explicit SettingsModel(Dependencies dependencies, QObject *parent = nullptr);
-    ~SettingsModel() override;
 
     service::QuotaService *service() const { return &m_dependencies.quotaService; }
 
@@ -66,12 +65,12 @@ public:
     QString approvalText() const;
 
     QStringList labelStyleNames() const;
-    /// The index of the style in use; text that names none is in use as the first.
+    /// The index of the style in use; the first one if the stored text names none.
     int labelStyle() const;
     void setLabelStyle(int index);
 
     QStringList refreshIntervalNames() const;
-    /// The index of the stored interval; -1 when it is none of those offered.
+    /// The index of the stored interval; -1 if it is none of those offered.
     int refreshInterval() const;
     void setRefreshInterval(int index);
 

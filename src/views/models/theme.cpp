@@ -2,6 +2,7 @@
 
 #include "platform/appearance.h"
 #include "platform/qt_color.h"
+#include "views/models/assign.h"
 
 #include <QFontDatabase>
 #include <QGuiApplication>
@@ -44,8 +45,6 @@ Theme::Theme(
     connect(&appearance, &platform::Appearance::changed, this, &Theme::changed);
 }
 
-Theme::~Theme() = default;
-
 void Theme::attachTo(QQmlEngine &engine)
 {
     QJSEngine::setObjectOwnership(this, QJSEngine::CppOwnership);
@@ -77,12 +76,12 @@ QColor Theme::color(model::ColorToken token, double opacity) const
 
 QColor Theme::onAccent() const
 {
-    // White stays until its contrast falls below 3 : 1, the least that WCAG 2 asks of controls.
+    // White, unless its contrast is below 3 : 1, the minimum for controls in WCAG 2.
     const double contrastOfWhite = 1.05 / (luminance(accent()) + 0.05);
     return contrastOfWhite >= 3 ? color(model::ColorToken::White) : QColor(Qt::black);
 }
 
-QColor Theme::ground() const
+QColor Theme::background() const
 {
     return halfway(
         color(model::ColorToken::WindowBackground), color(model::ColorToken::ControlBackground));
@@ -111,10 +110,8 @@ double Theme::textScale() const
 
 void Theme::setFloating(bool floating)
 {
-    if (m_floating == floating)
-        return;
-    m_floating = floating;
-    Q_EMIT changed();
+    if (assign(m_floating, floating))
+        Q_EMIT changed();
 }
 
 int Theme::cornerRadius() const
@@ -126,8 +123,8 @@ double Theme::shadowStrength() const
 {
     if (!m_floating)
         return 0;
-    // On dark ground less is not to be seen.
-    return ground().lightnessF() < 0.5 ? 0.6 : 0.3;
+    // On a dark background a weaker one is invisible.
+    return background().lightnessF() < 0.5 ? 0.6 : 0.3;
 }
 
 } // namespace brimwatch::views

@@ -3,7 +3,6 @@
 #include "model/color_token.h"
 
 #include <QColor>
-#include <QFont>
 #include <QObject>
 #include <QString>
 #include <QtQml/qqmlregistration.h>
@@ -18,24 +17,23 @@ class SymbolSource;
 
 namespace brimwatch::views {
 
-/// How everything looks: the desktop's colours, font and symbols, for bindings that follow the
-/// desktop live.
+/// How everything looks: the desktop's colours, font and symbols, as properties that follow the
+/// desktop's settings.
 ///
-/// One per QML engine, made by whoever makes the engine.
+/// One per QML engine, owned by the owner of the engine.
 class Theme final : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_SINGLETON
     Q_PROPERTY(QColor label READ label NOTIFY changed FINAL)
     Q_PROPERTY(QColor secondaryLabel READ secondaryLabel NOTIFY changed FINAL)
-    Q_PROPERTY(QColor separator READ separator NOTIFY changed FINAL)
     Q_PROPERTY(QColor accent READ accent NOTIFY changed FINAL)
     Q_PROPERTY(QColor onAccent READ onAccent NOTIFY changed FINAL)
     Q_PROPERTY(QColor orange READ orange NOTIFY changed FINAL)
     Q_PROPERTY(QColor red READ red NOTIFY changed FINAL)
     Q_PROPERTY(QColor controlBackground READ controlBackground NOTIFY changed FINAL)
     Q_PROPERTY(QColor controlOutline READ controlOutline NOTIFY changed FINAL)
-    Q_PROPERTY(QColor ground READ ground NOTIFY changed FINAL)
+    Q_PROPERTY(QColor background READ background NOTIFY changed FINAL)
     Q_PROPERTY(QColor frame READ frame NOTIFY changed FINAL)
     Q_PROPERTY(QColor divider READ divider NOTIFY changed FINAL)
     Q_PROPERTY(QColor cardBackground READ cardBackground NOTIFY changed FINAL)
@@ -60,22 +58,20 @@ public:
     /// Both outlive the theme.
     Theme(platform::Appearance &appearance, const platform::SymbolSource &symbols,
         QObject *parent = nullptr);
-    ~Theme() override;
 
     /// Makes this the theme of an engine, which it outlives.
     void attachTo(QQmlEngine &engine);
-    /// The theme of the engine that `object` lives in; null outside of one that has a theme.
+    /// The theme of the engine that `object` belongs to; null without an engine or a theme.
     static Theme *of(const QObject *object);
     /// For the QML engine.
     static Theme *create(QQmlEngine *engine, QJSEngine *scriptEngine);
 
     QColor color(model::ColorToken token) const;
-    /// The same, more transparent: its own opacity times `opacity`.
+    /// The same with its opacity multiplied by `opacity`.
     QColor color(model::ColorToken token, double opacity) const;
 
     QColor label() const { return color(model::ColorToken::Label); }
     QColor secondaryLabel() const { return color(model::ColorToken::SecondaryLabel); }
-    QColor separator() const { return color(model::ColorToken::Separator); }
     QColor accent() const { return color(model::ColorToken::Accent); }
     /// Text on the accent colour: white, or black where white would be hard to read.
     QColor onAccent() const;
@@ -83,9 +79,9 @@ public:
     QColor red() const { return color(model::ColorToken::SystemRed); }
     QColor controlBackground() const { return color(model::ColorToken::ControlBackground); }
     QColor controlOutline() const { return color(model::ColorToken::Separator); }
-    /// What everything stands on: halfway between the desktop's window and control backgrounds, so
-    /// that cards and rows stand out from it on both sides. Opaque.
-    QColor ground() const;
+    /// The popover's background: halfway between the desktop's window and control backgrounds, so
+    /// that cards and rows differ from it in either direction. Opaque.
+    QColor background() const;
     /// The line around the popover.
     QColor frame() const { return color(model::ColorToken::Separator, 0.5); }
     QColor divider() const { return color(model::ColorToken::Separator, 0.5); }
@@ -101,18 +97,18 @@ public:
     QColor hovered() const { return color(model::ColorToken::SecondaryLabel, 0.12); }
     QColor pressed() const { return color(model::ColorToken::SecondaryLabel, 0.24); }
 
-    /// The interface font's family; where the desktop names none, the toolkit's own.
+    /// The interface font's family; Qt's own if the desktop names none.
     QString fontFamily() const;
-    /// The toolkit's fixed-width family.
+    /// Qt's fixed-width family.
     QString fixedFontFamily() const;
-    /// Whether things shall be where they belong at once rather than move there.
+    /// Whether there are no animations.
     bool reducesMotion() const;
-    /// How much larger than drawn everything is shown, 1 for as drawn.
+    /// The factor by which everything is enlarged.
     double textScale() const;
 
-    /// Whether the popover floats: it has round corners and a shadow then. It does not at first.
+    /// Whether the popover floats, with round corners and a shadow. It does not at first.
     void setFloating(bool floating);
-    /// Of the popover; 0 for square corners.
+    /// The popover's; 0 for square corners.
     int cornerRadius() const;
     /// The opacity of the popover's shadow where it is darkest; 0 for none.
     double shadowStrength() const;

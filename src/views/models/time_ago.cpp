@@ -18,7 +18,7 @@ QString timeAgo(const QDateTime &date, const QDateTime &now)
     return QString::number(seconds / minute) + "m ago"_L1;
 }
 
-QString spokenTimeAgo(const QDateTime &date, const QDateTime &now)
+QString accessibleTimeAgo(const QDateTime &date, const QDateTime &now)
 {
     constexpr qint64 minute = 60;
     return timeAgo(date, date.secsTo(now) < minute ? date : now);

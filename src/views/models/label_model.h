@@ -19,25 +19,25 @@ namespace brimwatch::views {
 
 class Theme;
 
-/// One item of the declarative label, its colour resolved.
-struct MenuBarLabelItem {
+/// One item of MenuBarLabelView, its colour resolved.
+struct LabelItem {
     Q_GADGET
-    QML_VALUE_TYPE(menuBarLabelItem)
+    QML_VALUE_TYPE(labelItem)
     Q_PROPERTY(QString symbolName MEMBER symbolName CONSTANT FINAL)
     Q_PROPERTY(QString text MEMBER text CONSTANT FINAL)
     Q_PROPERTY(QColor color MEMBER color CONSTANT FINAL)
 
 public:
-    QString symbolName = {}; ///< Empty: none, the text names the model.
+    QString symbolName = {}; ///< Empty if the text names the model.
     QString text = {};
     QColor color = {};
 
-    bool operator==(const MenuBarLabelItem &) const = default;
+    bool operator==(const LabelItem &) const = default;
 };
 
-/// The panel's label for a view: an optional sparkle, then the items. It follows the service that
-/// it is given.
-class MenuBarLabelModel : public QObject, public QQmlParserStatus {
+/// What MenuBarLabelView shows: an optional sparkle, then the items. It follows the service that it
+/// is given.
+class LabelModel : public QObject, public QQmlParserStatus {
     Q_OBJECT
     Q_INTERFACES(QQmlParserStatus)
     QML_ELEMENT
@@ -48,15 +48,14 @@ class MenuBarLabelModel : public QObject, public QQmlParserStatus {
     Q_PROPERTY(QVariantList items READ items NOTIFY changed FINAL)
 
 public:
-    explicit MenuBarLabelModel(QObject *parent = nullptr);
-    ~MenuBarLabelModel() override;
+    using QObject::QObject;
 
     service::QuotaService *quotaService() const { return m_service; }
     void setQuotaService(service::QuotaService *service);
 
     bool showIcon() const { return m_composition.showIcon; }
     QColor iconColor() const;
-    /// Each a MenuBarLabelItem.
+    /// Each a LabelItem.
     QVariantList items() const;
 
     void classBegin() override { }

@@ -97,12 +97,16 @@ if command -v ccache >/dev/null; then compiler=(ccache clang-19); fi
 # for_mac ARCHITECTURE ARGUMENT...
 for_mac() { "${compiler[@]}" -target "$1-apple-macos$minimum" "${headers[@]}" "${language[@]}" "${warnings[@]}" "${@:2}"; }
 
-# each_source COMMAND ARGUMENT...: the command for each .mm file, as many at a time as there are cores.
-each_source()
+# each_of COMMAND ARGUMENT... -- FILE...: the command for each file, as many at a time as there are cores.
+each_of()
 {
-    local status=0 pid pids=()
-    for source in "${layer_sources[@]}"; do
-        "$@" "$source" &
+    local status=0 pid pids=() command=() source
+    while [ "$1" != -- ]; do
+        command+=("$1")
+        shift
+    done
+    for source in "${@:2}"; do
+        "${command[@]}" "$source" &
         pids+=($!)
         if [ ${#pids[@]} -ge "$(nproc)" ]; then
             wait "${pids[0]}" || status=1
@@ -112,6 +116,8 @@ each_source()
     for pid in "${pids[@]}"; do wait "$pid" || status=1; done
     return "$status"
 }
+
+each_source() { each_of "$@" -- "${layer_sources[@]}"; }
 
 object_of() { echo "$work/$1/$(basename "$2" .mm).o"; }
 
@@ -219,10 +225,12 @@ run_one() { "${linux[@]}" "${includes[@]}" -c "$1" -o "$(object_of linux "$1")";
 
 link_and_run()
 {
-    local name=$1 left_out=$2 objects
+    local name=$1 left_out=$2 objects fakes
     shift 2
+    fakes=("$here"/fakes/*.mm)
+    fakes=("${fakes[@]/#*\//$prepared/}")
     mapfile -t objects < <(layer_objects linux "$left_out")
-    clang++-19 -stdlib=libc++ -fuse-ld=lld "${sanitizers[@]}" "$prepared/mini_objc.o" "$prepared/fake_appkit.o" \
+    clang++-19 -stdlib=libc++ -fuse-ld=lld "${sanitizers[@]}" "$prepared/mini_objc.o" "${fakes[@]/%.mm/.o}" \
         "$prepared/main.o" "$@" "${objects[@]}" -o "$work/$name" || return
     (
         # The address sanitizer's shadow is larger than any limit of the whole; what the program asks for is not.
@@ -255,9 +263,10 @@ run_step()
         esac
     done
     local support
-    for support in "$root/tests/macos/main.mm" "$here/fakes/fake_appkit.mm" "$here/runtime/mini_objc.cpp"; do
+    for support in "$root/tests/macos/main.mm" "$here/runtime/mini_objc.cpp"; do
         check "$(basename "$support") compiles" prepare_one "$support"
     done
+    check "the fakes compile" each_of prepare_one -- "$here"/fakes/*.mm
     check "the layer compiles for the fakes" each_source run_one
     check "tests of the layer with the system's popover" link_and_run popover native_popover_panel "${tests[@]}"
     [ ! -f "$work/popover.log" ] || tail -n 1 "$work/popover.log" | sed 's/^/      /'

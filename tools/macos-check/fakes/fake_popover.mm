@@ -1,0 +1,87 @@
+#include "fake_parts.h"
+
+NSPopover *__weak fake::gPopover;
+@interface NSPopover () {
+@public
+    bool _sh;
+    NSWindow *_window;
+}
+@end
+@implementation NSPopover
+@synthesize contentSize = _cs, behavior = _bh, animates = _an, contentViewController = _vc;
+- (instancetype)init
+{
+    gPopover = self;
+    return self;
+}
+- (BOOL)isShown
+{
+    return _sh;
+}
+- (void)setContentSize:(NSSize)s
+{
+    tell("popover.contentSize " + text(s));
+    _cs = s;
+}
+- (void)setBehavior:(NSPopoverBehavior)b
+{
+    tell("popover.behavior " + number(double(b)));
+    _bh = b;
+}
+- (void)setAnimates:(BOOL)a
+{
+    tell(a ? "popover.animates" : "popover.animates not");
+    _an = a;
+}
+- (void)setContentViewController:(NSViewController *)c
+{
+    tell("popover.contentViewController");
+    _vc = c;
+    _cs = c.view.frame.size;
+}
+- (void)showRelativeToRect:(NSRect)r ofView:(NSView *)v preferredEdge:(NSRectEdge)e
+{
+    needMain("showRelativeToRect");
+    NSView *content = self.contentViewController.view;
+    if (v == nil || content == nil) {
+        fail("a popover shown without a view");
+        return;
+    }
+    if (v.window == nil)
+        fail("a popover shown beside a view without a window");
+    tell("popover.show " + text(r) + " edge " + number(double(e))
+        + (v == gItem.button ? " of the button" : " of another view"));
+    _sh = true;
+    _window = [[NSWindow alloc] initWithContentRect:content.frame
+                                          styleMask:0
+                                            backing:NSBackingStoreBuffered
+                                              defer:NO];
+    _window->_name = "popover window";
+    _window->_visible = true;
+    _window.contentView = content;
+}
+- (void)closed
+{
+    _window = nil;
+    id<NSPopoverDelegate> d = self.delegate;
+    if ([(NSObject *)d respondsToSelector:@selector(popoverDidClose:)])
+        [d popoverDidClose:[NSNotification notificationWithName:@"NSPopoverDidClose" object:self]];
+}
+- (void)close
+{
+    tell("popover.close");
+    if (!_sh)
+        return;
+    _sh = false;
+    NSPopover *me = self;
+    if (fake::world().closesSlowly)
+        fake::world().mainQueue.push_back([me] { [me closed]; }); // After the animation.
+    else
+        [self closed];
+}
+- (void)performClose:(id)s
+{
+    tell("popover.performClose");
+    [self close];
+}
+@end

@@ -1,0 +1,119 @@
+#include "fake_parts.h"
+
+@implementation NSScreen
+- (NSRect)visibleFrame
+{
+    return NSMakeRect(0, 0, 1440, 870);
+}
+@end
+NSPanel *__weak fake::gPanel;
+static NSWindow *__weak gKey;
+@implementation NSWindow
+- (instancetype)initWithContentRect:(NSRect)r
+                          styleMask:(NSWindowStyleMask)s
+                            backing:(NSBackingStoreType)b
+                              defer:(BOOL)d
+{
+    needMain("a window");
+    _fr = r;
+    _style = s;
+    _name = "window";
+    self.releasedWhenClosed = YES; // As the system has it for windows made in code.
+    return self;
+}
+- (void)dealloc
+{
+    if (_content)
+        _content->_win = nil;
+}
+- (NSRect)frame
+{
+    return _fr;
+}
+- (NSView *)contentView
+{
+    return _content;
+}
+- (void)setContentView:(NSView *)v
+{
+    if (_content)
+        _content->_win = nil;
+    _content = v;
+    v->_win = self;
+}
+- (NSScreen *)screen
+{
+    static NSScreen *s = [[NSScreen alloc] init];
+    return s;
+}
+- (BOOL)canBecomeKeyWindow
+{
+    return (_style & NSWindowStyleMaskTitled) != 0;
+}
+- (void)makeKeyWindow
+{
+    tell(_name + ".makeKeyWindow");
+    if (!self.canBecomeKeyWindow && _name != "popover window") {
+        tell(_name + " refuses to be key");
+        return;
+    }
+    if (!_visible)
+        tell(_name + " is not there");
+    gKey = self;
+}
+- (BOOL)makeFirstResponder:(NSResponder *)r
+{
+    tell(_name + ".makeFirstResponder");
+    _first = r;
+    return YES;
+}
+- (void)orderFrontRegardless
+{
+    tell(_name + ".orderFrontRegardless");
+    _visible = true;
+}
+- (void)orderOut:(id)s
+{
+    tell(_name + ".orderOut" + (s ? " with a sender" : ""));
+    _visible = false;
+    if (gKey == self) {
+        gKey = nil;
+        id<NSWindowDelegate> d = self.delegate;
+        if ([(NSObject *)d respondsToSelector:@selector(windowDidResignKey:)])
+            [d windowDidResignKey:[NSNotification notificationWithName:@"resign" object:self]];
+    }
+}
+- (void)close
+{
+    tell(_name + ".close");
+    _visible = false;
+}
+- (void)setContentSize:(NSSize)s
+{
+    tell(_name + ".contentSize " + text(s));
+    _fr.size = s;
+}
+- (void)setFrameOrigin:(NSPoint)p
+{
+    tell(_name + ".frameOrigin " + number(p.x) + "," + number(p.y));
+    _fr.origin = p;
+}
+- (NSRect)convertRectToScreen:(NSRect)r
+{
+    return NSMakeRect(
+        r.origin.x + _fr.origin.x, r.origin.y + _fr.origin.y, r.size.width, r.size.height);
+}
+@end
+@implementation NSPanel
+- (instancetype)initWithContentRect:(NSRect)r
+                          styleMask:(NSWindowStyleMask)s
+                            backing:(NSBackingStoreType)b
+                              defer:(BOOL)d
+{
+    self = [super initWithContentRect:r styleMask:s backing:b defer:d];
+    _name = "panel";
+    tell("panel style " + number(double(s)));
+    gPanel = self;
+    return self;
+}
+@end

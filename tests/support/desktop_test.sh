@@ -1,9 +1,22 @@
 # shellcheck shell=bash
-# A test of the program on a real desktop, step by step; sourced after common.sh with `root`, `build`, the
-# `script` that starts and stops the desktop, its name in `desktop`, and `out`, where logs and pictures stay.
-# Prints a line a check and `N passed, N failed` last.
+# A test of the program on a real desktop, step by step; sourced by KIND/..._test.sh, whose only argument is the desktop's name: a
+# script of tools/desktops/KIND, or `session_of` names one, set before. The programs are those of $BRIMWATCH_BUILD (default
+# build/dev). Logs and pictures stay in $BRIMWATCH_LOGS (default build)/KIND/NAME. Prints a line a check and
+# `N passed, N failed` last.
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+PROGRAM=$(basename "$0" .sh)
+# shellcheck source=../../tools/lib/common.sh
+. "$root/tools/lib/common.sh"
 
-: "${root:?}" "${build:?}" "${script:?}" "${desktop:?}" "${out:?}"
+kind=$(basename "$(cd "$(dirname "$0")" && pwd)") desktop=${1:-}
+script=$root/tools/desktops/$kind/${session_of:-$desktop}.sh
+if [ $# != 1 ] || [ ! -x "$script" ]; then
+    say "usage: $PROGRAM.sh NAME, one of tools/desktops/$kind"
+    exit 2
+fi
+build=${BRIMWATCH_BUILD:-$root/build/dev}
+out=${BRIMWATCH_LOGS:-$root/build}/$kind/$desktop
 program=$build/src/app/brimwatch
 daemon=$build/tools/sample-daemon/brimwatch-sample-daemon
 ctl=$build/src/cli/brimwatchctl

@@ -1,15 +1,8 @@
 # shellcheck shell=bash
 # The common part of the panel scripts: a panel on a display, a session bus and a home of its own.
 #
-#   PANEL.sh start [DIR] [--no-panel]   print `export ...` lines (also in DIR/env); DIR/log has the logs
-#   PANEL.sh panel DIR                  start the panel program of a started session (again)
-#   PANEL.sh unpanel DIR                end the panel program alone
-#   PANEL.sh crash DIR                  the same without a word to it, with what it has started
-#   PANEL.sh stop [DIR]                 end only what that start began
-#   PANEL.sh env [DIR]                  print the lines again
-#   PANEL.sh run [DIR] -- COMMAND...    start, run COMMAND inside, stop; the command's status
-#
-# A panel script sets NAME, [SERVICES], [DISPLAY_KIND=x11|none], [SIZE], [READY_S], [PURPOSE] (its packages), and defines
+# A desktop's script sets NAME, FACTS, [SERVICES], [DISPLAY_KIND=x11|none], [SIZE], [READY_S], [PURPOSE] (its packages), and
+# defines
 #   session_start   window manager and the like
 #   panel_start     the panel: `spawn panel COMMAND...`
 #   panel_ready     whether a tray can be used now
@@ -19,7 +12,7 @@ DESKTOPS=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # shellcheck source=../../lib/common.sh
 . "$DESKTOPS/../lib/common.sh"
 SIZE=${SIZE:-1280x720} READY_S=${READY_S:-40} DISPLAY_KIND=${DISPLAY_KIND:-x11} SERVICES=${SERVICES:-}
-CLOCK=${CLOCK:-on} PROGRAM=${NAME:-panel}
+CLOCK=${CLOCK:-on} PROGRAM=${NAME:-panel} FACTS=("${FACTS[@]}")
 
 # env_set NAME VALUE: a variable of the session, for what runs inside and for what we start.
 env_set()
@@ -256,10 +249,27 @@ session_start_all()
     say "$NAME: ready in $(($(now_ms) - t0)) ms, logs in $DIR/log"
 }
 
+usage()
+{
+    cat <<END
+${0##*/} start [DIR] [--no-panel]   print \`export ...\` lines (also in DIR/env); DIR/log has the logs
+${0##*/} panel DIR                  start the panel program of a started session (again)
+${0##*/} unpanel DIR                end the panel program alone
+${0##*/} crash DIR                  the same without a word to it, with what it has started
+${0##*/} stop [DIR]                 end only what that start began
+${0##*/} run [DIR] -- COMMAND...    start, run COMMAND inside, stop; the command's status
+${0##*/} facts                      print what tests have to know of it, as NAME=VALUE lines for \`eval\`
+END
+}
+
 panel_main()
 {
-    local command=${1:-} status
+    local command=${1:-} status fact
     shift || true
+    if [ "$command" = facts ]; then
+        for fact in "${FACTS[@]}"; do printf '%s=%q\n' "${fact%%=*}" "${fact#*=}"; done
+        return
+    fi
     WITH_PANEL=yes
     DIR=${TMPDIR:-/tmp}/brimwatch-panels/$NAME
     PACKAGE_NAME=${PACKAGE_NAME:-$NAME}
@@ -276,7 +286,6 @@ panel_main()
     case $command in
         start) session_start_all ;;
         stop) session_stop ;;
-        env) cat "$DIR/env" ;;
         panel)
             load_state
             start_panel
@@ -302,7 +311,7 @@ panel_main()
             exit "$status"
             ;;
         *)
-            sed -n '4,10s/^#   //p' "${BASH_SOURCE[0]}" >&2
+            usage >&2
             exit 2
             ;;
     esac

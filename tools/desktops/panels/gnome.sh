@@ -2,6 +2,8 @@
 # GNOME Shell 43 with its AppIndicator extension, an X11 session on Xvfb.
 # The shell is window manager and panel in one: it cannot be ended alone. EXTENSION=1|0
 NAME=gnome
+# It shows a copy of the item.
+FACTS=(protocol=xembed form=wide restarts=no bus=needed item=copy weight=heavy)
 SERVICES="org.gnome.Shell.Notifications org.gnome.ScreenSaver org.gnome.Shell.HotplugSniffer"
 READY_S=60
 # shellcheck source=../lib/desktop.sh

@@ -143,6 +143,6 @@ function(brimwatch_test name)
     add_test(NAME ${name}
         COMMAND "${PROJECT_SOURCE_DIR}/tests/support/in-empty-home.sh" "${home}" ${command})
     set_tests_properties(${name} PROPERTIES
-        LABELS "${arg_LABELS}"
+        LABELS "unit;${arg_LABELS}"
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_FATAL_WARNINGS=1;LC_ALL=C.UTF-8;TZ=UTC;ASAN_OPTIONS=detect_leaks=0;${arg_ENVIRONMENT}")
 endfunction()

@@ -1,10 +1,16 @@
 #!/bin/bash
-# packages.sh PURPOSE...          installs what is missing of packages.list for these purposes
-# packages.sh --list PURPOSE...   only prints the packages, one a line
-#
-# Needs bash, dpkg and apt alone. Without root and without sudo it says which packages to install,
-# changes nothing and ends with status 3.
 set -euo pipefail
+
+usage()
+{
+    cat <<'END'
+packages.sh PURPOSE...          installs what is missing of packages.list for these purposes
+packages.sh --list PURPOSE...   only prints the packages, one a line
+
+Needs bash, dpkg and apt alone. Without root and without sudo it says which packages to install,
+changes nothing and ends with status 3. It never removes a package.
+END
+}
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 list=$root/packages.list
@@ -33,7 +39,7 @@ if [ "${1:-}" = --list ]; then
     only_list=1
     shift
 fi
-[ $# -gt 0 ] || { sed -n '2,6s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2; exit 2; }
+[ $# -gt 0 ] || { usage >&2; exit 2; }
 
 wanted=$(for purpose; do packages_of "$purpose" || exit; done) || exit
 mapfile -t wanted < <(sort -u <<<"$wanted")
@@ -51,7 +57,7 @@ as_root=()
 if [ "$(id -u)" != 0 ]; then
     if ! sudo -n true 2>/dev/null; then
         printf 'Some packages are missing, and installing them needs root. Please run:\n\n' >&2
-        printf '    apt-get install --no-install-recommends %s\n\n' "${missing[*]}" >&2
+        printf '    apt-get install --no-install-recommends --no-remove %s\n\n' "${missing[*]}" >&2
         exit 3
     fi
     as_root=(sudo -n)
@@ -63,7 +69,7 @@ printf 'Installing %d packages: %s\n' ${#missing[@]} "${missing[*]}" >&2
 apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300)
 # An index that cannot be renewed may still do; if it does not, installing says so.
 "${apt[@]}" update >"$log" 2>&1 || { tail -n 5 "$log" >&2; }
-if ! "${apt[@]}" install -y --no-install-recommends "${missing[@]}" >"$log" 2>&1; then
+if ! "${apt[@]}" install -y --no-install-recommends --no-remove "${missing[@]}" >"$log" 2>&1; then
     tail -n 30 "$log" >&2
     echo "Installing packages failed." >&2
     exit 1

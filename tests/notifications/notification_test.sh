@@ -81,11 +81,9 @@ alert_settled()
 # The play ---------------------------------------------------------------------------------------
 start_session
 
-dbus-monitor --session "interface='org.freedesktop.Notifications'" "type='method_return'" >"$out/bus.log" 2>"$out/monitor.log" &
-monitor_pid=$!
-disown
+spawn bus dbus-monitor --session "interface='org.freedesktop.Notifications'" "type='method_return'"
 # Its first line is about itself.
-wait_for 30 test -s "$out/bus.log" || die "nobody watches the bus, see $out/monitor.log"
+wait_for 30 test -s "$out/bus.log" || die "dbus-monitor does not run, see $out/bus.log"
 shot without
 screen=$(identify -format '%wx%h+0+0' "$out/pictures/without.png")
 

@@ -16,8 +16,8 @@ told_once() { [ "$(told)" = 1 ]; }
 # Where panels have their items, and off the panel.
 in_the_corner()
 {
-    local x y width height
-    read -r x y width height < <(popover_place)
+    local x y width
+    read -r x y width _ < <(popover_place)
     [ $((x + width)) -le "$screen_width" ] && [ $((x + width)) -ge $((screen_width - 16)) ] && [ "$y" -ge 20 ] && [ "$y" -le 64 ]
 }
 
@@ -49,9 +49,7 @@ shot screen
 read -r screen_width screen_height < <(identify -format '%w %h' "$out/pictures/screen.png")
 click 40 $((screen_height - 60)) 0
 
-dbus-monitor --session "interface='org.freedesktop.Notifications',member='Notify'" >"$out/notifications.log" &
-monitor_pid=$!
-disown
+spawn notifications dbus-monitor --session "interface='org.freedesktop.Notifications',member='Notify'"
 start_daemon --speed 0 --log
 start_program
 

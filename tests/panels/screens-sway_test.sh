@@ -8,7 +8,7 @@ session_of=sway
 # Of each output: its name, where it begins in the layout, its size there, and how many pixels each unit has. The last one
 # is the one to unplug.
 name=('' HEADLESS-1 HEADLESS-2 HEADLESS-3 X11-1)
-left=('' 0 -1280 1280 0) top=('' 0 0 -200 720) width=('' 1280 1280 1280 1280) height=('' 720 720 720 720) scale=('' 1 1.5 2 1)
+left=('' 0 -1280 1280 0) top=('' 0 0 -200 720) width=('' 1280 1280 1280 1280) scale=('' 1 1.5 2 1)
 bar=28
 
 picture() { grim -o "${name[$1]}" "$out/pictures/$2-$1.png" 2>>"$out/shot.log"; }
@@ -203,7 +203,7 @@ for edge in top bottom left right; do
     fi
 done
 
-width[1]=640 height[1]=400
+width[1]=640
 swaymsg -q output HEADLESS-1 mode 640x400
 needed "a bar on a small output has the item" bar_at top
 needed "which is to be seen there" locate_item_on 1

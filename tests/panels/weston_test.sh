@@ -7,8 +7,8 @@
 # Weston places windows at random.
 click_elsewhere()
 {
-    local x y width height
-    read -r x y width height < <(popover_place)
+    local x
+    read -r x _ _ _ < <(popover_place)
     if [ "$x" -gt 80 ]; then
         click 40 $((screen_height / 2))
     else

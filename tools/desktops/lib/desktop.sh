@@ -11,6 +11,8 @@ set -euo pipefail
 DESKTOPS=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # shellcheck source=../../lib/common.sh
 . "$DESKTOPS/../lib/common.sh"
+# shellcheck source=services.sh
+. "$DESKTOPS/lib/services.sh"
 SIZE=${SIZE:-1280x720} READY_S=${READY_S:-40} DISPLAY_KIND=${DISPLAY_KIND:-x11} SERVICES=${SERVICES:-}
 CLOCK=${CLOCK:-on} PROGRAM=${NAME:-panel} FACTS=("${FACTS[@]}")
 
@@ -37,7 +39,7 @@ spawn()
 {
     local name=$1
     shift
-    setsid env -i "${ENVV[@]}" "BRIMWATCH_PANEL_ID=$ID" "$@" </dev/null >>"$DIR/log/$name.log" 2>&1 &
+    setsid env -i "${ENVV[@]}" "BRIMWATCH_PANEL_ID=$ID" "$@" </dev/null >>"$logs/$name.log" 2>&1 &
     echo $! >"$DIR/$name.pid"
     disown
 }
@@ -53,44 +55,21 @@ on_screen()
 }
 
 # No service is activated but those in $SERVICES: the bus must not start half a desktop.
-write_bus_conf()
+start_session_bus()
 {
-    local service directory=
+    local service
     mkdir -p "$DIR/services"
     for service in $SERVICES; do
         ln -sf "/usr/share/dbus-1/services/$service.service" "$DIR/services/"
     done
-    [ "$1" != bus ] || directory="<servicedir>$DIR/services</servicedir>"
-    cat >"$DIR/$1.conf" <<XML
-<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig><type>session</type><listen>unix:path=$RUN/$1</listen><auth>EXTERNAL</auth>
-$directory
-<policy context="default"><allow user="*"/><allow send_destination="*" eavesdrop="true"/>
-<allow eavesdrop="true"/><allow own="*"/></policy>
-</busconfig>
-XML
+    start_bus dbus-bus "$RUN/bus" "$DIR/services"
 }
 
-# start_bus bus|system: `system` is an empty stand-in for programs that insist on one.
-start_bus()
+# An empty stand-in for programs that insist on one.
+start_system_bus()
 {
-    write_bus_conf "$1"
-    spawn "dbus-$1" dbus-daemon --nofork --nosyslog --nopidfile --config-file="$DIR/$1.conf"
-    wait_for 40 test -S "$RUN/$1" || die "the bus did not start, see $DIR/log/dbus-$1.log"
-}
-
-start_xvfb()
-{
-    local fifo=$DIR/displayfd number
-    rm -f "$fifo"
-    mkfifo "$fifo"
-    exec 9<>"$fifo"
-    spawn xvfb Xvfb -displayfd 9 -screen 0 "${SIZE}x24" -nolisten tcp -noreset +extension GLX
-    read -r -t 20 number <&9 || die "Xvfb did not start, see $DIR/log/xvfb.log"
-    exec 9>&-
-    rm -f "$fifo"
-    env_set DISPLAY ":$number"
+    start_bus dbus-system "$RUN/system"
+    ENVV+=("DBUS_SYSTEM_BUS_ADDRESS=unix:path=$RUN/system")
 }
 
 # value_of NAME: the session's variable.
@@ -236,8 +215,11 @@ session_start_all()
     env_set NO_AT_BRIDGE 1
     # What the surroundings run on is not what runs inside.
     printf 'unset WAYLAND_DISPLAY XAUTHORITY SWAYSOCK QT_QPA_PLATFORM BRIMWATCH_OUTER_DISPLAY BRIMWATCH_LAYERS\n' >>"$DIR/env.new"
-    [ "$DISPLAY_KIND" = none ] || start_xvfb
-    start_bus bus
+    if [ "$DISPLAY_KIND" != none ]; then
+        start_xvfb "$SIZE"
+        env_set DISPLAY "$xvfb_display"
+    fi
+    start_session_bus
     session_start
     if [ "$WITH_PANEL" = yes ]; then
         start_panel
@@ -283,6 +265,7 @@ panel_main()
     fi
     mkdir -p "$DIR"
     DIR=$(cd "$DIR" && pwd)
+    logs=$DIR/log
     case $command in
         start) session_start_all ;;
         stop) session_stop ;;

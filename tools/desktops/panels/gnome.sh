@@ -28,10 +28,8 @@ primary-color='#000000'
 [org/gnome/mutter]
 dynamic-workspaces=false
 INI
-    # It insists on a system bus; an empty one will do.
-    start_bus system
-    ENVV+=("DBUS_SYSTEM_BUS_ADDRESS=unix:path=$RUN/system" GSETTINGS_BACKEND=keyfile
-        LIBGL_ALWAYS_SOFTWARE=1 GNOME_SHELL_SESSION_MODE=user)
+    start_system_bus
+    ENVV+=(GSETTINGS_BACKEND=keyfile LIBGL_ALWAYS_SOFTWARE=1 GNOME_SHELL_SESSION_MODE=user)
     env_set XDG_CURRENT_DESKTOP GNOME
 }
 

@@ -93,8 +93,7 @@ configure()
     env_set KDE_FULL_SESSION true
     env_set KDE_SESSION_VERSION 5
     ENVV+=(QT_QUICK_BACKEND=software LIBGL_ALWAYS_SOFTWARE=1 KDE_NO_GLOBAL_MENU=1)
-    start_bus system
-    ENVV+=("DBUS_SYSTEM_BUS_ADDRESS=unix:path=$RUN/system")
+    start_system_bus
 }
 
 start_services()

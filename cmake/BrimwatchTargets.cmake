@@ -81,10 +81,22 @@ function(brimwatch_for_size name precompiled)
     endif()
 endfunction()
 
+# Where the private libraries are, from where the programs are, when they are installed. In the build tree it is the same, so
+# that they have the same run path. Another one for the build tree would be written over on installing, and CMake makes room
+# for that with empty elements, which the loader takes for the current folder.
+set(_brimwatch_private "${CMAKE_INSTALL_LIBDIR}/brimwatch")
+
 function(_brimwatch_target name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "PRECOMPILED" "")
     target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    get_target_property(type ${name} TYPE)
+    if(type STREQUAL "SHARED_LIBRARY" AND NOT APPLE)
+        set_target_properties(${name} PROPERTIES
+            LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/src/${_brimwatch_private}"
+            BUILD_WITH_INSTALL_RPATH ON
+            INSTALL_RPATH "$ORIGIN")
+    endif()
     if(BRIMWATCH_PRECOMPILED_HEADERS)
         if(NOT arg_PRECOMPILED)
             set(arg_PRECOMPILED brimwatch_precompiled)
@@ -117,6 +129,11 @@ function(brimwatch_loads target macro library)
         # The sanitizers stand between the program and the loader, which then sees their run path.
         set(name "$<TARGET_FILE:${library}>")
     endif()
+    if(NOT APPLE)
+        set_target_properties(${target} PROPERTIES
+            BUILD_WITH_INSTALL_RPATH ON
+            INSTALL_RPATH "$ORIGIN/../${_brimwatch_private}")
+    endif()
     target_compile_definitions(${target} PRIVATE "${macro}=\"${name}\"")
     add_dependencies(${target} ${library})
 endfunction()
@@ -148,6 +165,6 @@ function(brimwatch_test name)
     add_test(NAME ${name}
         COMMAND "${PROJECT_SOURCE_DIR}/tests/support/in-empty-home.sh" "${home}" ${command})
     set_tests_properties(${name} PROPERTIES
-        LABELS "${arg_LABELS}"
+        LABELS "unit;${arg_LABELS}"
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_FATAL_WARNINGS=1;LC_ALL=C.UTF-8;TZ=UTC;ASAN_OPTIONS=detect_leaks=0;${arg_ENVIRONMENT}")
 endfunction()

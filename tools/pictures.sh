@@ -122,26 +122,19 @@ faces()
     keep "$work/settings.png" settings
 }
 
-# Where the bar has our text.
-place_in()
-{
-    case $1 in
-        tmux) echo 560x24+460+198 ;;
-        *) echo 560x26+720+0 ;;
-    esac
-}
-
 bars()
 {
-    local bar
+    local bar place=''
     build_programs
     for bar in "${bars[@]}"; do
         # Their test shows the quota in the bar and takes pictures on the way.
-        BRIMWATCH_BUILD=$build BRIMWATCH_BAR_LOGS=$work/bars "$root/tests/bars/bar_test.sh" "$bar" >"$work/log" 2>&1 || {
+        BRIMWATCH_BUILD=$build BRIMWATCH_LOGS=$work "$root/tests/bars/bar_test.sh" "$bar" >"$work/log" 2>&1 || {
             grep FAILED "$work/log" >&2 || tail -n 5 "$work/log" >&2
             die "$bar does not show what it should"
         }
-        convert "$work/bars/$bar/pictures/running.png" -crop "$(place_in "$bar")" +repage "$work/$bar.png"
+        # Where the bar has our text.
+        eval "$("$root/tools/desktops/bars/$bar.sh" facts)"
+        convert "$work/bars/$bar/pictures/running.png" -crop "$place" +repage "$work/$bar.png"
         keep "$work/$bar.png" "bar-$bar"
     done
 }

@@ -15,7 +15,7 @@ import subprocess
 import sys
 
 ROOT, BUILD = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
-PATIENCE = 60  # Seconds; nothing that works comes near it.
+TIMEOUT_S = 60  # Seconds; nothing that works comes near it.
 FOR_MACS = {"README.md", "docs/macos.md"}
 
 
@@ -71,25 +71,27 @@ def run(command, statuses):
     """Runs it in a shell of its own, and is content with these exit statuses."""
     if "--watch" in command:
         # It goes on until nobody reads any more.
-        done = subprocess.run(f"{command} | head -n 1", shell=True, capture_output=True, text=True, timeout=PATIENCE, check=False)
+        done = subprocess.run(f"{command} | head -n 1", shell=True, capture_output=True, text=True, timeout=TIMEOUT_S, check=False)
         need(done.stdout.strip(), f"it says nothing: {done.stderr.strip()}")
         return "run"
-    done = subprocess.run(command, shell=True, capture_output=True, text=True, timeout=PATIENCE, check=False)
+    done = subprocess.run(command, shell=True, capture_output=True, text=True, timeout=TIMEOUT_S, check=False)
     need(done.returncode in statuses, f"exit status {done.returncode}: {done.stderr.strip()}")
     return "run"
 
 
 def look_at_script(words):
-    """One of ours: its usage, the comment at its top, knows each option and word."""
+    """One of ours: its usage, the comment at its top or the text that it prints, knows each option and word."""
     path = ROOT / words[0]
     need(path.is_file() and os.access(path, os.X_OK), f"there is no program {words[0]}")
-    usage = re.match(r"#!.*\n((?:#.*\n)+)", path.read_text(encoding="utf-8")).group(1)
+    texts = re.findall(r"\A#!.*\n((?:#.*\n)+)|^ *cat <<'?END'?\n(.*?)^END$", path.read_text(encoding="utf-8"), re.M | re.S)
+    usage = "\n".join(map("".join, texts))
+    need(usage, f"{words[0]} has no usage")
     before = ""
     for word in words[1:]:
         is_value = before.startswith("--") and re.search(re.escape(before) + r" [A-Z]", usage)
         is_place = word.isupper() or word.rstrip(".").isupper()
         need(is_value or is_place or re.search(r"(?<![\w-])" + re.escape(word) + r"(?![\w-])", usage),
-             f"{words[0]} does not tell of {word}")
+             f"{words[0]} does not mention {word}")
         before = word
     return "looked at"
 

@@ -12,7 +12,7 @@ build=$(cd "$1" && pwd)
 own_home
 own_daemon --speed 0
 own_display
-own_bus ''
+own_bus ""
 export PATH=$build/src/cli:$build/src/app:$PATH
 "$build/src/app/brimwatch" >"$scratch/program.log" 2>&1 &
 disown

@@ -14,6 +14,22 @@ build=$(cd "$1" && pwd)
 # The files ----------------------------------------------------------------------------------------
 DESTDIR=$scratch/staged cmake --install "$build" --prefix /opt/brimwatch >"$scratch/staged.log" 2>&1 ||
     die "cmake --install failed: $(tail -n 5 "$scratch/staged.log")"
+# Empty, an element of a run path is the folder that somebody happens to be in.
+run_paths() { readelf -d "$@" | sed -n 's/.*(RUNPATH).*\[\(.*\)\].*/\1/p'; }
+nobody_loads_from_the_current_folder()
+{
+    local path paths
+    [ $# = 10 ] || { echo "programs and libraries: $*"; return 1; }
+    paths=$(run_paths "$@")
+    [ -n "$paths" ] || return
+    while IFS= read -r path; do
+        [[ :$path: != *::* ]] || { echo "run path: $path"; return 1; }
+    done <<<"$paths"
+}
+mapfile -t found < <(find "$build"/src/lib* "$scratch"/staged/opt/brimwatch/lib* -name '*.so')
+check "neither what is built nor what is installed loads libraries from the current folder" \
+    nobody_loads_from_the_current_folder "$build/src/app/brimwatch" "$build/src/cli/brimwatchctl" \
+    "$scratch"/staged/opt/brimwatch/bin/* "${found[@]}"
 check "with DESTDIR nothing is installed outside the prefix" is \
     "$(cd "$scratch/staged" && find . -mindepth 1 -not -path './opt/brimwatch*')" ./opt
 

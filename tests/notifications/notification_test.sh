@@ -1,39 +1,18 @@
 #!/bin/bash
 # notification_test.sh SERVER   lets quota fall low before a real notification server and looks at what it shows.
-#
-# SERVER is a script of tools/desktops/notifications: dunst, xfce4-notifyd, mako. The program and the sample daemon are
-# those of $BRIMWATCH_BUILD (default build/dev). Logs and pictures stay in $BRIMWATCH_NOTIFICATION_LOGS (default
-# build/notifications)/SERVER. Prints a line a check and `N passed, N failed` last.
-set -uo pipefail
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-PROGRAM=notification_test
-# shellcheck source=../../tools/lib/common.sh
-. "$root/tools/lib/common.sh"
-
-server=${1:-}
-script=$root/tools/desktops/notifications/$server.sh
-if [ $# != 1 ] || [ ! -x "$script" ]; then
-    sed -n '2,6s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
-    exit 2
-fi
-
-# click_alert X Y WIDTH HEIGHT: what a user does there to follow an alert.
-click_alert()
-{
-    case $server in
-        dunst) click $(($1 + $3 / 2)) $(($2 + 20)) 2 ;;
-        mako) click $(($1 + $3 / 2)) $(($2 + 20)) 1 ;;
-        # Up to 0.7 the default action is a button at the bottom, and a click elsewhere closes.
-        xfce4-notifyd) click $(($1 + $3 - 57)) $(($2 + $4 - 31)) 1 ;;
-        *) die "it is not known how $server is clicked" ;;
-    esac
-}
-
-build=${BRIMWATCH_BUILD:-$root/build/dev}
-out=${BRIMWATCH_NOTIFICATION_LOGS:-$root/build/notifications}/$server
-desktop=$server
 # shellcheck source=../support/desktop_test.sh
-. "$root/tests/support/desktop_test.sh"
+. "$(dirname "${BASH_SOURCE[0]}")/../support/desktop_test.sh"
+
+# What a user does to follow an alert, which the server's script says in terms of the alert's place.
+click_x='' click_y='' click_button=''
+eval "$("$script" facts)"
+[ -n "$click_button" ] || die "$script does not say how it is clicked"
+# shellcheck disable=SC2034
+click_alert() # click_alert X Y WIDTH HEIGHT
+{
+    local x=$1 y=$2 width=$3 height=$4
+    click $((click_x)) $((click_y)) "$click_button"
+}
 
 program_runs() { alive "$program_pid"; }
 
@@ -102,11 +81,9 @@ alert_settled()
 # The play ---------------------------------------------------------------------------------------
 start_session
 
-dbus-monitor --session "interface='org.freedesktop.Notifications'" "type='method_return'" >"$out/bus.log" 2>"$out/monitor.log" &
-monitor_pid=$!
-disown
+spawn bus dbus-monitor --session "interface='org.freedesktop.Notifications'" "type='method_return'"
 # Its first line is about itself.
-wait_for 30 test -s "$out/bus.log" || die "nobody watches the bus, see $out/monitor.log"
+wait_for 30 test -s "$out/bus.log" || die "dbus-monitor does not run, see $out/bus.log"
 shot without
 screen=$(identify -format '%wx%h+0+0' "$out/pictures/without.png")
 

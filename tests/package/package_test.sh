@@ -12,7 +12,7 @@ PROGRAM=package_test
 
 build=${BRIMWATCH_BUILD:-$root/build/dev}
 out=${BRIMWATCH_PACKAGE_LOGS:-$root/build/package-test}
-[ $# = 0 ] || { sed -n '2,6s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2; exit 2; }
+[ $# = 0 ] || die "it takes no arguments"
 if [ "$(id -u)" != 0 ]; then
     sudo -n true 2>/dev/null || die "a bare Debian can be made and entered by root alone, and there is no sudo without a password"
     exec sudo -n env "PATH=$PATH" "HOME=$HOME" BRIMWATCH_BUILD="$build" BRIMWATCH_PACKAGE_LOGS="$out" \
@@ -31,9 +31,11 @@ mkdir -p "$out/packages" "$out/log"
 bare=$(mktemp -d "${TMPDIR:-/tmp}/brimwatch-bare.XXXXXX")
 scratch=$(mktemp -d "${TMPDIR:-/tmp}/brimwatch-package.XXXXXX")
 chmod 755 "$bare"
-label=package
+label=package logs=$out/log
 # shellcheck source=../support/checks.sh
 . "$root/tests/support/checks.sh"
+# shellcheck source=../../tools/desktops/lib/services.sh
+. "$root/tools/desktops/lib/services.sh"
 # Nothing is mounted in it: what was, was so for the programs inside alone.
 clean_up() { rm -rf --one-file-system "$bare" "$scratch"; }
 logs_are() { echo "Logs: $out/log"; }
@@ -48,14 +50,14 @@ package=$(cat "$scratch/path")
 needed "a newer one too" make --version "$newer" --out "$out/packages"
 upgrade=$(cat "$scratch/path")
 
-# From what git knows, in a folder of another name and depth.
+# From a copy of the sources, in a folder of another name and depth.
 made_elsewhere()
 {
     local there=$out/elsewhere/a/much/longer/path/to/the/sources
     mkdir -p "$there"
-    (cd "$root" && git ls-files -z --cached --others --exclude-standard | xargs -0 tar -c --ignore-failed-read 2>>"$out/log/build.log") |
-        tar -x -C "$there" &&
-        SOURCE_DATE_EPOCH=$(git -C "$root" log -1 --format=%ct) \
+    # It has no history there, so the date of the last commit is handed on; without a history here neither needs it.
+    tar -c -C "$root" --exclude-vcs --exclude=./build --exclude=./dist --exclude=./pictures . | tar -x -C "$there" &&
+        SOURCE_DATE_EPOCH=$(git -C "$root" log -1 --format=%ct 2>/dev/null) \
             "$there/packaging/debian/package.sh" --build "$out/elsewhere/build" --out "$out/elsewhere" \
             >"$scratch/path" 2>>"$out/log/build.log"
 }
@@ -137,21 +139,12 @@ check "dpkg finds each file as it was packed" is "$(inside dpkg --verify brimwat
 check "brimwatch runs" is "$(inside brimwatch --version)" "brimwatch ${version%-*}"
 check "brimwatchctl runs" is "$(inside brimwatchctl --version)" "brimwatchctl ${version%-*}"
 
-Xvfb -displayfd 8 -screen 0 1280x720x24 -nolisten tcp -noreset 8>"$scratch/display" 2>"$out/log/display.log" &
-display_pid=$!
-disown
-wait_for 30 test -s "$scratch/display" || die "Xvfb did not start: $(cat "$out/log/display.log")"
-DISPLAY=:$(cat "$scratch/display")
-export DISPLAY
+start_xvfb 1280x720
+export DISPLAY=$xvfb_display
 inside_variables+=("DISPLAY=$DISPLAY")
-HOME=$bare/root "$daemon" --speed 0 >"$out/log/daemon.log" 2>&1 &
-daemon_pid=$!
-disown
-wait_for 30 grep -q '^ready ' "$out/log/daemon.log" || die "the sample daemon did not start"
+HOME=$bare/root start_sample_daemon "$build" --speed 0
 check "without a bus brimwatchctl asks the daemon itself" is "$(inside brimwatchctl status --template '{source}')" daemon
-inside dbus-daemon --session --nofork --nopidfile --address=unix:path=/root/run/bus >"$out/log/bus.log" 2>&1 &
-bus_pid=$!
-disown
+spawn bus inside dbus-daemon --session --nofork --nopidfile --address=unix:path=/root/run/bus
 wait_for 30 test -S "$bare/root/run/bus" || die "the bus inside did not start: $(cat "$out/log/bus.log")"
 
 HELPERS=$("$root/tools/desktops/lib/helpers.sh")

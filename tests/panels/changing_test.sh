@@ -1,24 +1,7 @@
 #!/bin/bash
 # changing_test.sh changing   drives the program while panels of several kinds follow each other under it.
-#
-# The program and the sample daemon are those of $BRIMWATCH_BUILD (default build/dev). Logs and pictures stay in
-# $BRIMWATCH_PANEL_LOGS (default build/panels)/changing. Prints a line a check and `N passed, N failed` last.
-set -uo pipefail
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-PROGRAM=changing_test
-# shellcheck source=../../tools/lib/common.sh
-. "$root/tools/lib/common.sh"
-
-if [ "$*" != changing ]; then
-    sed -n '2,5s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
-    exit 2
-fi
-script=$root/tools/desktops/panels/changing.sh
-build=${BRIMWATCH_BUILD:-$root/build/dev}
-out=${BRIMWATCH_PANEL_LOGS:-$root/build/panels}/changing
-desktop=changing
 # shellcheck source=../support/desktop_test.sh
-. "$root/tests/support/desktop_test.sh"
+. "$(dirname "${BASH_SOURCE[0]}")/../support/desktop_test.sh"
 
 panel_of_kind() { KIND=$1 "$script" panel "$session"; }
 

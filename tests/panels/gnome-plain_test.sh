@@ -1,26 +1,8 @@
 #!/bin/bash
 # gnome-plain_test.sh gnome-plain|gnome-plain-wayland   drives the program where no panel takes its item: on GNOME without
-# extensions.
-#
-# The program and the sample daemon are those of $BRIMWATCH_BUILD (default build/dev). Logs and pictures stay in
-# $BRIMWATCH_PANEL_LOGS (default build/panels), in a folder of that name. Prints a line a check and `N passed, N failed`
-# last. Takes more than a minute, for so long the program waits for a panel.
-set -uo pipefail
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-PROGRAM=gnome-plain_test
-# shellcheck source=../../tools/lib/common.sh
-. "$root/tools/lib/common.sh"
-
-desktop=${1:-}
-if [ $# != 1 ] || { [ "$desktop" != gnome-plain ] && [ "$desktop" != gnome-plain-wayland ]; }; then
-    sed -n '2,7s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
-    exit 2
-fi
-script=$root/tools/desktops/panels/$desktop.sh
-build=${BRIMWATCH_BUILD:-$root/build/dev}
-out=${BRIMWATCH_PANEL_LOGS:-$root/build/panels}/$desktop
+# extensions. Takes more than a minute, for so long the program waits for a panel.
 # shellcheck source=../support/desktop_test.sh
-. "$root/tests/support/desktop_test.sh"
+. "$(dirname "${BASH_SOURCE[0]}")/../support/desktop_test.sh"
 
 # How often the first who said it did: the shell's own server hands each on, which is seen on the bus once more.
 told()
@@ -34,8 +16,8 @@ told_once() { [ "$(told)" = 1 ]; }
 # Where panels have their items, and off the panel.
 in_the_corner()
 {
-    local x y width height
-    read -r x y width height < <(popover_place)
+    local x y width
+    read -r x y width _ < <(popover_place)
     [ $((x + width)) -le "$screen_width" ] && [ $((x + width)) -ge $((screen_width - 16)) ] && [ "$y" -ge 20 ] && [ "$y" -le 64 ]
 }
 
@@ -67,9 +49,7 @@ shot screen
 read -r screen_width screen_height < <(identify -format '%w %h' "$out/pictures/screen.png")
 click 40 $((screen_height - 60)) 0
 
-dbus-monitor --session "interface='org.freedesktop.Notifications',member='Notify'" >"$out/notifications.log" &
-monitor_pid=$!
-disown
+spawn notifications dbus-monitor --session "interface='org.freedesktop.Notifications',member='Notify'"
 start_daemon --speed 0 --log
 start_program
 

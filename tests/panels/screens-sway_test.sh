@@ -1,30 +1,14 @@
 #!/bin/bash
 # screens-sway_test.sh screens-sway   drives the program on four outputs of sway, each with waybar, which have scales of
 # their own and begin left of 0 and above it; then one is unplugged; then with the bar at each edge, and on a small output.
-#
-# The program and the sample daemon are those of $BRIMWATCH_BUILD (default build/dev). Logs and pictures stay in
-# $BRIMWATCH_PANEL_LOGS (default build/panels)/screens-sway. Prints a line a check and `N passed, N failed` last.
-set -uo pipefail
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-PROGRAM=screens-sway_test
-# shellcheck source=../../tools/lib/common.sh
-. "$root/tools/lib/common.sh"
-
-if [ "$*" != screens-sway ]; then
-    sed -n '2,6s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
-    exit 2
-fi
-script=$root/tools/desktops/panels/sway.sh
-build=${BRIMWATCH_BUILD:-$root/build/dev}
-out=${BRIMWATCH_PANEL_LOGS:-$root/build/panels}/screens-sway
-desktop=screens-sway
+session_of=sway
 # shellcheck source=../support/desktop_test.sh
-. "$root/tests/support/desktop_test.sh"
+. "$(dirname "${BASH_SOURCE[0]}")/../support/desktop_test.sh"
 
 # Of each output: its name, where it begins in the layout, its size there, and how many pixels each unit has. The last one
 # is the one to unplug.
 name=('' HEADLESS-1 HEADLESS-2 HEADLESS-3 X11-1)
-left=('' 0 -1280 1280 0) top=('' 0 0 -200 720) width=('' 1280 1280 1280 1280) height=('' 720 720 720 720) scale=('' 1 1.5 2 1)
+left=('' 0 -1280 1280 0) top=('' 0 0 -200 720) width=('' 1280 1280 1280 1280) scale=('' 1 1.5 2 1)
 bar=28
 
 picture() { grim -o "${name[$1]}" "$out/pictures/$2-$1.png" 2>>"$out/shot.log"; }
@@ -219,7 +203,7 @@ for edge in top bottom left right; do
     fi
 done
 
-width[1]=640 height[1]=400
+width[1]=640
 swaymsg -q output HEADLESS-1 mode 640x400
 needed "a bar on a small output has the item" bar_at top
 needed "which is to be seen there" locate_item_on 1

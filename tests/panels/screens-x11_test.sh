@@ -1,25 +1,9 @@
 #!/bin/bash
-# screens-x11_test.sh screens-x11   drives the program on X11 with two monitors of unequal size, and on a small one.
-#
-# A panel stands at each edge of each monitor in turn. The program and the sample daemon are those of $BRIMWATCH_BUILD
-# (default build/dev). Logs and pictures stay in $BRIMWATCH_PANEL_LOGS (default build/panels)/screens-x11. Prints a line
-# a check and `N passed, N failed` last.
-set -uo pipefail
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-PROGRAM=screens-x11_test
-# shellcheck source=../../tools/lib/common.sh
-. "$root/tools/lib/common.sh"
-
-if [ "$*" != screens-x11 ]; then
-    sed -n '2,6s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
-    exit 2
-fi
-script=$root/tools/desktops/panels/trayer.sh
-build=${BRIMWATCH_BUILD:-$root/build/dev}
-out=${BRIMWATCH_PANEL_LOGS:-$root/build/panels}/screens-x11
-desktop=screens-x11
+# screens-x11_test.sh screens-x11   drives the program on X11 with two monitors of unequal size, and on a small one. A panel
+# stands at each edge of each monitor in turn.
+session_of=trayer
 # shellcheck source=../support/desktop_test.sh
-. "$root/tests/support/desktop_test.sh"
+. "$(dirname "${BASH_SOURCE[0]}")/../support/desktop_test.sh"
 
 panel_size=32
 # What is left of it to windows: `free LEFT TOP RIGHT BOTTOM`, the last two behind its last pixel.

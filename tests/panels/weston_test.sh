@@ -1,27 +1,14 @@
 #!/bin/bash
-# weston_test.sh   drives the program on a Wayland compositor with neither a layer shell nor Xwayland nor a place for items:
-# the popover is a plain window there, where the compositor wants it.
-#
-# The program and the sample daemon are those of $BRIMWATCH_BUILD (default build/dev). Logs and pictures stay in
-# $BRIMWATCH_PANEL_LOGS (default build/panels)/weston. Prints a line a check and `N passed, N failed` last.
-set -uo pipefail
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-PROGRAM=weston_test
-# shellcheck source=../../tools/lib/common.sh
-. "$root/tools/lib/common.sh"
-
-desktop=weston
-script=$root/tools/desktops/panels/$desktop.sh
-build=${BRIMWATCH_BUILD:-$root/build/dev}
-out=${BRIMWATCH_PANEL_LOGS:-$root/build/panels}/$desktop
+# weston_test.sh weston   drives the program on a Wayland compositor with neither a layer shell nor Xwayland nor a place for
+# items: the popover is a plain window there, where the compositor wants it.
 # shellcheck source=../support/desktop_test.sh
-. "$root/tests/support/desktop_test.sh"
+. "$(dirname "${BASH_SOURCE[0]}")/../support/desktop_test.sh"
 
 # Weston places windows at random.
 click_elsewhere()
 {
-    local x y width height
-    read -r x y width height < <(popover_place)
+    local x
+    read -r x _ _ _ < <(popover_place)
     if [ "$x" -gt 80 ]; then
         click 40 $((screen_height / 2))
     else

@@ -4,10 +4,11 @@
 #
 #   label          set before: what stands before each check's sentence
 #   clean_up       redefined: what else is to be undone at the end
+#   logs           set before `spawn`: where the logs are
 #   check_failed   redefined: what is to be kept of a failure, whose number is $failed
 #   logs_are       redefined: says where the logs are, after a failure
 
-passed=0 failed=0 program_pid='' daemon_pid='' monitor_pid='' bus_pid='' display_pid=''
+passed=0 failed=0 program_pid='' processes=()
 label=${label:-}
 clean_up() { :; }
 check_failed() { :; }
@@ -17,18 +18,26 @@ finish()
 {
     local status=$? process
     trap - EXIT INT TERM
-    for process in "$program_pid" "$daemon_pid" "$monitor_pid" "$bus_pid" "$display_pid"; do end_process "$process"; done
+    for process in "$program_pid" "${processes[@]}"; do end_process "$process"; done
     clean_up
     if [ "$status" != 0 ] && [ "$failed" = 0 ]; then
         failed=1
     fi
     echo "$passed passed, $failed failed"
     [ "$failed" = 0 ] || logs_are
-    [ "$failed" = 0 ] && [ "$passed" -gt 0 ]
-    exit
+    # Without a number it would end with the status from before the trap.
+    if [ "$failed" = 0 ] && [ "$passed" -gt 0 ]; then exit 0; else exit 1; fi
 }
 trap finish EXIT
 trap 'exit 130' INT TERM
+
+# spawn NAME COMMAND...: in the background, until the end of the test.
+spawn()
+{
+    "${@:2}" >>"${logs:?}/$1.log" 2>&1 &
+    processes+=($!)
+    disown
+}
 
 # check SENTENCE COMMAND...: one result.
 check()

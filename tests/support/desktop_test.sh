@@ -1,22 +1,36 @@
 # shellcheck shell=bash
-# A test of the program on a real desktop, step by step; sourced after common.sh with `root`, `build`, the
-# `script` that starts and stops the desktop, its name in `desktop`, and `out`, where logs and pictures stay.
-# Prints a line a check and `N passed, N failed` last.
+# A test of the program on a real desktop, step by step; sourced by KIND/..._test.sh, whose only argument is the desktop's name: a
+# script of tools/desktops/KIND, or `session_of` names one, set before. The programs are those of $BRIMWATCH_BUILD (default
+# build/dev). Logs and pictures stay in $BRIMWATCH_LOGS (default build)/KIND/NAME. Prints a line a check and
+# `N passed, N failed` last.
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+PROGRAM=$(basename "$0" .sh)
+# shellcheck source=../../tools/lib/common.sh
+. "$root/tools/lib/common.sh"
 
-: "${root:?}" "${build:?}" "${script:?}" "${desktop:?}" "${out:?}"
+kind=$(basename "$(cd "$(dirname "$0")" && pwd)") desktop=${1:-}
+script=$root/tools/desktops/$kind/${session_of:-$desktop}.sh
+if [ $# != 1 ] || [ ! -x "$script" ]; then
+    say "usage: $PROGRAM.sh NAME, one of tools/desktops/$kind"
+    exit 2
+fi
+build=${BRIMWATCH_BUILD:-$root/build/dev}
+out=${BRIMWATCH_LOGS:-$root/build}/$kind/$desktop
 program=$build/src/app/brimwatch
-daemon=$build/tools/sample-daemon/brimwatch-sample-daemon
 ctl=$build/src/cli/brimwatchctl
-for file in "$program" "$daemon" "$ctl"; do
+for file in "$program" "$ctl" "$build/tools/sample-daemon/brimwatch-sample-daemon"; do
     [ -x "$file" ] || die "$file is not built"
 done
 rm -rf "$out"
 mkdir -p "$out/pictures"
 out=$(cd "$out" && pwd)
 session=$out/session
-label=$desktop
+label=$desktop logs=$out
 # shellcheck source=../support/checks.sh
 . "$root/tests/support/checks.sh"
+# shellcheck source=../../tools/desktops/lib/services.sh
+. "$root/tools/desktops/lib/services.sh"
 clean_up() { "$script" stop "$session"; }
 check_failed() { shot "failed-$failed"; }
 # Where a test runs unattended, nothing but what it printed is left: so the ends of the logs are told as well.
@@ -35,27 +49,9 @@ shot() { "$root/tools/desktops/lib/shot.sh" "$out/pictures/$1.png" ${2:+"$2"} 2>
 click() { "$root/tools/desktops/lib/click.sh" "$@"; }
 key() { "$root/tools/desktops/lib/key.sh" "$@"; }
 
-# start_session: the desktop, in whose session everything is from then on; with NO_PANEL=1 without its panel.
-start_session()
-{
-    "$script" start "$session" ${NO_PANEL:+--no-panel} >/dev/null 2>"$out/session.log" || {
-        cat "$out/session.log" >&2
-        die "$desktop does not start, logs in $session/log"
-    }
-    # shellcheck source=/dev/null
-    . "$session/env"
-    HELPERS=$("$root/tools/desktops/lib/helpers.sh")
-    # shellcheck source=../../tools/desktops/lib/item.sh
-    . "$root/tools/desktops/lib/item.sh"
-}
-
-start_daemon() # start_daemon OPTION...
-{
-    "$daemon" "$@" >"$out/daemon.log" 2>&1 &
-    daemon_pid=$!
-    disown
-    wait_for 30 grep -q '^ready ' "$out/daemon.log" || die "the sample daemon did not start, see $out/daemon.log"
-}
+# start_session: the desktop; with NO_PANEL=1 without its panel.
+start_session() { enter_desktop "$script" "$session" ${NO_PANEL:+--no-panel}; }
+start_daemon() { start_sample_daemon "$build" "$@"; }
 
 start_program()
 {

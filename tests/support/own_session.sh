@@ -6,6 +6,9 @@
 scratch=$(mktemp -d "${TMPDIR:-/tmp}/brimwatch-test.XXXXXX")
 # shellcheck source=../support/checks.sh
 . "$root/tests/support/checks.sh"
+# shellcheck source=../../tools/desktops/lib/services.sh
+. "$root/tools/desktops/lib/services.sh"
+logs=$scratch
 clean_up() { rm -rf "$scratch"; }
 
 own_home()
@@ -15,39 +18,18 @@ own_home()
     export HOME=$scratch/home XDG_RUNTIME_DIR=$scratch/run DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere
 }
 
-own_daemon() # own_daemon OPTION...
-{
-    "$build/tools/sample-daemon/brimwatch-sample-daemon" "$@" >"$scratch/daemon.log" 2>&1 &
-    daemon_pid=$!
-    disown
-    wait_for 30 grep -q '^ready ' "$scratch/daemon.log" || die "the sample daemon did not start: $(cat "$scratch/daemon.log")"
-}
+own_daemon() { start_sample_daemon "$build" "$@"; }
 
 own_display()
 {
-    Xvfb -displayfd 8 -screen 0 1280x720x24 -nolisten tcp -noreset 8>"$scratch/display" 2>"$scratch/display.log" &
-    display_pid=$!
-    disown
-    wait_for 30 test -s "$scratch/display" || die "Xvfb did not start: $(cat "$scratch/display.log")"
-    DISPLAY=:$(cat "$scratch/display")
-    export DISPLAY
+    start_xvfb 1280x720
+    export DISPLAY=$xvfb_display
 }
 
 # own_bus [FOLDER]: it starts the services in that folder alone.
 own_bus()
 {
-    cat >"$scratch/bus.conf" <<XML
-<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig><type>session</type><listen>unix:path=$scratch/run/bus</listen><auth>EXTERNAL</auth>
-${1:+<servicedir>$1</servicedir>}
-<policy context="default"><allow user="*"/><allow send_destination="*" eavesdrop="true"/>
-<allow eavesdrop="true"/><allow own="*"/></policy></busconfig>
-XML
-    dbus-daemon --nofork --nosyslog --nopidfile --config-file="$scratch/bus.conf" 2>"$scratch/bus.log" &
-    bus_pid=$!
-    disown
-    wait_for 30 test -S "$scratch/run/bus" || die "the bus did not start: $(cat "$scratch/bus.log")"
+    start_bus bus "$scratch/run/bus" "${1:-}"
     export DBUS_SESSION_BUS_ADDRESS=unix:path=$scratch/run/bus
 }
 

@@ -1,10 +1,16 @@
 #!/bin/bash
-# packages.sh PURPOSE...          installs what is missing of packages.list for these purposes
-# packages.sh --list PURPOSE...   only prints the packages, one a line
-#
-# Needs bash, dpkg and apt alone. Without root and without sudo it says which packages to install,
-# changes nothing and ends with status 3.
 set -euo pipefail
+
+usage()
+{
+    cat <<'END'
+packages.sh PURPOSE...          installs what is missing of packages.list for these purposes
+packages.sh --list PURPOSE...   only prints the packages, one a line
+
+Needs bash, dpkg and apt alone. Without root and without sudo it says which packages to install,
+changes nothing and ends with status 3. It never removes a package.
+END
+}
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 list=$root/packages.list
@@ -33,7 +39,7 @@ if [ "${1:-}" = --list ]; then
     only_list=1
     shift
 fi
-[ $# -gt 0 ] || { sed -n '2,6s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2; exit 2; }
+[ $# -gt 0 ] || { usage >&2; exit 2; }
 
 # of_this_release: of each line `a|b` the first that apt knows, or the last; other lines as they are.
 of_this_release()
@@ -71,7 +77,7 @@ as_root=()
 if [ "$(id -u)" != 0 ]; then
     if ! sudo -n true 2>/dev/null; then
         printf 'Some packages are missing, and installing them needs root. Please run:\n\n' >&2
-        printf '    apt-get install --no-install-recommends %s\n\n' "${missing[*]}" >&2
+        printf '    apt-get install --no-install-recommends --no-remove %s\n\n' "${missing[*]}" >&2
         exit 3
     fi
     as_root=(sudo -n)
@@ -85,7 +91,7 @@ apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock
 "${apt[@]}" update >"$log" 2>&1 || { tail -n 5 "$log" >&2; }
 # Before there was an index, apt knew no package of the release.
 find_missing
-if ! "${apt[@]}" install -y --no-install-recommends "${missing[@]}" >"$log" 2>&1; then
+if ! "${apt[@]}" install -y --no-install-recommends --no-remove "${missing[@]}" >"$log" 2>&1; then
     tail -n 30 "$log" >&2
     echo "Installing packages failed." >&2
     exit 1

@@ -1,6 +1,7 @@
 #!/bin/bash
 # i3bar with i3blocks and the example's block, in i3 on Xvfb. `brimwatchctl` is found in PATH.
 NAME=i3blocks
+FACTS=(mode=watches colors=each strip=1280x40+0+0 place=560x26+720+0)
 PURPOSE=bar-i3blocks
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"

@@ -1,6 +1,7 @@
 #!/bin/bash
 # polybar with the example's module, with openbox on Xvfb. `brimwatchctl` is found in PATH.
 NAME=polybar
+FACTS=(mode=watches colors=lowest strip=1280x40+0+0 place=560x26+720+0)
 PURPOSE=bar-polybar
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"

@@ -1,6 +1,7 @@
 #!/bin/bash
 # tmux with the example's status line in an xterm, with openbox on Xvfb. `brimwatchctl` is found in PATH.
 NAME=tmux
+FACTS=(mode=asks colors=lowest strip=1000x32+0+196 place=560x24+460+198)
 PURPOSE=bar-tmux
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"

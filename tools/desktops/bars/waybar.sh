@@ -1,6 +1,7 @@
 #!/bin/bash
 # waybar on sway (headless, software-rendered) with the example's module. `brimwatchctl` is found in PATH.
 NAME=waybar
+FACTS=(mode=watches colors=each strip=1280x40+0+0 place=560x26+720+0)
 PURPOSE=bar-waybar
 DISPLAY_KIND=none
 # shellcheck source=../lib/desktop.sh

@@ -1,15 +1,8 @@
 # shellcheck shell=bash
 # The common part of the panel scripts: a panel on a display, a session bus and a home of its own.
 #
-#   PANEL.sh start [DIR] [--no-panel]   print `export ...` lines (also in DIR/env); DIR/log has the logs
-#   PANEL.sh panel DIR                  start the panel program of a started session (again)
-#   PANEL.sh unpanel DIR                end the panel program alone
-#   PANEL.sh crash DIR                  the same without a word to it, with what it has started
-#   PANEL.sh stop [DIR]                 end only what that start began
-#   PANEL.sh env [DIR]                  print the lines again
-#   PANEL.sh run [DIR] -- COMMAND...    start, run COMMAND inside, stop; the command's status
-#
-# A panel script sets NAME, [SERVICES], [DISPLAY_KIND=x11|none], [SIZE], [READY_S], [PURPOSE] (its packages), and defines
+# A desktop's script sets NAME, FACTS, [SERVICES], [DISPLAY_KIND=x11|none], [SIZE], [READY_S], [PURPOSE] (its packages), and
+# defines
 #   session_start   window manager and the like
 #   panel_start     the panel: `spawn panel COMMAND...`
 #   panel_ready     whether a tray can be used now
@@ -18,8 +11,10 @@ set -euo pipefail
 DESKTOPS=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # shellcheck source=../../lib/common.sh
 . "$DESKTOPS/../lib/common.sh"
+# shellcheck source=services.sh
+. "$DESKTOPS/lib/services.sh"
 SIZE=${SIZE:-1280x720} READY_S=${READY_S:-40} DISPLAY_KIND=${DISPLAY_KIND:-x11} SERVICES=${SERVICES:-}
-CLOCK=${CLOCK:-on} PROGRAM=${NAME:-panel}
+CLOCK=${CLOCK:-on} PROGRAM=${NAME:-panel} FACTS=("${FACTS[@]}")
 
 # env_set NAME VALUE: a variable of the session, for what runs inside and for what we start.
 env_set()
@@ -44,7 +39,7 @@ spawn()
 {
     local name=$1
     shift
-    setsid env -i "${ENVV[@]}" "BRIMWATCH_PANEL_ID=$ID" "$@" </dev/null >>"$DIR/log/$name.log" 2>&1 &
+    setsid env -i "${ENVV[@]}" "BRIMWATCH_PANEL_ID=$ID" "$@" </dev/null >>"$logs/$name.log" 2>&1 &
     echo $! >"$DIR/$name.pid"
     disown
 }
@@ -60,44 +55,21 @@ on_screen()
 }
 
 # No service is activated but those in $SERVICES: the bus must not start half a desktop.
-write_bus_conf()
+start_session_bus()
 {
-    local service directory=
+    local service
     mkdir -p "$DIR/services"
     for service in $SERVICES; do
         ln -sf "/usr/share/dbus-1/services/$service.service" "$DIR/services/"
     done
-    [ "$1" != bus ] || directory="<servicedir>$DIR/services</servicedir>"
-    cat >"$DIR/$1.conf" <<XML
-<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig><type>session</type><listen>unix:path=$RUN/$1</listen><auth>EXTERNAL</auth>
-$directory
-<policy context="default"><allow user="*"/><allow send_destination="*" eavesdrop="true"/>
-<allow eavesdrop="true"/><allow own="*"/></policy>
-</busconfig>
-XML
+    start_bus dbus-bus "$RUN/bus" "$DIR/services"
 }
 
-# start_bus bus|system: `system` is an empty stand-in for programs that insist on one.
-start_bus()
+# An empty stand-in for programs that insist on one.
+start_system_bus()
 {
-    write_bus_conf "$1"
-    spawn "dbus-$1" dbus-daemon --nofork --nosyslog --nopidfile --config-file="$DIR/$1.conf"
-    wait_for 40 test -S "$RUN/$1" || die "the bus did not start, see $DIR/log/dbus-$1.log"
-}
-
-start_xvfb()
-{
-    local fifo=$DIR/displayfd number
-    rm -f "$fifo"
-    mkfifo "$fifo"
-    exec 9<>"$fifo"
-    spawn xvfb Xvfb -displayfd 9 -screen 0 "${SIZE}x24" -nolisten tcp -noreset +extension GLX
-    read -r -t 20 number <&9 || die "Xvfb did not start, see $DIR/log/xvfb.log"
-    exec 9>&-
-    rm -f "$fifo"
-    env_set DISPLAY ":$number"
+    start_bus dbus-system "$RUN/system"
+    ENVV+=("DBUS_SYSTEM_BUS_ADDRESS=unix:path=$RUN/system")
 }
 
 # value_of NAME: the session's variable.
@@ -243,8 +215,11 @@ session_start_all()
     env_set NO_AT_BRIDGE 1
     # What the surroundings run on is not what runs inside.
     printf 'unset WAYLAND_DISPLAY XAUTHORITY SWAYSOCK QT_QPA_PLATFORM BRIMWATCH_OUTER_DISPLAY BRIMWATCH_LAYERS\n' >>"$DIR/env.new"
-    [ "$DISPLAY_KIND" = none ] || start_xvfb
-    start_bus bus
+    if [ "$DISPLAY_KIND" != none ]; then
+        start_xvfb "$SIZE"
+        env_set DISPLAY "$xvfb_display"
+    fi
+    start_session_bus
     session_start
     if [ "$WITH_PANEL" = yes ]; then
         start_panel
@@ -256,10 +231,27 @@ session_start_all()
     say "$NAME: ready in $(($(now_ms) - t0)) ms, logs in $DIR/log"
 }
 
+usage()
+{
+    cat <<END
+${0##*/} start [DIR] [--no-panel]   print \`export ...\` lines (also in DIR/env); DIR/log has the logs
+${0##*/} panel DIR                  start the panel program of a started session (again)
+${0##*/} unpanel DIR                end the panel program alone
+${0##*/} crash DIR                  the same without a word to it, with what it has started
+${0##*/} stop [DIR]                 end only what that start began
+${0##*/} run [DIR] -- COMMAND...    start, run COMMAND inside, stop; the command's status
+${0##*/} facts                      print what tests have to know of it, as NAME=VALUE lines for \`eval\`
+END
+}
+
 panel_main()
 {
-    local command=${1:-} status
+    local command=${1:-} status fact
     shift || true
+    if [ "$command" = facts ]; then
+        for fact in "${FACTS[@]}"; do printf '%s=%q\n' "${fact%%=*}" "${fact#*=}"; done
+        return
+    fi
     WITH_PANEL=yes
     DIR=${TMPDIR:-/tmp}/brimwatch-panels/$NAME
     PACKAGE_NAME=${PACKAGE_NAME:-$NAME}
@@ -273,10 +265,10 @@ panel_main()
     fi
     mkdir -p "$DIR"
     DIR=$(cd "$DIR" && pwd)
+    logs=$DIR/log
     case $command in
         start) session_start_all ;;
         stop) session_stop ;;
-        env) cat "$DIR/env" ;;
         panel)
             load_state
             start_panel
@@ -302,7 +294,7 @@ panel_main()
             exit "$status"
             ;;
         *)
-            sed -n '4,10s/^#   //p' "${BASH_SOURCE[0]}" >&2
+            usage >&2
             exit 2
             ;;
     esac

@@ -88,6 +88,15 @@ largest_difference()
     printf '%s %s %s %s\n' $((x + left)) $((y + top)) "$width" "$height"
 }
 
+# settled FILE.png GEOMETRY: takes pictures of that part of the screen until two in a row agree.
+settled()
+{
+    local shot
+    shot=$(dirname "${BASH_SOURCE[0]}")/shot.sh
+    "$shot" "$1.before.png" "$2" && "$shot" "$1" "$2" || return
+    ! differ "$1.before.png" "$1" && rm -f "$1.before.png"
+}
+
 # geometry_of X Y WIDTH HEIGHT: the same place as WxH+X+Y.
 geometry_of() { printf '%sx%s+%s+%s\n' "$3" "$4" "$1" "$2"; }
 

@@ -1,25 +1,18 @@
 # shellcheck shell=bash
-# How each panel shows our item, and where it is on one that is running. Sourced inside a session, after item.sh, with
-# the panel's name in `panel`, the program's process in `program_pid`, `shot NAME` and `click X Y BUTTON`, which go to
-# this session, and its pictures in `out`/pictures; `without` is one of the screen from before the program's start.
+# How a panel shows our item, and where it is on one that is running. Sourced inside a session, after item.sh, with the
+# panel's `script`, the program's process in `program_pid`, `shot NAME` and `click X Y BUTTON`, which go to this session, and
+# its pictures in `out`/pictures; `without` is one of the screen from before the program's start.
 
-: "${panel:?}" "${out:?}"
+: "${script:?}" "${out:?}"
 program_pid=${program_pid:-}
 
-# protocol: xembed or sni. form: how the item is drawn there. restarts: the panel can be ended alone. bus: the panel
-# needs the session bus.
-case $panel in
-    xfce4 | mate) protocol=xembed form=wide restarts=yes bus=needed ;;
-    trayer) protocol=xembed form=wide restarts=yes bus=unused ;;
-    gnome | gnome-wayland) protocol=xembed form=wide restarts=no bus=needed ;;
-    lxqt | plasma | swaybar) protocol=sni form=badge restarts=yes bus=needed ;;
-    # Its panel takes minutes to come back.
-    plasma-wayland) protocol=sni form=badge restarts=no bus=needed ;;
-    i3bar | polybar) protocol=xembed form=badge restarts=yes bus=unused ;;
-    sway) protocol=sni form=wide restarts=yes bus=needed ;;
-    *) die "it is not known how $panel shows our item" ;;
-esac
-export restarts bus
+# What the panel's script says of it: `protocol`, xembed or sni; `form`, how the item is drawn there, wide or badge; whether the
+# panel `restarts` alone; whether it needs the session `bus`. What most panels do is left out: our `item` is a window, where
+# the protocol is xembed, and not a copy of one; the `windows` of programs are listed; the `display` is that of Xvfb.
+protocol='' form='' restarts='' bus='' item=window windows=listed display=xvfb
+eval "$("$script" facts)"
+[ -n "$protocol" ] || die "$script does not say how it shows our item"
+export restarts bus windows display
 
 # look_at_screen: remembers its size, and where panels are on it: at the top, with the tray on their right; GNOME announces
 # things in the middle.
@@ -30,8 +23,8 @@ look_at_screen()
     panel_strip=$((screen_width / 3))x40+$((screen_width - screen_width / 3))+0
 }
 
-# item_is_a_window: of our own, which stands where it is seen. GNOME shows a copy of it.
-item_is_a_window() { [ "$protocol" = xembed ] && [[ $panel != gnome* ]]; }
+# item_is_a_window: of our own, which stands where it is seen.
+item_is_a_window() { [ "$protocol" = xembed ] && [ "$item" = window ]; }
 
 # On panels that draw the item themselves, it is what changed on the screen since the picture `without`.
 drawn_item()

@@ -1,6 +1,7 @@
 #!/bin/bash
 # dunst with openbox on Xvfb. What it shows stays until somebody closes it.
 NAME=dunst
+FACTS=(click_x='x + width / 2' click_y='y + 20' click_button=2)
 PURPOSE=notifications-dunst
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"

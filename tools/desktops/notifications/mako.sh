@@ -1,6 +1,7 @@
 #!/bin/bash
 # mako on sway (headless, software-rendered). What it shows stays until somebody closes it.
 NAME=mako
+FACTS=(click_x='x + width / 2' click_y='y + 20' click_button=1)
 PURPOSE=notifications-mako
 DISPLAY_KIND=none
 # shellcheck source=../lib/desktop.sh

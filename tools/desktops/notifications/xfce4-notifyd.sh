@@ -1,6 +1,8 @@
 #!/bin/bash
 # xfce4-notifyd with openbox on Xvfb. What it shows stays until somebody closes it.
 NAME=xfce4-notifyd
+# Up to 0.7 the default action is a button at the bottom, and a click elsewhere closes.
+FACTS=(click_x='x + width - 57' click_y='y + height - 31' click_button=1)
 PURPOSE=notifications-xfce4-notifyd
 SERVICES="org.xfce.Xfconf"
 # shellcheck source=../lib/desktop.sh

@@ -6,5 +6,6 @@ EXTENSION=0
 # shellcheck source=gnome-wayland.sh
 . "$DESKTOPS/panels/gnome-wayland.sh"
 NAME=gnome-plain-wayland
+FACTS=(weight=heavy)
 
 panel_main "$@"

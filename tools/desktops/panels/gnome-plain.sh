@@ -6,5 +6,6 @@ EXTENSION=0
 # shellcheck source=gnome.sh
 . "$DESKTOPS/panels/gnome.sh"
 NAME=gnome-plain
+FACTS=(weight=heavy)
 
 panel_main "$@"

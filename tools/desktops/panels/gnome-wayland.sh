@@ -6,6 +6,7 @@
 # shellcheck source=gnome.sh
 . "$DESKTOPS/panels/gnome.sh"
 NAME=gnome-wayland
+FACTS=(protocol=xembed form=wide restarts=no bus=needed item=copy weight=heavy)
 
 session_start()
 {

@@ -2,6 +2,8 @@
 # GNOME Shell 43 with its AppIndicator extension, an X11 session on Xvfb.
 # The shell is window manager and panel in one: it cannot be ended alone. EXTENSION=1|0
 NAME=gnome
+# It shows a copy of the item.
+FACTS=(protocol=xembed form=wide restarts=no bus=needed item=copy weight=heavy)
 SERVICES="org.gnome.Shell.Notifications org.gnome.ScreenSaver org.gnome.Shell.HotplugSniffer"
 READY_S=60
 # shellcheck source=../lib/desktop.sh
@@ -26,10 +28,8 @@ primary-color='#000000'
 [org/gnome/mutter]
 dynamic-workspaces=false
 INI
-    # It insists on a system bus; an empty one will do.
-    start_bus system
-    ENVV+=("DBUS_SYSTEM_BUS_ADDRESS=unix:path=$RUN/system" GSETTINGS_BACKEND=keyfile
-        LIBGL_ALWAYS_SOFTWARE=1 GNOME_SHELL_SESSION_MODE=user)
+    start_system_bus
+    ENVV+=(GSETTINGS_BACKEND=keyfile LIBGL_ALWAYS_SOFTWARE=1 GNOME_SHELL_SESSION_MODE=user)
     env_set XDG_CURRENT_DESKTOP GNOME
 }
 

@@ -2,6 +2,7 @@
 # i3bar (XEmbed alone) in i3 on Xvfb.
 # BAR_POS=top|bottom CLOCK=on
 NAME=i3bar
+FACTS=(protocol=xembed form=badge restarts=yes bus=unused)
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"
 

@@ -2,6 +2,7 @@
 # lxqt-panel (SNI items alone: its XEmbed plugin is left out) with openbox on Xvfb.
 # PANEL_SIZE=32 PANEL_ICON=22 PANEL_POS=Top|Bottom CLOCK=on
 NAME=lxqt
+FACTS=(protocol=sni form=badge restarts=yes bus=needed)
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"
 

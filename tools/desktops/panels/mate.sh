@@ -2,6 +2,7 @@
 # mate-panel (its notification area holds both SNI and XEmbed items) with openbox on Xvfb.
 # PANEL_SIZE=28 PANEL_POS=top|bottom CLOCK=on
 NAME=mate
+FACTS=(protocol=xembed form=wide restarts=yes bus=needed)
 SERVICES="org.mate.panel.applet.NotificationAreaAppletFactory org.mate.panel.applet.WnckletFactory
     org.mate.panel.applet.ClockAppletFactory"
 # shellcheck source=../lib/desktop.sh

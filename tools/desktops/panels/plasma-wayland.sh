@@ -6,6 +6,8 @@
 # shellcheck source=plasma.sh
 . "$DESKTOPS/panels/plasma.sh"
 NAME=plasma-wayland
+# Its panel takes minutes to come back. KWin lists the windows of Wayland programs for nobody but its own.
+FACTS=(protocol=sni form=badge restarts=no bus=needed windows=unlisted display=kwin weight=heavy)
 
 session_start()
 {

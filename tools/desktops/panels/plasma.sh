@@ -2,6 +2,7 @@
 # Plasma 5.27 (plasmashell, kded5 as the watcher, kwin_x11) on Xvfb.
 # PANEL_SIZE=36 PANEL_POS=3|4 (3 top, 4 bottom) CLOCK=on
 NAME=plasma
+FACTS=(protocol=sni form=badge restarts=yes bus=needed weight=heavy)
 SERVICES="org.kde.kded5 org.kde.ActivityManager org.kde.kglobalaccel"
 READY_S=90
 # shellcheck source=../lib/desktop.sh
@@ -92,8 +93,7 @@ configure()
     env_set KDE_FULL_SESSION true
     env_set KDE_SESSION_VERSION 5
     ENVV+=(QT_QUICK_BACKEND=software LIBGL_ALWAYS_SOFTWARE=1 KDE_NO_GLOBAL_MENU=1)
-    start_bus system
-    ENVV+=("DBUS_SYSTEM_BUS_ADDRESS=unix:path=$RUN/system")
+    start_system_bus
 }
 
 start_services()

@@ -2,6 +2,7 @@
 # polybar (XEmbed alone in 3.6) with openbox on Xvfb.
 # PANEL_SIZE=28 PANEL_POS=top|bottom CLOCK=on
 NAME=polybar
+FACTS=(protocol=xembed form=badge restarts=yes bus=unused)
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"
 

@@ -2,6 +2,7 @@
 # sway (headless, software-rendered) with waybar and its tray; Xwayland on demand.
 # BAR_HEIGHT=28 BAR_POS=top|bottom|left|right ICON_SIZE=21 CLOCK=on, for `start` and `panel`
 NAME=sway
+FACTS=(protocol=sni form=wide restarts=yes bus=needed display=sway)
 DISPLAY_KIND=none
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"

@@ -2,6 +2,7 @@
 # sway (headless, software-rendered) with its own bar, which holds SNI items; Xwayland on demand.
 # BAR_HEIGHT=28 BAR_POS=top|bottom CLOCK=on
 NAME=swaybar
+FACTS=(protocol=sni form=badge restarts=yes bus=needed display=sway)
 DISPLAY_KIND=none
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"

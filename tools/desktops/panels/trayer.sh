@@ -2,6 +2,7 @@
 # trayer (XEmbed alone: nobody watches for SNI items on this bus) with openbox on Xvfb.
 # PANEL_SIZE=28 PANEL_POS=top|bottom|left|right MONITOR=0 WIDTH_TYPE=request|percent, for `start` and `panel`
 NAME=trayer
+FACTS=(protocol=xembed form=wide restarts=yes bus=unused)
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"
 

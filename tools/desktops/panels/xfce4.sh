@@ -2,6 +2,7 @@
 # xfce4-panel (its systray holds both SNI and XEmbed items) with xfwm4 on Xvfb.
 # PANEL_SIZE=28 PANEL_POS=top|bottom SQUARE_ICONS=false COMPOSITOR=off CLOCK=on
 NAME=xfce4
+FACTS=(protocol=xembed form=wide restarts=yes bus=needed)
 SERVICES="org.xfce.Xfconf ca.desrt.dconf"
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"

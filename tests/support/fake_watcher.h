@@ -16,10 +16,7 @@ class OtherProgram {
 public:
     OtherProgram();
     ~OtherProgram();
-    OtherProgram(const OtherProgram &) = delete;
-    OtherProgram &operator=(const OtherProgram &) = delete;
-    OtherProgram(OtherProgram &&) = delete;
-    OtherProgram &operator=(OtherProgram &&) = delete;
+    Q_DISABLE_COPY_MOVE(OtherProgram)
 
     QDBusConnection &bus() { return m_bus; }
     /// Whether it has the name now.

@@ -64,10 +64,6 @@ public:
         m_bus.unregisterService(u"org.freedesktop.portal.Desktop"_s);
         m_bus.unregisterObject(u"/org/freedesktop/portal/desktop"_s);
     }
-    FakePortal(const FakePortal &) = delete;
-    FakePortal &operator=(const FakePortal &) = delete;
-    FakePortal(FakePortal &&) = delete;
-    FakePortal &operator=(FakePortal &&) = delete;
 
     QString introspect(const QString & /*path*/) const override { return {}; }
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override

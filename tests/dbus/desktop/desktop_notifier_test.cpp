@@ -542,8 +542,8 @@ private Q_SLOTS:
             u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, u"ReloadConfig"_s));
 
         m_notifier->post(low(u"Hello"_s));
-        constexpr int startMilliseconds = 60'000;
-        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(told), startMilliseconds);
+        constexpr int timeout = 60'000; // Milliseconds, as QTest takes them.
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(told), timeout);
         QFile answer(told);
         QVERIFY(answer.open(QIODevice::ReadOnly));
         QCOMPARE(answer.readAll(), "Hello");

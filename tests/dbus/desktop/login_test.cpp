@@ -60,7 +60,7 @@ private Q_SLOTS:
         const test::FakeWatcher watcher;
         test::OtherProgram other;
         logIn();
-        QTRY_COMPARE_WITH_TIMEOUT(watcher.senders().size(), 1, startMilliseconds);
+        QTRY_COMPARE_WITH_TIMEOUT(watcher.senders().size(), 1, timeout);
         const QString sender = watcher.senders().constFirst();
         const QDBusReply<uint> pid
             = other.call(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
@@ -69,7 +69,7 @@ private Q_SLOTS:
         QCOMPARE(QFileInfo(u"/proc/%1/exe"_s.arg(pid.value())).canonicalFilePath(),
             QFileInfo(QStringLiteral(BRIMWATCH_PROGRAM)).canonicalFilePath());
         QCOMPARE(::kill(static_cast<pid_t>(pid.value()), SIGTERM), 0);
-        QTRY_COMPARE_WITH_TIMEOUT(other.ownerOf(sender), QString(), startMilliseconds);
+        QTRY_COMPARE_WITH_TIMEOUT(other.ownerOf(sender), QString(), timeout);
 
         service.setEnabled(false);
         QVERIFY(!service.isEnabled());
@@ -77,7 +77,7 @@ private Q_SLOTS:
     }
 
 private:
-    static constexpr int startMilliseconds = 60000;
+    static constexpr int timeout = 60'000; // Milliseconds, as QTest takes them.
 
     /// Everything that the reader wrote.
     static QString logIn(const QString &option = {})
@@ -97,7 +97,7 @@ private:
         reader.setProcessChannelMode(QProcess::MergedChannels);
         reader.setStandardOutputFile(folder.filePath(u"output"_s));
         reader.start(u"dex"_s, arguments);
-        const bool ended = reader.waitForFinished(startMilliseconds);
+        const bool ended = reader.waitForFinished(timeout);
         QFile file(folder.filePath(u"output"_s));
         const QString output
             = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();

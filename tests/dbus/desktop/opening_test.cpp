@@ -78,7 +78,7 @@ private Q_SLOTS:
         qputenv("XDG_CURRENT_DESKTOP", desktop);
         platform::DesktopOpener opener;
         opener.openUrl(url);
-        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(m_received), openMilliseconds);
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(m_received), timeout);
         QCOMPARE(received(), (QStringList{kind, QString::fromLatin1(url.toEncoded())}));
     }
 
@@ -101,7 +101,7 @@ private Q_SLOTS:
         const QString folder = QDir::home().filePath(name);
         platform::DesktopOpener opener;
         opener.openUrl(QUrl::fromLocalFile(folder));
-        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(m_received), openMilliseconds);
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(m_received), timeout);
         // As a path or as an address, which is for the opening tool to choose.
         QCOMPARE(received().size(), 2);
         QCOMPARE(received().first(), u"folder"_s);
@@ -109,7 +109,7 @@ private Q_SLOTS:
     }
 
 private:
-    static constexpr int openMilliseconds = 60000;
+    static constexpr int timeout = 60'000; // Milliseconds, as QTest takes them.
 
     static QByteArray mimeType(const QByteArray &kind)
     {

@@ -24,8 +24,8 @@ namespace {
 
 const auto xfceTray = u"/usr/lib/x86_64-linux-gnu/xfce4/panel/wrapper-2.0"_s;
 constexpr QPoint elsewhere(50, 650);
-// Above what the item waits for by design: the rest of a panel, and the first retry.
-constexpr int patience = 20'000;
+// Longer than the item waits by design: for the rest of a panel, and before the first retry.
+constexpr int timeout = 20'000; // Milliseconds, as QTest takes them.
 
 FakeTrayManager::Manners panelOf(const QString &program)
 {
@@ -266,7 +266,7 @@ void PanelStatusItemTest::aPanelWhoseTrayManagerDoesNotComeGetsTheItemOnTheBus()
     m_watcherProgram = xfceTray;
     m_watcher = std::make_unique<FakeWatcher>();
     makeItem();
-    QTRY_COMPARE_WITH_TIMEOUT(m_registered->count(), 1, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_registered->count(), 1, timeout);
     QCOMPARE(m_watcher->items().size(), 1);
 }
 
@@ -275,7 +275,7 @@ void PanelStatusItemTest::aTrayManagerThatComesTooLateTakesTheItemOver()
     m_watcherProgram = xfceTray;
     m_watcher = std::make_unique<FakeWatcher>();
     makeItem();
-    QTRY_COMPARE_WITH_TIMEOUT(m_watcher->items().size(), 1, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_watcher->items().size(), 1, timeout);
     OtherProgram asker;
     QVERIFY(!asker.ownerOf(m_watcher->items().first()).isEmpty());
     m_manager = std::make_unique<FakeTrayManager>(panelOf({}));
@@ -314,7 +314,7 @@ void PanelStatusItemTest::whatChangesReachesThePanel()
     const QString title = u"5h: 12% · W: 55%"_s;
     QTRY_COMPARE_WITH_TIMEOUT(
         host.read(u"Title"_s).arguments().value(0).value<QDBusVariant>().variant().toString(),
-        title, patience);
+        title, timeout);
 }
 
 void PanelStatusItemTest::clicksAreHandedOn()
@@ -337,7 +337,7 @@ void PanelStatusItemTest::anItemThatIsThrownOutComesAgain()
     makeItem();
     QTRY_VERIFY(isDrawn());
     m_manager->throwOut();
-    QTRY_COMPARE_WITH_TIMEOUT(m_manager->docked().size(), 2, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_manager->docked().size(), 2, timeout);
     QTRY_VERIFY(isDrawn());
 }
 

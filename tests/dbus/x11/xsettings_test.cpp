@@ -46,10 +46,7 @@ public:
         xcb_destroy_window(m_x.connection(), m_window);
         m_x.flush();
     }
-    SettingsManager(const SettingsManager &) = delete;
-    SettingsManager &operator=(const SettingsManager &) = delete;
-    SettingsManager(SettingsManager &&) = delete;
-    SettingsManager &operator=(SettingsManager &&) = delete;
+    Q_DISABLE_COPY_MOVE(SettingsManager)
 
     void change(const QVariantMap &settings)
     {

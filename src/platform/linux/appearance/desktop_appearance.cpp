@@ -136,8 +136,6 @@ DesktopAppearance::DesktopAppearance(QDBusConnection bus, const XSettings *xSett
         askPortal();
 }
 
-DesktopAppearance::~DesktopAppearance() = default;
-
 Rgba DesktopAppearance::color(model::ColorToken token) const
 {
     if (token == model::ColorToken::Accent && m_look.accent)
@@ -178,7 +176,7 @@ void DesktopAppearance::portalSettingChanged(const QDBusMessage &message)
         return;
     const auto arguments = message.arguments();
     const QString name = arguments[0].toString() + u' ' + arguments[1].toString();
-    // Only what is read is kept: others may announce whatever they like.
+    // Only settings that are read are kept: any program may announce any number of others.
     static const QSet<QString> known{appearanceSpace + " color-scheme"_L1,
         appearanceSpace + " accent-color"_L1, appearanceSpace + " contrast"_L1,
         appearanceSpace + " reduced-motion"_L1, gnomeSpace + " font-name"_L1,
@@ -191,7 +189,7 @@ void DesktopAppearance::portalSettingChanged(const QDBusMessage &message)
 
 void DesktopAppearance::readKde()
 {
-    // A file that is replaced whole falls out of the watch.
+    // The watcher forgets a file that is replaced as a whole.
     if (QFileInfo::exists(m_kdeFile) && !m_kdeWatcher->files().contains(m_kdeFile))
         m_kdeWatcher->addPath(m_kdeFile);
     QHash<QString, QString> values;
@@ -255,7 +253,7 @@ DesktopAppearance::Look DesktopAppearance::look() const
 
 bool DesktopAppearance::saysNoMotion() const
 {
-    // One that says so is enough: the others answer with their defaults on desktops not theirs.
+    // One source that says so is enough: on other desktops the rest have their defaults.
     if (m_portal.value(appearanceSpace + " reduced-motion"_L1).toUInt() == 1)
         return true;
     if (const QVariant animations = m_portal.value(gnomeSpace + " enable-animations"_L1);

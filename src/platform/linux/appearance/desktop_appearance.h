@@ -16,11 +16,11 @@ namespace brimwatch::platform {
 
 class XSettings;
 
-/// Who makes texts as large as the desktop wants them.
+/// Who scales texts to the size that the desktop asks for.
 enum class TextScaling {
     Ours,
-    Toolkits, ///< As on X11, where that size is part of the resolution that it scales everything
-              ///< by.
+    Toolkits, ///< As on X11, where that size is part of the resolution by which Qt scales
+              ///< everything.
 };
 
 /// How the desktop looks, from what it announces: the settings portal first, then KDE's own file,
@@ -29,11 +29,10 @@ class DesktopAppearance final : public Appearance {
     Q_OBJECT
 
 public:
-    /// `xSettings` may be null where there is no X server, and outlives this. `configHome` is where
-    /// kdeglobals stands.
+    /// `xSettings` may be null where there is no X server, and outlives this. `configHome` is the
+    /// folder of kdeglobals.
     DesktopAppearance(QDBusConnection bus, const XSettings *xSettings, const QString &configHome,
         TextScaling textScaling = TextScaling::Ours, QObject *parent = nullptr);
-    ~DesktopAppearance() override;
 
     bool isDark() const override { return m_look.dark; }
     Rgba color(model::ColorToken token) const override;

@@ -60,9 +60,9 @@ void BusService::finishRefresh(const std::optional<QString> &error)
 void BusService::setReport(Report report)
 {
     m_report = std::move(report);
-    // Nobody heard what was asked before.
-    const auto asked = m_asked;
-    for (const Request request : asked)
+    // Until now nothing was connected to the requests.
+    const auto pending = m_pending;
+    for (const Request request : pending)
         QTimer::singleShot(0, this, [this, request] { carryOut(request); });
 }
 
@@ -123,17 +123,17 @@ void BusService::Refresh()
 
 void BusService::Show()
 {
-    ask(&RemoteControl::showRequested);
+    carryOutLater(&RemoteControl::showRequested);
 }
 
 void BusService::Toggle()
 {
-    ask(&RemoteControl::toggleRequested);
+    carryOutLater(&RemoteControl::toggleRequested);
 }
 
 void BusService::ShowSettings()
 {
-    ask(&RemoteControl::showSettingsRequested);
+    carryOutLater(&RemoteControl::showSettingsRequested);
 }
 
 QString BusService::Diagnostics()
@@ -146,21 +146,21 @@ QString BusService::Diagnostics()
 
 void BusService::Quit()
 {
-    ask(&RemoteControl::quitRequested);
+    carryOutLater(&RemoteControl::quitRequested);
 }
 
 void BusService::carryOut(Request request)
 {
-    // The name is ours a moment before there is a program behind it: what is asked then waits.
-    if (isSignalConnected(QMetaMethod::fromSignal(request)) && m_asked.removeOne(request))
+    // The name is ours a moment before anything is connected: requests wait until then.
+    if (isSignalConnected(QMetaMethod::fromSignal(request)) && m_pending.removeOne(request))
         Q_EMIT(this->*request)();
 }
 
-void BusService::ask(Request request)
+void BusService::carryOutLater(Request request)
 {
-    if (m_asked.contains(request))
+    if (m_pending.contains(request))
         return;
-    m_asked.append(request);
+    m_pending.append(request);
     QTimer::singleShot(0, this, [this, request] { carryOut(request); });
 }
 

@@ -10,11 +10,11 @@
 
 namespace brimwatch::platform {
 
-/// The object /app/brimwatch/Brimwatch on the bus, from its making to its end. What its members
-/// promise stands in app.brimwatch.Brimwatch1.xml. It never waits for the bus, and takes no name.
+/// The object /app/brimwatch/Brimwatch on the bus, from its making to its end. Its members are
+/// described in app.brimwatch.Brimwatch1.xml. It never waits for the bus, and takes no name.
 ///
-/// Whoever calls, and however often, makes it hold no more than the calls that may wait for a
-/// refresh; of any other request, one is carried out for all that came until then.
+/// However often it is called, it keeps no more than the calls that may wait for a refresh; any
+/// other request is carried out once for all calls that came until then.
 class BusService final : public RemoteControl, protected QDBusContext {
     Q_OBJECT
     Q_PROPERTY(QString Version READ version CONSTANT FINAL)
@@ -33,10 +33,6 @@ public:
 
     BusService(QDBusConnection bus, QString version, QObject *parent = nullptr);
     ~BusService() override;
-    BusService(const BusService &) = delete;
-    BusService &operator=(const BusService &) = delete;
-    BusService(BusService &&) = delete;
-    BusService &operator=(BusService &&) = delete;
 
     void publish(const PublishedState &state) override;
     void finishRefresh(const std::optional<QString> &error) override;
@@ -64,16 +60,16 @@ private:
     using Request = void (RemoteControl::*)();
 
     /// Carries it out from the event loop: the caller still waits for its answer.
-    void ask(Request request);
+    void carryOutLater(Request request);
     void carryOut(Request request);
 
     QDBusConnection m_bus;
     QString m_version;
     Report m_report;
     PublishedState m_published;
-    QVariantMap m_properties; ///< Of what is published.
+    QVariantMap m_properties; ///< Those of m_published.
     QList<QDBusMessage> m_waiting; ///< Calls of Refresh.
-    QList<Request> m_asked; ///< And not carried out yet; each is in it once.
+    QList<Request> m_pending; ///< Not carried out yet; each is in it once.
 };
 
 } // namespace brimwatch::platform

@@ -42,7 +42,7 @@ ProgramError errorOf(const QDBusMessage &answer)
         return ProgramError{
             .kind = ProgramError::Kind::NotRunning, .message = u"Brimwatch is not running"_s};
     };
-    // What the bus says of a name that it is not to start; QtDBus has no number for it.
+    // The bus's error for a name that it was told not to start; QtDBus has no number for it.
     if (answer.errorName() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1)
         return notRunning();
     switch (QDBusError(answer).type()) {
@@ -145,7 +145,7 @@ void ProgramFollower::read()
                 lose();
                 return;
             }
-            // What was signalled meanwhile came before this answer, and is in it.
+            // Deliberate: nothing is merged. What was signalled before this answer is in it.
             m_properties = qdbus_cast<QVariantMap>(answer.arguments().value(0));
             m_state = fromBusProperties(m_properties);
             Q_EMIT changed();
@@ -158,13 +158,13 @@ void ProgramFollower::propertiesChanged(const QDBusMessage &signal)
     if (arguments.value(0).toString() != bus::interface)
         return;
     if (!m_state) {
-        // It did not answer when it was asked, and lives again.
+        // It did not answer the last reading, and works again.
         read();
         return;
     }
     const auto changes = qdbus_cast<QVariantMap>(arguments.value(1));
     for (auto change = changes.cbegin(); change != changes.cend(); ++change) {
-        // Others are none of the interface's, and would only take room.
+        // Names that the interface does not have would only take memory.
         if (m_properties.contains(change.key()))
             m_properties.insert(change.key(), change.value());
     }

@@ -16,7 +16,7 @@ class QDBusMessage;
 
 namespace brimwatch::platform {
 
-/// Why the running program did not do what it was asked.
+/// Why the running program did not do what it was asked to.
 struct ProgramError {
     enum class Kind {
         NotRunning, ///< There is none, or no bus over which to ask it.
@@ -25,17 +25,16 @@ struct ProgramError {
     };
 
     Kind kind = Kind::NotRunning;
-    QString message = {}; ///< In words; of Failed the program's own.
+    QString message = {}; ///< For people; of Failed the program's own.
 
     bool operator==(const ProgramError &) const = default;
 };
 
-/// The running program, asked over the bus by a program that has nothing else to do: the calls wait
-/// for the answer, and for no longer than theirs is worth.
+/// The running program, asked over the bus by a program that has nothing else to do: each call
+/// blocks until the answer, within a timeout.
 class RunningProgram {
 public:
-    /// Whether a program that does not run is started to be asked, where it is installed so that
-    /// the bus can.
+    /// Whether the bus starts a program that does not run, where it is installed for that.
     enum class Start { No, Yes };
 
     explicit RunningProgram(QDBusConnection bus);
@@ -67,7 +66,7 @@ public:
     const std::optional<PublishedState> &state() const { return m_state; }
 
 Q_SIGNALS:
-    /// The state came, changed or went. Comes once soon after the making.
+    /// The state came, changed or went. Emitted once soon after construction.
     void changed();
 
 private Q_SLOTS:
@@ -81,7 +80,7 @@ private:
     QDBusServiceWatcher m_watcher;
     QVariantMap m_properties;
     std::optional<PublishedState> m_state;
-    int m_reading = 0; ///< Counts the readings: only the answer to the last one counts.
+    int m_reading = 0; ///< The number of the last reading; answers to older ones are ignored.
 };
 
 } // namespace brimwatch::platform

@@ -21,7 +21,7 @@ SingleInstance::SingleInstance(QDBusConnection bus, const QString &runtimeFolder
     const QFileInfo folder(runtimeFolder);
     if (!runtimeFolder.isEmpty() && folder.isDir() && folder.isWritable()) {
         m_lock = std::make_unique<QLockFile>(runtimeFolder + "/brimwatch.lock"_L1);
-        // However long the other has been running.
+        // Never stale, however long the other has been running.
         m_lock->setStaleLockTime(0);
     }
 }
@@ -71,8 +71,8 @@ void SingleInstance::askOther()
 
 void SingleInstance::decideByName()
 {
-    // For starts after the bus has gone. That another holds it says nothing here: it may be of
-    // another session's bus.
+    // For starts after the bus has gone. Deliberate: a lock that another holds means nothing here,
+    // as its holder may be on another session's bus.
     if (m_lock)
         m_lock->tryLock();
     Q_EMIT decided(Outcome::First);
@@ -80,7 +80,7 @@ void SingleInstance::decideByName()
 
 void SingleInstance::decideByLock()
 {
-    // Only a lock that another holds says that there is another: no room for one says nothing.
+    // Only a lock that another holds means that there is another; an error does not.
     if (m_lock && !m_lock->tryLock() && m_lock->error() == QLockFile::LockFailedError)
         Q_EMIT decided(Outcome::OtherLocked);
     else

@@ -20,7 +20,7 @@ class SingleInstance final : public QObject {
 
 public:
     enum class Outcome {
-        First, ///< We are. Also where neither bus nor lock file can tell.
+        First, ///< We are. Also where neither bus nor lock file can decide.
         OtherShown, ///< Another is, and has been asked to open its popover.
         OtherSilent, ///< Another is, and does not answer.
         OtherLocked, ///< Another is, and there is no bus over which to ask it.
@@ -34,8 +34,8 @@ public:
     SingleInstance(QDBusConnection bus, const QString &runtimeFolder, QObject *parent = nullptr);
     ~SingleInstance() override;
 
-    /// Finds out, without waiting; decided() follows, once. What answers to the name should be on
-    /// the bus by now.
+    /// Finds out without blocking; decided() follows, once. The object that answers to the name
+    /// should be on the bus by now.
     void claim();
 
 Q_SIGNALS:

@@ -13,8 +13,8 @@ namespace brimwatch::platform {
 /// drawn 1.15 times as high as the point size: the ink of a symbol that is centred on the capitals
 /// of text of that size reaches a little beyond them on both sides.
 ///
-/// A drawing is read and parsed when an image of it is first asked for; `has` and `size` only
-/// look into a table. Belongs to one thread, as the cache is not guarded.
+/// A drawing is read and parsed when an image of it is first requested; `has` and `size` only look
+/// into a table. Belongs to one thread, as the cache is not guarded.
 class SvgSymbols final : public SymbolSource {
 public:
     /// How many images are kept; the least recently used one makes room for a new one.

@@ -23,8 +23,8 @@ const auto watcherService = u"org.kde.StatusNotifierWatcher"_s;
 const auto watcherPath = u"/StatusNotifierWatcher"_s;
 const auto watcherInterface = u"org.kde.StatusNotifierWatcher"_s;
 
-// The bus itself answers at once. A panel that does not within this time is taken as one that shows
-// items.
+// The bus itself answers at once. A watcher that does not answer within this time counts as one
+// with a host.
 constexpr std::chrono::seconds answerTimeout{2};
 constexpr qint64 longestCommandLine = 4096;
 
@@ -159,7 +159,7 @@ void HostDetector::askForHosts(const QString &owner)
         m_bus, message, this, answerTimeout, [this, owner](const QDBusReply<QDBusVariant> &reply) {
             if (owner != m_watcher || !m_facts.watcher)
                 return;
-            // A watcher without the property is an odd one, not one without hosts.
+            // A watcher without the property may have a host.
             const QVariant value = reply.isValid() ? reply.value().variant() : QVariant(true);
             m_facts.watcher->hasHost = value.toBool();
             choose();

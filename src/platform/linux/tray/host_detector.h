@@ -21,8 +21,8 @@ namespace brimwatch::platform {
 
 class XConnection;
 
-/// Who shows our item now, and how. Two hosts are the same only when nobody has taken the place of
-/// the other in between.
+/// Which host shows our item now, and how. Two are equal only when neither has been replaced in
+/// between.
 struct Host {
     QString name;
     PresentationKind presentation = PresentationKind::None;
@@ -32,14 +32,14 @@ struct Host {
     bool operator==(const Host &) const = default;
 };
 
-/// The path of the program of a process; empty when the system does not tell.
+/// The path of the program of a process; empty when the system does not reveal it.
 using ExecutableOf = std::function<QString(qint64 pid)>;
 
-/// Asks the proc file system; where it hides the program, the name that the process was called by.
+/// From the proc file system; where that hides the program, the first word of its command line.
 QString executableOfProcess(qint64 pid);
 
 /// Follows who could show the item: the watcher on the session bus and the tray manager on the X
-/// screen, either of which may be missing for good. Blocks for neither the bus nor a host.
+/// screen, either of which may be missing for good. It waits for neither the bus nor a host.
 ///
 /// Panels bring their two halves one after the other. Where the second would change the choice, the
 /// detector waits for it, but not for long, so that the item does not jump from one protocol to the
@@ -54,7 +54,7 @@ public:
     HostDetector(XConnection &x, QDBusConnection bus,
         ExecutableOf executableOf = executableOfProcess, QObject *parent = nullptr);
 
-    /// Begins to look. A tray manager that is right whatever the bus says is announced before this
+    /// Starts to look. A tray manager that suits whatever the bus answers is announced before this
     /// returns.
     void start();
     const Host &host() const { return m_host; }

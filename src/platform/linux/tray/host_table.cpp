@@ -24,7 +24,7 @@ constexpr std::array knownHosts{
     KnownHost{.name = "mate-panel"_L1,
         .program = "notification-area-applet"_L1,
         .presentation = PresentationKind::XembedWide},
-    // With the AppIndicator extension, in the Wayland session too. As StatusNotifierItem a single
+    // With the AppIndicator extension, in the Wayland session too. On a StatusNotifierItem a single
     // click would only open the menu.
     KnownHost{.name = "gnome-shell"_L1,
         .program = "gnome-shell"_L1,
@@ -77,7 +77,7 @@ HostChoice chooseXembed(const KnownHost *manager)
 {
     if (manager == nullptr)
         return {.host = unknownHost, .presentation = PresentationKind::XembedWide};
-    // Whatever it would rather have, embedding is what it offers.
+    // Embedding is all that it offers, even if another presentation suits it better.
     return {.host = manager->name,
         .presentation
         = isXembed(manager->presentation) ? manager->presentation : PresentationKind::XembedBadge};
@@ -89,7 +89,7 @@ HostChoice chooseHost(const TrayFacts &facts)
 {
     const KnownHost *manager = facts.manager ? find(facts.manager->executable) : nullptr;
     if (manager != nullptr && manager->presentation == PresentationKind::XembedWide)
-        return chooseXembed(manager); // Nothing that the bus could still say would be better.
+        return chooseXembed(manager); // No answer from the bus could change that.
 
     if (!facts.watcherKnown) {
         HostChoice choice = facts.manager ? chooseXembed(manager) : HostChoice{};
@@ -103,7 +103,7 @@ HostChoice chooseHost(const TrayFacts &facts)
     const bool wantsXembed = watcher != nullptr && isXembed(watcher->presentation);
     if (wantsXembed && facts.manager)
         return {.host = watcher->name, .presentation = watcher->presentation};
-    // A watcher alone shows nothing: some are there in sessions whose bar only embeds.
+    // A watcher without a host shows nothing: some run in sessions whose bar only embeds.
     if (facts.manager && facts.watcher->hasHost == false)
         return chooseXembed(manager);
     return {.host = watcher == nullptr ? unknownHost : watcher->name,

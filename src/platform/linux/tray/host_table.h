@@ -7,20 +7,20 @@
 
 namespace brimwatch::platform {
 
-/// The ways of standing in a panel.
+/// The ways to be shown in a panel.
 enum class PresentationKind {
     XembedWide, ///< The whole label in an embedded window.
     XembedBadge, ///< Two numbers in an embedded window as wide as high.
     SniWide, ///< The whole label as the pixmap of a StatusNotifierItem.
     SniBadge, ///< Two numbers as its pixmap.
     SniPortable, ///< What any StatusNotifierItem host understands: squares, texts and a menu.
-    None, ///< Nobody shows items.
+    None, ///< No panel shows items.
 };
 
 /// The owner of org.kde.StatusNotifierWatcher.
 struct WatcherFacts {
     QString executable; ///< The path of its program, as far as known.
-    /// Whether somebody shows what it watches. Absent while it has not answered.
+    /// Whether a host shows its items. Absent while it has not answered.
     std::optional<bool> hasHost;
 
     bool operator==(const WatcherFacts &) const = default;
@@ -41,10 +41,10 @@ struct TrayFacts {
     std::optional<TrayManagerFacts> manager;
 };
 
-/// Who shall show the item, and how.
+/// Which host shows the item, and how.
 struct HostChoice {
     QString host; ///< For people: "xfce4-panel", "unknown".
-    PresentationKind presentation = PresentationKind::None; ///< What suits the host best.
+    PresentationKind presentation = PresentationKind::None; ///< The one that suits the host best.
     /// False while something missing may still come that would change the choice: an answer, or the
     /// other half of a panel that brings a watcher and a tray manager one after the other.
     bool settled = true;

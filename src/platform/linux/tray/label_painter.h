@@ -16,7 +16,7 @@ class SymbolSource;
 /// What a label is drawn for.
 struct LabelLook {
     Background background = Background::Dark;
-    QString fontFamily = {}; ///< Empty: the toolkit's default.
+    QString fontFamily = {}; ///< Empty: Qt's default.
     double devicePixelRatio = 1;
     int height = 22; ///< In device-independent pixels; text and symbols shrink with a height that
                      ///< is too small for them.
@@ -24,8 +24,8 @@ struct LabelLook {
     bool operator==(const LabelLook &) const = default;
 };
 
-/// Draws label compositions. All digits get one advance, so that a label does not change its width
-/// with its numbers.
+/// Draws label compositions. All digits have the same advance, so that the width of a label does
+/// not change with its numbers.
 class LabelPainter {
 public:
     explicit LabelPainter(const SymbolSource &symbols);

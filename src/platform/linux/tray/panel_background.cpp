@@ -58,7 +58,7 @@ void PanelBackground::setPixels(const QImage &behind)
 
 void PanelBackground::followTheme()
 {
-    // XFCE (seen with 4.18) announces its colors once and then turns dark or light with the theme.
+    // XFCE (seen with 4.18) announces its colours once and then turns dark or light with the theme.
     // A panel that was of another kind than the theme stays as it is.
     if (m_followsTheme)
         m_announced = ofTheme();

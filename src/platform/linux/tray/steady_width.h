@@ -7,7 +7,7 @@
 
 namespace brimwatch::platform {
 
-/// How wide a label's place in the panel is: as wide as the widest label so far that differed in
+/// The width of a label's place in the panel: that of the widest label so far that differed in
 /// nothing but its numbers, so that neither it nor its neighbours move with each refresh.
 class SteadyWidth {
 public:

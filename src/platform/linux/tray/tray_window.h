@@ -53,11 +53,11 @@ public:
     /// Whether that is another width than the one asked for before.
     bool askForWidth(int width);
 
-    /// The colors that the panel announces for symbols: red, green and blue to 65535, of its own
+    /// The colours that the panel announces for symbols: red, green and blue to 65535, of its own
     /// symbols first, then of errors, warnings and success. Empty where it announces none.
     QList<std::uint32_t> symbolColors();
-    /// What the panel shows behind the window, which is cleared for that. Null when it is not in
-    /// sight.
+    /// What the panel shows behind the window, which is cleared for that. Null when it is not
+    /// visible.
     QImage readBehind(QSize size);
     void draw(const QImage &image);
 

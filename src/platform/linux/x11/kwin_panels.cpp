@@ -42,7 +42,7 @@ QMargins kwinPanels(const QSize &desktop, XConnection &x)
     if (wholeWidth == 0 || wholeHeight == 0 || left > wholeWidth || width > wholeWidth - left
         || top > wholeHeight || height > wholeHeight - top)
         return {};
-    // Its X11 pixels need not be the toolkit's.
+    // Its X11 pixels need not be Qt's.
     const auto scaled = [](std::uint32_t length, int ours, std::uint32_t theirs) {
         return static_cast<int>(std::lround(double(length) * ours / theirs));
     };

@@ -37,7 +37,7 @@ QRect roomOf(const Strut &strut, Edge edge, const QSize &desktop)
     const int width = number(strut.at(edge));
     const int first = number(strut.at(edgeCount + 2 * edge));
     int last = number(strut.at(edgeCount + 2 * edge + 1));
-    // Some panels tell no ends.
+    // Some panels set no ends.
     if (first == 0 && last == 0)
         last = number(std::numeric_limits<std::uint32_t>::max());
     if (width <= 0 || last < first)
@@ -71,7 +71,7 @@ QRect upTo(const QRect &room, Edge edge, const QRect &area)
     return left.isEmpty() ? area : left;
 }
 
-/// The server's setup tells what it was at our start.
+/// Asked for: the connection's setup has the size as of our start.
 QSize desktopSize(const XConnection &x)
 {
     const XcbPointer<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(
@@ -123,7 +123,7 @@ QList<QRect> docks(const QList<xcb_window_t> &windows, XConnection &x)
 QList<QRect> managersWorkAreas(XConnection &x)
 {
     const xcb_window_t root = x.screen()->root;
-    // What a window manager left behind that has gone counts no more.
+    // A work area that a window manager left behind when it ended does not count.
     if (!x.cardinals(root, supportedAtom).contains(x.atom(workAreasAtom)))
         return {};
     const auto desktop = x.cardinals(root, currentDesktopAtom);
@@ -180,7 +180,7 @@ QRect workArea(const QScreen &screen, XConnection &x)
     QRect area = withoutStruts(monitor, desktopSize(x), struts(windows, x));
     area = withoutDocks(area, monitor, docks(windows, x));
     for (const QRect &managers : managersWorkAreas(x)) {
-        // There is one a monitor, in no order that would be told.
+        // There is one for each monitor, in no documented order.
         if (managers.intersects(monitor) && managers.intersects(area))
             area &= managers;
     }

@@ -18,22 +18,22 @@ class XConnection;
 /// these, first and last pixel (_NET_WM_STRUT_PARTIAL).
 using Strut = std::array<std::uint32_t, 12>;
 
-/// `monitor` without the struts that reach into it. All in native pixels; the struts are those of
-/// a desktop of size `desktop`. What would leave nothing of a monitor was meant for another one.
+/// `monitor` without the struts that overlap it. All in native pixels; the struts are those of a
+/// desktop of size `desktop`. A strut that would leave nothing of a monitor belongs to another one.
 QRect withoutStruts(const QRect &monitor, const QSize &desktop, const QList<Strut> &struts);
 
-/// `area` of `monitor` without the panels that stand there: windows that are much longer than
+/// `area` of `monitor` without the panels there: windows that are much longer than
 /// thick, at the edge that they are nearest to. All in native pixels.
 QRect withoutDocks(const QRect &area, const QRect &monitor, const QList<QRect> &docks);
 
-/// The part of the screen that panels leave free, in the toolkit's coordinates.
+/// The part of the screen that panels leave free, in Qt's coordinates.
 ///
-/// The toolkit knows one work area for all monitors (_NET_WORKAREA), which says little of each.
-/// Panels tell their struts, which cannot be told of an edge between two monitors, so their windows
-/// count as well, and some window managers a work area a monitor (_GTK_WORKAREAS_D0).
+/// Qt knows one work area for all monitors (_NET_WORKAREA), which says little about each. Panels
+/// announce struts. Those cannot describe an edge between two monitors, so the panels' windows
+/// count as well. Some window managers announce a work area for each monitor (_GTK_WORKAREAS_D0).
 QRect workArea(const QScreen &screen, XConnection &x);
 
-/// Whether somebody puts the X server's windows together, so that one may be seen through.
+/// Whether a compositing manager runs, so that windows can be transparent.
 bool isComposited(XConnection &x);
 
 } // namespace brimwatch::platform

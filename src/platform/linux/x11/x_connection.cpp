@@ -81,9 +81,9 @@ XConnection::XConnection(QObject *parent)
     m_notifier = std::make_unique<QSocketNotifier>(
         xcb_get_file_descriptor(m_connection.get()), QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &XConnection::readEvents);
-    // Whoever waits for a reply makes the library read from the socket, events included. The socket
-    // says nothing more of those, so the queue is looked at before each sleep, and at each round
-    // of a loop that does not sleep.
+    // A wait for a reply makes libxcb read from the socket, events included. The socket does not
+    // announce those again, so the queue is read before each sleep, and at each round of a loop
+    // that does not sleep.
     const auto *dispatcher = QAbstractEventDispatcher::instance();
     connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, &XConnection::readLater);
     connect(dispatcher, &QAbstractEventDispatcher::awake, this, &XConnection::readLater);
@@ -164,8 +164,7 @@ void XConnection::selectInput(xcb_window_t window, std::uint32_t mask) const
 {
     if (!isValid())
         return;
-    // The server knows what was asked for before, also for a window whose number was another's
-    // once.
+    // The server knows what was asked for before, and also that a number belongs to a new window.
     const XcbPointer<xcb_get_window_attributes_reply_t> known(xcb_get_window_attributes_reply(
         connection(), xcb_get_window_attributes(connection(), window), nullptr));
     if (!known)
@@ -199,7 +198,7 @@ void XConnection::readEvents()
     }
     // A receiver may have run an event loop of its own, in which the connection was found closed.
     if (!m_closed && xcb_connection_has_error(connection()) != 0) {
-        qCDebug(xLog) << "the X server has gone - going on without it";
+        qCDebug(xLog) << "the X server has gone - continuing without it";
         m_closed = true;
         m_notifier->setEnabled(false);
         Q_EMIT closed();
@@ -216,7 +215,7 @@ void XConnection::readLater()
         return;
     if (next)
         m_arrived.push_back(std::move(next));
-    // Not from within: the event loop is about to sleep and expects nobody to begin anything.
+    // Queued: the event loop is about to sleep, and nothing may start from there.
     QMetaObject::invokeMethod(this, &XConnection::readEvents, Qt::QueuedConnection);
 }
 

@@ -30,8 +30,8 @@ template <typename T> using XcbPointer = std::unique_ptr<T, FreeReply>;
 /// The numbers of 32 bits in a property's value.
 QList<std::uint32_t> cardinalsOf(const QByteArray &value);
 
-/// A connection to the X server beside the toolkit's own: the panel item and the desktop's settings
-/// are there on Wayland too, through Xwayland, where the toolkit has none.
+/// A connection to the X server beside Qt's own: the item in the panel and the desktop's settings
+/// are there on Wayland too, through Xwayland, where Qt has no connection.
 class XConnection : public QObject {
     Q_OBJECT
 
@@ -58,9 +58,9 @@ public:
     QByteArray property(xcb_window_t window, xcb_atom_t name) const;
     /// The same of many windows in one go; one value a window, in their order.
     QList<QByteArray> properties(const QList<xcb_window_t> &windows, const char *name);
-    /// A property that holds numbers of 32 bits, as most do; empty when there is none.
+    /// The value of a property that holds numbers of 32 bits, as most do; empty when there is none.
     QList<std::uint32_t> cardinals(xcb_window_t window, const char *name);
-    /// Asks for the events of `mask` of a window of somebody else's, beside those asked for before.
+    /// Asks for the events of `mask` of another program's window, beside those asked for before.
     void selectInput(xcb_window_t window, std::uint32_t mask) const;
     void flush() const;
 
@@ -76,7 +76,7 @@ private:
     std::unique_ptr<xcb_connection_t, XcbDisconnect> m_connection;
     std::unique_ptr<QSocketNotifier> m_notifier;
     std::deque<XcbPointer<xcb_generic_event_t>>
-        m_arrived; // Taken from the library's queue, not handed on yet.
+        m_arrived; ///< Taken from libxcb's queue and not emitted yet.
     QHash<QByteArray, xcb_atom_t> m_atoms;
     bool m_closed = false;
     xcb_screen_t *m_screen = nullptr;

@@ -160,7 +160,7 @@ QImage readImage(XConnection &x, xcb_window_t window, const XPixelFormat &format
             static_cast<std::uint16_t>(size.width()), static_cast<std::uint16_t>(size.height()),
             ~0U),
         &failure));
-    const XcbPointer<xcb_generic_error_t> expected(failure); // The answer for what is not in sight.
+    const XcbPointer<xcb_generic_error_t> expected(failure); // The answer for what is not visible.
     const qsizetype stride = rowBytes(format, size.width());
     if (!reply || reply->depth != format.depth
         || xcb_get_image_data_length(reply.get()) < stride * size.height())

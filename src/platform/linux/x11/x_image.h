@@ -35,7 +35,7 @@ std::optional<XPixelFormat> pixelFormat(const XConnection &x, xcb_visualid_t vis
 void putImage(XConnection &x, xcb_window_t window, xcb_gcontext_t gc, const XPixelFormat &format,
     const QImage &image);
 
-/// What the window shows from its origin on, opaque. Null when it is not in sight or smaller than
+/// What the window shows from its origin on, opaque. Null when it is not visible or smaller than
 /// that.
 QImage readImage(XConnection &x, xcb_window_t window, const XPixelFormat &format, QSize size);
 

@@ -12,7 +12,7 @@ namespace brimwatch::platform {
 
 class XConnection;
 
-/// The settings in the property of an XSETTINGS manager: name to a number or a text. Colors are
+/// The settings in the property of an XSETTINGS manager: name to a number or a text. Colours are
 /// left out. Bytes that are no settings give none, truncated ones what came before the cut.
 QHash<QString, QVariant> parseXSettings(const QByteArray &property);
 

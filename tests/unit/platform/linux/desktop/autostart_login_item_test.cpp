@@ -530,8 +530,8 @@ private:
         QProcess process;
         process.setProcessChannelMode(QProcess::MergedChannels);
         process.start(program, arguments);
-        constexpr int endMilliseconds = 60000;
-        const bool ended = process.waitForFinished(endMilliseconds);
+        constexpr std::chrono::milliseconds timeout = std::chrono::minutes(1);
+        const bool ended = process.waitForFinished(static_cast<int>(timeout.count()));
         const QString output = QString::fromUtf8(process.readAll());
         if (!ended || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
             QTest::qFail(qPrintable(program + u": "_s + process.errorString() + u' ' + output),

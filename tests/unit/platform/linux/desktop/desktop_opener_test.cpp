@@ -10,7 +10,7 @@
 using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch::platform;
 
-/// Takes what the toolkit is asked to open in place of the desktop's own programs.
+/// Takes what Qt is asked to open, instead of the desktop's own programs.
 class FileHandler : public QObject {
     Q_OBJECT
 

@@ -1,15 +1,15 @@
 import QtQuick
 import Brimwatch
 
-// What all our buttons do; what they look like is their own. Only the keyboard gives a button the focus, so whoever sees
-// the focus ring uses the keyboard.
+// The behaviour of all buttons; each type adds its looks. A button gets the focus by the keyboard only, so the focus ring is
+// shown to keyboard users only.
 //
-// Not the library's AbstractButton: to load its module for three buttons takes a sixth of the time that the first click has.
+// Not AbstractButton of QtQuick.Templates: loading that module takes a sixth of the time budget of the first click.
 FocusScope {
     id: root
 
     property string text: ""
-    // Where this button's tool tip shows, and what it says; empty for none.
+    // Shows this button's tooltip; no tooltip if the text is empty.
     property ToolTipBubble toolTip: null
     property string toolTipText: ""
     // How far the background of a hovered button extends beyond it.
@@ -36,7 +36,7 @@ FocusScope {
 
     Accessible.role: Accessible.Button
     Accessible.name: text
-    // What the name says already is not said again.
+    // A description that repeats the name would be read twice.
     Accessible.description: toolTipText === text ? "" : toolTipText
     Accessible.focusable: true
     Accessible.focused: activeFocus
@@ -49,7 +49,7 @@ FocusScope {
 
     Keys.onReturnPressed: root.activate()
     Keys.onEnterPressed: root.activate()
-    // As buttons do on every desktop: pressed by the key, clicked by its release.
+    // As on every desktop, Space presses the button and its release clicks it.
     Keys.onSpacePressed: event => {
         if (!event.isAutoRepeat)
             area.keyDown = true;

@@ -1,9 +1,9 @@
 import QtQuick
 import Brimwatch
 
-// The ring around the control that has the keyboard focus, which is its parent. Shown where `visible` is bound to that.
+// The ring around the control with the keyboard focus, its parent, which binds `visible` to that.
 Rectangle {
-    // How far beyond the control it is drawn; negative within.
+    // How far outside of the control it is drawn; negative for inside.
     property real margin: 2
 
     objectName: "focusRing"

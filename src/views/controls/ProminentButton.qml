@@ -1,7 +1,7 @@
 import QtQuick
 import Brimwatch
 
-// A button on the accent colour.
+// A button with the accent colour as its background.
 ButtonBase {
     id: root
 

@@ -1,8 +1,7 @@
 import QtQuick
 import Brimwatch
 
-// Content that may be higher than there is room, with a mark that shows where in it one is. The keyboard can be at it when
-// there is something to scroll.
+// Scrollable content with an indicator. It takes part in the tab order if there is something to scroll.
 Item {
     id: root
 
@@ -15,7 +14,7 @@ Item {
         root.contentY = Math.max(0, Math.min(position, root.furthest));
     }
 
-    // Scrolls no further than needed for all of an item of the content to be seen.
+    // Scrolls as little as needed to show all of an item of the content.
     function reveal(item: Item) {
         const margin = 8;
         const top = item.mapToItem(flickable.contentItem, 0, 0).y - margin;
@@ -45,7 +44,7 @@ Item {
 
     activeFocusOnTab: furthest > 0
 
-    // What goes away below takes the position with it.
+    // Content that shrinks must not leave the position beyond its end.
     onFurthestChanged: {
         if (contentY > furthest)
             scrollTo(furthest);

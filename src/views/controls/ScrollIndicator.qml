@@ -1,7 +1,7 @@
 import QtQuick
 import Brimwatch
 
-// Shows which part of a list is seen. To be shown while there is more than that.
+// Shows which part of a list is visible. To be hidden if all of it is.
 Item {
     id: root
 

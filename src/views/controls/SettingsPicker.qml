@@ -4,8 +4,8 @@ import QtQuick
 import QtQuick.Templates as T
 import Brimwatch
 
-// A caption, and a button that opens a list of options within the popover's own scene. It shows what is stored: `index` of
-// the options, -1 for none of them; `wanted` tells what the user chose.
+// A caption, and a button that opens a list of options inside the popover's scene. It shows the stored option, `index`, or
+// none for -1; `requested` reports what the user chose.
 Item {
     id: root
 
@@ -13,16 +13,16 @@ Item {
     required property list<string> options
     required property int index
     required property real boxWidth
-    // Whether the list may be open; it closes when it may not any more.
+    // Whether the list may be open; it closes when this changes.
     required property bool mayOpen
     readonly property real rowHeight: Math.ceil(metrics.height) + 8
-    // Where the picker is scrolled to: an open list does not travel.
+    // The scroll position of the picker's view: the list closes when it changes, since it does not scroll along.
     property real scrollPosition: 0
     // The box that takes the keyboard to open its list is scrolled into view. From some version between Qt 6.4 and 6.8 on a
     // list that is closed meanwhile does not open.
     property bool takesKeyboard: false
 
-    signal wanted(int index)
+    signal requested(int index)
 
     width: parent ? parent.width : implicitWidth
     implicitHeight: box.height
@@ -59,12 +59,12 @@ Item {
         currentIndex: root.index
         focusPolicy: Qt.TabFocus
 
-        // Qt (6.4) tells a screen reader neither what is chosen nor how to open the list.
+        // Qt 6.4 reports to screen readers neither the chosen option nor how to open the list.
         Accessible.name: root.caption + " " + (box.displayText !== "" ? box.displayText : "nothing chosen")
         Accessible.onPressAction: box.popup.open()
 
         onActivated: index => {
-            root.wanted(index);
+            root.requested(index);
             box.currentIndex = Qt.binding(() => root.index);
         }
 
@@ -114,12 +114,12 @@ Item {
 
             Accessible.selectable: true
             Accessible.selected: option.index === root.index
-            // The keyboard is at the box all the while; a screen reader reads where it has got to in the list.
+            // The box keeps the focus; to screen readers the highlighted option has it.
             Accessible.focusable: true
             Accessible.focused: option.highlighted
             Accessible.onPressAction: {
                 box.popup.close();
-                root.wanted(option.index);
+                root.requested(option.index);
             }
 
             background: Rectangle {
@@ -140,7 +140,7 @@ Item {
             }
         }
 
-        // Beside the scene that grows with the text, so it has to grow by itself.
+        // Qt puts popups outside of the scaled item, so they have to scale themselves.
         popup: T.Popup {
             objectName: root.objectName + "List"
             y: box.height + 2
@@ -150,9 +150,9 @@ Item {
             margins: 4
             scale: Theme.textScale
             transformOrigin: T.Popup.TopLeft
-            // The keys of the list are the box's.
+            // The box handles the keys of the list.
             onAboutToShow: {
-                // Around the list there is what Qt calls a dialog, without a name.
+                // Qt reports the popup around the list as a dialog without a name.
                 contentItem.parent.Accessible.ignored = true;
                 root.takesKeyboard = true;
                 if (!box.activeFocus)
@@ -169,7 +169,7 @@ Item {
 
             contentItem: ListView {
                 clip: true
-                // The library does not export the type.
+                // QtQuick.Templates does not export the model's type.
                 model: box.delegateModel // qmllint disable
                 currentIndex: box.highlightedIndex
                 boundsBehavior: Flickable.StopAtBounds

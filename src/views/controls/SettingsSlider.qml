@@ -2,23 +2,23 @@ import QtQuick
 import QtQuick.Templates as T
 import Brimwatch
 
-// A slider that shows what is stored; `wanted` tells where the user moved it to.
+// A slider that shows the stored value; `requested` reports what the user chose.
 T.Slider {
     id: root
 
     property real stored: from
 
-    // By these names Qt finds the range that it tells a screen reader.
+    // Qt looks the range up by these names to report it to screen readers.
     readonly property real minimumValue: from
     readonly property real maximumValue: to
     property bool complete: false
 
-    signal wanted(real value)
+    signal requested(real value)
 
     function settle() {
-        // A key adds a step to whatever was stored.
+        // A key adds a step to the stored value, which need not be a multiple of it.
         const step = Math.round(root.value / root.stepSize) * root.stepSize;
-        root.wanted(Math.max(root.from, Math.min(step, root.to)));
+        root.requested(Math.max(root.from, Math.min(step, root.to)));
         root.value = Qt.binding(() => root.stored);
     }
 

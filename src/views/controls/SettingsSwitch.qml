@@ -2,8 +2,8 @@ import QtQuick
 import QtQuick.Templates as T
 import Brimwatch
 
-// A labelled switch over the whole width. It shows what is stored: `toggled` tells what the user wants, and whoever hears of
-// it changes `on` or does not.
+// A labelled switch over the whole width. It shows the stored state, `on`; `requested` reports what the user chose, upon
+// which `on` changes or does not.
 T.Switch {
     id: root
 
@@ -12,7 +12,7 @@ T.Switch {
     property bool on: false
     property string symbol: ""
 
-    signal wanted(bool on)
+    signal requested(bool on)
 
     width: parent ? parent.width : 0
     implicitHeight: Math.max(metrics.height, root.trackHeight) + 4
@@ -22,13 +22,13 @@ T.Switch {
     opacity: enabled ? 1 : 0.45
 
     onToggled: {
-        root.wanted(root.checked);
+        root.requested(root.checked);
         root.checked = Qt.binding(() => root.on);
     }
 
-    // Qt would show the other state, and tell nobody.
-    Accessible.onToggleAction: root.wanted(!root.on)
-    Accessible.onPressAction: root.wanted(!root.on)
+    // Qt would show the other state without emitting `toggled`.
+    Accessible.onToggleAction: root.requested(!root.on)
+    Accessible.onPressAction: root.requested(!root.on)
 
     FontMetrics {
         id: metrics

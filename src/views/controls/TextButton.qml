@@ -1,7 +1,7 @@
 import QtQuick
 import Brimwatch
 
-// A button that is only its text.
+// A button without a background.
 ButtonBase {
     id: root
 

@@ -1,11 +1,11 @@
 import QtQuick
 import Brimwatch
 
-// The one tool tip of the popover, drawn in its own scene: a window of its own would close the popover on some desktops.
+// The popover's only tooltip, inside its scene: a separate window would close the popover on some desktops.
 Rectangle {
     id: root
 
-    // Whether the popover can be seen: a tool tip does not wait for it to come back.
+    // Whether the popover is shown; a pending tooltip is dropped when it closes.
     required property bool allowed
     property Item target: null
     property string text: ""

@@ -1,7 +1,7 @@
 import QtQuick
 import Brimwatch
 
-// What stands at the lower end of a face, on a ground of its own, with a line above. As high as it is told.
+// The bar at the lower end of a face, with a background of its own and a line above. Its user sets the height.
 Item {
     id: root
 
@@ -13,7 +13,7 @@ Item {
         height: parent.height
         clip: Theme.cornerRadius > 0
 
-        // Round below alone: its upper corners are cut off.
+        // Round at the bottom only: the upper corners are clipped.
         Rectangle {
             y: -radius
             width: parent.width

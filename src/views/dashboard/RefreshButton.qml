@@ -1,7 +1,7 @@
 import QtQuick
 import Brimwatch
 
-// Turns its arrow as the model says: whole turns, the first one easing in and out.
+// A button whose icon turns as the model's spin says: in whole turns, the first one easing in and out.
 ButtonBase {
     id: root
 
@@ -13,7 +13,7 @@ ButtonBase {
     opacity: 1
     margin: 5
 
-    // Qt (6.4) tells no screen reader that a control is disabled.
+    // Qt 6.4 does not report to screen readers that a control is disabled.
     Accessible.description: root.model.isRefreshing ? "Refreshing" : root.toolTipText
 
     onClicked: root.model.performRefresh()
@@ -24,7 +24,7 @@ ButtonBase {
         pointSize: 13
         weight: SymbolImage.Weight.Semibold
         color: Theme.label
-        // Without motion the icon says by its paleness that a refresh runs.
+        // Without animations a pale icon shows that a refresh runs.
         opacity: root.enabled || (root.model.spin.isSpinning && !Theme.reducesMotion) ? 1 : 0.45
         rotation: root.model.spin.rotationDegrees
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Brimwatch
 
-// The connection in a dot and words. A long error takes two lines, the rest of it is in the tool tip.
+// The state of the connection as a dot and a text. A long error takes two lines; all of it is in the tooltip.
 Item {
     id: root
 
@@ -16,7 +16,7 @@ Item {
 
     Capsule {
         objectName: "statusDot"
-        // Beside the first line's middle.
+        // Centred on the first line.
         y: Math.round((metrics.height - height) / 2)
         width: 6
         height: 6

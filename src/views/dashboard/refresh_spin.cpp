@@ -26,7 +26,7 @@ void RefreshSpin::trigger()
 
 void RefreshSpin::startTurn(bool easesInOut)
 {
-    // The curve first: the angle's change starts the animation.
+    // The easing first, since the change of the angle starts the animation.
     if (assign(m_easesInOut, easesInOut))
         Q_EMIT easesInOutChanged();
     m_rotationDegrees += 360;

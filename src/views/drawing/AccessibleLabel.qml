@@ -1,7 +1,7 @@
 import QtQuick
 import Brimwatch
 
-// Text that a screen reader reads where it stands.
+// Text that screen readers read by itself. Other labels are part of an item that has an accessible name.
 Label {
     Accessible.role: Accessible.StaticText
     Accessible.name: text

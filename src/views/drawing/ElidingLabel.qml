@@ -1,7 +1,7 @@
 import QtQuick
 import Brimwatch
 
-// A label that ends in an ellipsis where there is no room for the rest. The tool tip has all of it.
+// A label that is elided if there is too little room. The tooltip shows all of it.
 Label {
     id: root
 

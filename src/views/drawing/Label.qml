@@ -1,7 +1,7 @@
 import QtQuick
 import Brimwatch
 
-// Text from anywhere, shown as typed.
+// Plain text, whatever its source: markup is shown as typed.
 Text {
     textFormat: Text.PlainText
     horizontalAlignment: Text.AlignLeft

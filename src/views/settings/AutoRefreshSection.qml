@@ -21,6 +21,6 @@ SettingsSection {
         scrollPosition: root.scrollPosition
         options: root.model.refreshIntervalNames
         index: root.model.refreshInterval
-        onWanted: index => root.model.refreshInterval = index
+        onRequested: index => root.model.refreshInterval = index
     }
 }

@@ -11,7 +11,7 @@ Item {
     width: parent ? parent.width : implicitWidth
     implicitHeight: Math.max(caption.height, text.height)
 
-    // It speaks for both. The row itself cannot: Qt takes the property `value` of what a screen reader sees for a number.
+    // Accessible for both texts. The row cannot be: Qt takes the property `value` of an accessible item for a number.
     AccessibleLabel {
         id: caption
 

@@ -14,7 +14,7 @@ SettingsSection {
         objectName: "launchAtLogin"
         text: "Start at Login"
         on: root.model.launchAtLogin
-        onWanted: on => root.model.launchAtLogin = on
+        onRequested: on => root.model.launchAtLogin = on
     }
 
     Item {

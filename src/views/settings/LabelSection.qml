@@ -22,7 +22,7 @@ SettingsSection {
         symbol: "sparkles"
         text: "Gemini"
         on: root.model.service.showGeminiInToolbar
-        onWanted: on => root.model.service.showGeminiInToolbar = on
+        onRequested: on => root.model.service.showGeminiInToolbar = on
     }
 
     SettingsSwitch {
@@ -30,7 +30,7 @@ SettingsSection {
         symbol: "cpu"
         text: "Argon"
         on: root.model.service.showArgonInToolbar
-        onWanted: on => root.model.service.showArgonInToolbar = on
+        onRequested: on => root.model.service.showArgonInToolbar = on
     }
 
     SettingsSwitch {
@@ -38,7 +38,7 @@ SettingsSection {
         symbol: "brain"
         text: "Claude"
         on: root.model.service.showClaudeInToolbar
-        onWanted: on => root.model.service.showClaudeInToolbar = on
+        onRequested: on => root.model.service.showClaudeInToolbar = on
     }
 
     SettingsCaption {
@@ -57,7 +57,7 @@ SettingsSection {
         scrollPosition: root.scrollPosition
         options: root.model.labelStyleNames
         index: root.model.labelStyle
-        onWanted: index => root.model.labelStyle = index
+        onRequested: index => root.model.labelStyle = index
     }
 
     Item {
@@ -78,34 +78,34 @@ SettingsSection {
         objectName: "showIcon"
         text: "Show Sparkle Icon"
         on: root.model.service.showIconInMenuBar
-        onWanted: on => root.model.service.showIconInMenuBar = on
+        onRequested: on => root.model.service.showIconInMenuBar = on
     }
 
     SettingsSwitch {
         objectName: "showPercentage"
         text: "Show Percentage Text"
         on: root.model.service.showPercentageInMenuBar
-        onWanted: on => root.model.service.showPercentageInMenuBar = on
+        onRequested: on => root.model.service.showPercentageInMenuBar = on
     }
 
     SettingsSwitch {
         objectName: "useColor"
         text: "Colored Status Indicator"
         on: root.model.service.useColoredStatusIndicator
-        onWanted: on => root.model.service.useColoredStatusIndicator = on
+        onRequested: on => root.model.service.useColoredStatusIndicator = on
     }
 
     SettingsSwitch {
         objectName: "showFiveHour"
         text: "Show 5-Hour Limit"
         on: root.model.service.showFiveHourInMenuBar
-        onWanted: on => root.model.service.showFiveHourInMenuBar = on
+        onRequested: on => root.model.service.showFiveHourInMenuBar = on
     }
 
     SettingsSwitch {
         objectName: "showWeekly"
         text: "Show Weekly Limit"
         on: root.model.service.showWeeklyInMenuBar
-        onWanted: on => root.model.service.showWeeklyInMenuBar = on
+        onRequested: on => root.model.service.showWeeklyInMenuBar = on
     }
 }

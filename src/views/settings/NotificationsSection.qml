@@ -14,7 +14,7 @@ SettingsSection {
         objectName: "notify"
         text: "Notify when quota drops low"
         on: root.model.service.notifyOnLowQuota
-        onWanted: on => root.model.service.notifyOnLowQuota = on
+        onRequested: on => root.model.service.notifyOnLowQuota = on
     }
 
     Item {
@@ -42,7 +42,7 @@ SettingsSection {
             to: 50
             stepSize: 5
             stored: root.model.service.lowQuotaThreshold
-            onWanted: value => root.model.service.lowQuotaThreshold = value
+            onRequested: value => root.model.service.lowQuotaThreshold = value
 
             Accessible.name: "Alert Threshold in percent"
         }

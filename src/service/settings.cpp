@@ -1,6 +1,5 @@
 #include "service/settings.h"
 
-#include <QFileInfo>
 #include <QSettings>
 #include <QStandardPaths>
 
@@ -49,26 +48,21 @@ std::optional<double> asNumber(const QVariant &value)
     return number;
 }
 
-/// Whether the store can read that file in bounded time and memory: no pipe, device or folder. A
-/// file that does not exist yet is fine.
-bool isReadable(const QString &fileName)
+QList<QByteArray> allKeys()
 {
-    constexpr qint64 largestFile = 1024LL * 1024;
-    const QFileInfo file(fileName);
-    return !file.exists() || (file.isFile() && file.size() <= largestFile);
+    using namespace settings;
+    return {refreshInterval.key, showPercentageInMenuBar.key, showFiveHourInMenuBar.key,
+        showWeeklyInMenuBar.key, showIconInMenuBar.key, useColoredStatusIndicator.key,
+        notifyOnLowQuota.key, lowQuotaThreshold.key, showGeminiInToolbar.key,
+        showArgonInToolbar.key, showClaudeInToolbar.key, toolbarLabelStyle.key};
 }
 
 } // namespace
 
 SettingsStore::SettingsStore()
+    : SettingsStore(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+          + u"/brimwatch/brimwatch.conf"_s)
 {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-    if (isReadable(folder % u"/brimwatch/brimwatch.conf"_s)) {
-        m_store = std::make_unique<QSettings>(
-            QSettings::NativeFormat, QSettings::UserScope, u"brimwatch"_s, u"brimwatch"_s);
-        // Only the user's own file counts, no system-wide one of the same name.
-        m_store->setFallbacksEnabled(false);
-    }
 }
 
 SettingsStore::SettingsStore(const UserDefaults &store)
@@ -78,15 +72,14 @@ SettingsStore::SettingsStore(const UserDefaults &store)
     QStringList parts = store.domain.split(u'.');
     const QString program = parts.takeLast();
     std::reverse(parts.begin(), parts.end());
-    m_store = std::make_unique<QSettings>(
+    m_userDefaults = std::make_unique<QSettings>(
         QSettings::NativeFormat, QSettings::UserScope, parts.join(u'.'), program);
-    m_store->setFallbacksEnabled(false);
+    m_userDefaults->setFallbacksEnabled(false);
 }
 
 SettingsStore::SettingsStore(const QString &iniFile)
 {
-    if (isReadable(iniFile))
-        m_store = std::make_unique<QSettings>(iniFile, QSettings::IniFormat);
+    m_file.emplace(iniFile, allKeys());
 }
 
 SettingsStore::~SettingsStore() = default;
@@ -124,22 +117,33 @@ void SettingsStore::setValue(const Setting<const char *> &setting, const QString
     store(setting.key, value);
 }
 
+void SettingsStore::flush()
+{
+    if (m_file)
+        m_file->write();
+    else
+        m_userDefaults->sync();
+}
+
 QString SettingsStore::fileName() const
 {
-    return m_store ? m_store->fileName() : QString();
+    return m_file ? m_file->path() : m_userDefaults->fileName();
 }
 
 QVariant SettingsStore::stored(const char *key) const
 {
-    return m_store ? m_store->value(QLatin1StringView(key)) : m_unsaved.value(key);
+    if (m_userDefaults)
+        return m_userDefaults->value(QLatin1StringView(key));
+    const auto value = m_file->value(key);
+    return value ? QVariant(*value) : QVariant();
 }
 
 void SettingsStore::store(const char *key, const QVariant &value)
 {
-    if (m_store)
-        m_store->setValue(QLatin1StringView(key), value);
+    if (m_userDefaults)
+        m_userDefaults->setValue(QLatin1StringView(key), value);
     else
-        m_unsaved.insert(key, value);
+        m_file->setValue(key, value.toString());
 }
 
 } // namespace brimwatch::service

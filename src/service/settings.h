@@ -1,11 +1,12 @@
 #pragma once
 
-#include <QByteArray>
-#include <QHash>
+#include "service/settings_file.h"
+
 #include <QString>
 #include <QVariant>
 
 #include <memory>
+#include <optional>
 
 class QSettings;
 
@@ -72,15 +73,19 @@ public:
     void setValue(const Setting<double> &setting, double value);
     void setValue(const Setting<const char *> &setting, const QString &value);
 
-    /// Where the settings are kept; empty when nowhere.
+    /// Writes at once what would be written soon.
+    void flush();
+
+    /// Where the settings are stored.
     QString fileName() const;
 
 private:
     QVariant stored(const char *key) const;
     void store(const char *key, const QVariant &value);
 
-    std::unique_ptr<QSettings> m_store; ///< Null when the file cannot be used.
-    QHash<QByteArray, QVariant> m_unsaved; ///< Used without a store.
+    // One of the two.
+    std::optional<SettingsFile> m_file;
+    std::unique_ptr<QSettings> m_userDefaults;
 };
 
 } // namespace brimwatch::service

@@ -7,9 +7,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <cmath>
+#include <csignal>
 #include <limits>
 #include <optional>
 
@@ -166,6 +168,124 @@ private Q_SLOTS:
             QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner));
     }
 
+    void aFolderInPlaceOfTheLockHoldsNobodyUp()
+    {
+        // QSettings would wait for it, for ever.
+        QVERIFY(QDir().mkpath(path() + u".lock"_s));
+        {
+            SettingsStore store(path());
+            expectChangesToHold(store);
+        }
+        QCOMPARE(SettingsStore(path()).value(settings::lowQuotaThreshold), 35.5);
+    }
+
+    void aPipeThatTakesThePlaceOfTheFileLaterHoldsNobodyUp()
+    {
+        write("[General]\nrefreshInterval=300\n");
+        SettingsStore store(path());
+        QVERIFY(QFile::remove(path()));
+        QCOMPARE(mkfifo(path().toLocal8Bit().constData(), 0600), 0);
+        expectChangesToHold(store);
+        store.flush();
+        QCOMPARE(store.value(settings::refreshInterval), 300.0);
+        QVERIFY(!QFileInfo(path()).isFile());
+    }
+
+    void nestedVariantsDoNotOverflowTheStack()
+    {
+        QByteArray nested;
+        for (int depth = 0; depth < 60'000; ++depth)
+            nested += "@Variant(\\0\\0\\0\\t";
+        write("[General]\nother=" + nested + "\nshowArgonInToolbar=true\nrefreshInterval=" + nested
+            + '\n');
+        const SettingsStore store(path());
+        QCOMPARE(store.value(settings::showArgonInToolbar), true);
+        QCOMPARE(store.value(settings::refreshInterval), 60.0);
+    }
+
+    void aFullDiskCostsTheChangeAndKeepsTheFile()
+    {
+        write("[General]\nrefreshInterval=300\n");
+        rlimit before = {};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
+        // Writing a byte fails then, as on a full disk.
+        const rlimit nothing{.rlim_cur = 0, .rlim_max = before.rlim_max};
+        {
+            SettingsStore store(path());
+            const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+            QCOMPARE(setrlimit(RLIMIT_FSIZE, &nothing), 0);
+            store.setValue(settings::lowQuotaThreshold, 35.5);
+            store.flush();
+            QCOMPARE(setrlimit(RLIMIT_FSIZE, &before), 0);
+            std::signal(SIGXFSZ, handler);
+            QCOMPARE(content(), QByteArray("[General]\nrefreshInterval=300\n"));
+            QCOMPARE(store.value(settings::lowQuotaThreshold), 35.5);
+            // The next change that can be written brings it along.
+            store.setValue(settings::showArgonInToolbar, true);
+        }
+        const SettingsStore store(path());
+        QCOMPARE(store.value(settings::lowQuotaThreshold), 35.5);
+        QCOMPARE(store.value(settings::showArgonInToolbar), true);
+    }
+
+    void whatElseIsInTheFileIsKept_data()
+    {
+        QTest::addColumn<QByteArray>("before");
+        QTest::addColumn<QByteArray>("after");
+        QTest::newRow("other keys and sections")
+            << QByteArray("; mine\n[General]\nother=1, 2\nrefreshInterval = 30\n\n[Other]\n"
+                          "refreshInterval=7\n")
+            << QByteArray("; mine\n[General]\nother=1, 2\nrefreshInterval=300\n\n[Other]\n"
+                          "refreshInterval=7\n");
+        QTest::newRow("another section alone")
+            << QByteArray("[Other]\nrefreshInterval=7\n")
+            << QByteArray("[General]\nrefreshInterval=300\n\n[Other]\nrefreshInterval=7\n");
+        QTest::newRow("a new key goes behind the last one of its section")
+            << QByteArray("[General]\nother=1\n\n[Other]\nx=1\n")
+            << QByteArray("[General]\nother=1\nrefreshInterval=300\n\n[Other]\nx=1\n");
+        QTest::newRow("of several lines the last one counts")
+            << QByteArray("[General]\nrefreshInterval=1\nrefreshInterval=2\n")
+            << QByteArray("[General]\nrefreshInterval=1\nrefreshInterval=300\n");
+        QTest::newRow("no end of line") << QByteArray("[General]\nother=1")
+                                        << QByteArray("[General]\nother=1\nrefreshInterval=300\n");
+        QTest::newRow("keys before any section")
+            << QByteArray("refreshInterval=1\n") << QByteArray("refreshInterval=300\n");
+    }
+    void whatElseIsInTheFileIsKept()
+    {
+        QFETCH(QByteArray, before);
+        QFETCH(QByteArray, after);
+        write(before);
+        SettingsStore(path()).setValue(settings::refreshInterval, 300);
+        QCOMPARE(content(), after);
+        QCOMPARE(SettingsStore(path()).value(settings::refreshInterval), 300.0);
+    }
+
+    void textsAreWrittenAndReadAsQSettingsDoes_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("plain") << u"icon"_s;
+        QTest::newRow("empty") << QString();
+        QTest::newRow("blanks") << u" a b "_s;
+        QTest::newRow("quotes") << u"a \"b\" 'c' \\ d"_s;
+        QTest::newRow("separators") << u"a, b; c = d [e]"_s;
+        QTest::newRow("control characters") << u"a\nb\tc\rd\x01"
+                                               "2"_s;
+        QTest::newRow("an at") << u"@Variant(x)"_s;
+        QTest::newRow("letters") << u"Grüße ✦ \U0001F680"_s;
+    }
+    void textsAreWrittenAndReadAsQSettingsDoes()
+    {
+        QFETCH(QString, text);
+        SettingsStore(path()).setValue(settings::toolbarLabelStyle, text);
+        QCOMPARE(SettingsStore(path()).value(settings::toolbarLabelStyle), text);
+        const QString key = QString::fromLatin1(settings::toolbarLabelStyle.key);
+        QCOMPARE(QSettings(path(), QSettings::IniFormat).value(key).toString(), text);
+        QVERIFY(QFile::remove(path()));
+        QSettings(path(), QSettings::IniFormat).setValue(key, text);
+        QCOMPARE(SettingsStore(path()).value(settings::toolbarLabelStyle), text);
+    }
+
     void valuesOfTheWrongTypeGiveTheDefaults_data()
     {
         QTest::addColumn<QByteArray>("content");
@@ -309,6 +429,12 @@ private Q_SLOTS:
     }
 
 private:
+    QByteArray content() const
+    {
+        QFile file(path());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
     QString path() const { return m_folder->filePath(u"settings.conf"_s); }
 
     void write(const QByteArray &content) const

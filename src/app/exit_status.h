@@ -2,10 +2,10 @@
 
 namespace brimwatch::app {
 
-/// The exit status of the program.
+/// The exit status of the program, as its manual page (docs/man/brimwatch.1) says.
 enum class ExitStatus {
     Success = 0,
-    Failure = 1, ///< No display, or another Brimwatch that does not answer.
+    Failure = 1, ///< No display, or another Brimwatch that does not answer. Also a failed upgrade.
     UsageError = 2,
 };
 

@@ -32,11 +32,13 @@ SessionEnvironment SessionEnvironment::read()
         .chosenPlatform = {}};
     if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         environment.chosenPlatform = qgetenv("QT_QPA_PLATFORM");
-    const bool mayUseWayland
-        = !environment.chosenPlatform || environment.chosenPlatform->startsWith("wayland");
-    environment.hasLayerShell
-        = environment.hasWayland && mayUseWayland && compositorHasLayerShell();
+    environment.hasLayerShell = environment.mayUseWayland() && compositorHasLayerShell();
     return environment;
+}
+
+bool SessionEnvironment::mayUseWayland() const
+{
+    return hasWayland && (!chosenPlatform || chosenPlatform->startsWith("wayland"));
 }
 
 QByteArray SessionEnvironment::platformPlugins() const

@@ -29,6 +29,9 @@ struct SessionEnvironment {
     /// Connects to the compositor for the time of the question, where there is one.
     static SessionEnvironment read();
 
+    /// Whether Qt may load its wayland plugin: unless the user has chosen another one.
+    bool mayUseWayland() const;
+
     /// The platform plugins that Qt is to try, as QT_QPA_PLATFORM lists them. Empty where the user
     /// or Qt chooses.
     QByteArray platformPlugins() const;

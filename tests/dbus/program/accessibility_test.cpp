@@ -133,10 +133,7 @@ public:
     {
     }
     ~Screen() { xcb_disconnect(m_connection); }
-    Screen(const Screen &) = delete;
-    Screen &operator=(const Screen &) = delete;
-    Screen(Screen &&) = delete;
-    Screen &operator=(Screen &&) = delete;
+    Q_DISABLE_COPY_MOVE(Screen)
 
     /// The pixels of a rectangle of left, top, width and height; empty where there is none.
     QByteArray pixels(const QList<int> &place) const
@@ -193,10 +190,7 @@ public:
         m_process.kill();
         m_process.waitForFinished(timeout);
     }
-    Running(const Running &) = delete;
-    Running &operator=(const Running &) = delete;
-    Running(Running &&) = delete;
-    Running &operator=(Running &&) = delete;
+    Q_DISABLE_COPY_MOVE(Running)
 
     bool isStarted() { return m_process.waitForStarted(timeout); }
 
@@ -218,10 +212,7 @@ public:
         // The next one shall find the bus empty.
         static_cast<void>(QTest::qWaitFor([this] { return m_bus.programs().isEmpty(); }, timeout));
     }
-    Session(const Session &) = delete;
-    Session &operator=(const Session &) = delete;
-    Session(Session &&) = delete;
-    Session &operator=(Session &&) = delete;
+    Q_DISABLE_COPY_MOVE(Session)
 
     QString inHome(const QString &path) const { return m_home.filePath(path); }
 

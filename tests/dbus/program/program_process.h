@@ -53,10 +53,7 @@ public:
             m_process.kill();
         m_process.waitForFinished(timeout);
     }
-    Program(const Program &) = delete;
-    Program &operator=(const Program &) = delete;
-    Program(Program &&) = delete;
-    Program &operator=(Program &&) = delete;
+    Q_DISABLE_COPY_MOVE(Program)
 
     static QProcessEnvironment usual()
     {
@@ -82,7 +79,7 @@ public:
     }
     bool hasEnded()
     {
-        // Without the event loop nobody else tells.
+        // Without a running event loop QProcess does not notice it otherwise.
         return m_process.state() == QProcess::NotRunning || m_process.waitForFinished(1);
     }
     /// False when it still runs after the timeout.

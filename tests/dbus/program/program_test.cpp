@@ -32,7 +32,7 @@ namespace {
 using test::Program;
 using test::timeout;
 
-/// The other end: somebody who calls the program.
+/// Another program, which calls ours.
 class Caller {
 public:
     QDBusMessage call(const QString &member) { return m_program.call(message(member)); }
@@ -61,7 +61,7 @@ private:
     test::OtherProgram m_program;
 };
 
-/// What an X server answers, freed as the library allocated it.
+/// A reply of the X server, which libxcb allocates with malloc().
 template <typename T> std::unique_ptr<T, decltype(&std::free)> owned(T *reply)
 {
     return {reply, &std::free};
@@ -289,7 +289,7 @@ private Q_SLOTS:
     {
         Program first;
         QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), timeout);
-        // Whoever starts after the bus has gone is in the same place.
+        // A program that starts after the bus has gone finds the same.
         Program second(Program::withoutBus());
         QVERIFY(second.waitForEnd());
         QCOMPARE(second.exitCode(), 0);
@@ -356,7 +356,7 @@ private Q_SLOTS:
             log += monitor.readAllStandardOutput();
             return log.contains(text);
         };
-        // It has begun to listen once it hears somebody.
+        // It listens once it has logged a call.
         QTRY_VERIFY_WITH_TIMEOUT((m_caller.owner(), logged("GetNameOwner")), timeout);
 
         const Program program;

@@ -21,7 +21,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::newRow("option") << QStringList{u"--configure"_s};
-        QTest::newRow("toolkit option") << QStringList{u"-platform"_s, u"offscreen"_s};
+        QTest::newRow("option of Qt") << QStringList{u"-platform"_s, u"offscreen"_s};
         QTest::newRow("word") << QStringList{u"help"_s};
         QTest::newRow("too many") << QStringList{u"--version"_s, u"--help"_s};
         QTest::newRow("empty") << QStringList{QString()};

@@ -17,9 +17,9 @@
 
 namespace brimwatch::platform {
 
-namespace {
+Q_DECLARE_LOGGING_CATEGORY(popoverLog)
 
-Q_LOGGING_CATEGORY(layerLog, "brimwatch.popover", QtInfoMsg)
+namespace {
 
 // Compositors say where the pointer is as soon as an overlay shows. A seat without a pointer never
 // does.
@@ -181,7 +181,7 @@ bool LayerPopover::open()
         covers = m_catchers[index]->cover(screens[i]) || covers;
     }
     if (!covers) {
-        qCWarning(layerLog) << "the compositor shows no overlay of ours - no popover";
+        qCWarning(popoverLog) << "the compositor shows no overlay of ours - no popover";
         return false;
     }
     m_shown = true;

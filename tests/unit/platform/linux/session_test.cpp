@@ -37,6 +37,21 @@ private Q_SLOTS:
         QVERIFY(!environment.hasLayerShell);
     }
 
+    void theUsersChoiceOfAnotherPlatformIsKept()
+    {
+        SessionEnvironment environment{.hasX11 = true, .hasWayland = true, .chosenPlatform = {}};
+        QVERIFY(environment.mayUseWayland());
+        for (const char *wayland : {"wayland", "wayland;xcb", "wayland-egl"}) {
+            environment.chosenPlatform = wayland;
+            QVERIFY2(environment.mayUseWayland(), wayland);
+        }
+        for (const char *other : {"xcb", "offscreen", "xcb;wayland"}) {
+            environment.chosenPlatform = other;
+            QVERIFY2(!environment.mayUseWayland(), other);
+        }
+        QVERIFY(!SessionEnvironment({.hasX11 = true, .chosenPlatform = {}}).mayUseWayland());
+    }
+
     void thePlatformPluginSuitsTheSession_data()
     {
         QTest::addColumn<SessionEnvironment>("environment");

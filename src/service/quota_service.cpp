@@ -44,8 +44,8 @@ QuotaService::QuotaService(const Dependencies &dependencies, QObject *parent)
     if (m_launchAtLogin != nullptr) {
         connect(m_launchAtLogin, &LaunchAtLoginService::objectWillChange, this,
             &QuotaService::objectWillChange);
-        connect(
-            m_launchAtLogin, &LaunchAtLoginService::changed, this, &QuotaService::launchAtLoginChanged);
+        connect(m_launchAtLogin, &LaunchAtLoginService::changed, this,
+            &QuotaService::launchAtLoginChanged);
     }
     QTimer::singleShot(0, this, &QuotaService::refresh);
 }
@@ -188,21 +188,11 @@ void QuotaService::setLaunchAtLogin(bool enabled)
         m_launchAtLogin->setEnabled(enabled);
 }
 
-double QuotaService::refreshInterval() const
-{
-    return m_settings.value(settings::refreshInterval);
-}
-
 void QuotaService::setRefreshInterval(double seconds)
 {
     changeSetting(settings::refreshInterval,
         std::isfinite(seconds) ? seconds : settings::refreshInterval.defaultValue,
         &QuotaService::refreshIntervalChanged);
-}
-
-bool QuotaService::showPercentageInMenuBar() const
-{
-    return m_settings.value(settings::showPercentageInMenuBar);
 }
 
 void QuotaService::setShowPercentageInMenuBar(bool show)
@@ -211,20 +201,10 @@ void QuotaService::setShowPercentageInMenuBar(bool show)
         settings::showPercentageInMenuBar, show, &QuotaService::showPercentageInMenuBarChanged);
 }
 
-bool QuotaService::showFiveHourInMenuBar() const
-{
-    return m_settings.value(settings::showFiveHourInMenuBar);
-}
-
 void QuotaService::setShowFiveHourInMenuBar(bool show)
 {
     changeSetting(
         settings::showFiveHourInMenuBar, show, &QuotaService::showFiveHourInMenuBarChanged);
-}
-
-bool QuotaService::showWeeklyInMenuBar() const
-{
-    return m_settings.value(settings::showWeeklyInMenuBar);
 }
 
 void QuotaService::setShowWeeklyInMenuBar(bool show)
@@ -232,19 +212,9 @@ void QuotaService::setShowWeeklyInMenuBar(bool show)
     changeSetting(settings::showWeeklyInMenuBar, show, &QuotaService::showWeeklyInMenuBarChanged);
 }
 
-bool QuotaService::showIconInMenuBar() const
-{
-    return m_settings.value(settings::showIconInMenuBar);
-}
-
 void QuotaService::setShowIconInMenuBar(bool show)
 {
     changeSetting(settings::showIconInMenuBar, show, &QuotaService::showIconInMenuBarChanged);
-}
-
-bool QuotaService::useColoredStatusIndicator() const
-{
-    return m_settings.value(settings::useColoredStatusIndicator);
 }
 
 void QuotaService::setUseColoredStatusIndicator(bool use)
@@ -253,19 +223,9 @@ void QuotaService::setUseColoredStatusIndicator(bool use)
         settings::useColoredStatusIndicator, use, &QuotaService::useColoredStatusIndicatorChanged);
 }
 
-bool QuotaService::notifyOnLowQuota() const
-{
-    return m_settings.value(settings::notifyOnLowQuota);
-}
-
 void QuotaService::setNotifyOnLowQuota(bool notify)
 {
     changeSetting(settings::notifyOnLowQuota, notify, &QuotaService::notifyOnLowQuotaChanged);
-}
-
-double QuotaService::lowQuotaThreshold() const
-{
-    return m_settings.value(settings::lowQuotaThreshold);
 }
 
 void QuotaService::setLowQuotaThreshold(double percent)
@@ -275,19 +235,9 @@ void QuotaService::setLowQuotaThreshold(double percent)
         &QuotaService::lowQuotaThresholdChanged);
 }
 
-bool QuotaService::showGeminiInToolbar() const
-{
-    return m_settings.value(settings::showGeminiInToolbar);
-}
-
 void QuotaService::setShowGeminiInToolbar(bool show)
 {
     changeSetting(settings::showGeminiInToolbar, show, &QuotaService::showGeminiInToolbarChanged);
-}
-
-bool QuotaService::showArgonInToolbar() const
-{
-    return m_settings.value(settings::showArgonInToolbar);
 }
 
 void QuotaService::setShowArgonInToolbar(bool show)
@@ -295,19 +245,9 @@ void QuotaService::setShowArgonInToolbar(bool show)
     changeSetting(settings::showArgonInToolbar, show, &QuotaService::showArgonInToolbarChanged);
 }
 
-bool QuotaService::showClaudeInToolbar() const
-{
-    return m_settings.value(settings::showClaudeInToolbar);
-}
-
 void QuotaService::setShowClaudeInToolbar(bool show)
 {
     changeSetting(settings::showClaudeInToolbar, show, &QuotaService::showClaudeInToolbarChanged);
-}
-
-QString QuotaService::toolbarLabelStyle() const
-{
-    return m_settings.value(settings::toolbarLabelStyle);
 }
 
 void QuotaService::setToolbarLabelStyle(const QString &rawValue)

@@ -91,29 +91,35 @@ public:
     bool launchAtLogin() const;
     void setLaunchAtLogin(bool enabled);
 
-    double refreshInterval() const;
+    double refreshInterval() const { return m_settings.value(settings::refreshInterval); }
     void setRefreshInterval(double seconds);
-    bool showPercentageInMenuBar() const;
+    bool showPercentageInMenuBar() const
+    {
+        return m_settings.value(settings::showPercentageInMenuBar);
+    }
     void setShowPercentageInMenuBar(bool show);
-    bool showFiveHourInMenuBar() const;
+    bool showFiveHourInMenuBar() const { return m_settings.value(settings::showFiveHourInMenuBar); }
     void setShowFiveHourInMenuBar(bool show);
-    bool showWeeklyInMenuBar() const;
+    bool showWeeklyInMenuBar() const { return m_settings.value(settings::showWeeklyInMenuBar); }
     void setShowWeeklyInMenuBar(bool show);
-    bool showIconInMenuBar() const;
+    bool showIconInMenuBar() const { return m_settings.value(settings::showIconInMenuBar); }
     void setShowIconInMenuBar(bool show);
-    bool useColoredStatusIndicator() const;
+    bool useColoredStatusIndicator() const
+    {
+        return m_settings.value(settings::useColoredStatusIndicator);
+    }
     void setUseColoredStatusIndicator(bool use);
-    bool notifyOnLowQuota() const;
+    bool notifyOnLowQuota() const { return m_settings.value(settings::notifyOnLowQuota); }
     void setNotifyOnLowQuota(bool notify);
-    double lowQuotaThreshold() const;
+    double lowQuotaThreshold() const { return m_settings.value(settings::lowQuotaThreshold); }
     void setLowQuotaThreshold(double percent);
-    bool showGeminiInToolbar() const;
+    bool showGeminiInToolbar() const { return m_settings.value(settings::showGeminiInToolbar); }
     void setShowGeminiInToolbar(bool show);
-    bool showArgonInToolbar() const;
+    bool showArgonInToolbar() const { return m_settings.value(settings::showArgonInToolbar); }
     void setShowArgonInToolbar(bool show);
-    bool showClaudeInToolbar() const;
+    bool showClaudeInToolbar() const { return m_settings.value(settings::showClaudeInToolbar); }
     void setShowClaudeInToolbar(bool show);
-    QString toolbarLabelStyle() const;
+    QString toolbarLabelStyle() const { return m_settings.value(settings::toolbarLabelStyle); }
     void setToolbarLabelStyle(const QString &rawValue);
 
     /// Counts the changes of all that is stored here but the time and `isRefreshing`.

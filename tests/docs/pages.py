@@ -37,8 +37,8 @@ def broken_links():
 
 def wrong_settings():
     source = (ROOT / "src/service/settings.h").read_text(encoding="utf-8")
-    known = {key: fallback.strip('"') for key, fallback in
-             re.findall(r'\.key = "(\w+)",\s*\.fallback = ("?[\w.]+"?)', source)}
+    known = {key: default.strip('"') for key, default in
+             re.findall(r'\.key = "(\w+)",\s*\.defaultValue = ("?[\w.]+"?)', source)}
     page = (ROOT / "docs/settings.md").read_text(encoding="utf-8")
     told = {key: default for key, default in re.findall(r"^\| [^|]+ \| `(\w+)` \| ([^|]+) \|", page, flags=re.M)}
     if len(known) < 10:

@@ -186,7 +186,7 @@ private Q_SLOTS:
     {
         for (int i = 0; i < 5; ++i) {
             QTRY_VERIFY(m_fixture->fetching.isWaiting());
-            m_fixture->fetching.answer(fail(discovery::DaemonError{}));
+            m_fixture->fail();
             QTRY_VERIFY(!m_fixture->service.isRefreshing());
             m_reader->changes();
             m_fixture->service.refresh();
@@ -247,11 +247,9 @@ private Q_SLOTS:
         // Joins the refresh that the service starts with: an answer to a later call has come after.
         const auto call = m_reader->start(u"Refresh"_s);
         m_reader->properties();
-        QTRY_VERIFY(m_fixture->fetching.isWaiting());
-        m_fixture->fetching.answer(
-            fail(discovery::DaemonError{.kind = discovery::DaemonError::Kind::daemonUnreachable,
-                .message = u"The request timed out."_s,
-                .lastUpdate = {}}));
+        m_fixture->fail({.kind = discovery::DaemonError::Kind::daemonUnreachable,
+            .message = u"The request timed out."_s,
+            .lastUpdate = {}});
         QTRY_VERIFY(call.isFinished());
         QCOMPARE(call.error().name(), QString(platform::bus::refreshFailed));
         QVERIFY(call.error().message().contains(u"The request timed out."_s));
@@ -410,13 +408,11 @@ private:
     /// Answers the fetch that waits, with the Gemini quota.
     void answer(double fiveHours, double weekly, const std::optional<QString> &reset = {})
     {
-        QTRY_VERIFY(m_fixture->fetching.isWaiting());
         auto group = model::sampleGroup(u"Gemini Models"_s, fiveHours, weekly);
         group.buckets[0].resetTime = reset;
         group.buckets[1].resetTime = reset;
-        m_fixture->fetching.answer(service::FetchedQuota{.summary = {.groups = {group}},
-            .daemon = {.httpPort = 4711, .csrfToken = u"1234567890-a-secret"_s}});
-        QTRY_VERIFY(!m_fixture->service.isRefreshing());
+        m_fixture->answer(model::QuotaSummary{.groups = {group}},
+            {.httpPort = 4711, .csrfToken = u"1234567890-a-secret"_s});
     }
 
     std::optional<test::ServiceFixture> m_fixture;

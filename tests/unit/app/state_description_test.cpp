@@ -65,9 +65,7 @@ private Q_SLOTS:
         answer({.groups = {model::sampleGroup(u"Gemini Models"_s, 0.5, 0.4)}});
         const auto before = describe();
         m_fixture->service.refresh();
-        m_fixture->fetching.answer(fail(discovery::DaemonError{
-            .kind = discovery::DaemonError::Kind::noDaemonFound, .lastUpdate = {}}));
-        QTRY_VERIFY(m_fixture->service.connectionStatus().isOffline());
+        m_fixture->fail({.kind = discovery::DaemonError::Kind::noDaemonFound});
 
         const auto state = describe();
         QCOMPARE(state.connection, PublishedState::Connection::Offline);
@@ -84,8 +82,7 @@ private Q_SLOTS:
         m_fixture->service.refresh();
         QVERIFY(m_fixture->service.isRefreshing());
         QCOMPARE(describe(), before);
-        m_fixture->fetching.answer(fail(discovery::DaemonError{}));
-        QTRY_VERIFY(m_fixture->service.connectionStatus().isOffline());
+        m_fixture->fail();
         const auto offline = describe();
         m_fixture->service.refresh();
         QVERIFY(m_fixture->service.isRefreshing());

@@ -209,22 +209,18 @@ private Q_SLOTS:
 
     void aChangeRebuildsTheLabelFromTheStoredValue()
     {
-        QTRY_VERIFY(m_fixture->fetching.isWaiting());
-        m_fixture->fetching.answer(
-            service::FetchedQuota{.summary = summaryWith(0.8, 0.55), .daemon = {.httpPort = 1}});
+        m_fixture->answer(summaryWith(0.8, 0.55));
         QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 80% · W: 55%"_s);
     }
 
     void aSummaryThatChangesWhileThePopoverIsOpenUpdatesTheLabel()
     {
-        show(summaryWith(0.8, 0.55));
+        m_fixture->answer(summaryWith(0.8, 0.55));
         QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 80% · W: 55%"_s);
         Q_EMIT m_item->clicked({});
         QVERIFY(m_popover->shown);
         m_fixture->service.refresh();
-        QVERIFY(m_fixture->fetching.isWaiting());
-        m_fixture->fetching.answer(
-            service::FetchedQuota{.summary = summaryWith(0.3, 0.2), .daemon = {.httpPort = 1}});
+        m_fixture->answer(summaryWith(0.3, 0.2));
         QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 30% · W: 20%"_s);
         QCOMPARE(m_item->descriptions.last().lines.first(), u"Gemini Models, Five hours: 30.0%"_s);
         QVERIFY(m_popover->shown);
@@ -234,9 +230,7 @@ private Q_SLOTS:
     {
         auto summary = summaryWith(0.8, 0.55);
         summary.groups[0].displayName = u"Gemini 0123-secret Models"_s;
-        QTRY_VERIFY(m_fixture->fetching.isWaiting());
-        m_fixture->fetching.answer(service::FetchedQuota{
-            .summary = summary, .daemon = {.httpPort = 1, .csrfToken = u"0123-secret"_s}});
+        m_fixture->answer(summary, {.httpPort = 1, .csrfToken = u"0123-secret"_s});
         QTRY_COMPARE(m_item->descriptions.last().lines.size(), 2);
         QCOMPARE(
             m_item->descriptions.last().lines.first(), u"Gemini … Models, Five hours: 80.0%"_s);
@@ -244,9 +238,7 @@ private Q_SLOTS:
 
     void theChangesOfOneTurnRebuildOnce()
     {
-        QTRY_VERIFY(m_fixture->fetching.isWaiting());
-        m_fixture->fetching.answer(
-            service::FetchedQuota{.summary = summaryWith(0.8, 0.55), .daemon = {.httpPort = 1}});
+        m_fixture->answer(summaryWith(0.8, 0.55));
         QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 80% · W: 55%"_s);
         const auto before = m_item->labels.size();
         m_fixture->service.setShowIconInMenuBar(false);
@@ -260,7 +252,7 @@ private Q_SLOTS:
 
     void aRefreshIsDerivedDrawnAndPublishedOnce()
     {
-        show(summaryWith(0.8, 0.55));
+        m_fixture->answer(summaryWith(0.8, 0.55));
         const service::Diagnostics diagnostics(m_fixture->service, {}, {});
         FakeRemoteControl bus;
         const app::RemoteAccess access(m_fixture->service, diagnostics, bus, {});
@@ -280,8 +272,7 @@ private Q_SLOTS:
         m_fixture->clock.advance(5s);
         m_fixture->service.refresh();
         QCoreApplication::processEvents();
-        m_fixture->fetching.answer(
-            service::FetchedQuota{.summary = summaryWith(0.3, 0.2), .daemon = {.httpPort = 1}});
+        m_fixture->answer(summaryWith(0.3, 0.2));
         QTRY_COMPARE(bus.finished, QList<std::optional<QString>>{std::nullopt});
         QCOMPARE(m_item->labels.size(), 1);
         QCOMPARE(m_item->descriptions.size(), 1);
@@ -313,9 +304,7 @@ private Q_SLOTS:
 
     void aSettingRebuildsTheLabel()
     {
-        QTRY_VERIFY(m_fixture->fetching.isWaiting());
-        m_fixture->fetching.answer(
-            service::FetchedQuota{.summary = summaryWith(0.8, 0.55), .daemon = {.httpPort = 1}});
+        m_fixture->answer(summaryWith(0.8, 0.55));
         m_fixture->service.setShowWeeklyInMenuBar(false);
         QTRY_COMPARE(m_item->labels.last().plainTitle(), u" G: 80%"_s);
         m_fixture->service.setShowIconInMenuBar(false);
@@ -325,9 +314,7 @@ private Q_SLOTS:
 
     void withAllModelsSwitchedOffTheIconAloneIsLeft()
     {
-        QTRY_VERIFY(m_fixture->fetching.isWaiting());
-        m_fixture->fetching.answer(
-            service::FetchedQuota{.summary = summaryWith(0.8, 0.55), .daemon = {.httpPort = 1}});
+        m_fixture->answer(summaryWith(0.8, 0.55));
         QTRY_COMPARE(m_item->labels.last().plainTitle(), u" 5h: 80% · W: 55%"_s);
         m_fixture->service.setShowGeminiInToolbar(false);
         m_fixture->service.setShowArgonInToolbar(false);
@@ -393,9 +380,7 @@ private Q_SLOTS:
 
     void theMenusRefreshRefreshes()
     {
-        QTRY_VERIFY(m_fixture->fetching.isWaiting());
-        m_fixture->fetching.answer(tl::unexpected(discovery::DaemonError{}));
-        QTRY_VERIFY(!m_fixture->service.isRefreshing());
+        m_fixture->fail();
         Q_EMIT m_item->refreshRequested();
         QVERIFY(m_fixture->fetching.isWaiting());
     }
@@ -411,10 +396,7 @@ private Q_SLOTS:
 
     void theDescriptionHasALineForEachBucketInTheOrderOfThePopover()
     {
-        QTRY_VERIFY(m_fixture->fetching.isWaiting());
-        m_fixture->fetching.answer(
-            service::FetchedQuota{.summary = summaryWith(0.8, 0.555), .daemon = {.httpPort = 1}});
-        QTRY_VERIFY(m_fixture->service.quotaSummary().has_value());
+        m_fixture->answer(summaryWith(0.8, 0.555));
         const auto description = app::describeItem(m_fixture->service);
         QCOMPARE(description.title, u"✦ 5h: 80% · W: 56%"_s);
         QCOMPARE(description.lines,
@@ -427,7 +409,7 @@ private Q_SLOTS:
         auto summary = summaryWith(0.8, 0.55);
         summary.groups[0].buckets[0].resetTime = inSeconds(4 * 24h + 5h);
         summary.groups[0].buckets[1].resetTime = inSeconds(12min + 30s);
-        show(summary);
+        m_fixture->answer(summary);
         QTRY_COMPARE(m_item->descriptions.last().lines,
             (QStringList{u"Gemini Models, Five hours: 80.0%, resets in 12m"_s,
                 u"Gemini Models, Weekly limit: 55.0%, resets in 4d 5h"_s}));
@@ -447,24 +429,21 @@ private Q_SLOTS:
     {
         auto summary = summaryWith(0.8, 0.55);
         summary.groups[0].buckets[1].resetTime = inSeconds(0s);
-        show(summary);
+        m_fixture->answer(summary);
         QTRY_COMPARE(
             m_item->descriptions.last().lines.first(), u"Gemini Models, Five hours: 80.0%"_s);
     }
 
     void theTitleOfWhatIsOldSaysSinceWhen()
     {
-        show(summaryWith(0.8, 0.55));
+        m_fixture->answer(summaryWith(0.8, 0.55));
         const QString title = u"✦ 5h: 80% · W: 55%"_s;
         QCOMPARE(app::describeItem(m_fixture->service).title, title);
         const auto updated = m_fixture->service.lastUpdated();
         QVERIFY(updated.has_value());
         m_fixture->clock.advance(5s);
         m_fixture->service.refresh();
-        QTRY_VERIFY(m_fixture->fetching.isWaiting());
-        m_fixture->fetching.answer(tl::unexpected(
-            discovery::DaemonError{.kind = discovery::DaemonError::Kind::noDaemonFound}));
-        QTRY_VERIFY(m_fixture->service.connectionStatus().isOffline());
+        m_fixture->fail({.kind = discovery::DaemonError::Kind::noDaemonFound});
         QCOMPARE(app::describeItem(m_fixture->service).title,
             title + " (last update: "_L1 + DateStyles::user().dateAbbreviatedTimeStandard(*updated)
                 + u')');
@@ -473,17 +452,14 @@ private Q_SLOTS:
     void theDescriptionSaysWhatIsWrong()
     {
         QCOMPARE(app::describeItem(m_fixture->service).lines, (QStringList{u"Connecting..."_s}));
-        QTRY_VERIFY(m_fixture->fetching.isWaiting());
-        m_fixture->fetching.answer(tl::unexpected(
-            discovery::DaemonError{.kind = discovery::DaemonError::Kind::noDaemonFound}));
-        QTRY_VERIFY(m_fixture->service.connectionStatus().isOffline());
+        m_fixture->fail({.kind = discovery::DaemonError::Kind::noDaemonFound});
         QCOMPARE(app::describeItem(m_fixture->service).lines,
             (QStringList{m_fixture->service.connectionStatus().displayText()}));
     }
 
     void aDescriptionThatFitsIsWhole()
     {
-        show(summaryOf(platform::ItemDescription::mostLines));
+        m_fixture->answer(summaryOf(platform::ItemDescription::mostLines));
         const auto lines = app::describeItem(m_fixture->service).lines;
         QCOMPARE(lines.size(), platform::ItemDescription::mostLines);
         QCOMPARE(lines.first(), u"Gemini Models, Bucket 0: 50.0%"_s);
@@ -492,7 +468,7 @@ private Q_SLOTS:
 
     void ofTooManyBucketsTheDescriptionHasTheFirst()
     {
-        show(summaryOf(20'000));
+        m_fixture->answer(summaryOf(20'000));
         const auto lines = app::describeItem(m_fixture->service).lines;
         QCOMPARE(lines.size(), platform::ItemDescription::mostLines);
         QCOMPARE(lines.at(38), u"Gemini Models, Bucket 38: 50.0%"_s);
@@ -511,12 +487,9 @@ private Q_SLOTS:
     {
         QFETCH(const int, buckets);
         QFETCH(const QStringList, lastButOne);
-        show(summaryOf(buckets));
+        m_fixture->answer(summaryOf(buckets));
         m_fixture->service.refresh();
-        QVERIFY(m_fixture->fetching.isWaiting());
-        m_fixture->fetching.answer(tl::unexpected(
-            discovery::DaemonError{.kind = discovery::DaemonError::Kind::noDaemonFound}));
-        QTRY_VERIFY(m_fixture->service.connectionStatus().isOffline());
+        m_fixture->fail({.kind = discovery::DaemonError::Kind::noDaemonFound});
         const auto lines = app::describeItem(m_fixture->service).lines;
         QCOMPARE(lines.size(), platform::ItemDescription::mostLines);
         QCOMPARE(lines.mid(38, 1), lastButOne);
@@ -528,7 +501,7 @@ private Q_SLOTS:
         auto summary = summaryOf(1);
         summary.groups[0].displayName = u"Gemini\n"_s.repeated(100'000);
         summary.groups[0].buckets[0].displayName = u"🟢"_s.repeated(1'000'000);
-        show(summary);
+        m_fixture->answer(summary);
         const auto lines = app::describeItem(m_fixture->service).lines;
         QCOMPARE(lines.size(), 1);
         QVERIFY(lines.first().size() <= platform::ItemDescription::longestLine);
@@ -539,11 +512,8 @@ private Q_SLOTS:
 
     void aTextOfWhatIsWrongIsOneLine()
     {
-        QTRY_VERIFY(m_fixture->fetching.isWaiting());
-        m_fixture->fetching.answer(tl::unexpected(
-            discovery::DaemonError{.kind = discovery::DaemonError::Kind::daemonUnreachable,
-                .message = u"wrong\n"_s.repeated(100'000)}));
-        QTRY_VERIFY(m_fixture->service.connectionStatus().isOffline());
+        m_fixture->fail({.kind = discovery::DaemonError::Kind::daemonUnreachable,
+            .message = u"wrong\n"_s.repeated(100'000)});
         const auto lines = app::describeItem(m_fixture->service).lines;
         QCOMPARE(lines.size(), 1);
         QVERIFY(lines.first().size() <= platform::ItemDescription::longestLine);
@@ -551,10 +521,7 @@ private Q_SLOTS:
     }
 
 private:
-    /// Answers the first refresh.
-    void show(const model::QuotaSummary &summary) { m_fixture->answer(summary); }
-
-    /// As a daemon writes the moment that comes so much later.
+    /// The moment so much later, as a daemon writes it.
     QString inSeconds(std::chrono::seconds time) const
     {
         return m_fixture->clock.now().addSecs(time.count()).toUTC().toString(Qt::ISODate);

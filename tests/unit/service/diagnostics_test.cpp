@@ -143,15 +143,12 @@ private Q_SLOTS:
 
         m_fixture->service.refresh();
         QVERIFY(!report().contains(u"Last Error"_s));
-        m_fixture->fetching.answer(FetchedQuota{.summary = {}, .daemon = {.pid = 5}});
-        QTRY_VERIFY(!m_fixture->service.isRefreshing());
+        m_fixture->answer(model::QuotaSummary{}, {.pid = 5});
         QVERIFY(!report().contains(u"Last Error"_s));
 
         // The daemon that was there last is still told of.
         m_fixture->service.refresh();
-        m_fixture->fetching.answer(fail(discovery::DaemonError{
-            .kind = discovery::DaemonError::Kind::noDaemonFound, .lastUpdate = {}}));
-        QTRY_VERIFY(!m_fixture->service.isRefreshing());
+        m_fixture->fail({.kind = discovery::DaemonError::Kind::noDaemonFound});
         QVERIFY(report().contains(u"\nDaemon PID: 5\n"_s));
         QVERIFY(report().contains(u"\nLast Error: "_s));
     }

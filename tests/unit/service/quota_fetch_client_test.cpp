@@ -26,7 +26,7 @@ using test::SampleDaemonProcess;
 namespace {
 
 constexpr auto lost = "The network connection was lost."_L1;
-constexpr auto senseless = "The server's answer made no sense."_L1;
+constexpr auto malformed = "The server's answer made no sense."_L1;
 constexpr auto timedOut = "The request timed out."_L1;
 
 /// A daemon within the test, which decides itself what each whole request is answered with.
@@ -330,7 +330,7 @@ private Q_SLOTS:
         for (const char *kind : {"close-early", "close-mid-body"})
             QTest::newRow(kind) << QString::fromLatin1(kind) << QString(lost);
         for (const char *kind : {"rubbish", "huge-header", "flood-header", "flood-continue"})
-            QTest::newRow(kind) << QString::fromLatin1(kind) << QString(senseless);
+            QTest::newRow(kind) << QString::fromLatin1(kind) << QString(malformed);
         for (const char *kind : {"hang", "dribble", "dribble-header"})
             QTest::newRow(kind) << QString::fromLatin1(kind) << QString(timedOut);
     }

@@ -1,7 +1,6 @@
 #include "service/quota_exchange.h"
 #include "service/quota_request.h"
 #include "service/transport_error_text.h"
-#include "unit/service/local_daemons.h"
 
 #include <QSslConfiguration>
 #include <QTcpServer>
@@ -31,9 +30,9 @@ private Q_SLOTS:
         QTest::newRow("timed out") << TransportError::TimedOut << u"The request timed out."_s;
         QTest::newRow("unreachable")
             << TransportError::Unreachable << u"The server could not be reached."_s;
-        QTest::newRow("insecure") << TransportError::TlsFailed
-                                  << u"A secure connection to the server could not be made."_s;
-        QTest::newRow("senseless")
+        QTest::newRow("TLS failed") << TransportError::TlsFailed
+                                    << u"A secure connection to the server could not be made."_s;
+        QTest::newRow("malformed")
             << TransportError::Malformed << u"The server's answer made no sense."_s;
         QTest::newRow("any other") << TransportError::Other << u"The request failed."_s;
     }
@@ -108,44 +107,13 @@ private Q_SLOTS:
             QString(u"A secure connection to the server could not be made: " + text));
     }
 
-    // What real sockets do
-
-    void nobodyListening()
-    {
-        QCOMPARE(failureAt(plain(test::closedPort())), u"Could not connect to the server."_s);
-    }
-
-    void aServerThatNeverAnswers()
-    {
-        QTcpServer server;
-        QVERIFY(server.listen(QHostAddress::LocalHost));
-        QCOMPARE(failureAt(plain(server.serverPort()), 200ms), u"The request timed out."_s);
-    }
+    // What real sockets do with TLS. What they do without it, quota_fetch_client_test holds.
 
     void aServerThatNeverShakesHands()
     {
         QTcpServer server;
         QVERIFY(server.listen(QHostAddress::LocalHost));
         QCOMPARE(failureAt(secure(server.serverPort()), 200ms), u"The request timed out."_s);
-    }
-
-    void aServerThatClosesAtOnce()
-    {
-        QTcpServer server;
-        QVERIFY(server.listen(QHostAddress::LocalHost));
-        answerWith(server, [](QTcpSocket &socket) { socket.abort(); });
-        QCOMPARE(failureAt(plain(server.serverPort())), u"The network connection was lost."_s);
-    }
-
-    void aServerThatClosesWithinItsAnswer()
-    {
-        QTcpServer server;
-        QVERIFY(server.listen(QHostAddress::LocalHost));
-        answerWith(server, [](QTcpSocket &socket) {
-            socket.write("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{");
-            socket.disconnectFromHost();
-        });
-        QCOMPARE(failureAt(plain(server.serverPort())), u"The network connection was lost."_s);
     }
 
     void aPlainServerWhereASecureOneIsExpected()
@@ -159,37 +127,12 @@ private Q_SLOTS:
             u"A secure connection to the server could not be made."_s);
     }
 
-    void aServerThatSpeaksAnotherProtocol()
-    {
-        QTcpServer server;
-        QVERIFY(server.listen(QHostAddress::LocalHost));
-        answerWith(server, [](QTcpSocket &socket) { socket.write("220 mail.example ESMTP\r\n"); });
-        QCOMPARE(failureAt(plain(server.serverPort())), u"The server's answer made no sense."_s);
-    }
-
-    void aServerWithAHeadBeyondAllMeasure()
-    {
-        QTcpServer server;
-        QVERIFY(server.listen(QHostAddress::LocalHost));
-        answerWith(server, [](QTcpSocket &socket) {
-            socket.write("HTTP/1.1 200 OK\r\nX-Filler: " + QByteArray(70000, 'x'));
-        });
-        QCOMPARE(failureAt(plain(server.serverPort())), u"The server's answer made no sense."_s);
-    }
-
 private:
-    static QuotaRequest plain(quint16 port)
+    static QuotaRequest secure(quint16 port)
     {
         return {.port = port,
             .bytes = "POST / HTTP/1.1\r\nContent-Length: 2\r\n\r\n{}",
-            .security = {}};
-    }
-
-    static QuotaRequest secure(quint16 port)
-    {
-        auto request = plain(port);
-        request.security = QSslConfiguration::defaultConfiguration();
-        return request;
+            .security = QSslConfiguration::defaultConfiguration()};
     }
 
     void answerWith(QTcpServer &server, const std::function<void(QTcpSocket &)> &answer)

@@ -1,8 +1,7 @@
-#include "platform/linux/appearance/system_colors.h"
-#include "platform/qt_color.h"
 #include "platform/wording.h"
 #include "qml/popover_fixture.h"
 #include "qml/samples.h"
+#include "views/models/theme.h"
 
 #include <QQuickItem>
 #include <QTest>
@@ -12,11 +11,6 @@ using namespace brimwatch;
 using test::PopoverFixture;
 
 namespace {
-
-QColor systemColor(model::ColorToken token)
-{
-    return platform::toColor(platform::systemColor(token, platform::Background::Light));
-}
 
 model::QuotaSummary oneGroup(const QList<model::QuotaBucket> &buckets)
 {
@@ -29,13 +23,13 @@ class CardsAndRowsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theFractionDecidesTextColourAndBar_data();
-    void theFractionDecidesTextColourAndBar();
+    void theFractionDecidesTextColorAndBar_data();
+    void theFractionDecidesTextColorAndBar();
     void theBadgeCountsBuckets_data();
     void theBadgeCountsBuckets();
     void aGroupWithoutBucketsHasNoRowsAndNoGapForThem();
     void anEmptyDescriptionLeavesNoGap();
-    void aDescriptionStandsBetweenHeaderAndRows();
+    void aDescriptionIsBetweenHeaderAndRows();
     void aWindowIsShownInUpperCase();
     void anEmptyWindowIsShownAsOne();
     void aBucketWithoutWindowShowsOnlyItsName();
@@ -49,7 +43,7 @@ private Q_SLOTS:
     void cardsAndRowsHaveTheirPaddings();
 };
 
-void CardsAndRowsTest::theFractionDecidesTextColourAndBar_data()
+void CardsAndRowsTest::theFractionDecidesTextColorAndBar_data()
 {
     using model::ColorToken;
     QTest::addColumn<double>("fraction");
@@ -66,7 +60,7 @@ void CardsAndRowsTest::theFractionDecidesTextColourAndBar_data()
     QTest::newRow("more than full") << 1.3 << u"100.0%"_s << ColorToken::SystemGreen << 1.0;
 }
 
-void CardsAndRowsTest::theFractionDecidesTextColourAndBar()
+void CardsAndRowsTest::theFractionDecidesTextColorAndBar()
 {
     QFETCH(double, fraction);
     QFETCH(QString, text);
@@ -77,16 +71,15 @@ void CardsAndRowsTest::theFractionDecidesTextColourAndBar()
     fixture.answer(oneGroup({test::sampleBucket(u"a"_s, u"A"_s, u"5h"_s, fraction, 60)}));
     fixture.awaitCards(1);
     QCOMPARE(fixture.text(u"percentageText"_s), text);
-    QCOMPARE(
-        fixture.item(u"percentageText"_s)->property("color").value<QColor>(), systemColor(color));
-    QCOMPARE(fixture.item(u"pillDot"_s)->property("color").value<QColor>(), systemColor(color));
-    QCOMPARE(fixture.item(u"pillBackground"_s)->property("color").value<QColor>(), systemColor(color));
+    const QColor expected = views::Theme(fixture.appearance, fixture.symbols).color(color);
+    for (const QString &name :
+        {u"percentageText"_s, u"pillDot"_s, u"pillBackground"_s, u"barFill"_s})
+        QCOMPARE(fixture.item(name)->property("color").value<QColor>(), expected);
     const QQuickItem *track = fixture.item(u"barTrack"_s);
     const QQuickItem *fill = fixture.item(u"barFill"_s);
     QCOMPARE(track->height(), 6.0);
     QCOMPARE(fill->height(), 6.0);
     QVERIFY(qFuzzyCompare(1 + fill->width(), 1 + track->width() * part));
-    QCOMPARE(fill->property("color").value<QColor>(), systemColor(color));
 }
 
 void CardsAndRowsTest::theBadgeCountsBuckets_data()
@@ -140,15 +133,15 @@ void CardsAndRowsTest::anEmptyDescriptionLeavesNoGap()
     QVERIFY(heightWith(u"text"_s) > without + 10);
 }
 
-void CardsAndRowsTest::aDescriptionStandsBetweenHeaderAndRows()
+void CardsAndRowsTest::aDescriptionIsBetweenHeaderAndRows()
 {
     PopoverFixture fixture;
     fixture.show();
     fixture.answer(test::sampleSummary());
     fixture.awaitCards(3);
-    const double description = fixture.item(u"groupDescription"_s)->mapToScene({}).y();
-    QVERIFY(fixture.item(u"groupName"_s)->mapToScene({}).y() < description);
-    QVERIFY(description < fixture.item(u"bucketRow"_s)->mapToScene({}).y());
+    const double description = fixture.item(u"groupDescription"_s)->mapToScene(QPointF()).y();
+    QVERIFY(fixture.item(u"groupName"_s)->mapToScene(QPointF()).y() < description);
+    QVERIFY(description < fixture.item(u"bucketRow"_s)->mapToScene(QPointF()).y());
 }
 
 void CardsAndRowsTest::aWindowIsShownInUpperCase()
@@ -280,7 +273,7 @@ void CardsAndRowsTest::cardsAndRowsHaveTheirPaddings()
     fixture.awaitCards(3);
     const QQuickItem *card = fixture.item(u"groupCard"_s);
     const QQuickItem *row = fixture.item(u"bucketRow"_s);
-    QCOMPARE(card->mapToScene({}).x(), 12.0);
+    QCOMPARE(card->mapToScene(QPointF()).x(), 12.0);
     QCOMPARE(card->width(), 380.0 - 24);
     QCOMPARE(row->mapToItem(card, QPointF()).x(), 12.0);
     QCOMPARE(row->width(), card->width() - 24);

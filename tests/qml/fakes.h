@@ -28,7 +28,7 @@ public:
     void setText(const QString &text) override { texts.append(text); }
 };
 
-/// A desktop that is as the test says.
+/// A desktop with the settings of the test.
 class FakeAppearance final : public platform::Appearance {
     Q_OBJECT
 

@@ -67,7 +67,7 @@ class MenuBarLabelViewTest : public QObject {
 
 private Q_SLOTS:
     void withoutDataItIsTheIconAlone();
-    void itemsStandWithDotsBetweenThem();
+    void itemsHaveDotsBetweenThem();
     void theIconCanBeSwitchedOffBesideText();
     void itFollowsTheSettings();
     void theIconHasTheTint();
@@ -81,7 +81,7 @@ void MenuBarLabelViewTest::withoutDataItIsTheIconAlone()
     QCOMPARE(label.texts(), QStringList());
 }
 
-void MenuBarLabelViewTest::itemsStandWithDotsBetweenThem()
+void MenuBarLabelViewTest::itemsHaveDotsBetweenThem()
 {
     PopoverFixture fixture;
     const Label label(fixture);

@@ -34,8 +34,6 @@ PopoverFixture::PopoverFixture()
 {
 }
 
-PopoverFixture::~PopoverFixture() = default;
-
 void PopoverFixture::load()
 {
     if (content)
@@ -50,7 +48,7 @@ void PopoverFixture::load()
         .terminate = [this] { ++terminated; },
         .close = [this] { ++closed; }}));
     if (!content)
-        qFatal("the views cannot be made");
+        qFatal("the views cannot be created");
 }
 
 void PopoverFixture::show()
@@ -97,7 +95,7 @@ void PopoverFixture::fail(const QString &message)
 void PopoverFixture::awaitRefresh()
 {
     if (!QTest::qWaitFor([this] { return service.isRefreshing() && fetching.isWaiting(); }))
-        qFatal("nobody asks for quota");
+        qFatal("no refresh was requested");
 }
 
 void PopoverFixture::awaitEndOfRefresh()
@@ -110,7 +108,7 @@ void PopoverFixture::awaitEndOfRefresh()
 
 void PopoverFixture::layOut() const
 {
-    // A picture needs all items in their places.
+    // Taking a picture lays out all items.
     static_cast<void>(window().grabWindow());
 }
 
@@ -146,7 +144,7 @@ QList<QQuickItem *> PopoverFixture::items(const QString &name) const
     for (QQuickItem *root : roots)
         collect(root, name, found);
     std::stable_sort(found.begin(), found.end(), [](const QQuickItem *a, const QQuickItem *b) {
-        return a->mapToScene({}).y() < b->mapToScene({}).y();
+        return a->mapToScene(QPointF()).y() < b->mapToScene(QPointF()).y();
     });
     return found;
 }
@@ -160,7 +158,7 @@ QString PopoverFixture::text(const QString &name) const
 QPoint PopoverFixture::middle(const QString &name) const
 {
     const QQuickItem *found = item(name);
-    return found != nullptr ? found->mapToScene(QRectF({}, found->size()).center()).toPoint()
+    return found != nullptr ? found->mapToScene(QRectF(QPointF(), found->size()).center()).toPoint()
                             : QPoint();
 }
 

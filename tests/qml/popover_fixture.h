@@ -18,30 +18,25 @@ namespace brimwatch::test {
 class PopoverFixture : public ServiceFixture {
 public:
     PopoverFixture();
-    ~PopoverFixture();
-    PopoverFixture(const PopoverFixture &) = delete;
-    PopoverFixture &operator=(const PopoverFixture &) = delete;
-    PopoverFixture(PopoverFixture &&) = delete;
-    PopoverFixture &operator=(PopoverFixture &&) = delete;
 
-    /// Makes the content. What the desktop looks like from the start is set before.
+    /// Creates the content. `appearance` is set before.
     void load();
-    /// Loads if need be, shows the window and waits for its first frame.
+    /// Loads it if needed, shows the window and waits until it is active.
     void show();
     void hide() const;
-    /// Turns to the settings and waits until they have slid in.
+    /// Shows the settings and waits until they have slid in.
     void showSettings();
-    /// Lets the refresh run that is asked for, answers it, and lays out what that shows.
+    /// Answers the refresh that was requested, and lays out what is shown then.
     void answer(const model::QuotaSummary &summary);
     void fail(const QString &message);
-    /// Waits until a refresh is under way.
+    /// Waits until a refresh is running.
     void awaitRefresh();
-    /// Waits until so many cards are there, and lays them out.
+    /// Waits until there are that many cards, and lays them out.
     void awaitCards(qsizetype count);
 
     QQuickWindow &window() const;
     views::PopoverModel &model() const;
-    /// The first item of that object name that can be seen; null without one.
+    /// The first visible item of that object name; null without one.
     QQuickItem *item(const QString &name) const;
     /// All of them, from top to bottom.
     QList<QQuickItem *> items(const QString &name) const;

@@ -18,20 +18,20 @@ using test::PopoverFixture;
 
 namespace {
 
-/// What a screen reader is told of an item.
-struct Spoken {
+/// What Qt reports of an item to screen readers.
+struct Accessible {
     QAccessible::Role role = QAccessible::NoRole;
     QString name;
 };
 
-Spoken spoken(QQuickItem *item)
+Accessible accessible(QQuickItem *item)
 {
     const QAccessibleInterface *interface = item != nullptr
         ? QAccessible::queryAccessibleInterface(item)
         : nullptr;
     return interface != nullptr
-        ? Spoken{.role = interface->role(), .name = interface->text(QAccessible::Name)}
-        : Spoken{};
+        ? Accessible{.role = interface->role(), .name = interface->text(QAccessible::Name)}
+        : Accessible{};
 }
 
 double rotationOf(const PopoverFixture &fixture)
@@ -49,11 +49,11 @@ double right(const QQuickItem *item)
     return item->mapToScene(QPointF(item->width(), 0)).x();
 }
 
-/// How a popover that is seen through looks before something white.
+/// A translucent popover on a white background.
 QImage onWhite(PopoverFixture &fixture)
 {
     if (fixture.window().color().alpha() != 0)
-        qFatal("the window is not seen through");
+        qFatal("the window is not translucent");
     fixture.window().setColor(Qt::white);
     fixture.show();
     return fixture.window().grabWindow();
@@ -67,8 +67,8 @@ class QuotaPopoverTest : public QObject {
 private Q_SLOTS:
     void theWindowIs380By490();
     void largerTextMakesTheWholePopoverLarger();
-    void wherePopoversAreSeenThroughTheyHaveRoundCornersAndAShadow();
-    void onDarkGroundTheShadowIsDarker();
+    void aTranslucentPopoverHasRoundCornersAndAShadow();
+    void onADarkBackgroundTheShadowIsDarker();
     void aPressOnTheShadowCloses();
     void withoutATranslucentWindowItIsSquareAgain();
     void beforeTheFirstAnswerTheLoadingStateShows();
@@ -87,10 +87,10 @@ private Q_SLOTS:
     void theRefreshButtonRefreshesAndIsDisabledMeanwhile();
     void controlRTwiceIsOneRefreshAndOneSpin();
     void aRefreshByTheTimerSpins();
-    void aSpinGoesOnWhileTheRefreshRunsAndEndsOnAWholeTurn();
+    void aSpinLastsAsLongAsTheRefreshAndEndsOnAWholeTurn();
     void withoutMotionASpinIsInstantAndItsGuardKeepsItsTime();
     void aRefreshThatRunsWhenThePopoverOpensSpins();
-    void aHiddenPopoverStandsStill();
+    void aHiddenPopoverDoesNotMove();
     void whatHappenedWhileHiddenIsThereWhenShown();
     void countdownsRunWithTheClock();
     void theUpdateTextCountsFromTheLastUpdate();
@@ -118,7 +118,7 @@ private Q_SLOTS:
     void namesWithMarkupAreShownAsTyped();
     void namesOf300CharactersStayInsideTheirCards();
     void rightToLeftAndEmojiNamesAreShownAsTheyAre();
-    void coloursFollowTheDesktopLive();
+    void colorsFollowTheDesktop();
     void whatHappensAfterThePopoverIsGoneIsHarmless();
 };
 
@@ -141,7 +141,7 @@ void QuotaPopoverTest::largerTextMakesTheWholePopoverLarger()
     QTRY_COMPARE(fixture.window().size(), QSize(380, 490));
 }
 
-void QuotaPopoverTest::wherePopoversAreSeenThroughTheyHaveRoundCornersAndAShadow()
+void QuotaPopoverTest::aTranslucentPopoverHasRoundCornersAndAShadow()
 {
     PopoverFixture fixture;
     fixture.load();
@@ -156,7 +156,7 @@ void QuotaPopoverTest::wherePopoversAreSeenThroughTheyHaveRoundCornersAndAShadow
     const QRect frame = QRect(QPoint(), picture.size()) - shadow;
     const auto shade = [&picture](QPoint point) { return 255 - qGray(picture.pixel(point)); };
 
-    // The corners are cut off: there is some shadow, and neither line nor ground.
+    // The corners are cut off: there is some shadow, and neither outline nor background.
     const int besideTheFrame = shade({frame.center().x(), frame.bottom() + 1});
     QVERIFY(besideTheFrame >= 30);
     for (const QPoint &corner :
@@ -179,7 +179,7 @@ void QuotaPopoverTest::wherePopoversAreSeenThroughTheyHaveRoundCornersAndAShadow
         QVERIFY2(shade(rim) <= 2, "the shadow is cut off");
 }
 
-void QuotaPopoverTest::onDarkGroundTheShadowIsDarker()
+void QuotaPopoverTest::onADarkBackgroundTheShadowIsDarker()
 {
     const auto shade = [](PopoverFixture &fixture) {
         fixture.load();
@@ -231,7 +231,8 @@ void QuotaPopoverTest::beforeTheFirstAnswerTheLoadingStateShows()
     fixture.show();
     fixture.awaitRefresh();
     QVERIFY(fixture.item(u"loadingState"_s));
-    QCOMPARE(spoken(fixture.item(u"loadingState"_s)).name, u"Fetching quota from Antigravity..."_s);
+    QCOMPARE(
+        accessible(fixture.item(u"loadingState"_s)).name, u"Fetching quota from Antigravity..."_s);
     QCOMPARE(fixture.text(u"statusText"_s), u"Connecting..."_s);
     QCOMPARE(fixture.text(u"updatedText"_s), u"Waiting for update"_s);
 }
@@ -321,8 +322,8 @@ void QuotaPopoverTest::anErrorShowsBesideTheLastGoodData()
     QVERIFY(error);
     QVERIFY(error->property("text").toString().contains(u"The request timed out."_s));
     const QQuickItem *lastCard = fixture.items(u"groupCard"_s).constLast();
-    QVERIFY(
-        error->mapToScene({}).y() >= lastCard->mapToScene(QPointF(0, lastCard->height())).y() + 4);
+    QVERIFY(error->mapToScene(QPointF()).y()
+        >= lastCard->mapToScene(QPointF(0, lastCard->height())).y() + 4);
 }
 
 void QuotaPopoverTest::theErrorGoesWithTheNextRefresh()
@@ -368,7 +369,7 @@ void QuotaPopoverTest::aLongErrorTakesTwoLinesAndATooltipSaysAllOfIt()
     QCOMPARE(fixture.item(u"statusText"_s)->property("lineCount").toInt(), 2);
     QVERIFY(fixture.item(u"statusText"_s)->height() > oneLine);
     QVERIFY(right(fixture.item(u"statusText"_s))
-        < fixture.item(u"refreshButton"_s)->mapToScene({}).x());
+        < fixture.item(u"refreshButton"_s)->mapToScene(QPointF()).x());
 
     QTest::mouseMove(&fixture.window(), fixture.middle(u"statusText"_s));
     QTRY_VERIFY(fixture.item(u"toolTip"_s));
@@ -438,7 +439,7 @@ void QuotaPopoverTest::aRefreshByTheTimerSpins()
     QTRY_COMPARE(rotationOf(fixture), 360.0);
 }
 
-void QuotaPopoverTest::aSpinGoesOnWhileTheRefreshRunsAndEndsOnAWholeTurn()
+void QuotaPopoverTest::aSpinLastsAsLongAsTheRefreshAndEndsOnAWholeTurn()
 {
     PopoverFixture fixture;
     fixture.answer(test::sampleSummary());
@@ -465,7 +466,7 @@ void QuotaPopoverTest::withoutMotionASpinIsInstantAndItsGuardKeepsItsTime()
     QCOMPARE(rotationOf(fixture), before + 360);
     QVERIFY(fixture.model().spin()->isSpinning());
     fixture.awaitRefresh();
-    // In its place the icon pales.
+    // The icon is pale instead.
     QTRY_COMPARE(fixture.item(u"refreshIcon"_s)->opacity(), 0.45);
     fixture.answer(test::sampleSummary());
     QTRY_VERIFY(!fixture.model().spin()->isSpinning());
@@ -482,7 +483,7 @@ void QuotaPopoverTest::aRefreshThatRunsWhenThePopoverOpensSpins()
     QTRY_COMPARE(rotationOf(fixture), 360.0);
 }
 
-void QuotaPopoverTest::aHiddenPopoverStandsStill()
+void QuotaPopoverTest::aHiddenPopoverDoesNotMove()
 {
     PopoverFixture fixture;
     fixture.answer(test::sampleSummary());
@@ -794,19 +795,19 @@ void QuotaPopoverTest::everyControlCardAndRowHasRoleAndName()
         {u"openButton"_s, u"Open Antigravity"_s}, {u"quitButton"_s, u"Quit"_s},
         {u"retryButton"_s, u"Retry Connection"_s}};
     for (auto button = buttons.cbegin(); button != buttons.cend(); ++button) {
-        const Spoken said = spoken(fixture.item(button.key()));
-        QCOMPARE(said.role, QAccessible::Button);
-        QCOMPARE(said.name, button.value());
+        const Accessible found = accessible(fixture.item(button.key()));
+        QCOMPARE(found.role, QAccessible::Button);
+        QCOMPARE(found.name, button.value());
     }
 
     fixture.service.refresh();
     fixture.answer(test::sampleSummary());
     QTRY_VERIFY(fixture.item(u"groupList"_s));
-    QCOMPARE(spoken(fixture.item(u"groupList"_s)).role, QAccessible::List);
-    const Spoken card = spoken(fixture.item(u"groupCard"_s));
+    QCOMPARE(accessible(fixture.item(u"groupList"_s)).role, QAccessible::List);
+    const Accessible card = accessible(fixture.item(u"groupCard"_s));
     QCOMPARE(card.role, QAccessible::List);
     QCOMPARE(card.name, u"Gemini Models, 2 buckets"_s);
-    const Spoken row = spoken(fixture.item(u"bucketRow"_s));
+    const Accessible row = accessible(fixture.item(u"bucketRow"_s));
     QCOMPARE(row.role, QAccessible::ListItem);
     QCOMPARE(row.name, u"Gemini Models, Five-hour limit, 80.4 percent left, resets in 2h 3m"_s);
 }
@@ -818,14 +819,14 @@ void QuotaPopoverTest::accessibleNamesOfRowsChangeOnceAMinute()
     fixture.answer({.groups = {{.displayName = u"Gemini"_s,
                         .buckets = {test::sampleBucket(u"a"_s, u"A"_s, u"5h"_s, 0.5, 125)}}}});
     QTRY_VERIFY(fixture.item(u"bucketRow"_s));
-    QCOMPARE(
-        spoken(fixture.item(u"bucketRow"_s)).name, u"Gemini, A, 50.0 percent left, resets in 2m"_s);
+    QCOMPARE(accessible(fixture.item(u"bucketRow"_s)).name,
+        u"Gemini, A, 50.0 percent left, resets in 2m"_s);
     fixture.clock.advance(std::chrono::seconds(5));
-    QCOMPARE(
-        spoken(fixture.item(u"bucketRow"_s)).name, u"Gemini, A, 50.0 percent left, resets in 2m"_s);
+    QCOMPARE(accessible(fixture.item(u"bucketRow"_s)).name,
+        u"Gemini, A, 50.0 percent left, resets in 2m"_s);
     fixture.clock.advance(std::chrono::seconds(1));
-    QCOMPARE(
-        spoken(fixture.item(u"bucketRow"_s)).name, u"Gemini, A, 50.0 percent left, resets in 1m"_s);
+    QCOMPARE(accessible(fixture.item(u"bucketRow"_s)).name,
+        u"Gemini, A, 50.0 percent left, resets in 1m"_s);
 }
 
 void QuotaPopoverTest::namesWithMarkupAreShownAsTyped()
@@ -841,7 +842,7 @@ void QuotaPopoverTest::namesWithMarkupAreShownAsTyped()
         QCOMPARE(
             fixture.item(name)->property("textFormat").toInt(), static_cast<int>(Qt::PlainText));
     }
-    // A line break in a name is a blank.
+    // A line break in a name becomes a blank.
     QVERIFY(fixture.text(u"groupDescription"_s).endsWith(u"</a> second line"_s));
 }
 
@@ -857,13 +858,13 @@ void QuotaPopoverTest::namesOf300CharactersStayInsideTheirCards()
     for (qsizetype i = 0; i < names.size(); ++i) {
         QVERIFY(isTruncated(names.at(i)));
         QCOMPARE(names.at(i)->property("lineCount").toInt(), 1);
-        QVERIFY(right(names.at(i)) < counts.at(i)->mapToScene({}).x());
+        QVERIFY(right(names.at(i)) < counts.at(i)->mapToScene(QPointF()).x());
         QVERIFY(right(counts.at(i)) < 380 - 24);
     }
     const auto buckets = fixture.items(u"bucketName"_s) + fixture.items(u"bucketWindow"_s);
     for (const QQuickItem *bucket : buckets) {
         QVERIFY(isTruncated(bucket));
-        QVERIFY(right(bucket) < fixture.item(u"percentagePill"_s)->mapToScene({}).x());
+        QVERIFY(right(bucket) < fixture.item(u"percentagePill"_s)->mapToScene(QPointF()).x());
     }
 }
 
@@ -882,7 +883,7 @@ void QuotaPopoverTest::rightToLeftAndEmojiNamesAreShownAsTheyAre()
         QVERIFY(shown.contains(group.displayName));
 }
 
-void QuotaPopoverTest::coloursFollowTheDesktopLive()
+void QuotaPopoverTest::colorsFollowTheDesktop()
 {
     PopoverFixture fixture;
     fixture.show();

@@ -75,7 +75,7 @@ private Q_SLOTS:
         m_fixture->showSettings();
         click(*m_fixture, u"backButton"_s);
         QTRY_VERIFY(m_fixture->item(u"backButton"_s) == nullptr);
-        QCOMPARE(m_fixture->item(u"groupList"_s)->mapToScene({}).x(), 0.0);
+        QCOMPARE(m_fixture->item(u"groupList"_s)->mapToScene(QPointF()).x(), 0.0);
     }
 
     void theFacesSlideOverEachOther()
@@ -119,7 +119,7 @@ private Q_SLOTS:
     void theOtherShortcutsWorkOnTheSettingsToo()
     {
         m_fixture->showSettings();
-        // While its icon turns a refresh is deaf.
+        // A refresh is refused while the icon turns.
         QTRY_VERIFY(!m_fixture->model().spin()->isSpinning());
         QTest::keyClick(&m_fixture->window(), Qt::Key_R, Qt::ControlModifier);
         m_fixture->awaitRefresh();
@@ -324,8 +324,9 @@ private Q_SLOTS:
                 - option->mapToScene(QPointF(0, 0)).x(),
             1.5 * option->width());
         const QQuickItem *box = m_fixture->item(u"labelStyleBox"_s);
-        QCOMPARE_LE(option->mapToScene({}).x() - box->mapToScene({}).x(), 8.0);
-        QCOMPARE_GE(option->mapToScene({}).y(), box->mapToScene(QPointF(0, box->height())).y());
+        QCOMPARE_LE(option->mapToScene(QPointF()).x() - box->mapToScene(QPointF()).x(), 8.0);
+        QCOMPARE_GE(
+            option->mapToScene(QPointF()).y(), box->mapToScene(QPointF(0, box->height())).y());
         click(*m_fixture, u"labelStyleBox"_s);
     }
 
@@ -433,7 +434,7 @@ private Q_SLOTS:
         QCOMPARE(m_fixture->service.lowQuotaThreshold(), threshold);
     }
 
-    void theDiagnosticsShowTheDaemonWithItsTokenCut()
+    void theDiagnosticsShowTheDaemonWithItsTokenTruncated()
     {
         m_fixture->showSettings();
         reveal(*m_fixture, u"copyDiagnostics"_s);

@@ -18,13 +18,13 @@ private Q_SLOTS:
     void timeAgoInWords_data();
     void timeAgoInWords();
     void aFractionOfASecondIsDropped();
-    void secondsAreNotSpoken();
+    void accessibleTextsHaveNoSeconds();
     void aSpinIsOneTurnWhenNothingRuns();
-    void aSpinTurnsAgainWhileItShall();
+    void aSpinTurnsAgainWhileItShouldContinue();
     void onlyTheFirstTurnEases();
     void aSpinThatRunsIsNotStartedAgain();
     void allDigitsAreEquallyWide();
-    void shownTextsAreOneLineAndNotEndless();
+    void shownTextsAreOneLineOfLimitedLength();
 };
 
 void ViewsPartsTest::timeAgoInWords_data()
@@ -60,7 +60,7 @@ void ViewsPartsTest::aFractionOfASecondIsDropped()
     QCOMPARE(views::timeAgo(now.addMSecs(-59999), now), u"59s ago"_s);
 }
 
-void ViewsPartsTest::secondsAreNotSpoken()
+void ViewsPartsTest::accessibleTextsHaveNoSeconds()
 {
     const QDateTime now(QDate(2026, 11, 16), QTime(12, 0), QTimeZone::utc());
     QCOMPARE(views::accessibleTimeAgo(now.addSecs(100), now), u"just now"_s);
@@ -82,7 +82,7 @@ void ViewsPartsTest::aSpinIsOneTurnWhenNothingRuns()
     QCOMPARE(spin.rotationDegrees(), 360.0);
 }
 
-void ViewsPartsTest::aSpinTurnsAgainWhileItShall()
+void ViewsPartsTest::aSpinTurnsAgainWhileItShouldContinue()
 {
     int left = 2;
     views::RefreshSpin spin([&left] { return left-- > 0; });
@@ -125,7 +125,7 @@ void ViewsPartsTest::allDigitsAreEquallyWide()
     }
 }
 
-void ViewsPartsTest::shownTextsAreOneLineAndNotEndless()
+void ViewsPartsTest::shownTextsAreOneLineOfLimitedLength()
 {
     QCOMPARE(views::shownText(u"a\nb\u2028c\td"_s), u"a b c d"_s);
     QCOMPARE(views::shownText(u"x"_s.repeated(100000)).size(), 1000);

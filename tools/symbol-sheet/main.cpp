@@ -1,6 +1,6 @@
-/// Draws every symbol in every size, weight and appearance into one picture, for the eye that
-/// judges a changed drawing: `brimwatch-symbol-sheet OUT.png [ZOOM]`. With a zoom each pixel
-/// becomes a block of ZOOM by ZOOM, unsmoothed.
+/// Draws every symbol in every size, weight and appearance into one picture, to review a changed
+/// drawing: `brimwatch-symbol-sheet OUT.png [ZOOM]`. With a zoom each pixel becomes an unsmoothed
+/// block of ZOOM by ZOOM.
 
 #include "platform/linux/symbols/svg_symbols.h"
 
@@ -30,7 +30,7 @@ struct Appearance {
 };
 
 /// One symbol in one weight: its sizes from small to large at 1x, then at 2x, each behind a
-/// capital and a small letter of the text it has to stand beside.
+/// capital and a small letter of the text beside it.
 void drawCell(QPainter &painter, const SvgSymbols &symbols, const QString &name, size_t weight,
     const Appearance &appearance)
 {

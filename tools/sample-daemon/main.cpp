@@ -40,13 +40,11 @@ int serve(QCoreApplication &application, const Options &options)
 
     SampleDaemon daemon(options);
     const UnixSignals signalsOfTheSystem{SIGTERM, SIGINT, SIGUSR1};
-    const auto giveUp = [](const QString &reason) { QCoreApplication::exit(complain(reason)); };
-    QObject::connect(&daemon, &SampleDaemon::failed, &application, giveUp);
     QObject::connect(&signalsOfTheSystem, &UnixSignals::received, &application, [&](int number) {
         if (number != SIGUSR1)
             QCoreApplication::quit();
         else if (const auto moved = daemon.move(); !moved)
-            giveUp(moved.error());
+            QCoreApplication::exit(complain(moved.error()));
     });
     if (options.endWithStdin)
         endWithStandardInput(application);

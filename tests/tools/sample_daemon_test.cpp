@@ -242,7 +242,7 @@ void SampleDaemonTest::announcesItselfInTheHomeFolder()
     const auto path
         = u"%1/.gemini/antigravity/daemon/ls_%2.json"_s.arg(QDir::homePath()).arg(daemon.pid());
     QCOMPARE(daemon.filePath(), path);
-    // What Qt adds about whoever is asking.
+    // Qt adds the rights of the user who asks.
     const QFile::Permissions usersOwn = QFile::ReadUser | QFile::WriteUser | QFile::ExeUser;
     QCOMPARE(QFileInfo(path).permissions() & ~usersOwn, QFile::ReadOwner | QFile::WriteOwner);
     QCOMPARE(QDir(QFileInfo(path).path()).entryList(QDir::Files),
@@ -390,11 +390,11 @@ void SampleDaemonTest::tellsTheChosenScenario()
     QVERIFY2(daemon.start({u"--speed"_s, u"0"_s, u"--scenario"_s,
                  QString::fromLatin1(QTest::currentDataTag())}),
         qPrintable(daemon.errorText()));
-    const auto told = ask(daemon).json()["response"_L1]["groups"_L1].toArray();
-    QCOMPARE(told.size(), groups);
-    QCOMPARE(told[0]["buckets"_L1][0]["remainingFraction"_L1].toDouble(-1), firstFraction);
+    const auto received = ask(daemon).json()["response"_L1]["groups"_L1].toArray();
+    QCOMPARE(received.size(), groups);
+    QCOMPARE(received[0]["buckets"_L1][0]["remainingFraction"_L1].toDouble(-1), firstFraction);
     QString names;
-    for (const auto group : told)
+    for (const auto group : received)
         names += group["displayName"_L1].toString();
     QVERIFY(names.contains(partOfAName));
 }

@@ -23,7 +23,7 @@ struct Request {
     QByteArray path() const { return target.split('?').constFirst(); }
 };
 
-/// What the daemon says to a request, over whichever port it came, and what it remembers of it.
+/// What the daemon answers to requests, and what it remembers of them.
 class Answers final : public QObject {
 public:
     explicit Answers(const Options &options, QObject *parent = nullptr);
@@ -31,7 +31,7 @@ public:
     /// The token that callers must bring from now on.
     void setToken(const QByteArray &token) { m_token = token; }
 
-    /// Somebody connected. A connection that turns out to ask for statistics is taken back.
+    /// Counts a connection. One that turns out to ask for statistics is subtracted again.
     void countConnection() { ++m_connections; }
 
     /// Answers every request that comes over that connection, or misbehaves as told.

@@ -35,7 +35,7 @@ void endWithStandardInput(QCoreApplication &application)
 
 int serve(QCoreApplication &application, const Options &options)
 {
-    // A reader of our output that went away must not take the discovery file's removal with it.
+    // Otherwise SIGPIPE would end the daemon before it removes its discovery file.
     std::signal(SIGPIPE, SIG_IGN);
 
     SampleDaemon daemon(options);

@@ -74,7 +74,7 @@ struct CommandLine {
     QCommandLineOption shape{u"shape"_s,
         u"Answer with the quota in an \"envelope\" (the default) or \"bare\"."_s, u"SHAPE"_s};
     QCommandLineOption scenario{u"scenario"_s,
-        u"What there is to tell: normal (the default), empty (no group), many (50 groups), "
+        u"The quota to report: normal (the default), empty (no group), many (50 groups), "
         u"long-names (of 300\n"
         "characters), odd-names (other scripts, emoji, markup), low (the five-hour Gemini quota at 8 %)."_s,
         u"NAME"_s};

@@ -20,7 +20,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// Counts who connects before anything is said, so that a failed TLS handshake counts too.
+/// Counts connections before the TLS handshake, so that one whose handshake fails counts too.
 template <typename Server> class Counting final : public Server {
 public:
     explicit Counting(Answers &answers)

@@ -7,7 +7,7 @@
 
 namespace brimwatch::cli {
 
-/// Loads the library that fetches, and fetches once. The error says why it cannot be loaded.
+/// Loads the fetch library and fetches once. The error says why it cannot be loaded.
 Result<FetchOutcome, QString> fetchOnce();
 
 } // namespace brimwatch::cli

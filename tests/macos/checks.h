@@ -1,6 +1,6 @@
 #pragma once
 
-// Tests of the .mm files: no toolkit, because what they test has none.
+// Tests of the .mm files: no Qt, because those use none.
 
 #include <cmath>
 #include <cstdio>

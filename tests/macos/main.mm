@@ -1,5 +1,5 @@
-// Runs the sentences of all files on the fakes, each in a fresh world, and looks afterwards whether
-// anything is left of what it made.
+// Runs the sentences of all files on the fakes, each in a fresh world, and checks afterwards that
+// nothing of what it made is left.
 #include "checks.h"
 #include "fakes/fake_appkit.h"
 #include "runtime/mini_objc.h"
@@ -60,8 +60,8 @@ static void run(const Sentence &sentence)
 int main()
 {
     using namespace brimwatch::test;
-    // The second run of a sentence makes nothing once and for all any more: what is alive after it
-    // and was not before is a leak.
+    // The second run of a sentence makes no more static objects: what is alive after it and was not
+    // before is a leak.
     for (const auto &sentence : sentences()) {
         run(sentence);
         fake::reset();

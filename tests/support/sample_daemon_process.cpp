@@ -127,11 +127,6 @@ bool SampleDaemonProcess::move()
     return pid() > 0 && ::kill(pid_t(pid()), SIGUSR1) == 0 && waitForReadyLine();
 }
 
-bool SampleDaemonProcess::waitForMove()
-{
-    return waitForReadyLine();
-}
-
 bool SampleDaemonProcess::terminate()
 {
     if (m_process.state() == QProcess::NotRunning)
@@ -182,7 +177,7 @@ void SampleDaemonProcess::readLines()
 void SampleDaemonProcess::readReadyLine(const QString &line)
 {
     static const QRegularExpression form(
-        u"^ready(?: http=(?<http>\\d+))?(?: https=(?<https>\\d+))? file=(?<file>.*) pid=-?\\d+$"_s);
+        u"^ready(?: http=(?<http>\\d+)| https=(?<https>\\d+)) file=(?<file>.*) pid=\\d+$"_s);
     const auto match = form.match(line);
     m_httpPort = match.captured(u"http"_s).toUShort();
     m_httpsPort = match.captured(u"https"_s).toUShort();

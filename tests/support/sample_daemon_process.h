@@ -52,7 +52,7 @@ public:
     /// What the daemon wrote on its standard error, or why there is nothing.
     QString errorText() const { return m_errorText; }
 
-    /// The ports that it listens on now; 0 where it does not.
+    /// The port that it listens on now, http or https; 0 for the other.
     quint16 httpPort() const { return m_httpPort; }
     quint16 httpsPort() const { return m_httpsPort; }
 
@@ -72,11 +72,8 @@ public:
     /// Tells it to move to another port and file, and waits until it has.
     bool move();
 
-    /// Waits until it has moved of its own accord.
-    bool waitForMove();
-
-    /// Ends it as a user does, and waits for the end: its file goes, unless it was told to leave
-    /// it. False when it was not running, or did not end with status 0.
+    /// Ends it as a user does, and waits for the end: its file goes. False when it was
+    /// not running, or did not end with status 0.
     bool terminate();
 
     /// Ends it as a crash does: its file stays.

@@ -78,7 +78,7 @@ QByteArray icns(QSvgRenderer &drawing)
     return icon;
 }
 
-/// A picture's side in pixels; absent when the text is none.
+/// A picture's side in pixels; absent when the text is not one.
 std::optional<int> sideOf(const char *text)
 {
     constexpr int largest = 4096;

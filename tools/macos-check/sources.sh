@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # The whole program for the Mac, as its own CMake files have it there; sourced by check.sh.
 #
-# CMake is told that it stands on a Mac, and takes our branches for one. What it would compile is compiled, with moc and
+# CMake is made to believe that it runs on a Mac, and takes our branches for one. What it would compile is compiled, with moc and
 # the QML tools before it; what it would link is linked here, because the libraries on this machine are Linux's: against
 # their names alone.
 

@@ -13,17 +13,14 @@ namespace brimwatch::sample {
 using namespace Qt::Literals::StringLiterals;
 
 Result<Announcement, QString> Announcement::write(
-    const QString &path, const AnnouncedDaemon &daemon, AtEnd atEnd)
+    const QString &path, const AnnouncedDaemon &daemon)
 {
-    QJsonObject content{
+    const QJsonObject content{
         {u"pid"_s, daemon.pid},
+        {daemon.portKey, daemon.port},
         {u"lsVersion"_s, daemon.version},
         {u"csrfToken"_s, daemon.token},
     };
-    if (daemon.httpPort)
-        content.insert(u"httpPort"_s, *daemon.httpPort);
-    if (daemon.httpsPort)
-        content.insert(u"httpsPort"_s, *daemon.httpsPort);
 
     const auto directory = QFileInfo(path).absolutePath();
     if (!QDir().mkpath(directory))
@@ -35,12 +32,11 @@ Result<Announcement, QString> Announcement::write(
         && file.write(QJsonDocument(content).toJson()) > 0 && file.commit();
     if (!written)
         return fail(u"cannot write %1: %2"_s.arg(path, file.errorString()));
-    return Announcement(path, atEnd);
+    return Announcement(path);
 }
 
-Announcement::Announcement(QString path, AtEnd atEnd)
+Announcement::Announcement(QString path)
     : m_path(std::move(path))
-    , m_atEnd(atEnd)
 {
 }
 
@@ -51,7 +47,6 @@ Announcement::~Announcement()
 
 Announcement::Announcement(Announcement &&other) noexcept
     : m_path(std::exchange(other.m_path, {}))
-    , m_atEnd(other.m_atEnd)
 {
 }
 
@@ -60,14 +55,13 @@ Announcement &Announcement::operator=(Announcement &&other) noexcept
     if (this != &other) {
         end();
         m_path = std::exchange(other.m_path, {});
-        m_atEnd = other.m_atEnd;
     }
     return *this;
 }
 
 void Announcement::end()
 {
-    if (!m_path.isEmpty() && m_atEnd == AtEnd::Remove)
+    if (!m_path.isEmpty())
         QFile::remove(m_path);
 }
 

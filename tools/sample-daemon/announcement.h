@@ -4,28 +4,23 @@
 
 #include <QString>
 
-#include <optional>
-
 namespace brimwatch::sample {
 
-/// What a discovery file says. Absent is left out of it.
+/// What a discovery file says.
 struct AnnouncedDaemon {
     qint64 pid = 0;
-    std::optional<quint16> httpPort;
-    std::optional<quint16> httpsPort;
+    QString portKey; ///< "httpPort" or "httpsPort".
+    quint16 port = 0;
     QString version;
     QString token;
 };
 
-/// A discovery file that stands for as long as this object does, readable by its owner alone.
+/// A discovery file that exists as long as this object does, readable by its owner alone.
 class Announcement {
 public:
-    enum class AtEnd { Remove, Leave };
-
     /// Writes the file, and the folders above it that are missing. The error says what could not be
     /// written and why.
-    static Result<Announcement, QString> write(
-        const QString &path, const AnnouncedDaemon &daemon, AtEnd atEnd);
+    static Result<Announcement, QString> write(const QString &path, const AnnouncedDaemon &daemon);
 
     ~Announcement();
     Announcement(Announcement &&other) noexcept;
@@ -36,11 +31,10 @@ public:
     const QString &path() const { return m_path; }
 
 private:
-    Announcement(QString path, AtEnd atEnd);
+    explicit Announcement(QString path);
     void end();
 
     QString m_path; ///< Empty once moved from.
-    AtEnd m_atEnd;
 };
 
 } // namespace brimwatch::sample

@@ -4,10 +4,8 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QMetaEnum>
 #include <QSslSocket>
 #include <QTcpSocket>
-#include <QUrl>
 
 #include <algorithm>
 #include <chrono>
@@ -18,36 +16,50 @@ namespace brimwatch::sample {
 
 using namespace Qt::Literals::StringLiterals;
 
-using Status = QHttpServerResponder::StatusCode;
-
 namespace {
 
-constexpr auto quotaPath
-    = "/exa.language_server_pb.LanguageServerService/RetrieveUserQuotaSummary"_L1;
-constexpr auto statisticsPath = "/__stats"_L1;
+constexpr auto quotaPath = "/exa.language_server_pb.LanguageServerService/RetrieveUserQuotaSummary";
+constexpr auto statisticsPath = "/__stats";
 constexpr auto chunked = "Transfer-Encoding: chunked\r\n\r\n";
 constexpr auto jsonType = "application/json";
+constexpr auto ok = "200 OK";
+constexpr auto unauthorized = "401 Unauthorized";
+constexpr auto internalServerError = "500 Internal Server Error";
 
 // Far beyond what any caller should swallow.
 constexpr qint64 hugeBody = 64LL * 1024 * 1024;
 constexpr qint64 hugeHeader = 8LL * 1024 * 1024;
 
-QString methodName(QHttpServerRequest::Method method)
+/// Takes the next request from the socket, once all of it has come.
+std::optional<Request> takeRequest(QTcpSocket &socket)
 {
-    return QString::fromLatin1(
-        QMetaEnum::fromType<QHttpServerRequest::Method>().valueToKey(int(method)))
-        .toUpper();
-}
-
-QString pathOf(const QHttpServerRequest &request)
-{
-    return request.url().toString(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::FullyEncoded);
+    const QByteArray received = socket.peek(socket.bytesAvailable());
+    const auto headSize = received.indexOf("\r\n\r\n");
+    if (headSize < 0)
+        return std::nullopt;
+    const auto lines = received.first(headSize).split('\n');
+    const auto words = lines.constFirst().split(' ');
+    Request request{.method = words.value(0), .target = words.value(1)};
+    qsizetype bodySize = 0;
+    for (const auto &line : lines.sliced(1)) {
+        const auto name = line.left(line.indexOf(':'));
+        const auto value = line.mid(name.size() + 1).trimmed();
+        request.headers.append({name, value});
+        if (name.compare("Content-Length", Qt::CaseInsensitive) == 0)
+            bodySize = value.toLongLong();
+    }
+    const auto size = headSize + 4 + bodySize;
+    if (received.size() < size)
+        return std::nullopt;
+    request.body = received.mid(headSize + 4, bodySize);
+    socket.skip(size);
+    return request;
 }
 
 /// Whether the header is there exactly once, with exactly this value. Header names know no case.
-bool carries(const QHttpServerRequest &request, const char *name, const QByteArray &value)
+bool carries(const Request &request, const char *name, const QByteArray &value)
 {
-    const auto headers = request.headers();
+    const auto &headers = request.headers;
     const auto named = [name](const auto &header) {
         return header.first.compare(name, Qt::CaseInsensitive) == 0;
     };
@@ -56,9 +68,9 @@ bool carries(const QHttpServerRequest &request, const char *name, const QByteArr
         && std::count_if(headers.cbegin(), headers.cend(), named) == 1;
 }
 
-QByteArray statusLine(const char *status)
+QByteArray statusLine(const QByteArray &status)
 {
-    return QByteArray("HTTP/1.1 ") + status + "\r\nContent-Type: application/json\r\n";
+    return "HTTP/1.1 " + status + "\r\nContent-Type: application/json\r\n";
 }
 
 QByteArray contentLength(qint64 length)
@@ -75,57 +87,57 @@ Answers::Answers(const Options &options, QObject *parent)
 {
 }
 
-void Answers::answer(const QHttpServerRequest &request, QHttpServerResponder &&responder)
+void Answers::serve(QTcpSocket *socket)
 {
-    auto ours = std::move(responder);
-    if (request.method() == QHttpServerRequest::Method::Get
-        && request.url().path() == statisticsPath) {
-        sendStatistics(ours);
+    connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    const auto answerAll = [this, socket] {
+        while (const auto request = takeRequest(*socket))
+            answer(*request, socket);
+    };
+    connect(socket, &QTcpSocket::readyRead, this, answerAll);
+    answerAll(); // What came during the TLS handshake.
+}
+
+void Answers::answer(const Request &request, QTcpSocket *socket)
+{
+    if (request.method == "GET" && request.path() == statisticsPath) {
+        sendStatistics(socket);
         return;
     }
 
     remember(request);
     const auto reply = replyTo(request);
-    if (m_options.misbehaviour && shouldMisbehave())
-        misbehave(*m_options.misbehaviour, reply, ours);
+    if (m_options.misbehaviour)
+        misbehave(*m_options.misbehaviour, reply, socket);
     else
-        send(ours, reply);
+        send(socket, reply);
 }
 
-void Answers::remember(const QHttpServerRequest &request)
+void Answers::remember(const Request &request)
 {
     ++m_requests;
-    const auto method = methodName(request.method());
-    const auto path = pathOf(request);
-    QJsonObject headers;
-    QJsonArray headerList;
-    const auto received = request.headers();
-    for (const auto &[name, value] : received) {
-        const auto key = QString::fromLatin1(name);
-        headers.insert(key, QString::fromLatin1(value));
-        headerList.append(QJsonArray{key, QString::fromLatin1(value)});
-    }
+    QJsonArray headers;
+    for (const auto &[name, value] : request.headers)
+        headers.append(QJsonArray{QString::fromLatin1(name), QString::fromLatin1(value)});
     m_last = {
-        {u"method"_s, method},
-        {u"path"_s, path},
-        {u"headers"_s, headers},
-        {u"headerList"_s, headerList},
-        {u"body"_s, QString::fromUtf8(request.body())},
+        {u"method"_s, QString::fromLatin1(request.method)},
+        {u"path"_s, QString::fromLatin1(request.target)},
+        {u"headerList"_s, headers},
+        {u"body"_s, QString::fromUtf8(request.body)},
     };
     if (m_options.log) {
         const std::chrono::duration<double, std::milli> time
             = std::chrono::steady_clock::now().time_since_epoch();
-        std::cout << "request " << m_requests << ' ' << method.toStdString() << ' '
-                  << path.toStdString() << " at " << std::fixed << std::setprecision(3)
+        std::cout << "request " << m_requests << ' ' << request.method.toStdString() << ' '
+                  << request.target.toStdString() << " at " << std::fixed << std::setprecision(3)
                   << time.count() << '\n'
                   << std::flush;
     }
 }
 
-void Answers::sendStatistics(QHttpServerResponder &responder)
+void Answers::sendStatistics(QTcpSocket *socket)
 {
     constexpr auto notCounted = "brimwatchNotCounted";
-    auto *socket = responder.socket();
     if (!socket->property(notCounted).toBool()) {
         socket->setProperty(notCounted, true);
         --m_connections;
@@ -138,11 +150,11 @@ void Answers::sendStatistics(QHttpServerResponder &responder)
     };
     if (!m_last.isEmpty())
         statistics.insert(u"last"_s, m_last);
-    send(responder,
-        {.status = Status::Ok, .body = QJsonDocument(statistics).toJson(QJsonDocument::Compact)});
+    send(socket, {.status = ok, .body = QJsonDocument(statistics).toJson(QJsonDocument::Compact)});
 }
 
-Answers::Reply Answers::errorReply(Status status, const char *code, const QString &message)
+Answers::Reply Answers::errorReply(
+    const QByteArray &status, const char *code, const QString &message)
 {
     const QJsonObject error{
         {u"code"_s, QString::fromLatin1(code)},
@@ -151,29 +163,29 @@ Answers::Reply Answers::errorReply(Status status, const char *code, const QStrin
     return {.status = status, .body = QJsonDocument(error).toJson(QJsonDocument::Compact)};
 }
 
-void Answers::send(QHttpServerResponder &responder, const Reply &reply)
+void Answers::send(QTcpSocket *socket, const Reply &reply)
 {
-    responder.write(reply.body, QByteArray(jsonType), reply.status);
+    socket->write(statusLine(reply.status) + contentLength(reply.body.size()) + reply.body);
 }
 
-Answers::Reply Answers::replyTo(const QHttpServerRequest &request) const
+Answers::Reply Answers::replyTo(const Request &request) const
 {
-    if (request.url().path() != quotaPath)
-        return errorReply(Status::NotFound, "unimplemented", u"there is no such procedure"_s);
-    if (request.method() != QHttpServerRequest::Method::Post)
+    if (request.path() != quotaPath)
+        return errorReply("404 Not Found", "unimplemented", u"there is no such procedure"_s);
+    if (request.method != "POST")
         return errorReply(
-            Status::MethodNotAllowed, "unimplemented", u"the procedure is called with POST"_s);
+            "405 Method Not Allowed", "unimplemented", u"the procedure is called with POST"_s);
     if (!carries(request, "Content-Type", jsonType))
-        return errorReply(Status::UnsupportedMediaType, "invalid_argument",
+        return errorReply("415 Unsupported Media Type", "invalid_argument",
             u"Content-Type must be application/json"_s);
     if (!carries(request, "Connect-Protocol-Version", "1"))
         return errorReply(
-            Status::BadRequest, "invalid_argument", u"Connect-Protocol-Version must be 1"_s);
+            "400 Bad Request", "invalid_argument", u"Connect-Protocol-Version must be 1"_s);
     if (!carries(request, "x-codeium-csrf-token", m_token))
-        return errorReply(Status::Unauthorized, "unauthenticated", u"invalid CSRF token"_s);
-    if (request.body() != "{}")
+        return errorReply(unauthorized, "unauthenticated", u"invalid CSRF token"_s);
+    if (request.body != "{}")
         return errorReply(
-            Status::BadRequest, "invalid_argument", u"the message must be an empty object"_s);
+            "400 Bad Request", "invalid_argument", u"the message must be an empty object"_s);
     return quotaReply();
 }
 
@@ -182,13 +194,13 @@ Answers::Reply Answers::quotaReply() const
     if (m_options.summaryFile) {
         QFile file(*m_options.summaryFile);
         if (!file.open(QIODevice::ReadOnly))
-            return errorReply(Status::InternalServerError, "internal", file.errorString());
-        return {.status = Status::Ok, .body = file.readAll()};
+            return errorReply(internalServerError, "internal", file.errorString());
+        return {.status = ok, .body = file.readAll()};
     }
     auto content = m_quota.summaryAt(QDateTime::currentDateTimeUtc());
     if (m_options.shape == Shape::Envelope)
         content = {{u"response"_s, content}};
-    return {.status = Status::Ok, .body = QJsonDocument(content).toJson(QJsonDocument::Compact)};
+    return {.status = ok, .body = QJsonDocument(content).toJson(QJsonDocument::Compact)};
 }
 
 void Answers::countFlood(QTcpSocket *socket)
@@ -202,43 +214,31 @@ void Answers::countFlood(QTcpSocket *socket)
         connect(socket, &QTcpSocket::bytesWritten, this, count);
 }
 
-bool Answers::shouldMisbehave() const
+void Answers::misbehave(Misbehaviour kind, const Reply &properReply, QTcpSocket *socket)
 {
-    // A move comes after the last of the counted requests, every other misbehaviour with each of
-    // them.
-    if (m_options.misbehaviour == Misbehaviour::Move)
-        return m_requests == m_options.misbehaviourCount.value_or(1);
-    return !m_options.misbehaviourCount || m_requests <= *m_options.misbehaviourCount;
-}
-
-void Answers::misbehave(
-    Misbehaviour kind, const Reply &properReply, QHttpServerResponder &responder)
-{
-    auto *socket = responder.socket();
     const auto &body = properReply.body;
     switch (kind) {
     case Misbehaviour::RefuseToken:
-        send(responder,
-            errorReply(Status::Unauthorized, "unauthenticated", u"invalid CSRF token"_s));
+        send(socket, errorReply(unauthorized, "unauthenticated", u"invalid CSRF token"_s));
         break;
     case Misbehaviour::Status500:
-        send(responder,
-            errorReply(Status::InternalServerError, "internal", u"something went wrong"_s));
+        send(socket, errorReply(internalServerError, "internal", u"something went wrong"_s));
         break;
     case Misbehaviour::Status500Hang:
-        dribble(socket, statusLine("500 Internal Server Error") + "\r\n", body, ' ',
-            m_options.dribbleInterval);
+        dribble(
+            socket, statusLine(internalServerError) + "\r\n", body, ' ', m_options.dribbleInterval);
         break;
     case Misbehaviour::Status204:
-        responder.write(Status::NoContent);
+        socket->write("HTTP/1.1 204 No Content\r\n\r\n");
         break;
     case Misbehaviour::Redirect:
-        responder.write({{"Location", m_options.redirectTo.toEncoded()}}, Status::Found);
+        socket->write("HTTP/1.1 302 Found\r\nLocation: " + m_options.redirectTo.toEncoded() + "\r\n"
+            + contentLength(0));
         break;
     case Misbehaviour::Hang:
         break;
     case Misbehaviour::Dribble:
-        dribble(socket, statusLine("200 OK") + "\r\n", body, ' ', m_options.dribbleInterval);
+        dribble(socket, statusLine(ok) + "\r\n", body, ' ', m_options.dribbleInterval);
         break;
     case Misbehaviour::DribbleHeader:
         dribble(socket, "HTTP/1.1 200 OK\r\n", "X-Slow: ", 'x', m_options.dribbleInterval);
@@ -247,33 +247,32 @@ void Answers::misbehave(
         sendAndClose(socket, {});
         break;
     case Misbehaviour::CloseMidBody:
-        sendAndClose(socket,
-            statusLine("200 OK") + contentLength(body.size()) + body.first(body.size() / 2));
+        sendAndClose(
+            socket, statusLine(ok) + contentLength(body.size()) + body.first(body.size() / 2));
         break;
     case Misbehaviour::Rubbish:
         sendAndClose(socket, "\x16\x03\0 SSH-2.0-teapot\r\n220 mail\r\n\r\n\xff\xfe"_ba);
         break;
     case Misbehaviour::RubbishBody:
-        send(responder,
-            {.status = Status::Ok, .body = "<!doctype html><title>It works!</title>{\"groups\":"});
+        send(socket, {.status = ok, .body = "<!doctype html><title>It works!</title>{\"groups\":"});
         break;
     case Misbehaviour::EmptyBody:
-        send(responder, {.status = Status::Ok, .body = {}});
+        send(socket, {.status = ok, .body = {}});
         break;
     case Misbehaviour::ConnectErrorBody:
-        send(responder, errorReply(Status::Ok, "unavailable", u"quota is not known yet"_s));
+        send(socket, errorReply(ok, "unavailable", u"quota is not known yet"_s));
         break;
     case Misbehaviour::Huge:
-        stream(socket, statusLine("200 OK") + contentLength(hugeBody) + body, ' ',
-            hugeBody - body.size(), {});
+        stream(socket, statusLine(ok) + contentLength(hugeBody) + body, ' ', hugeBody - body.size(),
+            {});
         break;
     case Misbehaviour::HugeHeader:
-        stream(socket, statusLine("200 OK") + "X-Filler: ", 'x', hugeHeader,
+        stream(socket, statusLine(ok) + "X-Filler: ", 'x', hugeHeader,
             "\r\n" + contentLength(body.size()) + body);
         break;
     case Misbehaviour::FloodHeader:
         countFlood(socket);
-        flood(socket, statusLine("200 OK"), "X-Filler: 0123456789abcdef\r\n");
+        flood(socket, statusLine(ok), "X-Filler: 0123456789abcdef\r\n");
         break;
     case Misbehaviour::FloodContinue:
         countFlood(socket);
@@ -281,23 +280,18 @@ void Answers::misbehave(
         break;
     case Misbehaviour::FloodChunks:
         countFlood(socket);
-        flood(socket, statusLine("200 OK") + chunked,
-            "10000\r\n" + QByteArray(0x10000, ' ') + "\r\n");
+        flood(socket, statusLine(ok) + chunked, "10000\r\n" + QByteArray(0x10000, ' ') + "\r\n");
         break;
     case Misbehaviour::FloodTinyChunks:
         countFlood(socket);
-        flood(socket, statusLine("200 OK") + chunked, "1\r\n \r\n");
+        flood(socket, statusLine(ok) + chunked, "1\r\n \r\n");
         break;
     case Misbehaviour::Gzip: {
         const auto packed = gzipped(body);
-        socket->write(statusLine("200 OK") + "Content-Encoding: gzip\r\n"
-            + contentLength(packed.size()) + packed);
+        socket->write(
+            statusLine(ok) + "Content-Encoding: gzip\r\n" + contentLength(packed.size()) + packed);
         break;
     }
-    case Misbehaviour::Move:
-        send(responder, properReply);
-        Q_EMIT moveDue();
-        break;
     }
 }
 

@@ -4,50 +4,52 @@
 #include "sample_quota.h"
 
 #include <QByteArray>
-#include <QHttpServerRequest>
-#include <QHttpServerResponder>
 #include <QJsonObject>
 #include <QList>
 #include <QObject>
+#include <QPair>
 
-#include <optional>
+class QTcpSocket;
 
 namespace brimwatch::sample {
 
-/// What the daemon says to a request, over whichever port it came, and what it remembers of it.
-class Answers final : public QObject {
-    Q_OBJECT
+/// A request as it came over the wire.
+struct Request {
+    QByteArray method;
+    QByteArray target; ///< The path, with its query.
+    QList<QPair<QByteArray, QByteArray>> headers = {}; ///< In the order and spelling of the caller.
+    QByteArray body = {};
 
+    QByteArray path() const { return target.split('?').constFirst(); }
+};
+
+/// What the daemon answers to requests, and what it remembers of them.
+class Answers final : public QObject {
 public:
     explicit Answers(const Options &options, QObject *parent = nullptr);
 
     /// The token that callers must bring from now on.
     void setToken(const QByteArray &token) { m_token = token; }
 
-    /// Somebody connected. A connection that turns out to ask for statistics is taken back.
+    /// Counts a connection. One that turns out to ask for statistics is subtracted again.
     void countConnection() { ++m_connections; }
 
-    /// Answers, or misbehaves as told.
-    void answer(const QHttpServerRequest &request, QHttpServerResponder &&responder);
-
-Q_SIGNALS:
-    /// The answer before which the daemon was told to move is on its way.
-    void moveDue();
+    /// Answers every request that comes over that connection, or misbehaves as told.
+    void serve(QTcpSocket *socket);
 
 private:
     struct Reply {
-        QHttpServerResponder::StatusCode status;
+        QByteArray status; ///< As in the status line: "200 OK".
         QByteArray body;
     };
 
-    static Reply errorReply(
-        QHttpServerResponder::StatusCode status, const char *code, const QString &message);
-    static void send(QHttpServerResponder &responder, const Reply &reply);
-    void sendStatistics(QHttpServerResponder &responder);
-    void remember(const QHttpServerRequest &request);
-    bool shouldMisbehave() const;
-    void misbehave(Misbehaviour kind, const Reply &properReply, QHttpServerResponder &responder);
-    Reply replyTo(const QHttpServerRequest &request) const;
+    static Reply errorReply(const QByteArray &status, const char *code, const QString &message);
+    static void send(QTcpSocket *socket, const Reply &reply);
+    void answer(const Request &request, QTcpSocket *socket);
+    void sendStatistics(QTcpSocket *socket);
+    void remember(const Request &request);
+    void misbehave(Misbehaviour kind, const Reply &properReply, QTcpSocket *socket);
+    Reply replyTo(const Request &request) const;
     Reply quotaReply() const;
     void countFlood(QTcpSocket *socket);
 
@@ -56,7 +58,7 @@ private:
     QByteArray m_token;
     qint64 m_requests = 0;
     qint64 m_connections = 0;
-    qint64 m_floods = 0; ///< That still go on.
+    qint64 m_floods = 0; ///< Those that have not ended.
     qint64 m_flooded = 0; ///< Bytes that the system took from us in floods.
     QJsonObject m_last; ///< The last request, empty before the first.
 };

@@ -35,18 +35,16 @@ void endWithStandardInput(QCoreApplication &application)
 
 int serve(QCoreApplication &application, const Options &options)
 {
-    // A reader of our output that went away must not take the discovery file's removal with it.
+    // Otherwise SIGPIPE would end the daemon before it removes its discovery file.
     std::signal(SIGPIPE, SIG_IGN);
 
     SampleDaemon daemon(options);
     const UnixSignals signalsOfTheSystem{SIGTERM, SIGINT, SIGUSR1};
-    const auto giveUp = [](const QString &reason) { QCoreApplication::exit(complain(reason)); };
-    QObject::connect(&daemon, &SampleDaemon::failed, &application, giveUp);
     QObject::connect(&signalsOfTheSystem, &UnixSignals::received, &application, [&](int number) {
         if (number != SIGUSR1)
             QCoreApplication::quit();
         else if (const auto moved = daemon.move(); !moved)
-            giveUp(moved.error());
+            QCoreApplication::exit(complain(moved.error()));
     });
     if (options.endWithStdin)
         endWithStandardInput(application);

@@ -4,7 +4,7 @@
 #include <QTcpSocket>
 #include <QTimer>
 
-#define ZLIB_CONST // Else the library takes what it only reads as if it wrote there.
+#define ZLIB_CONST // Else zlib declares its input as if it wrote there.
 #include <zlib.h>
 
 #include <algorithm>
@@ -79,9 +79,6 @@ const QList<MisbehaviourName> &misbehaviourNames()
         {.name = u"gzip"_s,
             .what = u"answer properly, in a gzip encoding that nobody asked for"_s,
             .misbehaviour = Misbehaviour::Gzip},
-        {.name = u"move"_s,
-            .what = u"answer properly, then stop and come back on another port with another file"_s,
-            .misbehaviour = Misbehaviour::Move},
     };
     return names;
 }
@@ -157,8 +154,7 @@ void sendAndClose(QTcpSocket *socket, const QByteArray &bytes)
 {
     if (!bytes.isEmpty())
         socket->write(bytes);
-    // Not at once: the server that is handing us the request still needs the socket.
-    QTimer::singleShot(0, socket, [socket] { socket->disconnectFromHost(); });
+    socket->disconnectFromHost();
 }
 
 QByteArray gzipped(const QByteArray &bytes)

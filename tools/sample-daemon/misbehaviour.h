@@ -35,7 +35,6 @@ enum class Misbehaviour {
     FloodChunks,
     FloodTinyChunks,
     Gzip,
-    Move,
 };
 
 struct MisbehaviourName {
@@ -48,8 +47,7 @@ struct MisbehaviourName {
 const QList<MisbehaviourName> &misbehaviourNames();
 std::optional<Misbehaviour> misbehaviourNamed(const QString &name);
 
-// What an HTTP library rightly refuses to send is written to the socket itself. Everything below
-// ends with the socket.
+// Everything below ends with the socket.
 
 /// Sends `atOnce`, then `slowly` and then blanks, one byte per interval, until the other side
 /// closes.

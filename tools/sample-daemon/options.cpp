@@ -3,8 +3,6 @@
 #include <QCommandLineParser>
 #include <QDir>
 
-#include <limits>
-
 namespace brimwatch::sample {
 
 using namespace Qt::Literals::StringLiterals;
@@ -34,17 +32,17 @@ struct CommandLine {
             "out and for\n"
             "tests, which can also tell it to misbehave.\n"
             "\n"
-            "When it listens and its file stands, it prints\n"
-            "  ready http=PORT https=PORT file=PATH pid=PID\n"
-            "with what there is of both ports, and prints that again after it has moved to another "
-            "port and file,\n"
-            "which SIGUSR1 makes it do at any time. SIGTERM and SIGINT end it and remove its "
-            "file.\n"
+            "When it listens and has written its file, it prints\n"
+            "  ready http=PORT file=PATH pid=PID\n"
+            "or https=PORT, and prints that again after it has moved to another port and file, "
+            "which "
+            "SIGUSR1\n"
+            "makes it do. SIGTERM and SIGINT end it and remove its file.\n"
             "\n"
             "GET /__stats answers what came over the wire so far:\n"
             "  {\"requests\": N, \"connections\": N, \"floods\": N, \"flooded\": N, \"last\": "
-            "{\"method\", \"path\", \"headers\", \"headerList\", \"body\"}}\n"
-            "with how many floods still go on, and how many bytes went into floods altogether.\n"
+            "{\"method\", \"path\", \"headerList\", \"body\"}}\n"
+            "with how many floods have not ended, and how many bytes went into floods altogether.\n"
             "Requests for /__stats, and connections that only carried such, are not counted.\n"
             "\n"
             "Exit status: 0 after a signal, 1 when it cannot listen or write its file, 2 for a "
@@ -54,9 +52,8 @@ struct CommandLine {
             + misbehaviourHelp());
         parser.addOption(help);
         for (const auto *option :
-            {&directory, &fileName, &pid, &token, &httpsOnly, &both, &httpPort, &httpsPort,
-                &certificate, &key, &shape, &scenario, &summary, &speed, &misbehave,
-                &misbehaveCount, &redirectTo, &dribbleInterval, &leave, &log, &endWithStdin})
+            {&directory, &fileName, &token, &httpsOnly, &certificate, &key, &shape, &scenario,
+                &summary, &speed, &misbehave, &redirectTo, &dribbleInterval, &log, &endWithStdin})
             parser.addOption(*option);
     }
 
@@ -67,15 +64,9 @@ struct CommandLine {
         u"DIR"_s};
     QCommandLineOption fileName{
         u"file-name"_s, u"Name the discovery file NAME instead of ls_PID.json."_s, u"NAME"_s};
-    QCommandLineOption pid{u"pid"_s, u"Announce N instead of the daemon's own pid."_s, u"N"_s};
     QCommandLineOption token{
         u"token"_s, u"Announce and ask for TOKEN instead of a random token."_s, u"TOKEN"_s};
     QCommandLineOption httpsOnly{u"https-only"_s, u"Serve https and not http."_s};
-    QCommandLineOption both{u"both"_s, u"Serve http and https."_s};
-    QCommandLineOption httpPort{
-        u"http-port"_s, u"Listen for http on PORT instead of any free one."_s, u"PORT"_s};
-    QCommandLineOption httpsPort{
-        u"https-port"_s, u"Listen for https on PORT instead of any free one."_s, u"PORT"_s};
     QCommandLineOption certificate{u"certificate"_s,
         u"The certificate for https, and its chain, as PEM. make-certificates.sh makes some."_s,
         u"FILE"_s};
@@ -83,7 +74,7 @@ struct CommandLine {
     QCommandLineOption shape{u"shape"_s,
         u"Answer with the quota in an \"envelope\" (the default) or \"bare\"."_s, u"SHAPE"_s};
     QCommandLineOption scenario{u"scenario"_s,
-        u"What there is to tell: normal (the default), empty (no group), many (50 groups), "
+        u"The quota to report: normal (the default), empty (no group), many (50 groups), "
         u"long-names (of 300\n"
         "characters), odd-names (other scripts, emoji, markup), low (the five-hour Gemini quota at 8 %)."_s,
         u"NAME"_s};
@@ -97,17 +88,10 @@ struct CommandLine {
         u"X"_s};
     QCommandLineOption misbehave{
         u"misbehave"_s, u"Fail on purpose, in one of the ways listed above."_s, u"KIND"_s};
-    QCommandLineOption misbehaveCount{u"misbehave-count"_s,
-        u"Misbehave for the first N requests only, then behave. With \"move\": move after N "
-        u"requests instead of\n"
-        "after the first."_s,
-        u"N"_s};
     QCommandLineOption redirectTo{
         u"redirect-to"_s, u"Where \"redirect\" sends its callers."_s, u"URL"_s};
     QCommandLineOption dribbleInterval{u"dribble-interval"_s,
         u"Milliseconds between two bytes of what dribbles (default 1000)."_s, u"MS"_s};
-    QCommandLineOption leave{
-        u"leave"_s, u"Leave the discovery file behind, as a daemon does that dies."_s};
     QCommandLineOption log{u"log"_s,
         u"Print \"request N METHOD PATH at MS\" for each request, by the monotonic clock."_s};
     QCommandLineOption endWithStdin{u"end-with-stdin"_s,
@@ -119,52 +103,7 @@ tl::unexpected<UsageError> wrong(const QCommandLineOption &option, const QString
     return fail(UsageError{u"--%1 cannot be \"%2\""_s.arg(option.names().constFirst(), value)});
 }
 
-Result<qint64, UsageError> integer(
-    const CommandLine &line, const QCommandLineOption &option, qint64 least, qint64 greatest)
-{
-    const auto text = line.parser.value(option);
-    bool isNumber = false;
-    const auto number = text.toLongLong(&isNumber);
-    if (!isNumber || number < least || number > greatest)
-        return wrong(option, text);
-    return number;
-}
-
-/// Reads a number into `target` if the option is given.
-template <typename T>
-Result<void, UsageError> readInteger(T &target, const CommandLine &line,
-    const QCommandLineOption &option, qint64 least, qint64 greatest)
-{
-    if (!line.parser.isSet(option))
-        return {};
-    return integer(line, option, least, greatest).map([&target](qint64 number) {
-        if constexpr (std::is_same_v<T, std::chrono::milliseconds>)
-            target = std::chrono::milliseconds(number);
-        else if constexpr (std::is_same_v<T, quint16>)
-            target = quint16(number);
-        else
-            target = number;
-    });
-}
-
-Result<void, UsageError> readNumbers(Options &options, const CommandLine &line)
-{
-    constexpr auto anyNumber = std::numeric_limits<qint64>::max();
-    constexpr qint64 anyPort = std::numeric_limits<quint16>::max();
-    constexpr qint64 hour = 3'600'000;
-
-    return readInteger(options.pid, line, line.pid, -anyNumber, anyNumber)
-        .and_then([&] { return readInteger(options.httpPort, line, line.httpPort, 1, anyPort); })
-        .and_then([&] { return readInteger(options.httpsPort, line, line.httpsPort, 1, anyPort); })
-        .and_then([&] {
-            return readInteger(options.misbehaviourCount, line, line.misbehaveCount, 1, anyNumber);
-        })
-        .and_then([&] {
-            return readInteger(options.dribbleInterval, line, line.dribbleInterval, 1, hour);
-        });
-}
-
-Result<void, UsageError> readNames(Options &options, const CommandLine &line)
+Result<void, UsageError> readValues(Options &options, const CommandLine &line)
 {
     const auto &parser = line.parser;
     if (parser.isSet(line.fileName)) {
@@ -185,6 +124,12 @@ Result<void, UsageError> readNames(Options &options, const CommandLine &line)
             return wrong(line.scenario, parser.value(line.scenario));
         options.scenario = *scenario;
     }
+    if (parser.isSet(line.dribbleInterval)) {
+        const auto interval = parser.value(line.dribbleInterval).toInt();
+        if (interval < 1)
+            return wrong(line.dribbleInterval, parser.value(line.dribbleInterval));
+        options.dribbleInterval = std::chrono::milliseconds(interval);
+    }
     if (parser.isSet(line.speed)) {
         bool isNumber = false;
         options.speed = parser.value(line.speed).toDouble(&isNumber);
@@ -203,9 +148,6 @@ Result<void, UsageError> readMisbehaviour(Options &options, const CommandLine &l
         if (!options.misbehaviour)
             return wrong(line.misbehave, parser.value(line.misbehave));
     }
-    if (parser.isSet(line.misbehaveCount) && !options.misbehaviour)
-        return fail(UsageError{u"--misbehave-count needs --misbehave"_s});
-
     const bool redirects = options.misbehaviour == Misbehaviour::Redirect;
     if (parser.isSet(line.redirectTo) != redirects)
         return fail(UsageError{u"--redirect-to and --misbehave redirect need each other"_s});
@@ -217,18 +159,17 @@ Result<void, UsageError> readMisbehaviour(Options &options, const CommandLine &l
     return {};
 }
 
-Result<void, UsageError> readSchemes(Options &options, const CommandLine &line)
+Result<void, UsageError> readScheme(Options &options, const CommandLine &line)
 {
     const auto &parser = line.parser;
-    options.https = parser.isSet(line.httpsOnly) || parser.isSet(line.both);
-    options.http = !parser.isSet(line.httpsOnly) || parser.isSet(line.both);
+    options.https = parser.isSet(line.httpsOnly);
     options.certificateFile = parser.value(line.certificate);
     options.keyFile = parser.value(line.key);
     const bool hasCertificate = !options.certificateFile.isEmpty() && !options.keyFile.isEmpty();
     if (options.https && !hasCertificate)
         return fail(UsageError{u"https needs --certificate and --key"_s});
     if (!options.https && (parser.isSet(line.certificate) || parser.isSet(line.key)))
-        return fail(UsageError{u"--certificate and --key need --https-only or --both"_s});
+        return fail(UsageError{u"--certificate and --key need --https-only"_s});
     return {};
 }
 
@@ -254,14 +195,12 @@ Result<std::variant<Options, HelpWanted>, UsageError> parseOptions(const QString
         options.token = parser.value(line.token);
     if (parser.isSet(line.summary))
         options.summaryFile = parser.value(line.summary);
-    options.leaveFile = parser.isSet(line.leave);
     options.log = parser.isSet(line.log);
     options.endWithStdin = parser.isSet(line.endWithStdin);
 
-    return readNumbers(options, line)
-        .and_then([&] { return readNames(options, line); })
+    return readValues(options, line)
         .and_then([&] { return readMisbehaviour(options, line); })
-        .and_then([&] { return readSchemes(options, line); })
+        .and_then([&] { return readScheme(options, line); })
         .map([&] { return std::variant<Options, HelpWanted>(std::move(options)); });
 }
 

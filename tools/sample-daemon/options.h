@@ -19,16 +19,12 @@ enum class Shape {
     Bare, ///< `{"groups": …}`
 };
 
-/// What the command line asks for, checked: what stands here can be done.
+/// What the command line asks for, checked: all of it can be done.
 struct Options {
     QString directory;
-    std::optional<QString> fileName; ///< Absent: `ls_` and the announced pid.
-    std::optional<qint64> pid; ///< Absent: the daemon's own.
+    std::optional<QString> fileName; ///< Absent: `ls_` and the pid.
     std::optional<QString> token; ///< Absent: a new random one each time a file is written.
-    bool http = true;
-    bool https = false;
-    quint16 httpPort = 0; ///< 0: any free one.
-    quint16 httpsPort = 0;
+    bool https = false; ///< Instead of http.
     QString certificateFile;
     QString keyFile;
     Shape shape = Shape::Envelope;
@@ -36,10 +32,8 @@ struct Options {
     std::optional<QString> summaryFile;
     double speed = 1;
     std::optional<Misbehaviour> misbehaviour;
-    std::optional<qint64> misbehaviourCount; ///< Absent: every request.
     QUrl redirectTo;
     std::chrono::milliseconds dribbleInterval{1000};
-    bool leaveFile = false;
     bool log = false;
     bool endWithStdin = false;
 };

@@ -1,6 +1,5 @@
 #include "sample_daemon.h"
 
-#include <QAbstractHttpServer>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -21,32 +20,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// Hands every request to the answers as it is, whatever its path: what is wrong with it is theirs
-/// to say.
-class Front final : public QAbstractHttpServer {
-public:
-    explicit Front(Answers &answers)
-        : m_answers(answers)
-    {
-    }
-
-protected:
-    bool handleRequest(const QHttpServerRequest &request, QTcpSocket *socket) override
-    {
-        m_answers.answer(request, makeResponder(request, socket));
-        return true;
-    }
-
-    void missingHandler(const QHttpServerRequest &request, QTcpSocket *socket) override
-    {
-        m_answers.answer(request, makeResponder(request, socket));
-    }
-
-private:
-    Answers &m_answers;
-};
-
-/// Counts who connects before anything is said, so that a failed TLS handshake counts too.
+/// Counts connections before the TLS handshake, so that one whose handshake fails counts too.
 template <typename Server> class Counting final : public Server {
 public:
     explicit Counting(Answers &answers)
@@ -98,23 +72,13 @@ SampleDaemon::SampleDaemon(const Options &options, QObject *parent)
     , m_options(options)
     , m_answers(options)
 {
-    // Queued: the answer is still being written, and by a server that is about to go.
-    connect(
-        &m_answers, &Answers::moveDue, this,
-        [this] {
-            if (const auto moved = move(); !moved)
-                Q_EMIT failed(moved.error());
-        },
-        Qt::QueuedConnection);
 }
 
 Result<void, QString> SampleDaemon::start()
 {
     if (m_options.summaryFile && !QFileInfo(*m_options.summaryFile).isReadable())
         return fail(u"cannot read %1"_s.arg(*m_options.summaryFile));
-    return listenAll(m_options.httpPort, m_options.httpsPort).and_then([this] {
-        return announce();
-    });
+    return listen().and_then([this] { return announce(); });
 }
 
 Result<void, QString> SampleDaemon::move()
@@ -122,57 +86,39 @@ Result<void, QString> SampleDaemon::move()
     ++m_moves;
     m_announcement.reset();
 
-    // The new ports are opened while the old ones still are: the system then cannot give the same
-    // ones again.
-    auto http = std::exchange(m_http, {});
-    auto https = std::exchange(m_https, {});
-    auto listening = listenAll(0, 0);
-    for (auto *old : {&http, &https}) {
-        if (!*old)
-            continue;
-        auto &server = (*old)->server;
-        for (auto *listener : server->findChildren<QTcpServer *>())
-            listener->close();
-        // What was answered still goes out; who has nothing coming is cut off.
-        for (auto *socket : server->findChildren<QTcpSocket *>()) {
-            socket->disconnectFromHost();
-        }
-        server.release()->setParent(this);
-    }
+    // The new port is opened while the old one still is: the system then cannot give the same one
+    // again.
+    auto *old = m_server.release();
+    const auto listening = listen();
+    old->setParent(this);
+    old->close();
+    // Answers that are on their way still arrive; callers who wait for one are cut off.
+    const auto sockets = old->findChildren<QTcpSocket *>();
+    for (auto *socket : sockets)
+        socket->disconnectFromHost();
     return listening.and_then([this] { return announce(); });
 }
 
-Result<void, QString> SampleDaemon::listenAll(quint16 httpPort, quint16 httpsPort)
+Result<void, QString> SampleDaemon::listen()
 {
-    if (m_options.http) {
-        auto listening = listen(std::make_unique<Counting<QTcpServer>>(m_answers), httpPort);
-        if (!listening)
-            return fail(listening.error());
-        m_http = std::move(*listening);
-    }
     if (m_options.https) {
         const auto configuration = tlsConfiguration();
         if (!configuration)
             return fail(configuration.error());
         auto server = std::make_unique<Counting<QSslServer>>(m_answers);
         server->setSslConfiguration(*configuration);
-        auto listening = listen(std::move(server), httpsPort);
-        if (!listening)
-            return fail(listening.error());
-        m_https = std::move(*listening);
+        m_server = std::move(server);
+    } else {
+        m_server = std::make_unique<Counting<QTcpServer>>(m_answers);
     }
+    if (!m_server->listen(QHostAddress::LocalHost))
+        return fail(u"cannot listen: %1"_s.arg(m_server->errorString()));
+    connect(m_server.get(), &QTcpServer::pendingConnectionAvailable, this,
+        [this, server = m_server.get()] {
+            while (auto *socket = server->nextPendingConnection())
+                m_answers.serve(socket);
+        });
     return {};
-}
-
-Result<SampleDaemon::Listening, QString> SampleDaemon::listen(
-    std::unique_ptr<QTcpServer> server, quint16 port)
-{
-    if (!server->listen(QHostAddress::LocalHost, port))
-        return fail(u"cannot listen on port %1: %2"_s.arg(port).arg(server->errorString()));
-    const auto actualPort = server->serverPort();
-    auto front = std::make_unique<Front>(m_answers);
-    front->bind(server.release()); // Which makes it a child of the front.
-    return Listening{.server = std::move(front), .port = actualPort};
 }
 
 Result<QSslConfiguration, QString> SampleDaemon::tlsConfiguration() const
@@ -201,34 +147,28 @@ Result<QSslConfiguration, QString> SampleDaemon::tlsConfiguration() const
 Result<void, QString> SampleDaemon::announce()
 {
     const AnnouncedDaemon daemon{
-        .pid = m_options.pid.value_or(QCoreApplication::applicationPid()),
-        .httpPort = m_http ? std::optional(m_http->port) : std::nullopt,
-        .httpsPort = m_https ? std::optional(m_https->port) : std::nullopt,
+        .pid = QCoreApplication::applicationPid(),
+        .portKey = m_options.https ? u"httpsPort"_s : u"httpPort"_s,
+        .port = m_server->serverPort(),
         .version = u"1.0.0-sample"_s,
         .token = m_options.token ? *m_options.token : randomToken(),
     };
     m_answers.setToken(daemon.token.toUtf8());
 
-    const auto atEnd
-        = m_options.leaveFile ? Announcement::AtEnd::Leave : Announcement::AtEnd::Remove;
-    auto written = Announcement::write(filePath(), daemon, atEnd);
+    auto written = Announcement::write(filePath(), daemon);
     if (!written)
         return fail(written.error());
     m_announcement = std::move(*written);
 
-    std::cout << "ready";
-    if (daemon.httpPort)
-        std::cout << " http=" << *daemon.httpPort;
-    if (daemon.httpsPort)
-        std::cout << " https=" << *daemon.httpsPort;
-    std::cout << " file=" << m_announcement->path().toStdString() << " pid=" << daemon.pid << '\n'
+    std::cout << "ready " << (m_options.https ? "https=" : "http=") << daemon.port
+              << " file=" << m_announcement->path().toStdString() << " pid=" << daemon.pid << '\n'
               << std::flush;
     return {};
 }
 
 QString SampleDaemon::filePath() const
 {
-    const auto pid = m_options.pid.value_or(QCoreApplication::applicationPid());
+    const auto pid = QCoreApplication::applicationPid();
     auto name = m_options.fileName.value_or(u"ls_%1.json"_s.arg(pid));
     if (m_moves > 0) {
         const auto dot = name.lastIndexOf(u'.');

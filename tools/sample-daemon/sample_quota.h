@@ -10,8 +10,8 @@
 
 namespace brimwatch::sample {
 
-/// What the sample daemon has to tell about. `Normal` is everyday use; the others are the extremes
-/// that a view has to stand: no group, fifty groups, names of 300 characters, names in other
+/// The quota that the sample daemon reports. `Normal` is everyday use; the others are the extremes
+/// that a view has to bear: no group, fifty groups, names of 300 characters, names in other
 /// scripts and with markup in them, and a Gemini five-hour quota that is nearly used up.
 enum class Scenario { Normal, Empty, Many, LongNames, OddNames, Low };
 

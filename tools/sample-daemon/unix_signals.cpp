@@ -14,7 +14,7 @@ namespace {
 
 volatile std::sig_atomic_t writingEnd = -1;
 
-// May do next to nothing: it runs between any two instructions of the program.
+// Async-signal-safe: it may run between any two instructions of the program.
 extern "C" void passOn(int signalNumber)
 {
     const int before = errno;

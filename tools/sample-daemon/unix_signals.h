@@ -6,7 +6,7 @@
 
 namespace brimwatch::sample {
 
-/// Hands signals of the system to the event loop. At most one object at a time.
+/// Passes Unix signals on to the event loop. At most one object at a time.
 class UnixSignals final : public QObject {
     Q_OBJECT
 

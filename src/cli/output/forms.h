@@ -9,7 +9,7 @@ namespace brimwatch::cli {
 
 // The forms of a status, each in a file of its own; a template is a value: template.h.
 
-/// Whether an output may take several lines. Whoever follows changes reads a line for each.
+/// Whether an output may have several lines. Programs that follow changes read a line for each.
 enum class Layout { Block, OneLine };
 
 /// How text is shown.

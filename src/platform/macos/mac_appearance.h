@@ -18,7 +18,7 @@ public:
 
     bool isDark() const override;
     Rgba color(model::ColorToken token) const override;
-    /// Empty: the toolkit's own is the system's.
+    /// Empty: Qt's default font is the system's.
     QString fontFamily() const override { return {}; }
     /// Always 1: the system has no text size for programs of their own making.
     double textScale() const override { return 1; }

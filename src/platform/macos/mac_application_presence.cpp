@@ -7,7 +7,7 @@ namespace brimwatch::platform {
 void MacApplicationPresence::becomeAccessory()
 {
     m_native.becomeAccessory();
-    // The popover is a window to the toolkit; the program does not end with it.
+    // To Qt the popover is a window; the program does not end when it closes.
     QGuiApplication::setQuitOnLastWindowClosed(false);
 }
 

@@ -4,7 +4,7 @@
 
 namespace brimwatch::platform {
 
-/// What stands in the bundle's Info.plist, and what the system says of itself.
+/// What the bundle's Info.plist and the system say about themselves.
 AppInformation macAppInformation();
 
 } // namespace brimwatch::platform

@@ -5,7 +5,7 @@
 
 namespace brimwatch::platform {
 
-/// The label in the words of the .mm files.
+/// The label in the types of the .mm files.
 NativeLabel nativeLabel(const model::LabelComposition &label);
 
 } // namespace brimwatch::platform

@@ -95,7 +95,7 @@ void MacPopover::open()
         m_content->setShown(false);
         return;
     }
-    // Not before its container stands in a window: what is shown there has its place and its scale.
+    // Not before its container is in a window, from which it has its position and scale.
     m_window->setVisible(true);
 }
 

@@ -11,15 +11,15 @@ class QWindow;
 namespace brimwatch::platform {
 
 /// The views in the system's popover. The window of the views becomes a child of the popover's
-/// view, which is how the toolkit has its windows stand in others'.
+/// view, which is how Qt embeds its windows in those of others.
 class MacPopover final : public Popover {
     Q_OBJECT
 
 public:
-    /// The toolkit's window for a view that is not the toolkit's own.
+    /// Qt's window for a view that Qt did not make.
     using WindowOfView = std::function<std::unique_ptr<QWindow>(std::uintptr_t view)>;
 
-    /// `button` answers the status item's view; null while there is none.
+    /// `button` returns the status item's view; null while there is none.
     MacPopover(
         PopoverContentFactory factory, std::function<void *()> button, QObject *parent = nullptr);
     MacPopover(PopoverContentFactory factory, std::function<void *()> button,
@@ -28,7 +28,7 @@ public:
 
     bool isShown() const override;
     void prepare() override;
-    /// At the button, wherever that is now: the anchor says nothing that the system does not know.
+    /// At the button, wherever that is now: the anchor adds nothing that the system does not know.
     void show(const ItemAnchor &anchor) override;
     void showUnclicked(const std::optional<QRect> &item) override;
     void makeKey() override;

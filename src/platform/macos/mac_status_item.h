@@ -21,12 +21,12 @@ public:
     /// Absent: the popover is anchored to the button itself.
     std::optional<QRect> place() const override { return std::nullopt; }
 
-    /// What the popover hangs from; null when there is none.
+    /// The view that the popover is attached to; null when there is none.
     void *button() const;
 
 private:
     NativeStatusItem m_native;
-    // What the menu bar shows: it is told of nothing else.
+    // What the menu bar shows: only changes are passed on.
     std::optional<model::LabelComposition> m_label;
     std::optional<ItemDescription> m_description;
 };

@@ -59,7 +59,7 @@ QImage MacSymbols::image(const SymbolRequest &request) const
     if (pixels.rgba.empty() || place.isEmpty() || place.width() > largestSymbolSide
         || place.height() > largestSymbolSide)
         return {};
-    // It borrows the pixels, which live as long as this function.
+    // QImage borrows the pixels, which live until this function returns.
     const QImage drawn(
         pixels.rgba.data(), pixels.width, pixels.height, QImage::Format_RGBA8888_Premultiplied);
     QImage image(static_cast<int>(std::ceil(place.width())),

@@ -10,7 +10,7 @@ public:
     bool has(const QString &name) const override;
     QSizeF size(const QString &name, double pointSize) const override;
     /// As large as size() says, times the ratio: weights differ a little in width, and the symbol
-    /// stands in the middle.
+    /// is centered.
     QImage image(const SymbolRequest &request) const override;
 };
 

@@ -8,7 +8,7 @@ NS_ASSUME_NONNULL_BEGIN
 
 namespace {
 
-// Any address of our own: it tells our observation from others'.
+// Any address of our own: it distinguishes our observation from others'.
 char appearanceContext;
 
 } // namespace

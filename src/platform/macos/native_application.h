@@ -15,8 +15,8 @@ public:
     NativeApplication(NativeApplication &&) = delete;
     NativeApplication &operator=(NativeApplication &&) = delete;
 
-    /// Calls it once, when the system says that launching has finished: before the event loop runs
-    /// it has not.
+    /// Calls it once, when the system says that launching has finished, which is never before the
+    /// event loop runs.
     void whenLaunched(std::function<void()> launched);
 
     /// No entry in the Dock and no menus.

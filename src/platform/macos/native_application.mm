@@ -6,7 +6,7 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
-/// Hears of the end of launching. Not the application's delegate, which is the toolkit's.
+/// Observes the end of launching. Not the application's delegate: that is Qt's.
 @interface BrimwatchLaunchObserver : NSObject
 - (instancetype)initWithLaunched:(std::function<void()>)launched;
 - (void)stop;

@@ -66,10 +66,10 @@ struct NativeSymbolRun {
 
 using NativeRun = std::variant<NativeTextRun, NativeSymbolRun>;
 
-/// What stands in the menu bar. All text is in the system font with digits of one width, medium.
+/// What the menu bar shows. All text is in the system font with digits of one width, medium.
 struct NativeLabel {
     std::optional<NativeLabelImage> image;
-    NativeImagePosition imagePosition = NativeImagePosition::Only; ///< Means nothing without image.
+    NativeImagePosition imagePosition = NativeImagePosition::Only; ///< Not used without image.
     double fontSize = 12; ///< In points.
     std::vector<NativeRun> title;
 

@@ -9,7 +9,7 @@ NS_ASSUME_NONNULL_BEGIN
 namespace brimwatch::platform {
 namespace {
 
-/// The error says nothing where the call succeeded.
+/// The error is undefined when the call succeeded.
 std::optional<std::string> failure(BOOL succeeded, NSError *_Nullable error)
 {
     if (succeeded)

@@ -9,11 +9,11 @@ namespace brimwatch::platform {
 /// The popover under the status item's button. Transient: a click elsewhere closes it. Main thread
 /// only.
 ///
-/// There are two bodies, of which the build takes one: the system's popover, and a panel of our
-/// own.
+/// There are two implementations, of which the build takes one: the system's popover, and a panel
+/// of our own.
 class NativePopover {
 public:
-    /// Sizes are in points. `button` answers the status item's NSView, or null while there is none;
+    /// Sizes are in points. `button` returns the status item's NSView, or null while there is none;
     /// it is asked with each show(). `didClose` is called on the main thread when the popover has
     /// closed, whatever closed it.
     NativePopover(double width, double height, std::function<void *()> button,

@@ -58,13 +58,13 @@ NativePopover::NativePopover(
     controller.view = [[NSView alloc] initWithFrame:NSMakeRect(0, 0, width, height)];
     controller.view.wantsLayer = YES;
     popover.contentViewController = controller;
-    // A controller's view carries its size over to the popover: the same again says so.
+    // The popover takes the size of its controller's view: set it again in case they differ.
     popover.contentSize = NSMakeSize(width, height);
 }
 
 NativePopover::~NativePopover()
 {
-    // Nobody is told of this close: whoever would be told is going.
+    // This close is not reported: the object that would hear of it is being destroyed.
     m_objects->popover.delegate = nil;
     [m_objects->popover close];
 }

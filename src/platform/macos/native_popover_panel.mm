@@ -1,5 +1,5 @@
-// The other body of NativePopover: a panel of our own, for where the toolkit's view and the
-// system's popover do not go together.
+// The other implementation of NativePopover: a panel of our own, in case Qt's view does not work
+// in the system's popover.
 
 #import "platform/macos/native_popover.h"
 #import "platform/macos/objc_support.h"
@@ -78,7 +78,7 @@ constexpr CGFloat gap = 4;
                                                                         toView:nil]];
     const NSSize size = self.panel.frame.size;
     const NSRect area = button.window.screen.visibleFrame;
-    // The left end wins where there is not room enough.
+    // The left edge wins where there is too little room.
     const CGFloat x = std::max(
         area.origin.x, std::min(NSMidX(item) - size.width / 2, NSMaxX(area) - size.width));
     [self.panel setFrameOrigin:NSMakePoint(x, item.origin.y - gap - size.height)];

@@ -12,7 +12,7 @@ namespace brimwatch::platform {
 class NativeStatusItem {
 public:
     /// `clicked` is called on the main thread, once for each click with the left or right button,
-    /// when the button is let go.
+    /// when the button is released.
     explicit NativeStatusItem(std::function<void()> clicked);
     ~NativeStatusItem();
     NativeStatusItem(const NativeStatusItem &) = delete;
@@ -25,9 +25,9 @@ public:
     /// Replaces image and title. A label without an image clears the button's; an image whose
     /// symbol the system lacks leaves it as it is.
     void setLabel(const NativeLabel &label);
-    /// What the item says to those who hover over it; empty for nothing.
+    /// The tooltip; empty for none.
     void setToolTip(const std::string &text);
-    /// What the item says to those who do not see it; empty leaves that to the title.
+    /// What screen readers say for the item; empty leaves that to the title.
     void setAccessibilityLabel(const std::string &text);
 
     /// The button, an NSView, as long as this object lives. Null when there is none.

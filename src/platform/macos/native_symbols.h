@@ -22,8 +22,8 @@ struct NativePixels {
     std::vector<std::uint8_t> rgba = {};
 };
 
-/// Longer sides than this many pixels are not drawn: no view asks for a tenth of it, and a
-/// nonsensical scale must not ask for gigabytes.
+/// Symbols with a side longer than this many pixels are not drawn: no view needs a tenth of it, and
+/// a malformed scale must not allocate gigabytes.
 inline constexpr int largestSymbolSide = 1024;
 
 /// Whether the system has a symbol of that name.

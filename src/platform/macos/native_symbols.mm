@@ -33,7 +33,7 @@ void paint(NSImage *symbol, const NativeRgba &color, NSBitmapImageRep *bitmap)
 
 bool hasSymbol(const std::string &name)
 {
-    // As the label draws it: what exists but cannot be had in a size is of no use.
+    // As the label draws it: a symbol that exists but not in that size is of no use.
     return symbolImage({.name = name, .pointSize = 12, .weight = NativeWeight::Semibold}, nil)
         != nil;
 }
@@ -54,7 +54,7 @@ NativePixels drawSymbol(const NativeSymbol &symbol, const NativeRgba &color, dou
     const NSSize size = image.size;
     const double width = std::ceil(size.width * scale);
     const double height = std::ceil(size.height * scale);
-    // Written so that what is no number fails it.
+    // Written so that NaN fails it.
     if (!(width >= 1 && width <= largestSymbolSide && height >= 1 && height <= largestSymbolSide))
         return {};
     NativePixels pixels{
@@ -72,7 +72,7 @@ NativePixels drawSymbol(const NativeSymbol &symbol, const NativeRgba &color, dou
                                               bitsPerPixel:0];
     if (bitmap == nil)
         return {};
-    // So many pixels stand for so many points.
+    // The size in points, of which the bitmap has more pixels.
     bitmap.size = size;
     paint(image, color, bitmap);
     const auto row = static_cast<std::size_t>(pixels.width) * bytesPerPixel;

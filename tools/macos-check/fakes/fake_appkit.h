@@ -71,7 +71,7 @@ int timesTold(const std::string &line);
 
 // ---- the user and the system ----
 void setDark(bool dark);
-/// As the system says that something about colours or accessibility is different.
+/// As the system announces that colours or accessibility options have changed.
 void systemColorsChanged();
 void displayOptionsChanged();
 void finishLaunching();
@@ -90,7 +90,7 @@ NSPanel *panel();
 int statusItemsInBar();
 long observers(); ///< Of keys, of notifications and of events outside, together.
 id notificationDelegate();
-id keyObserver(); ///< Whoever observes a key; nil when nobody does.
+id keyObserver(); ///< The object that observes a key; nil when none does.
 std::string str(NSString *string);
 NSString *ns(const std::string &string);
 

@@ -23,7 +23,7 @@ void dispatch_async(dispatch_queue_t q, dispatch_block_t b)
     dispatch_block_t c = b;
     fake::world().mainQueue.push_back([c] { c(); });
 }
-// The name with which ARC is told that it owns what it gets.
+// ARC knows by the name that it owns the result.
 os_log_t os_log_create(const char *subsystem, const char *category)
 {
     if (!subsystem || !category)

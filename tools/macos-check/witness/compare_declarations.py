@@ -33,7 +33,7 @@ def plain(name):
 
 
 def kind(spellings):
-    """What a type is, by how it is written and what that stands for."""
+    """The kind of a type, by its spelling and what that is an alias for."""
     written, meant = plain(spellings[0]), plain(spellings[-1])
     if any("^" in spelling for spelling in spellings):
         return "block"

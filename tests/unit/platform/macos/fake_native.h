@@ -13,8 +13,8 @@
 
 namespace brimwatch::test {
 
-/// The bodies of the .mm files played in plain C++, so that what stands on them is tested without
-/// them. What they are told, and what a test lets them say.
+/// Fakes of the .mm files in plain C++, so that the layer above them is tested without them: what
+/// they were asked, and what a test has them answer.
 struct FakeNative {
     using Texts = std::vector<std::string>;
 
@@ -50,7 +50,7 @@ struct FakeNative {
     platform::NativeRgba drawnColor;
 };
 
-/// The one that all of them speak to.
+/// The one that all of them record in.
 FakeNative &fakeNative();
 /// Of the named colour: its number as red.
 platform::NativeRgba fakeColor(platform::NativeColor color);

@@ -241,7 +241,7 @@ void MacosAdaptersTest::everyColorOfOursHasItsOwnInTheSystem()
 
 namespace {
 
-/// The popover with everything around it played.
+/// The popover with fakes for everything around it.
 struct PopoverStage {
     QStringList calls;
     int loads = 0;
@@ -583,7 +583,7 @@ void MacosAdaptersTest::messagesGoToTheSystemsLog()
     qCCritical(launchLog, "Failed to update launch at login: %s", "no");
     qCDebug(launchLog, "debug");
     const auto handler = qInstallMessageHandler(before);
-    // Warned by qWarning(), tests end.
+    // The tests run with fatal warnings.
     handler(QtWarningMsg, QMessageLogContext(nullptr, 0, nullptr, "qml"), u"warning"_s);
     handler(QtFatalMsg, {}, u"fatal"_s);
     QCOMPARE(fakeNative().log,

@@ -20,8 +20,8 @@ function(_brimwatch_suite_test name)
 endfunction()
 
 set(tools "${PROJECT_SOURCE_DIR}/tools")
-_brimwatch_suite_test(shell COMMAND nice -n 19 "${tools}/lib/lint.sh" shell LABELS lint TIMEOUT 600 COST 4000)
-_brimwatch_suite_test(format COMMAND nice -n 19 "${tools}/lib/lint.sh" format LABELS lint TIMEOUT 600 COST 4000)
+_brimwatch_suite_test(shell COMMAND nice -n 19 "${tools}/lib/lint.sh" shell LABELS lint TIMEOUT 1800 COST 4000)
+_brimwatch_suite_test(format COMMAND nice -n 19 "${tools}/lib/lint.sh" format LABELS lint TIMEOUT 1800 COST 4000)
 _brimwatch_suite_test(qmllint COMMAND nice -n 19 "${tools}/lib/lint.sh" qmllint "${PROJECT_BINARY_DIR}"
     LABELS lint TIMEOUT 1800 COST 4000)
 _brimwatch_suite_test(tidy COMMAND nice -n 19 "${tools}/lib/tidy.py" "${PROJECT_BINARY_DIR}"

@@ -1,20 +1,28 @@
 #!/bin/bash
-# bus-log.sh [--minutes N] [--panel NAME]   what the program says on the session bus while it is used
-#
-#   --minutes N    how long (default 60)
-#   --panel NAME   the panel that it stands in, a script of tools/desktops/panels (default lxqt, which asks for the item over the bus)
-#
-# Runs the program of $BRIMWATCH_BUILD (default build/release, which is built) against the sample daemon with quota that
-# moves, on a bus of its own that dbus-monitor watches; each minute the popover is opened and closed, and brimwatchctl asks
-# for everything that it knows. Prints how many signals there were, by kind, and fails when the daemon's token was in any
-# message, or when it could not have been found.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 PROGRAM=bus-log
 # shellcheck source=lib/common.sh
 . "$root/tools/lib/common.sh"
 
-usage() { sed -n '2,10s/^# \{0,1\}//p' "${BASH_SOURCE[0]}"; }
+# shellcheck source=desktops/lib/services.sh
+. "$root/tools/desktops/lib/services.sh"
+
+usage()
+{
+    cat <<'END'
+bus-log.sh [--minutes N] [--panel NAME]   what the program says on the session bus while it is used
+
+  --minutes N    how long (default 60)
+  --panel NAME   the panel that it stands in, a script of tools/desktops/panels (default lxqt, which asks for the item over
+                 the bus)
+
+Runs the program of $BRIMWATCH_BUILD (default build/release, which is built) against the sample daemon with quota that
+moves, on a bus of its own that dbus-monitor watches; each minute the popover is opened and closed, and brimwatchctl asks
+for everything that it knows. Prints how many signals there were, by kind, and fails when the daemon's token was in any
+message, or when it could not have been found.
+END
+}
 
 minutes=60 panel=lxqt
 while [ $# -gt 0 ]; do
@@ -55,76 +63,46 @@ if [ -z "${BRIMWATCH_BUILD:-}" ]; then
     build_preset release || exit 1
 fi
 
-work=$(mktemp -d "${TMPDIR:-/tmp}/brimwatch-bus-log.XXXXXX")
-session=$work/session
-processes=()
-finish()
-{
-    local status=$? process
-    trap - EXIT INT TERM
-    for process in "${processes[@]}"; do end_process "$process"; done
-    "$root/tools/desktops/panels/$panel.sh" stop "$session"
-    if [ "$status" = 0 ]; then
-        rm -rf "$work"
-    else
-        say "Logs are in $work"
-    fi
-    exit "$status"
-}
-trap finish EXIT
-trap 'exit 130' INT TERM
+begin_work bus-log
 
-# start LOG COMMAND...: in the background, until the end.
-start()
-{
-    local log=$1
-    shift
-    "$@" >"$log" 2>>"$work/errors.log" &
-    processes+=($!)
-    disown
-}
-
-"$root/tools/desktops/panels/$panel.sh" start "$session" >/dev/null 2>"$work/session.log" || die "no panel: $(tail -n 3 "$work/session.log")"
-# shellcheck source=/dev/null
-. "$session/env"
+enter_desktop "$root/tools/desktops/panels/$panel.sh" "$logs/session"
 # A log that grows without end would fill the disk.
 ulimit -f 4194304
 
 # As messages came, and in words.
-start "$work/raw" dbus-monitor --session --pcap
-start "$work/log" dbus-monitor --session
-monitored() { [ -s "$work/raw" ] && [ -s "$work/log" ]; }
-wait_for 30 monitored || die "dbus-monitor does not run: $(cat "$work/errors.log")"
+spawn raw dbus-monitor --session --pcap
+spawn log dbus-monitor --session
+monitored() { [ -s "$logs/raw.log" ] && [ -s "$logs/log.log" ]; }
+wait_for 30 monitored || die "dbus-monitor does not run: $(tail -n 3 "$logs"/*.log)"
 
-start "$work/daemon" "$build/tools/sample-daemon/brimwatch-sample-daemon" --speed 60
-wait_for 30 grep -q '^ready ' "$work/daemon" || die "the sample daemon did not start: $(cat "$work/errors.log")"
+start_sample_daemon "$build" --speed 60
 token=$(cat "$HOME"/.gemini/antigravity/daemon/*.json | sed -n 's/.*"csrfToken" *: *"\([^"]*\)".*/\1/p')
 [ ${#token} -ge 16 ] || die "the sample daemon has announced no token"
-start "$work/program" "$build/src/app/brimwatch"
+spawn program "$build/src/app/brimwatch"
 ctl=$build/src/cli/brimwatchctl
 answers() { [ "$("$ctl" status --template '{source} {state}')" = "program connected" ]; }
-wait_for 30 answers || die "the program does not answer: $(cat "$work/errors.log")"
-start "$work/watch" "$ctl" status --watch --format json
+wait_for 30 answers || die "the program does not answer: $(tail -n 3 "$logs"/*.log)"
+spawn watch "$ctl" status --watch --format json
 
 begin=$(now_ms)
 end=$((begin + minutes * 60000))
 while [ "$(now_ms)" -lt "$end" ]; do
     for what in status diagnostics refresh toggle settings toggle; do
-        "$ctl" "$what" >>"$work/asked" 2>>"$work/errors.log" || [ $? = 1 ] || die "brimwatchctl $what failed: $(tail -n 1 "$work/errors.log")"
+        "$ctl" "$what" >>"$logs/asked" 2>>"$logs/errors.log" || [ $? = 1 ] || die "brimwatchctl $what failed: $(tail -n 1 "$logs/errors.log")"
     done
     sleep $((($(now_ms) + 60000 < end ? 60000 : (end > $(now_ms) ? end - $(now_ms) : 0)) / 1000)).2
 done
 
 found_in() { grep -qaF -- "$2" "$1"; }
 leaked=''
-for file in raw log watch asked; do
-    if found_in "$work/$file" "$token"; then leaked+=" $file"; fi
+for file in raw.log log.log watch.log asked; do
+    if found_in "$logs/$file" "$token"; then leaked+=" $file"; fi
 done
-cp "$work/log" "$work/until-now"
+cp "$logs/log.log" "$logs/until-now"
 # Would it have been found? A message with it says so.
 dbus-send --session --type=signal / app.brimwatch.Test.Token "string:$token"
-wait_for 30 found_in "$work/raw" "$token" || die "the token of a message made for that is not found: the search is broken"
-wait_for 30 found_in "$work/log" "$token" || die "the token of a message made for that is not found: the search is broken"
+wait_for 30 found_in "$logs/raw.log" "$token" || die "the token of a message made for that is not found: the search is broken"
+wait_for 30 found_in "$logs/log.log" "$token" || die "the token of a message made for that is not found: the search is broken"
 
 # Signals by kind. The program has two names on the bus, each with a number of its own: all but the bus's own signals count.
 awk -v minutes="$minutes" '
@@ -144,8 +122,8 @@ awk -v minutes="$minutes" '
     END {
         printf "%d minutes: %d signals, %d calls\n", minutes, signals, calls
         for (kind in kinds) printf "%8d  %s\n", kinds[kind], kind | "sort -k1,1nr -k2"
-    }' "$work/until-now"
-changes=$(grep -c 'path=/app/brimwatch/Brimwatch; interface=org.freedesktop.DBus.Properties; member=PropertiesChanged' "$work/until-now" || true)
+    }' "$logs/until-now"
+changes=$(grep -c 'path=/app/brimwatch/Brimwatch; interface=org.freedesktop.DBus.Properties; member=PropertiesChanged' "$logs/until-now" || true)
 echo "PropertiesChanged of app.brimwatch.Brimwatch: $changes"
 [ "$changes" -gt 0 ] || die "the program has told of no change: nothing was watched"
 [ -z "$leaked" ] || die "the token was in:$leaked"

@@ -1,17 +1,25 @@
 #!/bin/bash
-# pictures.sh [NAME...]   takes the pictures of the documentation anew, from the real program
-#
-#   desktop   the label and the popover on the Xfce panel, light and dark
-#   faces     the settings, and the popover while the daemon does not answer
-#   bars      waybar, i3blocks, polybar and tmux with the examples for them
-#
-# Without NAMEs all of them. They go to $BRIMWATCH_PICTURES (default docs/pictures). Packages that are missing are
-# installed, given root or sudo without a password.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 PROGRAM=pictures
 # shellcheck source=lib/common.sh
 . "$root/tools/lib/common.sh"
+# shellcheck source=desktops/lib/services.sh
+. "$root/tools/desktops/lib/services.sh"
+
+usage()
+{
+    cat <<'END'
+pictures.sh [NAME...]   takes the pictures of the documentation anew, from the real program
+
+  desktop   the label and the popover on the Xfce panel, light and dark
+  faces     the settings, and the popover while the daemon does not answer
+  bars      waybar, i3blocks, polybar and tmux with the examples for them
+
+Without NAMEs all of them. They go to $BRIMWATCH_PICTURES (default docs/pictures). Packages that are missing are
+installed, given root or sudo without a password.
+END
+}
 
 # The part of it that runs in a session, with the folder of the part that does not.
 inside=''
@@ -25,7 +33,7 @@ for name in "${names[@]}"; do
     case $name in
         desktop | faces | bars) ;;
         *)
-            sed -n '2,9s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
+            usage >&2
             exit 2
             ;;
     esac
@@ -58,10 +66,10 @@ keep()
 
 desktop()
 {
-    # Without a display it shows itself on a virtual one.
-    env -u DISPLAY -u WAYLAND_DISPLAY "$root/run" --demo --pictures "$work/desktop" >"$work/log" 2>&1 || {
+    build_programs
+    BRIMWATCH_BUILD=$build "$root/tools/show.sh" --demo "$work/desktop" >"$work/log" 2>&1 || {
         tail -n 20 "$work/log" >&2
-        die "./run took no pictures"
+        die "tools/show.sh took no pictures"
     }
     local name
     for name in label-light label-dark popover-light popover-dark; do keep "$work/desktop/$name.png" "$name"; done
@@ -77,34 +85,26 @@ in_a_session()
 # take_faces, inside: what the program shows without a daemon, and its settings with one.
 take_faces()
 {
-    local program daemon
+    local program
     HELPERS=$("$root/tools/desktops/lib/helpers.sh")
     # shellcheck source=desktops/lib/item.sh
     . "$root/tools/desktops/lib/item.sh"
     mkdir -p "$HOME/.gemini/antigravity/daemon"
-    "$build/src/app/brimwatch" &
-    program=$!
+    logs=$work
+    spawn program "$build/src/app/brimwatch"
+    program=$spawned
     wait_for 30 is_offline || die "the program does not answer"
     "$build/src/cli/brimwatchctl" toggle
     shoot_popover "$program" offline
     "$build/src/cli/brimwatchctl" toggle
-    "$build/tools/sample-daemon/brimwatch-sample-daemon" --speed 0 >"$work/daemon" &
-    daemon=$!
-    wait_for 30 grep -q '^ready ' "$work/daemon" || die "the sample daemon did not start"
+    start_sample_daemon "$build" --speed 0
     "$build/src/cli/brimwatchctl" refresh
     "$build/src/cli/brimwatchctl" settings
     shoot_popover "$program" settings
-    end_process "$program"
-    end_process "$daemon"
+    end_processes
 }
 
 is_offline() { [ "$("$build/src/cli/brimwatchctl" status --template '{source} {state}')" = "program offline" ]; }
-
-# settled FILE.png GEOMETRY: takes pictures until two in a row agree.
-settled()
-{
-    "$root/tools/desktops/lib/shot.sh" "$work/one.png" "$2" && "$root/tools/desktops/lib/shot.sh" "$1" "$2" && ! differ "$work/one.png" "$1"
-}
 
 # shoot_popover PID NAME
 shoot_popover()

@@ -83,7 +83,7 @@ def look_at_script(words):
     """One of ours: its usage, the comment at its top or the text that it prints, knows each option and word."""
     path = ROOT / words[0]
     need(path.is_file() and os.access(path, os.X_OK), f"there is no program {words[0]}")
-    texts = re.findall(r"\A#!.*\n((?:#.*\n)+)|^ *cat <<'?END'?\n(.*?)^END$", path.read_text(encoding="utf-8"), re.M | re.S)
+    texts = re.findall(r"\A#!.*\n((?:#.*\n)+)|^ *cat <<'?END'?\n([\s\S]*?)^END$", path.read_text(encoding="utf-8"), re.M)
     usage = "\n".join(map("".join, texts))
     need(usage, f"{words[0]} has no usage")
     before = ""

@@ -4,11 +4,10 @@
 #
 #   label          set before: what stands before each check's sentence
 #   clean_up       redefined: what else is to be undone at the end
-#   logs           set before `spawn`: where the logs are
 #   check_failed   redefined: what is to be kept of a failure, whose number is $failed
 #   logs_are       redefined: says where the logs are, after a failure
 
-passed=0 failed=0 program_pid='' processes=()
+passed=0 failed=0 program_pid=''
 label=${label:-}
 clean_up() { :; }
 check_failed() { :; }
@@ -16,9 +15,10 @@ logs_are() { :; }
 
 finish()
 {
-    local status=$? process
+    local status=$?
     trap - EXIT INT TERM
-    for process in "$program_pid" "${processes[@]}"; do end_process "$process"; done
+    end_process "$program_pid"
+    end_processes
     clean_up
     if [ "$status" != 0 ] && [ "$failed" = 0 ]; then
         failed=1
@@ -30,14 +30,6 @@ finish()
 }
 trap finish EXIT
 trap 'exit 130' INT TERM
-
-# spawn NAME COMMAND...: in the background, until the end of the test.
-spawn()
-{
-    "${@:2}" >>"${logs:?}/$1.log" 2>&1 &
-    processes+=($!)
-    disown
-}
 
 # check SENTENCE COMMAND...: one result.
 check()

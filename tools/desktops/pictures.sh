@@ -8,6 +8,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 PROGRAM=pictures
 # shellcheck source=../lib/common.sh
 . "$root/tools/lib/common.sh"
+# shellcheck source=lib/services.sh
+. "$root/tools/desktops/lib/services.sh"
 
 [ $# -gt 0 ] || set -- xfce4 mate lxqt plasma plasma-wayland gnome gnome-wayland sway swaybar trayer i3bar polybar
 if [ $# -gt 1 ]; then
@@ -19,25 +21,11 @@ panel=$1
 script=$root/tools/desktops/panels/$panel.sh
 build=${BRIMWATCH_BUILD:-$root/build/dev}
 picture=$root/docs/pictures/panels/$panel.png
-out=$(mktemp -d "${TMPDIR:-/tmp}/brimwatch-pictures.XXXXXX")
-session=$out/session program_pid='' daemon_pid=''
-finish()
-{
-    end_process "$program_pid"
-    end_process "$daemon_pid"
-    "$script" stop "$session"
-    rm -rf "$out"
-}
-trap finish EXIT
-trap 'exit 130' INT TERM
+begin_work pictures
+out=$logs
 mkdir -p "$out/pictures" "${picture%/*}"
 
-CLOCK=off "$script" start "$session" >/dev/null 2>"$out/session.log" || die "$panel does not start: $(tail -n 3 "$out/session.log")"
-# shellcheck source=/dev/null
-. "$session/env"
-HELPERS=$("$root/tools/desktops/lib/helpers.sh")
-# shellcheck source=lib/item.sh
-. "$root/tools/desktops/lib/item.sh"
+CLOCK=off enter_desktop "$script" "$logs/session"
 shot() { "$root/tools/desktops/lib/shot.sh" "$out/pictures/$1.png" ${2:+"$2"}; }
 click() { "$root/tools/desktops/lib/click.sh" "$@"; }
 # shellcheck source=lib/on-panel.sh
@@ -61,14 +49,10 @@ popover_settled()
 }
 
 look_at_screen
-"$build/tools/sample-daemon/brimwatch-sample-daemon" --speed 0 >"$out/daemon.log" 2>&1 &
-daemon_pid=$!
-disown
-wait_for 30 grep -q '^ready ' "$out/daemon.log" || die "the sample daemon did not start: $(tail -n 3 "$out/daemon.log")"
+start_sample_daemon "$build" --speed 0
 shot without
-"$build/src/app/brimwatch" >"$out/program.log" 2>&1 &
-program_pid=$!
-disown
+spawn program "$build/src/app/brimwatch"
+program_pid=$spawned
 wait_for 60 item_place || die "no item appears on $panel"
 locate_item || die "the item on $panel does not come to rest"
 wait_for 30 label_has green || die "the label on $panel does not show the sample quota"

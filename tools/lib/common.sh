@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Words that all our scripts share; sourced, never run.
+# What all our scripts share; sourced, never run.
 
 # die MESSAGE...: says what failed and ends the script.
 die()
@@ -43,4 +43,20 @@ end_process()
     kill "$1" 2>/dev/null || true
     wait_for 5 gone "$1" || kill -9 "$1" 2>/dev/null || true
     wait_for 5 gone "$1"
+}
+
+processes=()
+# spawn NAME COMMAND...: in the background, until end_processes, with what it says in $logs/NAME.log. Its id is in `spawned`.
+spawn()
+{
+    "${@:2}" >>"${logs:?}/$1.log" 2>&1 &
+    spawned=$!
+    processes+=("$spawned")
+    disown
+}
+
+end_processes()
+{
+    local process
+    for process in "${processes[@]}"; do end_process "$process"; done
 }

@@ -91,10 +91,12 @@ largest_difference()
 # settled FILE.png GEOMETRY: takes pictures of that part of the screen until two in a row agree.
 settled()
 {
-    local shot
+    local shot before status=0
     shot=$(dirname "${BASH_SOURCE[0]}")/shot.sh
-    "$shot" "$1.before.png" "$2" && "$shot" "$1" "$2" || return
-    ! differ "$1.before.png" "$1" && rm -f "$1.before.png"
+    before=$(mktemp --suffix=.png)
+    { "$shot" "$before" "$2" && "$shot" "$1" "$2" && ! differ "$before" "$1"; } || status=1
+    rm -f "$before"
+    return "$status"
 }
 
 # geometry_of X Y WIDTH HEIGHT: the same place as WxH+X+Y.

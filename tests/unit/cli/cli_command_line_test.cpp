@@ -53,7 +53,8 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("error");
         const auto row = [](const QStringList &arguments, const QString &error) {
-            QTest::newRow(qPrintable(arguments.join(u' '))) << arguments << error;
+            QTest::addRow("%d: %s", int(arguments.size()), qPrintable(arguments.join(u' ')))
+                << arguments << error;
         };
         row({}, u"a command is missing"_s);
         row({u""_s}, u"unknown command ''"_s);

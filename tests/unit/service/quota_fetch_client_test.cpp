@@ -80,15 +80,20 @@ private Q_SLOTS:
     // First, before anything of this program asks securely.
     void theTlsLibraryIsNotLoadedForPlainHttp()
     {
+        const auto mapped = [] {
+            QFile maps(u"/proc/self/maps"_s);
+            return maps.open(QIODevice::ReadOnly) ? maps.readAll() : QByteArray();
+        };
+        // QtNetwork of Debian 13 links libproxy, which links libcurl, which links it.
+        const QByteArray before = mapped();
         SampleDaemonProcess daemon;
         QVERIFY2(m_daemons->start(daemon), qPrintable(daemon.errorText()));
         QVERIFY(fetch().has_value());
-        QFile maps(u"/proc/self/maps"_s);
-        QVERIFY(maps.open(QIODevice::ReadOnly));
-        const QByteArray mapped = maps.readAll();
-        QVERIFY(mapped.contains("libQt6Network"));
-        QVERIFY(!mapped.contains("libssl"));
-        QVERIFY(!mapped.contains("libcrypto"));
+        const QByteArray after = mapped();
+        QVERIFY(after.contains("libQt6Network"));
+        QVERIFY(!after.contains("/plugins/tls/"));
+        QCOMPARE(after.contains("libssl"), before.contains("libssl"));
+        QCOMPARE(after.contains("libcrypto"), before.contains("libcrypto"));
     }
 
     void init() { m_daemons.emplace(); }

@@ -265,6 +265,8 @@ struct PopoverStage {
             if (!windowIsThere)
                 return nullptr;
             auto window = std::make_unique<QWindow>();
+            // What stands for a view is never without one of the window system.
+            window->create();
             container = window.get();
             return window;
         }};
@@ -399,6 +401,7 @@ void MacosAdaptersTest::theContentGoesBeforeWhatItStandsIn()
             factory, [] { return &fakeNative(); },
             [&calls](std::uintptr_t) {
                 auto window = std::make_unique<QWindow>();
+                window->create();
                 QObject::connect(window.get(), &QObject::destroyed,
                     [&calls] { calls.append(u"container gone"_s); });
                 return window;

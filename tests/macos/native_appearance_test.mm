@@ -110,7 +110,7 @@ BRIMWATCH_SENTENCE(observationsThatAreNotOursGoToWhomTheyBelong)
     CHECK(observer != nil);
     [observer observeValueForKeyPath:@"title" ofObject:nil change:nil context:nullptr];
     CHECK(changes == 0);
-    CHECK(fake::told("super observes title") >= 0);
+    CHECK(fake::recordedAt("super observes title") >= 0);
 }
 
 // ---- symbols ----
@@ -144,7 +144,7 @@ BRIMWATCH_SENTENCE(aSymbolIsDrawnInOneColorAtTheScaleOfTheScreen)
     // 14 by 15 points.
     CHECK(pixels.width == 28 && pixels.height == 30);
     CHECK(pixels.rgba.size() == std::size_t{28} * 30 * 4);
-    CHECK(fake::told("bitmap 28x30 calibrated rgb") == 0);
+    CHECK(fake::recordedAt("bitmap 28x30 calibrated rgb") == 0);
     // The fakes cover the upper left quarter.
     const auto at = [&](int x, int y) { return &pixels.rgba[std::size_t(y * 28 + x) * 4]; };
     CHECK(at(0, 0)[0] == 255 && at(0, 0)[1] == 128 && at(0, 0)[2] == 0 && at(0, 0)[3] == 255);

@@ -24,10 +24,10 @@ BRIMWATCH_SENTENCE(registeringAndUnregisteringAskTheMainProgramsService)
 {
     NativeLoginItem item;
     CHECK(!item.registerItem());
-    CHECK(fake::told("register") == 0 && fake::told("unregister") < 0);
+    CHECK(fake::recordedAt("register") == 0 && fake::recordedAt("unregister") < 0);
     CHECK(item.status() == NativeLoginItem::Status::Enabled);
     CHECK(!item.unregisterItem());
-    CHECK(fake::told("unregister") == 1);
+    CHECK(fake::recordedAt("unregister") == 1);
     CHECK(item.status() == NativeLoginItem::Status::NotRegistered);
 }
 

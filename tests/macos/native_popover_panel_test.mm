@@ -24,7 +24,7 @@ BRIMWATCH_SENTENCE(thePanelHasNoTitleAndActivatesNothing)
 {
     Bar bar;
     // Borderless (0) and non-activating (128).
-    CHECK(fake::told("panel style 128") >= 0);
+    CHECK(fake::recordedAt("panel style 128") >= 0);
     NSPanel *panel = fake::panel();
     CHECK(panel.level == NSPopUpMenuWindowLevel);
     CHECK(!panel.isReleasedWhenClosed);
@@ -49,8 +49,9 @@ BRIMWATCH_SENTENCE(thePanelStandsBelowTheButtonWithinTheScreen)
     bar.popover.show();
     CHECK(bar.popover.isShown());
     // The button ends at 1462 of 1440, its lower edge at 879: right-aligned, four points below.
-    CHECK(fake::told("panel.frameOrigin 1060,385") >= 0);
-    CHECK(fake::told("panel.orderFrontRegardless") > fake::told("panel.frameOrigin 1060,385"));
+    CHECK(fake::recordedAt("panel.frameOrigin 1060,385") >= 0);
+    CHECK(fake::recordedAt("panel.orderFrontRegardless")
+        > fake::recordedAt("panel.frameOrigin 1060,385"));
 }
 
 BRIMWATCH_SENTENCE(thePanelGetsTheKeyboard)
@@ -60,10 +61,10 @@ BRIMWATCH_SENTENCE(thePanelGetsTheKeyboard)
     [viewOf(bar.popover) addSubview:content];
     bar.popover.show();
     bar.popover.makeKey();
-    const int key = fake::told("panel.makeKeyWindow");
-    CHECK(key > fake::told("panel.orderFrontRegardless"));
-    CHECK(fake::told("panel.makeFirstResponder") > key);
-    CHECK(fake::told("panel refuses to be key") < 0);
+    const int key = fake::recordedAt("panel.makeKeyWindow");
+    CHECK(key > fake::recordedAt("panel.orderFrontRegardless"));
+    CHECK(fake::recordedAt("panel.makeFirstResponder") > key);
+    CHECK(fake::recordedAt("panel refuses to be key") < 0);
     [content removeFromSuperview];
 }
 
@@ -86,7 +87,7 @@ BRIMWATCH_SENTENCE(aPanelThatLosesTheKeyboardClosesOnce)
                                                                              object:nil]];
     CHECK(!bar.popover.isShown());
     CHECK(bar.closed == 1);
-    CHECK(fake::timesTold("panel.orderOut") == 1);
+    CHECK(fake::timesRecorded("panel.orderOut") == 1);
 }
 
 BRIMWATCH_SENTENCE(thePanelClosesWhenItIsTold)
@@ -107,7 +108,7 @@ BRIMWATCH_SENTENCE(aPanelThatIsShownIsNotShownAgain)
     Bar bar;
     bar.popover.show();
     bar.popover.show();
-    CHECK(fake::timesTold("panel.orderFrontRegardless") == 1);
+    CHECK(fake::timesRecorded("panel.orderFrontRegardless") == 1);
     CHECK(fake::observers() == 1);
 }
 
@@ -123,7 +124,7 @@ BRIMWATCH_SENTENCE(thePanelFollowsTheSizeOfItsContent)
 {
     Bar bar;
     bar.popover.setContentSize(475, 612);
-    CHECK(fake::told("panel.contentSize 475x612") >= 0);
+    CHECK(fake::recordedAt("panel.contentSize 475x612") >= 0);
 }
 
 BRIMWATCH_SENTENCE(aPanelThatGoesWhileItIsShownTellsNobody)

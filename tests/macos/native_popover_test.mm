@@ -49,7 +49,7 @@ BRIMWATCH_SENTENCE(itHangsBelowTheWholeOfTheButton)
     bar.popover.show();
     CHECK(bar.popover.isShown());
     // The lower edge has number 1.
-    CHECK(fake::told("popover.show 0,0 60x22 edge 1 of the button") >= 0);
+    CHECK(fake::recordedAt("popover.show 0,0 60x22 edge 1 of the button") >= 0);
 }
 
 BRIMWATCH_SENTENCE(itsWindowGetsTheKeyboardAfterItIsShown)
@@ -59,9 +59,9 @@ BRIMWATCH_SENTENCE(itsWindowGetsTheKeyboardAfterItIsShown)
     [viewOf(bar.popover) addSubview:content];
     bar.popover.show();
     bar.popover.makeKey();
-    const int shown = fake::told("popover.show 0,0 60x22 edge 1 of the button");
-    const int key = fake::told("popover window.makeKeyWindow");
-    const int responder = fake::told("popover window.makeFirstResponder");
+    const int shown = fake::recordedAt("popover.show 0,0 60x22 edge 1 of the button");
+    const int key = fake::recordedAt("popover window.makeKeyWindow");
+    const int responder = fake::recordedAt("popover window.makeFirstResponder");
     CHECK(shown >= 0 && key > shown && responder > key);
     [content removeFromSuperview];
 }
@@ -71,15 +71,15 @@ BRIMWATCH_SENTENCE(withoutContentTheWindowStillGetsTheKeyboard)
     Bar bar;
     bar.popover.show();
     bar.popover.makeKey();
-    CHECK(fake::told("popover window.makeKeyWindow") >= 0);
-    CHECK(fake::told("popover window.makeFirstResponder") < 0);
+    CHECK(fake::recordedAt("popover window.makeKeyWindow") >= 0);
+    CHECK(fake::recordedAt("popover window.makeFirstResponder") < 0);
 }
 
 BRIMWATCH_SENTENCE(whatIsNotShownTakesNoKeyboard)
 {
     Bar bar;
     bar.popover.makeKey();
-    CHECK(fake::told("popover window.makeKeyWindow") < 0);
+    CHECK(fake::recordedAt("popover window.makeKeyWindow") < 0);
 }
 
 BRIMWATCH_SENTENCE(itClosesWithPerformCloseAndSaysSo)
@@ -87,7 +87,7 @@ BRIMWATCH_SENTENCE(itClosesWithPerformCloseAndSaysSo)
     Bar bar;
     bar.popover.show();
     bar.popover.performClose();
-    CHECK(fake::told("popover.performClose") >= 0);
+    CHECK(fake::recordedAt("popover.performClose") >= 0);
     CHECK(!bar.popover.isShown());
     fake::pump();
     CHECK(bar.closed == 1);
@@ -121,7 +121,7 @@ BRIMWATCH_SENTENCE(itOpensAgainAfterItHasClosed)
     fake::pump();
     bar.popover.show();
     CHECK(bar.popover.isShown());
-    CHECK(fake::timesTold("popover.show 0,0 60x22 edge 1 of the button") == 2);
+    CHECK(fake::timesRecorded("popover.show 0,0 60x22 edge 1 of the button") == 2);
 }
 
 BRIMWATCH_SENTENCE(oneThatIsShownIsNotShownAgain)
@@ -129,7 +129,7 @@ BRIMWATCH_SENTENCE(oneThatIsShownIsNotShownAgain)
     Bar bar;
     bar.popover.show();
     bar.popover.show();
-    CHECK(fake::timesTold("popover.show 0,0 60x22 edge 1 of the button") == 1);
+    CHECK(fake::timesRecorded("popover.show 0,0 60x22 edge 1 of the button") == 1);
 }
 
 BRIMWATCH_SENTENCE(withoutAButtonItDoesNotShow)
@@ -160,7 +160,7 @@ BRIMWATCH_SENTENCE(aPopoverThatGoesWhileItIsShownTellsNobody)
         }
         fake::pump();
         CHECK(closed == 0);
-        CHECK(fake::told("popover.close") >= 0);
+        CHECK(fake::recordedAt("popover.close") >= 0);
     }
 }
 

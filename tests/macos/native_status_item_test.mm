@@ -95,7 +95,7 @@ bool isSymbol(const fake::Run &run, const std::string &name)
 BRIMWATCH_SENTENCE(theItemHasTheLengthOfItsLabel)
 {
     NativeStatusItem item([] { });
-    CHECK(fake::told("statusItemWithLength -1") == 0);
+    CHECK(fake::recordedAt("statusItemWithLength -1") == 0);
     CHECK(fake::statusItemsInBar() == 1);
     CHECK(item.hasButton());
     CHECK(item.button() == (__bridge void *)fake::statusItem().button);
@@ -106,7 +106,7 @@ BRIMWATCH_SENTENCE(bothButtonsOfTheMouseSendTheActionWhenTheyAreLetGo)
     int clicks = 0;
     NativeStatusItem item([&clicks] { ++clicks; });
     // Left mouse up and right mouse up.
-    CHECK(fake::told("sendActionOn 20") >= 0);
+    CHECK(fake::recordedAt("sendActionOn 20") >= 0);
     fake::clickStatusItem();
     CHECK(clicks == 1);
     fake::clickStatusItem(true);
@@ -205,7 +205,7 @@ BRIMWATCH_SENTENCE(theHealthyGreenIsMadeOnce)
 {
     titleOf(letters());
     titleOf(letters());
-    CHECK(fake::timesTold("dynamic color") <= 1);
+    CHECK(fake::timesRecorded("dynamic color") <= 1);
 }
 
 BRIMWATCH_SENTENCE(symbolsStandCentredOnTheCapitals)

@@ -14,7 +14,7 @@ BRIMWATCH_SENTENCE(anAccessoryHasNumberOne)
 {
     NativeApplication application;
     application.becomeAccessory();
-    CHECK(fake::told("activationPolicy 1") == 0);
+    CHECK(fake::recordedAt("activationPolicy 1") == 0);
 }
 
 BRIMWATCH_SENTENCE(eachWindowIsOrderedOutAndThenClosed)

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <iomanip>
 #include <iostream>
+#include <optional>
 
 namespace brimwatch::sample {
 

@@ -63,7 +63,7 @@ static double component(bool dark, int i)
 }
 + (NSColor *)colorWithName:(NSString *)n dynamicProvider:(NSColor * (^)(NSAppearance *))p
 {
-    tell("dynamic color");
+    record("dynamic color");
     NSColor *c = [[self alloc] init];
     c->_provider = p;
     return c;
@@ -134,7 +134,7 @@ static NSColor *named(const char *name)
         fail("a colour resolved outside of any appearance");
         return nil;
     }
-    tell("resolve " + (_provider ? std::string("dynamic") : _what));
+    record("resolve " + (_provider ? std::string("dynamic") : _what));
     NSColor *c = [[NSColor alloc] init];
     if (_provider) {
         NSColor *p = _provider(gDrawing);

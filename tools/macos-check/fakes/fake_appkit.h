@@ -65,9 +65,9 @@ void reset();
 /// Runs the main queue until it is empty.
 void pump();
 /// Whether the journal holds that line, and at which place; -1 when not.
-int told(const std::string &line);
+int recordedAt(const std::string &line);
 /// How often the journal holds that line.
-int timesTold(const std::string &line);
+int timesRecorded(const std::string &line);
 
 // ---- the user and the system ----
 void setDark(bool dark);

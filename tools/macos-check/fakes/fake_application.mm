@@ -9,7 +9,7 @@ const NSPasteboardType NSPasteboardTypeString = @"string";
 }
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)p
 {
-    tell("activationPolicy " + number(double(p)));
+    record("activationPolicy " + number(double(p)));
     return YES;
 }
 - (NSAppearance *)effectiveAppearance
@@ -35,7 +35,7 @@ const NSPasteboardType NSPasteboardTypeString = @"string";
 }
 - (void)terminate:(id)s
 {
-    tell(s ? "terminate with a sender" : "terminate");
+    record(s ? "terminate with a sender" : "terminate");
 }
 @end
 @implementation NSWorkspace
@@ -71,13 +71,13 @@ const NSPasteboardType NSPasteboardTypeString = @"string";
 }
 - (NSInteger)clearContents
 {
-    tell("clearContents");
+    record("clearContents");
     fake::world().pasteboard.clear();
     return 1;
 }
 - (BOOL)setString:(NSString *)s forType:(NSString *)t
 {
-    tell("setString " + fake::str(t));
+    record("setString " + fake::str(t));
     if (!s) {
         fail("setString: nil");
         return NO;
@@ -113,12 +113,12 @@ const NSPasteboardType NSPasteboardTypeString = @"string";
 }
 - (BOOL)registerAndReturnError:(NSError **)e
 {
-    tell("register");
+    record("register");
     return [self become:fake::world().loginStatusAfterRegistering error:e];
 }
 - (BOOL)unregisterAndReturnError:(NSError **)e
 {
-    tell("unregister");
+    record("unregister");
     return [self become:SMAppServiceStatusNotRegistered error:e];
 }
 + (void)openSystemSettingsLoginItems

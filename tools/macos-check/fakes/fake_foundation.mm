@@ -44,7 +44,7 @@ const NSNotificationName NSSystemColorsDidChangeNotification = @"system colors",
 }
 - (BOOL)fileExistsAtPath:(NSString *)p
 {
-    tell("exists " + fake::str(p));
+    record("exists " + fake::str(p));
     return fake::world().files.contains(fake::str(p));
 }
 @end

@@ -111,7 +111,7 @@ std::vector<NSGraphicsContext *> fake::gSaved;
                              bytesPerRow:(NSInteger)row
                             bitsPerPixel:(NSInteger)bits
 {
-    tell("bitmap " + number(double(w)) + "x" + number(double(h)) + " " + fake::str(c));
+    record("bitmap " + number(double(w)) + "x" + number(double(h)) + " " + fake::str(c));
     if (p != nullptr || b != 8 || n != 4 || !a || pl || bits != 0 || row != 0) {
         fail("a bitmap of a kind that the fakes do not know");
         return nil;

@@ -25,7 +25,7 @@ std::vector<Watch> fake::gWatches;
                         change:(NSDictionary *)ch
                        context:(void *)c
 {
-    tell("super observes " + fake::str(k));
+    record("super observes " + fake::str(k));
 }
 @end
 static void onDispose(void *o)

@@ -25,7 +25,7 @@ extern "C" void objc_msgSend_for_tests(void) __asm__("objc_msgSend");
 namespace fake {
 
 void fail(const std::string &what); ///< An objection.
-void tell(const std::string &what); ///< A line of the journal.
+void record(const std::string &what); ///< A line of the journal.
 void needMain(const char *what);
 std::string number(double value);
 std::string text(NSSize size);

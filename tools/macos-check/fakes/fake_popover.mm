@@ -20,22 +20,22 @@ NSPopover *__weak fake::gPopover;
 }
 - (void)setContentSize:(NSSize)s
 {
-    tell("popover.contentSize " + text(s));
+    record("popover.contentSize " + text(s));
     _cs = s;
 }
 - (void)setBehavior:(NSPopoverBehavior)b
 {
-    tell("popover.behavior " + number(double(b)));
+    record("popover.behavior " + number(double(b)));
     _bh = b;
 }
 - (void)setAnimates:(BOOL)a
 {
-    tell(a ? "popover.animates" : "popover.animates not");
+    record(a ? "popover.animates" : "popover.animates not");
     _an = a;
 }
 - (void)setContentViewController:(NSViewController *)c
 {
-    tell("popover.contentViewController");
+    record("popover.contentViewController");
     _vc = c;
     _cs = c.view.frame.size;
 }
@@ -49,7 +49,7 @@ NSPopover *__weak fake::gPopover;
     }
     if (v.window == nil)
         fail("a popover shown beside a view without a window");
-    tell("popover.show " + text(r) + " edge " + number(double(e))
+    record("popover.show " + text(r) + " edge " + number(double(e))
         + (v == gItem.button ? " of the button" : " of another view"));
     _sh = true;
     _window = [[NSWindow alloc] initWithContentRect:content.frame
@@ -69,7 +69,7 @@ NSPopover *__weak fake::gPopover;
 }
 - (void)close
 {
-    tell("popover.close");
+    record("popover.close");
     if (!_sh)
         return;
     _sh = false;
@@ -81,7 +81,7 @@ NSPopover *__weak fake::gPopover;
 }
 - (void)performClose:(id)s
 {
-    tell("popover.performClose");
+    record("popover.performClose");
     [self close];
 }
 @end

@@ -25,7 +25,7 @@ NSStatusItem *__weak fake::gItem;
 - (NSStatusItem *)statusItemWithLength:(CGFloat)l
 {
     needMain("statusItemWithLength");
-    tell("statusItemWithLength " + number(l));
+    record("statusItemWithLength " + number(l));
     NSStatusItem *i = [[NSStatusItem alloc] init];
     if (fake::world().statusItemHasButton) {
         i->_b = [[NSStatusBarButton alloc] initWithFrame:NSMakeRect(2, 1, 60, 22)];

@@ -64,7 +64,7 @@
 @implementation NSControl
 - (NSInteger)sendActionOn:(NSEventMask)m
 {
-    tell("sendActionOn " + number(double(m)));
+    record("sendActionOn " + number(double(m)));
     _mask = m;
     return 0;
 }
@@ -72,19 +72,19 @@
 @implementation NSButton
 - (void)setImage:(NSImage *)i
 {
-    tell(i ? "button.image" : "button.image nil");
+    record(i ? "button.image" : "button.image nil");
     _image = i;
 }
 - (void)setImagePosition:(NSCellImagePosition)p
 {
-    tell("button.imagePosition " + number(double(p)));
+    record("button.imagePosition " + number(double(p)));
     _imagePosition = p;
 }
 - (void)setAttributedTitle:(NSAttributedString *)t
 {
     if (t == nil)
         fail("attributedTitle nil");
-    tell("button.attributedTitle");
+    record("button.attributedTitle");
     _attributedTitle = t;
 }
 @end

@@ -52,29 +52,29 @@ static NSWindow *__weak gKey;
 }
 - (void)makeKeyWindow
 {
-    tell(_name + ".makeKeyWindow");
+    record(_name + ".makeKeyWindow");
     if (!self.canBecomeKeyWindow && _name != "popover window") {
-        tell(_name + " refuses to be key");
+        record(_name + " refuses to be key");
         return;
     }
     if (!_visible)
-        tell(_name + " is not there");
+        record(_name + " is not there");
     gKey = self;
 }
 - (BOOL)makeFirstResponder:(NSResponder *)r
 {
-    tell(_name + ".makeFirstResponder");
+    record(_name + ".makeFirstResponder");
     _first = r;
     return YES;
 }
 - (void)orderFrontRegardless
 {
-    tell(_name + ".orderFrontRegardless");
+    record(_name + ".orderFrontRegardless");
     _visible = true;
 }
 - (void)orderOut:(id)s
 {
-    tell(_name + ".orderOut" + (s ? " with a sender" : ""));
+    record(_name + ".orderOut" + (s ? " with a sender" : ""));
     _visible = false;
     if (gKey == self) {
         gKey = nil;
@@ -85,17 +85,17 @@ static NSWindow *__weak gKey;
 }
 - (void)close
 {
-    tell(_name + ".close");
+    record(_name + ".close");
     _visible = false;
 }
 - (void)setContentSize:(NSSize)s
 {
-    tell(_name + ".contentSize " + text(s));
+    record(_name + ".contentSize " + text(s));
     _fr.size = s;
 }
 - (void)setFrameOrigin:(NSPoint)p
 {
-    tell(_name + ".frameOrigin " + number(p.x) + "," + number(p.y));
+    record(_name + ".frameOrigin " + number(p.x) + "," + number(p.y));
     _fr.origin = p;
 }
 - (NSRect)convertRectToScreen:(NSRect)r
@@ -112,7 +112,7 @@ static NSWindow *__weak gKey;
 {
     self = [super initWithContentRect:r styleMask:s backing:b defer:d];
     _name = "panel";
-    tell("panel style " + number(double(s)));
+    record("panel style " + number(double(s)));
     gPanel = self;
     return self;
 }

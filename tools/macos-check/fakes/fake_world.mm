@@ -5,7 +5,7 @@ void fail(const std::string &what)
 {
     world().objections.push_back(what);
 }
-void tell(const std::string &what)
+void record(const std::string &what)
 {
     world().journal.push_back(what);
 }
@@ -68,13 +68,13 @@ void pump()
         }
     }
 }
-int told(const std::string &line)
+int recordedAt(const std::string &line)
 {
     const auto &j = world().journal;
     const auto it = std::find(j.begin(), j.end(), line);
     return it == j.end() ? -1 : int(it - j.begin());
 }
-int timesTold(const std::string &line)
+int timesRecorded(const std::string &line)
 {
     return int(std::count(world().journal.begin(), world().journal.end(), line));
 }

@@ -63,33 +63,17 @@ if [ -z "${BRIMWATCH_BUILD:-}" ]; then
     build_preset release || exit 1
 fi
 
-work=$(mktemp -d "${TMPDIR:-/tmp}/brimwatch-bus-log.XXXXXX")
-session=$work/session logs=$work
-finish()
-{
-    local status=$?
-    trap - EXIT INT TERM
-    end_processes
-    "$root/tools/desktops/panels/$panel.sh" stop "$session"
-    if [ "$status" = 0 ]; then
-        rm -rf "$work"
-    else
-        say "Logs are in $work"
-    fi
-    exit "$status"
-}
-trap finish EXIT
-trap 'exit 130' INT TERM
+begin_work bus-log
 
-enter_desktop "$root/tools/desktops/panels/$panel.sh" "$session"
+enter_desktop "$root/tools/desktops/panels/$panel.sh" "$logs/session"
 # A log that grows without end would fill the disk.
 ulimit -f 4194304
 
 # As messages came, and in words.
 spawn raw dbus-monitor --session --pcap
 spawn log dbus-monitor --session
-monitored() { [ -s "$work/raw.log" ] && [ -s "$work/log.log" ]; }
-wait_for 30 monitored || die "dbus-monitor does not run: $(tail -n 3 "$work"/*.log)"
+monitored() { [ -s "$logs/raw.log" ] && [ -s "$logs/log.log" ]; }
+wait_for 30 monitored || die "dbus-monitor does not run: $(tail -n 3 "$logs"/*.log)"
 
 start_sample_daemon "$build" --speed 60
 token=$(cat "$HOME"/.gemini/antigravity/daemon/*.json | sed -n 's/.*"csrfToken" *: *"\([^"]*\)".*/\1/p')
@@ -97,14 +81,14 @@ token=$(cat "$HOME"/.gemini/antigravity/daemon/*.json | sed -n 's/.*"csrfToken" 
 spawn program "$build/src/app/brimwatch"
 ctl=$build/src/cli/brimwatchctl
 answers() { [ "$("$ctl" status --template '{source} {state}')" = "program connected" ]; }
-wait_for 30 answers || die "the program does not answer: $(tail -n 3 "$work"/*.log)"
+wait_for 30 answers || die "the program does not answer: $(tail -n 3 "$logs"/*.log)"
 spawn watch "$ctl" status --watch --format json
 
 begin=$(now_ms)
 end=$((begin + minutes * 60000))
 while [ "$(now_ms)" -lt "$end" ]; do
     for what in status diagnostics refresh toggle settings toggle; do
-        "$ctl" "$what" >>"$work/asked" 2>>"$work/errors.log" || [ $? = 1 ] || die "brimwatchctl $what failed: $(tail -n 1 "$work/errors.log")"
+        "$ctl" "$what" >>"$logs/asked" 2>>"$logs/errors.log" || [ $? = 1 ] || die "brimwatchctl $what failed: $(tail -n 1 "$logs/errors.log")"
     done
     sleep $((($(now_ms) + 60000 < end ? 60000 : (end > $(now_ms) ? end - $(now_ms) : 0)) / 1000)).2
 done
@@ -112,13 +96,13 @@ done
 found_in() { grep -qaF -- "$2" "$1"; }
 leaked=''
 for file in raw.log log.log watch.log asked; do
-    if found_in "$work/$file" "$token"; then leaked+=" $file"; fi
+    if found_in "$logs/$file" "$token"; then leaked+=" $file"; fi
 done
-cp "$work/log.log" "$work/until-now"
+cp "$logs/log.log" "$logs/until-now"
 # Would it have been found? A message with it says so.
 dbus-send --session --type=signal / app.brimwatch.Test.Token "string:$token"
-wait_for 30 found_in "$work/raw.log" "$token" || die "the token of a message made for that is not found: the search is broken"
-wait_for 30 found_in "$work/log.log" "$token" || die "the token of a message made for that is not found: the search is broken"
+wait_for 30 found_in "$logs/raw.log" "$token" || die "the token of a message made for that is not found: the search is broken"
+wait_for 30 found_in "$logs/log.log" "$token" || die "the token of a message made for that is not found: the search is broken"
 
 # Signals by kind. The program has two names on the bus, each with a number of its own: all but the bus's own signals count.
 awk -v minutes="$minutes" '
@@ -138,8 +122,8 @@ awk -v minutes="$minutes" '
     END {
         printf "%d minutes: %d signals, %d calls\n", minutes, signals, calls
         for (kind in kinds) printf "%8d  %s\n", kinds[kind], kind | "sort -k1,1nr -k2"
-    }' "$work/until-now"
-changes=$(grep -c 'path=/app/brimwatch/Brimwatch; interface=org.freedesktop.DBus.Properties; member=PropertiesChanged' "$work/until-now" || true)
+    }' "$logs/until-now"
+changes=$(grep -c 'path=/app/brimwatch/Brimwatch; interface=org.freedesktop.DBus.Properties; member=PropertiesChanged' "$logs/until-now" || true)
 echo "PropertiesChanged of app.brimwatch.Brimwatch: $changes"
 [ "$changes" -gt 0 ] || die "the program has told of no change: nothing was watched"
 [ -z "$leaked" ] || die "the token was in:$leaked"

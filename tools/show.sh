@@ -29,23 +29,8 @@ fi
 mkdir -p "$1"
 pictures=$(cd "$1" && pwd)
 build=${BRIMWATCH_BUILD:-$root/build/release}
-logs=$(mktemp -d "${TMPDIR:-/tmp}/brimwatch-show.XXXXXX")
+begin_work show
 xfce4=$root/tools/desktops/panels/xfce4.sh session=$logs/session users_home=$HOME
-finish()
-{
-    local status=$?
-    trap - EXIT INT TERM
-    end_processes
-    "$xfce4" stop "$session"
-    if [ "$status" = 0 ] || [ "$status" = 130 ]; then
-        rm -rf "$logs"
-    else
-        say "Logs are in $logs"
-    fi
-    exit "$status"
-}
-trap finish EXIT
-trap 'exit 130' INT TERM
 
 shot() { "$root/tools/desktops/lib/shot.sh" "$@" 2>>"$logs/pictures.log" || die "no picture, see $logs/pictures.log"; }
 click() { "$root/tools/desktops/lib/click.sh" "$@"; }

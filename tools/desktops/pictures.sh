@@ -21,19 +21,11 @@ panel=$1
 script=$root/tools/desktops/panels/$panel.sh
 build=${BRIMWATCH_BUILD:-$root/build/dev}
 picture=$root/docs/pictures/panels/$panel.png
-out=$(mktemp -d "${TMPDIR:-/tmp}/brimwatch-pictures.XXXXXX")
-session=$out/session logs=$out program_pid=''
-finish()
-{
-    end_processes
-    "$script" stop "$session"
-    rm -rf "$out"
-}
-trap finish EXIT
-trap 'exit 130' INT TERM
+begin_work pictures
+out=$logs
 mkdir -p "$out/pictures" "${picture%/*}"
 
-CLOCK=off enter_desktop "$script" "$session"
+CLOCK=off enter_desktop "$script" "$logs/session"
 shot() { "$root/tools/desktops/lib/shot.sh" "$out/pictures/$1.png" ${2:+"$2"}; }
 click() { "$root/tools/desktops/lib/click.sh" "$@"; }
 # shellcheck source=lib/on-panel.sh

@@ -35,9 +35,35 @@ start_sample_daemon()
     wait_for 30 grep -q '^ready ' "${logs:?}/daemon.log" || die "the sample daemon did not start: $(tail -n 3 "$logs/daemon.log")"
 }
 
+# begin_work NAME: makes the folder `logs`. With the script ends what it has spawned, and the desktop that it has entered; the
+# folder stays when the script fails.
+begin_work()
+{
+    logs=$(mktemp -d "${TMPDIR:-/tmp}/brimwatch-$1.XXXXXX")
+    trap end_work EXIT
+    trap 'exit 130' INT TERM
+}
+
+# shellcheck disable=SC2317
+end_work()
+{
+    local status=$?
+    trap - EXIT INT TERM
+    end_processes
+    [ ${#entered[@]} = 0 ] || "${entered[0]}" stop "${entered[1]}"
+    if [ "$status" = 0 ] || [ "$status" = 130 ]; then
+        rm -rf "$logs"
+    else
+        say "Logs are in $logs"
+    fi
+    exit "$status"
+}
+
+entered=()
 # enter_desktop SCRIPT DIR [OPTION...]: starts a desktop of tools/desktops, in whose session everything is from then on.
 enter_desktop()
 {
+    entered=("$1" "$2")
     "$1" start "${@:2}" >/dev/null 2>"${logs:?}/session.log" || {
         tail -n 3 "$logs/session.log" >&2
         die "${1##*/} does not start, logs in $2/log"

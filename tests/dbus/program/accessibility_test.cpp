@@ -12,11 +12,13 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLibraryInfo>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QSaveFile>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QVersionNumber>
 
 #include <xcb/xcb.h>
 
@@ -43,7 +45,9 @@ QString quoted(const QString &text)
 QStringList notableStates(const AccessibleNode &node)
 {
     QStringList states = node.states;
-    for (const QString &state : {u"enabled"_s, u"sensitive"_s, u"visible"_s, u"showing"_s})
+    // Qt 6.4 does not hand on that a check box is checkable, Qt 6.8 does.
+    for (const QString &state :
+        {u"enabled"_s, u"sensitive"_s, u"visible"_s, u"showing"_s, u"checkable"_s})
         states.removeAll(state);
     if (!node.is(u"sensitive"_s))
         states.append(u"disabled"_s);
@@ -67,7 +71,8 @@ QString dump(const AccessibleNode &node, qsizetype depth = 0)
     }
     if (!node.text.isEmpty())
         line += " text "_L1 + quoted(node.text);
-    if (!node.description.isEmpty())
+    // Qt 6.4 describes a window by its name, of which a screen reader says nothing more.
+    if (!node.description.isEmpty() && node.description != node.name)
         line += " described as "_L1 + quoted(node.description);
     if (!node.actions.isEmpty())
         line += " does "_L1 + node.actions.join(", "_L1);
@@ -429,7 +434,9 @@ void AccessibilityTest::compare(
     QVERIFY2(!wanted.isEmpty(), qPrintable(path));
     const bool agrees = QTest::qWaitFor(
         [&] {
-            found = read();
+            // What changes while it is read reads as nothing, which shows no difference.
+            if (const QString now = read(); !now.isEmpty())
+                found = now;
             return found == wanted;
         },
         timeout);
@@ -454,7 +461,10 @@ void AccessibilityTest::theLoadingStateReadsAsItsDump()
     QVERIFY(session.awaitOne(u"push button"_s, u"Retry Connection"_s));
     QVERIFY(session.startDaemon({u"--misbehave"_s, u"hang"_s}));
     // Each try ends some seconds later; what is read must be read before.
-    compare(u"loading.txt"_s, u"The dashboard while the first quota is asked for."_s, [&] {
+    // Of a disabled button Qt 6.4 says neither that it is, nor that it cannot have the keyboard.
+    const bool saysDisabled = QLibraryInfo::version() >= QVersionNumber(6, 8);
+    const QString name = saysDisabled ? u"loading-qt-6.8.txt"_s : u"loading.txt"_s;
+    compare(name, u"The dashboard while the first quota is asked for."_s, [&] {
         if (const auto retry = session.one(u"push button"_s, u"Retry Connection"_s))
             m_bus.act(*retry, u"Press"_s);
     });

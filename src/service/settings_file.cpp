@@ -1,10 +1,11 @@
 #include "service/settings_file.h"
 
+#include "core/replace_file.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
-#include <QSaveFile>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -257,15 +258,6 @@ QByteArray withLine(const QByteArray &content, const QByteArray &key, const QByt
     return lines.join();
 }
 
-bool replaceFile(const QString &path, const QByteArray &content)
-{
-    if (!QDir().mkpath(QFileInfo(path).path()))
-        return false;
-    QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size()
-        && file.commit();
-}
-
 } // namespace
 
 SettingsFile::SettingsFile(QString path, const QList<QByteArray> &keys)
@@ -324,7 +316,8 @@ void SettingsFile::write()
         for (const QByteArray &key : std::as_const(keys))
             content = withLine(*content, key, key + '=' + writtenValue(m_values.value(key)) + '\n');
     }
-    if (!content || content->size() > largestFile || !replaceFile(m_path, *content)) {
+    if (!content || content->size() > largestFile || !QDir().mkpath(QFileInfo(m_path).path())
+        || !replaceFile(m_path, *content)) {
         qCDebug(settingsLog, "The settings cannot be written to %ls; they hold until the end",
             qUtf16Printable(m_path));
         return;

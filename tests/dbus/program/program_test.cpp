@@ -150,7 +150,10 @@ private Q_SLOTS:
         const QString upgrade = QDir::home().filePath(u"brimwatch.new"_s);
         QVERIFY(QFile::copy(QStringLiteral(BRIMWATCH_PROGRAM), path));
         QVERIFY(QFile::copy(QStringLiteral(BRIMWATCH_PROGRAM), upgrade));
-        Program program(Program::usual(), path);
+        // A copy finds no libraries beside itself.
+        auto environment = Program::usual();
+        environment.insert(u"LD_LIBRARY_PATH"_s, QStringLiteral(BRIMWATCH_LIBRARIES));
+        Program program(environment, path);
         QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), timeout);
         const QString owner = m_caller.owner();
         const QString link = u"/proc/%1/exe"_s.arg(program.pid());

@@ -1,5 +1,6 @@
 #include "platform/linux/desktop/autostart_login_item.h"
 
+#include "core/replace_file.h"
 #include "platform/linux/desktop/desktop_entry.h"
 #include "platform/opener.h"
 
@@ -7,7 +8,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <QUrl>
 
@@ -162,12 +162,9 @@ Result<void, QString> AutostartLoginItem::registerItem()
     const QFileInfo standing(file());
     if (!standing.isFile() && !standing.isDir() && (standing.exists() || standing.isSymLink()))
         QFile::remove(file());
-    QSaveFile written(file());
-    const QByteArray bytes = entry->toBytes();
-    if (!written.open(QIODevice::WriteOnly) || written.write(bytes) != bytes.size()
-        || !written.commit())
-        return fail(u"%1: %2"_s.arg(file(), written.errorString()));
-    return {};
+    return replaceFile(file(), entry->toBytes()).map_error([this](const QString &error) {
+        return u"%1: %2"_s.arg(file(), error);
+    });
 }
 
 Result<void, QString> AutostartLoginItem::unregisterItem()

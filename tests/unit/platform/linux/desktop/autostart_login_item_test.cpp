@@ -1,6 +1,7 @@
 #include "platform/linux/desktop/autostart_login_item.h"
 #include "platform/linux/desktop/desktop_entry.h"
 #include "platform/opener.h"
+#include "support/full_disk.h"
 
 #include <QDir>
 #include <QFile>
@@ -415,6 +416,22 @@ private Q_SLOTS:
         }
         QCOMPARE(m_opener.opened, QList<QUrl>());
         QTRY_COMPARE(contentsOf(started()), QString(programs.filePath(command) + u'\n').toUtf8());
+    }
+
+    void aFullDiskIsAnErrorAndLeavesTheEntry()
+    {
+        const QByteArray before(
+            "[Desktop Entry]\nType=Application\nName=B\nExec=true\nHidden=true\n");
+        write(before);
+        {
+            const test::FullDisk disk;
+            const auto registered = item()->registerItem();
+            QVERIFY(!registered);
+            QVERIFY(registered.error().contains(entryFile()));
+        }
+        QCOMPARE(contents(), before);
+        QVERIFY(item()->registerItem());
+        QCOMPARE(item()->status(), Status::enabled);
     }
 
 private:

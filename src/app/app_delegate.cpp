@@ -1,5 +1,6 @@
 #include "app/app_delegate.h"
 
+#include "app/state_description.h"
 #include "platform/application_presence.h"
 #include "platform/notifier.h"
 #include "platform/remote_control.h"
@@ -19,7 +20,8 @@ AppDelegate::AppDelegate(
     , m_discovery(m_home)
     , m_fetchClient(m_discovery, m_clock)
     , m_launchAtLogin(m_desktop.loginItem)
-    , m_alerts(m_clock, m_settings, m_desktop.notifier)
+    , m_alerts(m_clock, m_settings, m_desktop.notifier,
+          [this](const QString &text) { return redacted(text); })
 {
 }
 
@@ -91,6 +93,13 @@ void AppDelegate::connectRemoteControl()
     QObject::connect(remote, &RemoteControl::quitRequested, controller,
         [this] { m_desktop.presence.terminate(); });
     m_remoteAccess.emplace(*m_quotaService, *m_diagnostics, *remote, m_home);
+}
+
+QString AppDelegate::redacted(const QString &text) const
+{
+    // Alerts come after the first refresh, when the service is there.
+    constexpr qsizetype longest = 1000;
+    return redactorFor(*m_quotaService, m_home).line(text, longest);
 }
 
 void AppDelegate::closePopover()

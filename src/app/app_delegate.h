@@ -49,6 +49,7 @@ private:
     std::unique_ptr<StatusBarController> makeStatusBarController();
     void connectRemoteControl();
     void closePopover();
+    QString redacted(const QString &text) const;
 
     platform::Desktop m_desktop;
     service::SettingsStore &m_settings;

@@ -67,9 +67,9 @@ ItemDescription describeItem(const service::QuotaService &service)
     ItemDescription description;
     description.title = redactor.line(service.menuBarTitle(), longestTitle);
     const auto &status = service.connectionStatus();
-    if (status.isOffline() && service.lastUpdated())
+    if (const auto updated = service.lastUpdated(); status.isOffline() && updated)
         description.title += " (last update: "_L1
-            + DateStyles::user().dateAbbreviatedTimeStandard(*service.lastUpdated()) + u')';
+            + DateStyles::user().dateAbbreviatedTimeStandard(*updated) + u')';
     if (const auto &summary = service.quotaSummary()) {
         const auto room = ItemDescription::mostLines - (status.isConnected() ? 0 : 1);
         if (countBuckets(*summary) <= room)

@@ -96,7 +96,7 @@ PublishedState describeState(const service::QuotaService &service, const QString
         state.connection = Connection::Offline;
         state.error = publisher.text(status.displayText());
     }
-    if (const auto &updated = service.lastUpdated())
+    if (const auto updated = service.lastUpdated())
         state.lastUpdate = updated->toSecsSinceEpoch();
     state.title = publisher.text(service.menuBarTitle());
     const auto items = service.toolbarStatItems().mid(0, PublishedState::mostItems);

@@ -1,5 +1,6 @@
 #include "core/clock.h"
 
+#include <QTimeZone>
 #include <QTimer>
 
 #include <algorithm>
@@ -28,6 +29,21 @@ private:
 };
 
 } // namespace
+
+QDateTime inZoneOf(const QDateTime &other, const QDateTime &moment)
+{
+    switch (other.timeSpec()) {
+    case Qt::LocalTime:
+        return moment.toLocalTime();
+    case Qt::UTC:
+        return moment.toUTC();
+    case Qt::OffsetFromUTC:
+        return moment.toOffsetFromUtc(other.offsetFromUtc());
+    case Qt::TimeZone:
+        break;
+    }
+    return moment.toTimeZone(other.timeZone());
+}
 
 QDateTime SystemClock::now() const
 {

@@ -8,6 +8,9 @@
 
 namespace brimwatch {
 
+/// The same moment in the time zone of `other`.
+QDateTime inZoneOf(const QDateTime &other, const QDateTime &moment);
+
 /// A timer that runs until it is destroyed.
 class RepeatingTimer {
 public:

@@ -1,5 +1,6 @@
 #include "model/quota_records.h"
 
+#include "core/clock.h"
 #include "model/family_names.h"
 #include "model/percent.h"
 
@@ -14,22 +15,6 @@ namespace brimwatch::model {
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-/// The same moment in the time zone of `other`.
-QDateTime inZoneOf(const QDateTime &other, const QDateTime &date)
-{
-    switch (other.timeSpec()) {
-    case Qt::LocalTime:
-        return date.toLocalTime();
-    case Qt::UTC:
-        return date.toUTC();
-    case Qt::OffsetFromUTC:
-        return date.toOffsetFromUtc(other.offsetFromUtc());
-    case Qt::TimeZone:
-        break;
-    }
-    return date.toTimeZone(other.timeZone());
-}
 
 /// A bucket's place in its card. Deliberate: the id counts as well, case-sensitively. A bucket with
 /// "5h" in its id ranks as a five-hour bucket whatever its window, but only here: the label goes by

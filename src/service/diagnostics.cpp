@@ -74,7 +74,7 @@ QString Diagnostics::appVersionString() const
 
 QString Diagnostics::lastUpdateString() const
 {
-    const auto &updated = m_quotaService.lastUpdated();
+    const auto updated = m_quotaService.lastUpdated();
     return updated ? DateStyles::user().dateAbbreviatedTimeStandard(*updated) : u"Never"_s;
 }
 

@@ -3,6 +3,8 @@
 #include <QSet>
 #include <QString>
 
+#include <functional>
+
 namespace brimwatch {
 class Clock;
 }
@@ -32,8 +34,12 @@ public:
     /// As many alerts are remembered, also for buckets that are no longer in the daemon's answer.
     static constexpr qsizetype longestMemory = 4096;
 
+    /// What is private taken out of a text that leaves the program.
+    using Redact = std::function<QString(const QString &)>;
+
     /// All references outlive the alerts.
-    LowQuotaAlerts(const Clock &clock, const SettingsStore &settings, platform::Notifier &notifier);
+    LowQuotaAlerts(const Clock &clock, const SettingsStore &settings, platform::Notifier &notifier,
+        Redact redact);
 
     /// Asks the desktop once whether we may notify, without waiting for the answer.
     void requestNotificationPermission();
@@ -45,7 +51,8 @@ private:
     const Clock &m_clock;
     const SettingsStore &m_settings;
     platform::Notifier &m_notifier;
-    QSet<QString> m_lastNotifiedBucketIds;
+    Redact m_redact;
+    QSet<QString> m_lastNotifiedBucketIds; ///< As boundedId() has them.
 };
 
 } // namespace brimwatch::service

@@ -123,7 +123,7 @@ void QuotaService::refresh()
     // Cleared before the answer is known, so that an offline view without data shows the refresh.
     changeState(&QuotaService::m_errorMessage, std::optional<QString>(),
         &QuotaService::errorMessageChanged);
-    whenDone(m_fetching.fetchQuotaSummary(m_lastUpdated), this,
+    whenDone(m_fetching.fetchQuotaSummary(lastUpdated()), this,
         [this](const FetchResult &result) { apply(result); });
 }
 
@@ -140,7 +140,7 @@ void QuotaService::apply(const FetchResult &result)
         changeState(&QuotaService::m_connectionStatus,
             ConnectionStatus::connected(askedPort(result->daemon)),
             &QuotaService::connectionStatusChanged);
-        changeState(&QuotaService::m_lastUpdated, std::optional(m_clock.now()),
+        changeState(&QuotaService::m_lastUpdated, std::optional(m_clock.now().toUTC()),
             &QuotaService::lastUpdatedChanged);
         change(&QuotaService::m_isRefreshing, false, &QuotaService::isRefreshingChanged);
         if (m_alerts != nullptr)
@@ -253,6 +253,11 @@ void QuotaService::setShowClaudeInToolbar(bool show)
 void QuotaService::setToolbarLabelStyle(const QString &rawValue)
 {
     changeSetting(settings::toolbarLabelStyle, rawValue, &QuotaService::toolbarLabelStyleChanged);
+}
+
+std::optional<QDateTime> QuotaService::lastUpdated() const
+{
+    return m_lastUpdated ? std::optional(inZoneOf(m_clock.now(), *m_lastUpdated)) : std::nullopt;
 }
 
 model::ColorToken QuotaService::menuBarNSTint() const

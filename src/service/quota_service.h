@@ -72,7 +72,8 @@ public:
     const std::optional<model::QuotaSummary> &quotaSummary() const { return m_quotaSummary; }
     const std::optional<discovery::DaemonInfo> &activeDaemon() const { return m_activeDaemon; }
     const ConnectionStatus &connectionStatus() const { return m_connectionStatus; }
-    const std::optional<QDateTime> &lastUpdated() const { return m_lastUpdated; }
+    /// In the user's time zone of now, also after a move to another zone.
+    std::optional<QDateTime> lastUpdated() const;
     bool isRefreshing() const { return m_isRefreshing; }
     const std::optional<QString> &errorMessage() const { return m_errorMessage; }
     /// Set each second.
@@ -202,7 +203,7 @@ private:
     std::optional<model::QuotaSummary> m_quotaSummary;
     std::optional<discovery::DaemonInfo> m_activeDaemon;
     ConnectionStatus m_connectionStatus;
-    std::optional<QDateTime> m_lastUpdated;
+    std::optional<QDateTime> m_lastUpdated; ///< In UTC: a local time moves with the zone.
     bool m_isRefreshing = false;
     std::optional<QString> m_errorMessage;
     QDateTime m_currentTime;

@@ -54,7 +54,8 @@ struct ServiceParts {
     TestClock clock;
     FakeFetching fetching;
     FakeNotifier notifier;
-    service::LowQuotaAlerts alerts{clock, settings, notifier};
+    service::LowQuotaAlerts alerts{
+        clock, settings, notifier, [](const QString &text) { return text; }};
     FakeLoginItem loginItem;
     service::LaunchAtLoginService launchAtLogin{loginItem};
 };

@@ -161,7 +161,7 @@ void PopoverModel::readBody()
 
 void PopoverModel::readUpdated()
 {
-    const auto &lastUpdated = m_service.lastUpdated();
+    const auto lastUpdated = m_service.lastUpdated();
     const auto &now = m_service.currentTime();
     const QString waiting = u"Waiting for update"_s;
     if (assign(m_updatedText, lastUpdated ? "Updated "_L1 + timeAgo(*lastUpdated, now) : waiting))

@@ -56,6 +56,31 @@ private Q_SLOTS:
         QCOMPARE(alert.body, u"Five-hour limit has dropped to 8.0%. Fully refreshes in 3h 12m."_s);
     }
 
+    void whatIsPrivateIsTakenOutOfTheText()
+    {
+        LowQuotaAlerts alerts(m_parts->clock, m_parts->settings, m_parts->notifier,
+            [](QString text) { return text.replace(u"secret"_s, u"…"_s); });
+        auto bucket = fiveHours(0.08);
+        bucket.displayName = u"A secret limit"_s;
+        alerts.checkLowQuotaNotifications(gemini({bucket}));
+        QVERIFY(m_parts->notifier.posted.constFirst().body.startsWith(u"A … limit has dropped"));
+    }
+
+    void longIdsAreToldApartAndNotKept()
+    {
+        const QString id(100'000, u'x');
+        auto one = fiveHours(0.08);
+        one.bucketId = id + u'1';
+        auto other = fiveHours(0.08);
+        other.bucketId = id + u'2';
+        m_alerts->checkLowQuotaNotifications(gemini({one, other}));
+        m_alerts->checkLowQuotaNotifications(gemini({one, other}));
+        const auto &posted = m_parts->notifier.posted;
+        QCOMPARE(posted.size(), 2);
+        QVERIFY(posted.at(0).identifier != posted.at(1).identifier);
+        QVERIFY(posted.at(0).identifier.size() < 100);
+    }
+
     void theTextTakesTheCountdownAsItIs_data()
     {
         QTest::addColumn<QString>("resetTime");
@@ -218,7 +243,8 @@ private Q_SLOTS:
     void afterARestartWhatIsLowIsAnnouncedOnceMore()
     {
         m_alerts->checkLowQuotaNotifications(gemini({fiveHours(0.1)}));
-        LowQuotaAlerts restarted(m_parts->clock, m_parts->settings, m_parts->notifier);
+        LowQuotaAlerts restarted(m_parts->clock, m_parts->settings, m_parts->notifier,
+            [](const QString &text) { return text; });
         restarted.checkLowQuotaNotifications(gemini({fiveHours(0.1)}));
         QCOMPARE(m_parts->notifier.posted.size(), 2);
     }

@@ -225,6 +225,18 @@ private Q_SLOTS:
         QCOMPARE(m_service->connectionStatus(), ConnectionStatus::offline(text));
     }
 
+    void theLastUpdateIsToldInTheTimeZoneOfNow()
+    {
+        makeServiceThatFetches();
+        m_parts->fetching.answer(success());
+        QTRY_VERIFY(m_service->lastUpdated());
+        // After a flight.
+        constexpr int nineHours = 9 * 3600;
+        m_parts->clock.setNow(start.addSecs(60).toOffsetFromUtc(nineHours));
+        QCOMPARE(m_service->lastUpdated(), start);
+        QCOMPARE(m_service->lastUpdated()->offsetFromUtc(), nineHours);
+    }
+
     void theChangesOfOneTurnAreToldOnceWhenAllAreStored()
     {
         makeServiceThatFetches();

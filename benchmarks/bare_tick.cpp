@@ -1,5 +1,5 @@
-// A Qt program that does nothing but look at the clock each second: what of an idle program's time
-// is its toolkit's.
+// A Qt program that only reads the clock each second: the part of an idle program's time that Qt
+// itself takes.
 #include <QDateTime>
 #include <QGuiApplication>
 #include <QTimer>

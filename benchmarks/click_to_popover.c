@@ -5,7 +5,7 @@
  * click's time runs from the press to the first moment at which the popover's window (380 x 490)
  * shows what it shows once it has come to rest: at every change of the screen the picture is read
  * back, and the earliest one that equals the last one counts. A countdown's digits may differ: one
- * pixel in 200 is forgiven, but none among the buttons, the right half of the lowest 40 rows.
+ * pixel in 200 may differ, but none among the buttons, the right half of the lowest 40 rows.
  * Those rows must also hold something. Prints `first MS` and `later MS` lines. The popover is closed
  * with a press of Escape each time.
  *
@@ -252,7 +252,7 @@ static void close_popover(uint8_t escape)
             fail("Escape does not close the popover");
         changed(now() + 20, NULL);
     }
-    /* The program is deaf to the click that closed it for a quarter of a second. */
+    /* For a quarter of a second the program ignores the click that closed it. */
     pause_for(GuardMs);
 }
 
@@ -360,8 +360,8 @@ int main(int argc, char **argv)
         fail("out of memory");
     const uint8_t escape = escape_key();
     /* The program has only just registered: nobody clicks before its item has come to rest. */
-    const double patience = now() + GiveUpMs;
-    while (changed(now() + 1500, NULL) && now() < patience)
+    const double deadline = now() + GiveUpMs;
+    while (changed(now() + 1500, NULL) && now() < deadline)
         continue;
     if (!find(screen->root, 0, 0, &item))
         fail("the item went away");

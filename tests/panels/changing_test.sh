@@ -11,8 +11,8 @@ square_as() { [ "${1:-0}" -ge 8 ] && [ "${1:-0}" -le $((2 * ${2:-1})) ]; }
 
 embedded_size() { embedded_items "$program_pid" | head -n 1 | cut -d ' ' -f 3,4; }
 
-# stands_as wide|square|registered: once, so, and in no other way.
-stands_as()
+# shown_as wide|square|registered: the item is shown once, in that form, and in no other.
+shown_as()
 {
     case $1 in
         wide | square)
@@ -33,7 +33,7 @@ start_program
 
 while read -r kind form; do
     needed "$kind starts" panel_of_kind "$kind"
-    check "the item stands on $kind in the way that suits it" wait_for 30 stands_as "$form"
+    check "the item is shown on $kind in the form that suits it" wait_for 30 shown_as "$form"
     if [ "$form" != registered ]; then
         click_embedded
         check "a click on $kind opens the popover" wait_for 30 shown
@@ -53,12 +53,12 @@ KINDS
 
 # Two at a time: the item stays where it is well, and goes on where the other is left.
 panel_of_kind trayer
-needed "trayer is back" wait_for 30 stands_as wide
+needed "trayer is back" wait_for 30 shown_as wide
 first=$(cat "$session/panel.pid")
 panel_of_kind lxqt
-check "the item stays on trayer when lxqt comes beside it" wait_for 30 stands_as wide
+check "the item stays on trayer when lxqt comes beside it" wait_for 30 shown_as wide
 end_process "$first"
-check "and is on lxqt when trayer has gone" wait_for 30 stands_as registered
+check "and is on lxqt when trayer has gone" wait_for 30 shown_as registered
 panel_of_kind trayer
-check "and on trayer again when that comes back" wait_for 30 stands_as wide
+check "and on trayer again when that comes back" wait_for 30 shown_as wide
 check "the program has run all the while" alive "$program_pid"

@@ -4,7 +4,7 @@
 # shellcheck source=../support/desktop_test.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../support/desktop_test.sh"
 
-# How often the first who said it did: the shell's own server hands each on, which is seen on the bus once more.
+# How often the first sender sent it. The shell's own server forwards each notification, so the bus sees it once more.
 told()
 {
     awk '/^method call/ { sender = $4 }
@@ -29,7 +29,7 @@ banner_place()
     largest_difference "$out/pictures/black.png" "$out/pictures/now.png" "$((screen_width / 2))x160+$((screen_width / 4))+32"
 }
 banner_shown() { [ -n "$(banner_place)" ]; }
-# A banner stays as long as it takes somebody for away from the screen.
+# The shell keeps a banner while it believes that nobody is at the screen.
 no_banner_shown()
 {
     click 60 $((screen_height - 60)) 0

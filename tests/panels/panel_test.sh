@@ -93,8 +93,8 @@ beside_the_item()
     [ "$x" -le $((ix + iw)) ] && [ $((x + width)) -ge "$ix" ] && [ "$y" -ge $((iy - 2)) ] && [ "$y" -le $((iy + ih + 48)) ]
 }
 
-# A click that closed the popover must not open it again, so the program is deaf for a quarter of a
-# second; a person's next click comes later than that.
+# A click that closed the popover must not open it again, so the program ignores clicks for a
+# quarter of a second; a person's next click comes later than that.
 past_the_guard() { sleep 0.4; }
 
 # Presses just within its edges, where nothing is to be pressed: they must not count as presses elsewhere. Where it is
@@ -123,7 +123,7 @@ restart_panel()
     "$script" crash "$session" && "$script" panel "$session" && wait_for 30 item_is_there_once
 }
 
-# crash_panel_again_and_again: the first time is on the house, for what is loaded with it.
+# crash_panel_again_and_again: the first crash is not measured, because it loads what later ones find loaded.
 crash_panel_again_and_again()
 {
     local i before after
@@ -168,7 +168,7 @@ check "the start opens no window" no_window_is_open
 check "it shows a healthy quota in green" wait_for 30 label_has green
 check "it shows a low quota in orange" wait_for 30 label_has orange
 [ "$form" != wide ] || check "the label is drawn in its whole width" label_is_wide
-# Of a wide label that the panel draws no more is known than what is to be seen of it.
+# Where the panel draws a wide label itself, a clipped one cannot be told from a whole one.
 if [ "$form" = badge ] || item_is_a_window; then
     check "nothing of the label is cut off" wait_for 30 nothing_is_clipped
 fi
@@ -211,7 +211,7 @@ if check "a right click opens it too" wait_for 30 shown; then
     past_the_guard
 fi
 if [ -n "${BRIMWATCH_LAYERS:-}" ]; then
-    check "toggled in a hurry it opens still" toggled_in_a_hurry
+    check "after quick toggling it still opens" toggled_in_a_hurry
     key Escape
     check "and closes" wait_for 30 hidden
 fi

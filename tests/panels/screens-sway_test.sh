@@ -170,7 +170,7 @@ for output in 1 2 3 4; do
         for other in "${others[@]}"; do check "it is not on output $other" not_shown_on "$other"; done
         click $((left[${others[-1]}] + 200)) $((top[${others[-1]}] + 400))
         check "a click on another output closes it" wait_for 30 not_shown_on $output
-        sleep 0.4 # The program is deaf for a quarter of a second, so that one click is not two.
+        sleep 0.4 # The program ignores clicks for a quarter of a second, so that one click is not two.
     fi
 done
 

@@ -49,7 +49,7 @@ check "Escape closes it" wait_for 30 hidden
 check "brimwatchctl opens it" wait_for 30 shown
 click_elsewhere
 check "a click on another window closes it" wait_for 30 hidden
-check "toggled in a hurry it opens still" toggled_in_a_hurry
+check "after quick toggling it still opens" toggled_in_a_hurry
 "$ctl" toggle
 check "and closes" wait_for 30 hidden
 "$ctl" settings

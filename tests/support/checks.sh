@@ -2,7 +2,7 @@
 # Checks that are counted, and processes that end with the test; sourced after common.sh. The script that sources it
 # prints a line a check and `N passed, N failed` last, and fails when a check did or there was none.
 #
-#   label          set before: what stands before each check's sentence
+#   label          set before: the prefix of each check's sentence
 #   clean_up       redefined: what else is to be undone at the end
 #   check_failed   redefined: what is to be kept of a failure, whose number is $failed
 #   logs_are       redefined: says where the logs are, after a failure

@@ -18,7 +18,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr int patience = 30'000; // Milliseconds; nothing that works comes near it.
+constexpr int timeout = 30'000; // Milliseconds; nothing that works comes near it.
 
 SampleDaemonProcess::Request requestIn(const QJsonObject &object)
 {
@@ -86,15 +86,15 @@ std::optional<SampleDaemonProcess::Stats> SampleDaemonProcess::stats() const
     QSslSocket socket;
     if (m_httpPort != 0) {
         socket.connectToHost(u"127.0.0.1"_s, m_httpPort);
-        socket.waitForConnected(patience);
+        socket.waitForConnected(timeout);
     } else {
         socket.setPeerVerifyMode(QSslSocket::VerifyNone);
         socket.connectToHostEncrypted(u"127.0.0.1"_s, m_httpsPort);
-        socket.waitForEncrypted(patience);
+        socket.waitForEncrypted(timeout);
     }
     socket.write("GET /__stats HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
 
-    const QDeadlineTimer deadline(patience);
+    const QDeadlineTimer deadline(timeout);
     QByteArray answer;
     while (!deadline.hasExpired()) {
         const auto bodyStart = answer.indexOf("\r\n\r\n") + 4;
@@ -132,7 +132,7 @@ bool SampleDaemonProcess::terminate()
     if (m_process.state() == QProcess::NotRunning)
         return false;
     m_process.terminate();
-    const bool ended = m_process.waitForFinished(patience);
+    const bool ended = m_process.waitForFinished(timeout);
     readLines();
     return ended && m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == 0;
 }
@@ -140,12 +140,12 @@ bool SampleDaemonProcess::terminate()
 void SampleDaemonProcess::kill()
 {
     m_process.kill();
-    m_process.waitForFinished(patience);
+    m_process.waitForFinished(timeout);
 }
 
 bool SampleDaemonProcess::waitForReadyLine()
 {
-    const QDeadlineTimer deadline(patience);
+    const QDeadlineTimer deadline(timeout);
     readLines();
     while (m_readyLinesSeen == m_readyLines && !deadline.hasExpired()) {
         if (!m_process.waitForReadyRead(int(deadline.remainingTime())))

@@ -77,12 +77,12 @@ TextScaling Session::textScaling() const
     switch (m_kind) {
     case SessionKind::X11:
     case SessionKind::Xwayland:
-        return TextScaling::Toolkits;
+        return TextScaling::Qt;
     case SessionKind::LayerShell:
     case SessionKind::PlainWindow:
         break;
     }
-    return TextScaling::Ours;
+    return TextScaling::Brimwatch;
 }
 
 std::unique_ptr<Popover> Session::makePopover(PopoverContentFactory factory, XConnection &x) const

@@ -59,7 +59,6 @@ public:
     ~Session();
     Q_DISABLE_COPY_MOVE(Session)
 
-    SessionKind kind() const { return m_kind; }
     TextScaling textScaling() const;
     std::unique_ptr<Popover> makePopover(PopoverContentFactory factory, XConnection &x) const;
 

@@ -270,7 +270,7 @@ public:
         return before
             && QTest::qWaitFor(
                 [&] {
-                    // It is deaf while its arrow turns.
+                    // It ignores presses while it refreshes.
                     const auto button = one(u"push button"_s, u"Refresh Quota"_s);
                     if (!button || !m_bus.act(*button, u"Press"_s))
                         return false;

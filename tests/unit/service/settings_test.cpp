@@ -73,7 +73,7 @@ private Q_SLOTS:
         const SettingsStore::UserDefaults defaults{.domain = u"app.brimwatch.Brimwatch"_s};
         {
             SettingsStore store(defaults);
-            // The toolkit turns the first part round where domains are what it looks for.
+            // QSettings reverses the first part only on macOS.
             QVERIFY(store.fileName().endsWith(u"/brimwatch.app/Brimwatch.conf"_s));
             expectDefaults(store);
             store.setValue(settings::lowQuotaThreshold, 35);
@@ -404,7 +404,7 @@ private Q_SLOTS:
     void theUsersStoreLiesInTheConfigurationFolderAndNothingElseCounts()
     {
         const QString folder = QDir::homePath() + u"/.config";
-        // Where the toolkit would look for what several programs share.
+        // QSettings would read this one too: it is for several programs of one organization.
         QVERIFY(QDir().mkpath(folder));
         {
             QFile shared(folder + u"/brimwatch.conf");

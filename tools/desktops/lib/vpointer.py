@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Virtual pointer for wlroots compositors (a headless seat has no pointer at all).
 
-vpointer.py serve                 hold a zwlr_virtual_pointer_v1; obey $XDG_RUNTIME_DIR/vpointer
+vpointer.py serve                 hold a zwlr_virtual_pointer_v1; run the commands that are written into $XDG_RUNTIME_DIR/vpointer
 vpointer.py click X Y BUTTON      4 and 5 are the wheel, 0 only moves the pointer there
 Places are those of sway's layout, in which an output may begin left of 0 or above it.
 No dependency: speaks the Wayland wire protocol itself.

@@ -239,7 +239,7 @@ DesktopAppearance::Look DesktopAppearance::look() const
             look.fontFamily = familyOfFontDescription(font);
     }
 
-    if (m_textScaling == TextScaling::Ours) {
+    if (m_textScaling == TextScaling::Brimwatch) {
         bool isNumber = false;
         const double scale
             = m_portal.value(gnomeSpace + " text-scaling-factor"_L1).toDouble(&isNumber);

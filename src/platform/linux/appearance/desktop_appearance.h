@@ -18,9 +18,8 @@ class XSettings;
 
 /// Who scales texts to the size that the desktop asks for.
 enum class TextScaling {
-    Ours,
-    Toolkits, ///< As on X11, where that size is part of the resolution by which Qt scales
-              ///< everything.
+    Brimwatch,
+    Qt, ///< As on X11, where that size is part of the resolution by which Qt scales everything.
 };
 
 /// How the desktop looks, from what it announces: the settings portal first, then KDE's own file,
@@ -32,7 +31,7 @@ public:
     /// `xSettings` may be null where there is no X server, and outlives this. `configHome` is the
     /// folder of kdeglobals.
     DesktopAppearance(QDBusConnection bus, const XSettings *xSettings, const QString &configHome,
-        TextScaling textScaling = TextScaling::Ours, QObject *parent = nullptr);
+        TextScaling textScaling = TextScaling::Brimwatch, QObject *parent = nullptr);
 
     bool isDark() const override { return m_look.dark; }
     Rgba color(model::ColorToken token) const override;

@@ -2,11 +2,11 @@
 # name as a label too, so that ./test can ask for names and kinds in one expression.
 
 # Deliberate: of what is below, a play on a desktop mostly waits and a linter computes for many minutes, so one of each runs
-# at a time: the linters at the lowest priority, the longest first, and the plays one after another, as they share a screen's
-# worth of processor time.
+# at a time: the linters at the lowest priority, the short ones first, and the plays one after another, as they share a
+# screen's worth of processor time.
 function(_brimwatch_suite_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT;COST;LOCK" "COMMAND;LABELS")
-    # It ends a little before ctest would end it, so that a script can still clean up and say where it stood.
+    # It ends a little before ctest would end it, so that a script can still clean up and print its logs.
     math(EXPR limit "${arg_TIMEOUT} - 30")
     add_test(NAME ${name} COMMAND timeout --foreground --kill-after=20 ${limit} ${arg_COMMAND})
     set_tests_properties(${name} PROPERTIES
@@ -20,13 +20,13 @@ function(_brimwatch_suite_test name)
 endfunction()
 
 set(tools "${PROJECT_SOURCE_DIR}/tools")
-_brimwatch_suite_test(shell COMMAND nice -n 19 "${tools}/lib/lint.sh" shell LABELS lint TIMEOUT 1800 COST 4000)
-_brimwatch_suite_test(format COMMAND nice -n 19 "${tools}/lib/lint.sh" format LABELS lint TIMEOUT 1800 COST 4000)
+_brimwatch_suite_test(shell COMMAND nice -n 19 "${tools}/lib/lint.sh" shell LABELS lint TIMEOUT 1800 COST 4000 LOCK lint)
+_brimwatch_suite_test(format COMMAND nice -n 19 "${tools}/lib/lint.sh" format LABELS lint TIMEOUT 1800 COST 4000 LOCK lint)
 _brimwatch_suite_test(qmllint COMMAND nice -n 19 "${tools}/lib/lint.sh" qmllint "${PROJECT_BINARY_DIR}"
-    LABELS lint TIMEOUT 1800 COST 4000)
+    LABELS lint TIMEOUT 1800 COST 4000 LOCK lint)
 _brimwatch_suite_test(tidy COMMAND nice -n 19 "${tools}/lib/tidy.py" "${PROJECT_BINARY_DIR}"
-    LABELS lint TIMEOUT 7200 COST 3000)
-_brimwatch_suite_test(macos COMMAND nice -n 19 "${tools}/macos-check/check.sh" LABELS lint TIMEOUT 7200 COST 1000)
+    LABELS lint TIMEOUT 3600 COST 3000 LOCK lint)
+_brimwatch_suite_test(macos COMMAND nice -n 19 "${tools}/macos-check/check.sh" LABELS lint TIMEOUT 3600 COST 1000 LOCK lint)
 _brimwatch_suite_test(package COMMAND "${CMAKE_CURRENT_LIST_DIR}/package/package_test.sh"
     TIMEOUT 7200 COST 2000 LOCK desktop)
 
@@ -38,6 +38,7 @@ add_custom_target(brimwatch_shown DEPENDS brimwatch brimwatch_views brimwatchctl
 function(brimwatch_plays kind prefix)
     set(folder "${PROJECT_SOURCE_DIR}/tests/${kind}")
     foreach(name IN LISTS ARGN)
+        set(script "")
         string(REGEX REPLACE "-wayland$" "" both "${name}")
         string(REGEX REPLACE "s$" "" all "${kind}")
         foreach(candidate IN ITEMS ${all} ${both} ${name})
@@ -45,6 +46,9 @@ function(brimwatch_plays kind prefix)
                 set(script "${folder}/${candidate}_test.sh")
             endif()
         endforeach()
+        if(NOT script)
+            message(FATAL_ERROR "no script in ${folder} plays ${name}")
+        endif()
         set(label ${kind})
         set(desktop "${PROJECT_SOURCE_DIR}/tools/desktops/${kind}/${name}.sh")
         if(EXISTS "${desktop}")
@@ -54,7 +58,10 @@ function(brimwatch_plays kind prefix)
                 set(label ${kind}-heavy)
             endif()
         endif()
-        _brimwatch_suite_test(${prefix}-${name} COMMAND "${script}" ${name}
+        # A play that hangs must leave the others their turn; --soak takes longer and says how long.
+        _brimwatch_suite_test(${prefix}-${name}
+            COMMAND sh -c "exec timeout --foreground --kill-after=20 \"\${BRIMWATCH_PLAY_SECONDS:-870}\" \"$@\"" sh
+                "${script}" ${name}
             LABELS ${label} TIMEOUT 3600 COST 2000 LOCK desktop)
     endforeach()
 endfunction()

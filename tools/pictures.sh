@@ -91,6 +91,8 @@ take_faces()
     . "$root/tools/desktops/lib/item.sh"
     mkdir -p "$HOME/.gemini/antigravity/daemon"
     logs=$work
+    trap end_processes EXIT
+    trap 'exit 130' INT TERM
     spawn program "$build/src/app/brimwatch"
     program=$spawned
     wait_for 30 is_offline || die "the program does not answer"
@@ -101,7 +103,6 @@ take_faces()
     "$build/src/cli/brimwatchctl" refresh
     "$build/src/cli/brimwatchctl" settings
     shoot_popover "$program" settings
-    end_processes
 }
 
 is_offline() { [ "$("$build/src/cli/brimwatchctl" status --template '{source} {state}')" = "program offline" ]; }

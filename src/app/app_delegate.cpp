@@ -65,7 +65,8 @@ std::unique_ptr<StatusBarController> AppDelegate::makeStatusBarController()
             .clock = m_clock,
             .statusItem = std::move(statusItem),
             .popover = std::move(popover),
-            .symbolExists = [this](const QString &name) { return m_desktop.symbols.has(name); }});
+            .symbolExists = [this](const QString &name) { return m_desktop.symbols.has(name); },
+            .home = m_home});
     QObject::connect(controller.get(), &StatusBarController::quitRequested, controller.get(),
         [this] { m_desktop.presence.terminate(); });
     QObject::connect(&m_desktop.notifier, &platform::Notifier::activated, controller.get(),

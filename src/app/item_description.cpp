@@ -59,10 +59,10 @@ QStringList firstBuckets(const model::QuotaSummary &summary, const Redactor &red
 
 } // namespace
 
-ItemDescription describeItem(const service::QuotaService &service)
+ItemDescription describeItem(const service::QuotaService &service, const QString &home)
 {
     // Everyone on the session bus reads a tooltip.
-    const auto redactor = redactorFor(service, QString());
+    const auto redactor = redactorFor(service, home);
     const auto &now = service.currentTime();
     ItemDescription description;
     description.title = redactor.line(service.menuBarTitle(), longestTitle);

@@ -2,6 +2,8 @@
 
 #include "platform/status_item.h"
 
+#include <QString>
+
 namespace brimwatch::service {
 class QuotaService;
 }
@@ -12,6 +14,8 @@ namespace brimwatch::app {
 /// each bucket in the order of the popover, with its countdown in whole minutes. Unless the daemon
 /// is connected, the last line says why. Buckets beyond the last line are replaced by a line "…".
 /// Long names are truncated, so that the percentage after them always fits.
-platform::ItemDescription describeItem(const service::QuotaService &service);
+/// `home` is the user's home directory, which is hidden as the daemon's token is.
+platform::ItemDescription describeItem(
+    const service::QuotaService &service, const QString &home = {});
 
 } // namespace brimwatch::app

@@ -11,6 +11,7 @@ StatusBarController::StatusBarController(Dependencies dependencies)
     , m_statusItem(std::move(dependencies.statusItem))
     , m_popover(std::move(dependencies.popover))
     , m_symbolExists(std::move(dependencies.symbolExists))
+    , m_home(std::move(dependencies.home))
 {
     connect(
         m_popover.get(), &platform::Popover::didClose, this, &StatusBarController::popoverDidClose);
@@ -99,7 +100,7 @@ void StatusBarController::updateStatusItem()
 void StatusBarController::describeStatusItem()
 {
     m_describedAt = m_quotaService.currentTime();
-    m_statusItem->setDescription(describeItem(m_quotaService));
+    m_statusItem->setDescription(describeItem(m_quotaService, m_home));
 }
 
 void StatusBarController::followTime()

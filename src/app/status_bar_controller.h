@@ -35,6 +35,7 @@ public:
         std::unique_ptr<platform::StatusItem> statusItem;
         std::unique_ptr<platform::Popover> popover;
         model::SymbolExists symbolExists;
+        QString home = {}; ///< The user's home directory, which the tooltip does not show.
     };
 
     explicit StatusBarController(Dependencies dependencies);
@@ -66,6 +67,7 @@ private:
     std::unique_ptr<platform::StatusItem> m_statusItem;
     std::unique_ptr<platform::Popover> m_popover;
     model::SymbolExists m_symbolExists;
+    QString m_home;
     model::LabelComposition m_label;
     QDateTime m_describedAt; ///< The moment from which the tooltip's countdowns were computed.
     std::optional<QDateTime> m_popoverCloseTime; ///< Absent: in the distant past.

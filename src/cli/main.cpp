@@ -61,7 +61,7 @@ ExitStatus printStatus(const RunningProgram &program, const Options &options)
     static_cast<void>(
         writeOut(render(options, status, QDateTime::currentDateTime(), lookOfStandardOutput())));
     if (!status.isOnline())
-        writeError(status.state.error);
+        writeError(offlineReason(status));
     return exitStatusOf(status);
 }
 

@@ -13,6 +13,8 @@ Redactor::Redactor(std::optional<QString> token, QString home)
     constexpr qsizetype shortestToken = 4;
     if (token && token->size() >= shortestToken)
         m_token = std::move(token);
+    while (home.size() > 1 && home.endsWith(u'/'))
+        home.chop(1);
     if (home.size() > 1)
         m_home = std::move(home);
 }
@@ -28,8 +30,10 @@ QString Redactor::redacted(QString text) const
 
 QString Redactor::line(const QString &text, qsizetype longest) const
 {
-    // Redacted again: the text may have had a line break where the token has a blank.
-    return redacted(asOneLine(redacted(text), longest));
+    // Redacted again before it is truncated: the text may have a line end where the token has a
+    // blank.
+    const QString once = redacted(text);
+    return asOneLine(redacted(asOneLine(once, once.size())), longest);
 }
 
 } // namespace brimwatch

@@ -4,8 +4,6 @@
 #include "model/family_names.h"
 #include "model/percent.h"
 
-#include <QTimeZone>
-
 #include <algorithm>
 #include <array>
 #include <cstddef>

@@ -7,8 +7,7 @@
 namespace brimwatch::service {
 
 /// Registers the program with the system as one to start at login, and publishes the system's
-/// answer. Its changes are the only thing that the program logs by default, in the category
-/// "LaunchAtLogin".
+/// answer. Its changes are logged by default, in the category "LaunchAtLogin".
 ///
 /// The state is read at construction, after each attempt to change it, and by refresh(); a change
 /// that the user makes elsewhere is seen with the next of these. Each reading is announced, even of

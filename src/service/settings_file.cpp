@@ -51,18 +51,31 @@ std::optional<QByteArray> readFile(const QString &path)
     return content;
 }
 
+/// The place behind the line that begins at `start`. A backslash before a line's end continues it.
+qsizetype endOfLine(const QByteArray &content, qsizetype start)
+{
+    for (qsizetype i = start; i < content.size(); ++i) {
+        if (content.at(i) == '\n')
+            return i + 1;
+        if (content.at(i) == '\\' && content.at(start) != ';')
+            ++i; // It escapes the next character.
+    }
+    return content.size();
+}
+
 /// Lines with their ends, so that together they are the content.
 QList<QByteArray> linesOf(const QByteArray &content)
 {
     QList<QByteArray> lines;
     for (qsizetype start = 0; start < content.size();) {
-        const qsizetype end = content.indexOf('\n', start);
-        const qsizetype next = end < 0 ? content.size() : end + 1;
+        const qsizetype next = endOfLine(content, start);
         lines.append(content.mid(start, next - start));
         start = next;
     }
     return lines;
 }
+
+constexpr QByteArrayView byteOrderMark("\xef\xbb\xbf");
 
 /// Follows the sections of the lines that it is shown, from the first on.
 class SectionTracker {
@@ -70,20 +83,18 @@ public:
     /// Whether `line` is the header of a section.
     bool enters(const QByteArray &line)
     {
-        QByteArray text = line;
-        if (std::exchange(m_first, false) && text.startsWith("\xef\xbb\xbf"))
-            text.remove(0, 3);
-        text = text.trimmed();
+        const QByteArray text = line.trimmed();
         if (!text.startsWith('['))
             return false;
-        const QByteArray name = text.endsWith(']') ? text.mid(1, text.size() - 2) : QByteArray();
+        // What follows the bracket, such as a comment, does not count.
+        const qsizetype end = text.indexOf(']');
+        const QByteArray name = end < 0 ? QByteArray() : text.mid(1, end - 1);
         m_inGeneral = name.trimmed().compare("General", Qt::CaseInsensitive) == 0;
         return true;
     }
     bool isInGeneral() const { return m_inGeneral; }
 
 private:
-    bool m_first = true;
     bool m_inGeneral = true; // What comes before the first header counts as of [General].
 };
 
@@ -228,6 +239,8 @@ QByteArray writtenValue(const QString &value)
 /// `content` with that line for the key, where the key is or else at the end of [General].
 QByteArray withLine(const QByteArray &content, const QByteArray &key, const QByteArray &line)
 {
+    if (content.startsWith(byteOrderMark))
+        return byteOrderMark.toByteArray() + withLine(content.mid(byteOrderMark.size()), key, line);
     auto lines = linesOf(content);
     qsizetype place = -1;
     qsizetype end = -1; // Of the section.
@@ -270,7 +283,10 @@ SettingsFile::SettingsFile(QString path, const QList<QByteArray> &keys)
     QObject::connect(&m_writing, &QTimer::timeout, &m_writing, [this] { write(); });
 
     SectionTracker section;
-    const auto lines = linesOf(readFile(m_path).value_or(QByteArray()));
+    auto content = readFile(m_path).value_or(QByteArray());
+    if (content.startsWith(byteOrderMark))
+        content.remove(0, byteOrderMark.size());
+    const auto lines = linesOf(content);
     for (const QByteArray &line : lines) {
         if (section.enters(line) || !section.isInGeneral())
             continue;

@@ -59,10 +59,10 @@ check "and a quota that has become critical turns red" wait_for 30 shows red
 shot critical
 shot without
 
-brimwatchctl toggle
+timeout 30 brimwatchctl toggle
 check "toggle opens the popover" wait_for 30 shown
 shot popover
-brimwatchctl toggle
+timeout 30 brimwatchctl toggle
 check "and closes it" wait_for 30 hidden
 
 if [ "$mode" = watches ]; then

@@ -33,16 +33,16 @@ class FakeAppearance final : public platform::Appearance {
     Q_OBJECT
 
 public:
-    platform::Background ground = platform::Background::Light;
+    platform::Background background = platform::Background::Light;
     double scale = 1;
     platform::Contrast contrast = platform::Contrast::Usual;
     bool still = false;
     QString family;
 
-    bool isDark() const override { return ground == platform::Background::Dark; }
+    bool isDark() const override { return background == platform::Background::Dark; }
     platform::Rgba color(model::ColorToken token) const override
     {
-        return platform::systemColor(token, ground, contrast);
+        return platform::systemColor(token, background, contrast);
     }
     QString fontFamily() const override { return family; }
     double textScale() const override { return scale; }

@@ -191,7 +191,7 @@ void QuotaPopoverTest::onADarkBackgroundTheShadowIsDarker()
     };
     PopoverFixture light;
     PopoverFixture dark;
-    dark.appearance.ground = platform::Background::Dark;
+    dark.appearance.background = platform::Background::Dark;
     QVERIFY(shade(dark) > shade(light));
 }
 
@@ -894,7 +894,7 @@ void QuotaPopoverTest::colorsFollowTheDesktop()
     const QColor lightName = color(u"groupName"_s);
     const QColor lightPercentage = color(u"percentageText"_s);
     const QImage light = fixture.window().grabWindow();
-    fixture.appearance.ground = platform::Background::Dark;
+    fixture.appearance.background = platform::Background::Dark;
     Q_EMIT fixture.appearance.changed();
     QVERIFY(color(u"groupName"_s).lightnessF() > lightName.lightnessF());
     QVERIFY(color(u"percentageText"_s) != lightPercentage);

@@ -67,7 +67,7 @@ second_start() { timeout 30 "$program" 2>"$out/second.log" && grep -q 'its popov
 toggled_in_a_hurry()
 {
     local i
-    for ((i = 0; i < 40; ++i)); do "$ctl" toggle || return; done
+    for ((i = 0; i < 40; ++i)); do timeout 30 "$ctl" toggle || return; done
     second_start && wait_for 30 popover_is_drawn
 }
 

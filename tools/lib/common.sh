@@ -58,5 +58,5 @@ spawn()
 end_processes()
 {
     local process
-    for process in "${processes[@]}"; do end_process "$process"; done
+    for process in "${processes[@]}"; do end_process "$process" || say "Process $process does not end"; done
 }

@@ -144,9 +144,9 @@ int main(int argc, char *argv[])
     for (const Scenario &scenario : all) {
         if (parser.isSet(only) && parser.value(only) != scenario.name)
             continue;
-        for (const platform::Background ground : grounds) {
+        for (const platform::Background background : grounds) {
             PopoverFixture fixture;
-            fixture.appearance.ground = ground;
+            fixture.appearance.background = background;
             fixture.appearance.scale = parser.value(scale).toDouble();
             if (parser.isSet(contrast))
                 fixture.appearance.contrast = platform::Contrast::Higher;
@@ -156,7 +156,7 @@ int main(int argc, char *argv[])
             scenario.act(fixture);
             QCoreApplication::processEvents();
             const QString name = scenario.name
-                + (ground == platform::Background::Light ? "-light.png"_L1 : "-dark.png"_L1);
+                + (background == platform::Background::Light ? "-light.png"_L1 : "-dark.png"_L1);
             if (!fixture.window().grabWindow().save(folder.filePath(name))) {
                 QTextStream(stderr) << "cannot write " << name << '\n';
                 return 1;

@@ -47,7 +47,7 @@ std::optional<Request> takeRequest(QTcpSocket &socket)
         const auto value = line.mid(name.size() + 1).trimmed();
         request.headers.append({name, value});
         if (name.compare("Content-Length", Qt::CaseInsensitive) == 0)
-            bodySize = value.toLongLong();
+            bodySize = std::max<qsizetype>(0, value.toLongLong());
     }
     const auto size = headSize + 4 + bodySize;
     if (received.size() < size)

@@ -98,10 +98,10 @@ private Q_SLOTS:
         const QImage drawn = applicationIcon(iconSide).convertToFormat(QImage::Format_RGBA8888);
         QCOMPARE(sent, drawn);
         QCOMPARE(sent.pixelColor(0, 0).alpha(), 0);
-        // Left of the sparkle the ground, which is more blue than red.
-        const QColor ground = sent.pixelColor(iconSide / 8, iconSide / 2);
-        QCOMPARE(ground.alpha(), 255);
-        QVERIFY(ground.blue() > ground.red());
+        // Left of the sparkle the background, which is more blue than red.
+        const QColor background = sent.pixelColor(iconSide / 8, iconSide / 2);
+        QCOMPARE(background.alpha(), 255);
+        QVERIFY(background.blue() > background.red());
         bool white = false;
         for (int x = 0; x < width; ++x)
             white = white || sent.pixelColor(x, height / 2) == QColor(Qt::white);

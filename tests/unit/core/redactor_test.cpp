@@ -25,6 +25,8 @@ void RedactorTest::tokenAndHomeAreReplaced_data()
     QTest::newRow("neither") << Token() << QString() << text;
     QTest::newRow("the token") << Token(u"abcd"_s) << QString() << u"… in /home/me/a, …"_s;
     QTest::newRow("the home") << Token() << u"/home/me"_s << u"abcd in ~/a, abcd"_s;
+    QTest::newRow("a home with a slash at its end")
+        << Token() << u"/home/me/"_s << u"abcd in ~/a, abcd"_s;
     QTest::newRow("both") << Token(u"abcd"_s) << u"/home/me"_s << u"… in ~/a, …"_s;
     QTest::newRow("a token too short to hide") << Token(u"abc"_s) << QString() << text;
     QTest::newRow("an empty token") << Token(QString()) << QString() << text;

@@ -242,6 +242,16 @@ private Q_SLOTS:
             << QByteArray("[General]\nrefreshInterval=1\nrefreshInterval=300\n");
         QTest::newRow("no end of line") << QByteArray("[General]\nother=1")
                                         << QByteArray("[General]\nother=1\nrefreshInterval=300\n");
+        QTest::newRow("a comment behind the header")
+            << QByteArray("[General] ; mine\nrefreshInterval=1\n")
+            << QByteArray("[General] ; mine\nrefreshInterval=300\n");
+        QTest::newRow("a value that goes on in the next line")
+            << QByteArray("[General]\nnote=a \\\nrefreshInterval=7\nx=1\n")
+            << QByteArray("[General]\nnote=a \\\nrefreshInterval=7\nx=1\nrefreshInterval=300\n");
+        QTest::newRow("a byte-order mark")
+            << QByteArray("\xef\xbb\xbf[Other]\nrefreshInterval=7\n")
+            << QByteArray(
+                   "\xef\xbb\xbf[General]\nrefreshInterval=300\n\n[Other]\nrefreshInterval=7\n");
         QTest::newRow("keys before any section")
             << QByteArray("refreshInterval=1\n") << QByteArray("refreshInterval=300\n");
     }

@@ -50,7 +50,7 @@ end_work()
     local status=$?
     trap - EXIT INT TERM
     end_processes
-    [ ${#entered[@]} = 0 ] || "${entered[0]}" stop "${entered[1]}"
+    [ ${#entered[@]} = 0 ] || "${entered[0]}" stop "${entered[1]}" || true
     if [ "$status" = 0 ] || [ "$status" = 130 ]; then
         rm -rf "$logs"
     else

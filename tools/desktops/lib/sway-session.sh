@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# A headless, software-rendered sway with a pointer; Xwayland on demand. Sourced after lib.sh, with DISPLAY_KIND=none.
+# A headless, software-rendered sway with a pointer; Xwayland on demand. Sourced with DISPLAY_KIND=none.
 # SWAY_CONFIG holds further lines of its configuration. With OUTPUT_WINDOWS=N it has N outputs more, which are windows on an
 # Xvfb around it, $BRIMWATCH_OUTER_DISPLAY: what closes such a window unplugs its output.
 # shellcheck disable=SC2034

@@ -1,5 +1,7 @@
 #include "platform/linux/bus/bus_calls.h"
 
+#include <QDBusError>
+#include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
 #include <QDBusReply>
 #include <QString>
@@ -14,8 +16,11 @@ using namespace Qt::Literals::StringLiterals;
 void whenAnswered(const QDBusConnection &bus, const QDBusMessage &call, QObject *context,
     std::chrono::milliseconds timeout, Answered answered)
 {
-    auto *watcher = new QDBusPendingCallWatcher(
-        bus.asyncCall(call, static_cast<int>(timeout.count())), context);
+    // A connection that does not exist never answers.
+    const auto pending = bus.isConnected()
+        ? bus.asyncCall(call, static_cast<int>(timeout.count()))
+        : QDBusPendingCall::fromError(QDBusError(QDBusError::Disconnected, u"no bus"_s));
+    auto *watcher = new QDBusPendingCallWatcher(pending, context);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context,
         [answered = std::move(answered)](QDBusPendingCallWatcher *finished) {
             finished->deleteLater();

@@ -60,6 +60,8 @@ void BusService::finishRefresh(const std::optional<QString> &error)
 void BusService::setReport(Report report)
 {
     m_report = std::move(report);
+    if (!m_report)
+        return;
     // Until now nothing was connected to the requests.
     const auto pending = m_pending;
     for (const Request request : pending)

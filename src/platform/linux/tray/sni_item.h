@@ -16,8 +16,8 @@ namespace brimwatch::platform {
 /// Ayatana's text beside the icon), at /StatusNotifierItem from its making to its end. Another
 /// object that is there already stays.
 ///
-/// Changes are signalled when a host has read what they replace. Pictures are drawn when a host
-/// first asks for them.
+/// Changes are signalled once a host has read anything of the item, those of the picture once it
+/// has been drawn. It is drawn when a host first asks for it.
 class SniItem final : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString Category READ category CONSTANT FINAL)

@@ -29,7 +29,7 @@ private Q_SLOTS:
         QCOMPARE(all.chosenPlatform, std::optional<QByteArray>("offscreen"));
     }
 
-    void aCompositorThatDoesNotAnswerHasNoLayerShell()
+    void aCompositorThatIsNotThereHasNoLayerShell()
     {
         qputenv("WAYLAND_DISPLAY", "no-compositor-of-that-name");
         const auto environment = SessionEnvironment::read();

@@ -16,16 +16,22 @@ click_elsewhere()
     fi
 }
 
+# A picture may be taken between two frames: then there is no popover in it.
+place_is_seen() { place=$(popover_place); }
 click_within()
 {
-    # shellcheck disable=SC2046
-    click $(middle_of $(popover_place))
+    local place=''
+    # shellcheck disable=SC2046,SC2086
+    wait_for 30 place_is_seen && click $(middle_of $place)
 }
 
 # The play ---------------------------------------------------------------------------------------
 start_session
 shot screen
 read -r screen_width screen_height < <(identify -format '%w %h' "$out/pictures/screen.png")
+# Weston inside an X server follows the pointer by its motions alone, and may have missed where it began: in a corner both agree.
+click $((screen_width - 1)) $((screen_height - 1)) 0
+click 0 0 0
 click 40 $((screen_height - 60))
 shot without
 start_daemon --speed 0 --log
@@ -41,7 +47,7 @@ shot open
 asked=$(requests)
 check "it has the keyboard: Ctrl+R refreshes" wait_for 30 refreshed
 click_within
-check "a click within leaves it open" shown
+check "a click within leaves it open" wait_for 5 shown
 key Escape
 check "Escape closes it" wait_for 30 hidden
 

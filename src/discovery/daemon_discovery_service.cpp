@@ -136,7 +136,7 @@ std::optional<QByteArray> readFile(
         return std::nullopt;
     // One byte more than allowed distinguishes a file that has grown beyond the bound, or does not
     // say its size (/proc), from one that just fits.
-    const QByteArray content = file.read(largest + 1);
+    QByteArray content = file.read(largest + 1);
     left -= content.size();
     if (content.size() > largest)
         return std::nullopt;

@@ -32,8 +32,8 @@ std::optional<QByteArray> readFile(const QString &path)
 {
     // Without O_NONBLOCK a pipe would wait here for somebody to write into it.
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): POSIX has no other.
-    const int descriptor
-        = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    const int descriptor = ::openat(AT_FDCWD, QFile::encodeName(path).constData(),
+        O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (descriptor < 0)
         return errno == ENOENT ? std::optional(QByteArray()) : std::nullopt;
     QFile file;
@@ -110,8 +110,10 @@ struct NamedEscape {
     char16_t name;
     char16_t meaning;
 };
-constexpr std::array<NamedEscape, 7> namedEscapes{{{u'a', u'\a'}, {u'b', u'\b'}, {u'f', u'\f'},
-    {u'n', u'\n'}, {u'r', u'\r'}, {u't', u'\t'}, {u'v', u'\v'}}};
+constexpr std::array<NamedEscape, 7> namedEscapes{{{.name = u'a', .meaning = u'\a'},
+    {.name = u'b', .meaning = u'\b'}, {.name = u'f', .meaning = u'\f'},
+    {.name = u'n', .meaning = u'\n'}, {.name = u'r', .meaning = u'\r'},
+    {.name = u't', .meaning = u'\t'}, {.name = u'v', .meaning = u'\v'}}};
 
 /// -1 for what is no such digit.
 int hexadecimalDigit(QChar character)
@@ -171,7 +173,7 @@ private:
             append(readHexadecimal());
             return;
         }
-        const auto named = std::find_if(namedEscapes.begin(), namedEscapes.end(),
+        const auto *const named = std::find_if(namedEscapes.begin(), namedEscapes.end(),
             [character](const NamedEscape &escape) { return escape.name == character; });
         append(named == namedEscapes.end() ? character : QChar(named->meaning));
     }
@@ -186,7 +188,7 @@ private:
                 break;
             code = (code << 4U) | static_cast<uint>(digit);
         }
-        return QChar(static_cast<char16_t>(code & 0xffffU));
+        return {static_cast<char16_t>(code & 0xffffU)};
     }
 
     const QString &m_text;
@@ -225,7 +227,7 @@ QByteArray writtenValue(const QString &value)
             text += u'\\';
             text += character;
         } else if (character.unicode() < 0x20 || character.isSurrogate() || isDigitOfEscape) {
-            text += "\\x"_L1 + QString::number(character.unicode(), 16);
+            text += R"(\x)"_L1 + QString::number(character.unicode(), 16);
             afterHexadecimal = true;
         } else {
             text += character;

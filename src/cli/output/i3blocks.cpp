@@ -10,7 +10,7 @@ using namespace Qt::Literals::StringLiterals;
 
 QString renderI3blocks(const Status &status, Layout layout)
 {
-    const QString title = pangoTitle(status);
+    QString title = pangoTitle(status);
     if (layout == Layout::OneLine)
         return title;
     const auto &lowest = status.state.lowest;

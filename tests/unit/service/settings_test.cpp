@@ -194,7 +194,7 @@ private Q_SLOTS:
     {
         QByteArray nested;
         for (int depth = 0; depth < 40'000; ++depth)
-            nested += "@Variant(\\0\\0\\0\\t";
+            nested += R"(@Variant(\0\0\0\t)";
         write("[General]\nother=" + nested
             + "\nshowArgonInToolbar=true\nrefreshInterval=" + nested.first(1000) + '\n');
         const SettingsStore store(path());

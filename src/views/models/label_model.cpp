@@ -13,11 +13,8 @@ void LabelModel::setQuotaService(service::QuotaService *service)
         return;
     if (before != nullptr)
         before->disconnect(this);
-    if (m_service != nullptr) {
-        // Queued: the signal comes before the new value is stored.
-        connect(m_service, &service::QuotaService::objectWillChange, this, &LabelModel::read,
-            Qt::QueuedConnection);
-    }
+    if (m_service != nullptr)
+        connect(m_service, &service::QuotaService::stateChanged, this, &LabelModel::read);
     read();
     Q_EMIT quotaServiceChanged();
 }

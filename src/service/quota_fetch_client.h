@@ -24,8 +24,8 @@ public:
     struct Limits {
         /// The timeout for one daemon, from the start to the last byte.
         std::chrono::milliseconds attempt{4000};
-        /// A daemon with a larger body counts as none. Thousands of buckets fit, and decoding as much delays
-        /// no other event noticeably.
+        /// A daemon with a larger body counts as none. Thousands of buckets fit, and decoding as
+        /// much delays no other event noticeably.
         qint64 body = 1024LL * 1024;
     };
 

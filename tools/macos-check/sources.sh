@@ -45,7 +45,7 @@ link_program()
     done
     mapfile -t views < <(objects_of 'brimwatch_views[a-z_0-9]*')
     mapfile -t program < <(
-        for target in brimwatch brimwatch_app brimwatch_macos_adapters brimwatch_macos; do objects_of $target; done
+        for target in brimwatch brimwatch_app brimwatch_app_delegate brimwatch_macos_adapters brimwatch_macos; do objects_of $target; done
     )
     # Names with the C++ library's types in them are not those of Debian's libraries, which were built with another.
     local foreign=() name

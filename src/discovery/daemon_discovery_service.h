@@ -21,7 +21,7 @@ public:
     /// few hundred bytes, and a daemon that crashed leaves one behind.
     struct Limits {
         qint64 file = 64LL * 1024; ///< Bytes of one file; larger ones count as unreadable.
-        qsizetype files = 16'384; ///< Of more candidates the newest are read.
+        qsizetype files = 16'384; ///< If there are more, only the newest are read.
         /// Bytes of all files. The newest are read first; those that do not fit count as
         /// unreadable.
         qint64 bytes = 8LL * 1024 * 1024;

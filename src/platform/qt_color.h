@@ -6,7 +6,7 @@
 
 namespace brimwatch::platform {
 
-/// As QPainter and QML take it. For those that link QtGui.
+/// The color as Qt Gui has it. Only for code that links Qt Gui.
 inline QColor toColor(const Rgba &color)
 {
     return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),

@@ -51,7 +51,7 @@ private:
     void applyTheme();
     void layOut();
 
-    // In this order, since what is below uses what is above.
+    // In this order: each member uses those above it.
     Theme m_theme;
     PopoverModel m_model;
     SettingsModel m_settingsModel;

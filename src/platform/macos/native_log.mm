@@ -29,7 +29,7 @@ os_log_type_t typeOf(NativeLogLevel level)
 void writeSystemLog(NativeLogLevel level, const std::string &category, const std::string &text)
 {
     const std::string subsystem = fromNSString(NSBundle.mainBundle.bundleIdentifier);
-    // The system keeps one log for each pair of names; there are few of them, and few lines.
+    // The system keeps one log object for each pair of names; there are few pairs.
     os_log_t log
         = os_log_create(subsystem.empty() ? "brimwatch" : subsystem.c_str(), category.c_str());
     os_log_with_type(log, typeOf(level), "%{public}s", text.c_str());

@@ -103,10 +103,10 @@ public:
     QString fixedFontFamily() const;
     /// Whether there are no animations.
     bool reducesMotion() const;
-    /// The factor by which everything is enlarged.
+    /// The factor by which all sizes are multiplied.
     double textScale() const;
 
-    /// Whether the popover floats, with round corners and a shadow. It does not at first.
+    /// Whether the popover has round corners and a shadow. False at first.
     void setFloating(bool floating);
     /// The popover's; 0 for square corners.
     int cornerRadius() const;

@@ -20,7 +20,7 @@ class SingleInstance final : public QObject {
 
 public:
     enum class Outcome {
-        First, ///< We are. Also where neither bus nor lock file can decide.
+        First, ///< This process is the first, or neither bus nor lock file can decide.
         OtherShown, ///< Another is, and has been asked to open its popover.
         OtherSilent, ///< Another is, and does not answer.
         OtherLocked, ///< Another is, and there is no bus over which to ask it.

@@ -1,5 +1,7 @@
 #include "discovery/daemon_discovery_service.h"
 
+#include "core/read_file.h"
+
 #include <QByteArray>
 #include <QFile>
 #include <QFileInfo>
@@ -8,7 +10,6 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
@@ -108,39 +109,20 @@ QList<Entry> listEntries(DIR *directory, qsizetype most)
     return entries;
 }
 
-/// The content of the regular file of that name, or of the one that a link of that name leads to.
-/// Absent when there is none, or it is larger than `largest` or than `left`, from which all that
-/// was read is subtracted.
-std::optional<QByteArray> readFile(
+/// The content of the file of that name; absent when it cannot be read, or is larger than `largest`
+/// or than `left`, from which all that was read is subtracted.
+std::optional<QByteArray> contentOf(
     int directory, const QByteArray &name, qint64 largest, qint64 &left)
 {
     largest = std::min(largest, left);
-    // Checked before it is opened: opening alone can hang (a FIFO) or do something (a device).
-    struct stat status = {};
-    if (::fstatat(directory, name.constData(), &status, 0) != 0 || !S_ISREG(status.st_mode)
-        || status.st_size > largest)
-        return std::nullopt;
-    const int descriptor
-        = ::openat(directory, name.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (descriptor < 0)
-        return std::nullopt;
-    QFile file;
-    // Unbuffered: a buffer would read beyond the bound.
-    if (!file.open(descriptor, QIODevice::ReadOnly | QIODevice::Unbuffered,
-            QFileDevice::AutoCloseHandle)) {
-        ::close(descriptor);
-        return std::nullopt;
+    auto content = readFile(directory, name, largest);
+    if (content) {
+        left -= content->size();
+        return *std::move(content);
     }
-    // Checked again: another file may have taken the name meanwhile.
-    if (::fstat(file.handle(), &status) != 0 || !S_ISREG(status.st_mode))
-        return std::nullopt;
-    // One byte more than allowed distinguishes a file that has grown beyond the bound, or does not
-    // say its size (/proc), from one that just fits.
-    QByteArray content = file.read(largest + 1);
-    left -= content.size();
-    if (content.size() > largest)
-        return std::nullopt;
-    return content;
+    if (content.error() == ReadFileError::LargerThanItsSize)
+        left -= largest + 1;
+    return {};
 }
 
 /// Signal 0 tests whether the process exists and is ours: a process of another user counts as dead.
@@ -194,7 +176,7 @@ QList<DaemonInfo> DaemonDiscoveryService::discoverDaemons()
     for (const auto &entry : entries) {
         const QString name = QFile::decodeName(entry.name);
         const auto content
-            = readFile(::dirfd(directory.get()), entry.name, m_limits.file, bytesLeft);
+            = contentOf(::dirfd(directory.get()), entry.name, m_limits.file, bytesLeft);
         if (!content) {
             qCDebug(logDiscovery) << name << "is skipped: it cannot be read, or is too large";
             continue;

@@ -1,19 +1,14 @@
 #include "service/settings_file.h"
 
+#include "core/read_file.h"
 #include "core/replace_file.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <chrono>
 #include <utility>
 
@@ -26,29 +21,15 @@ namespace {
 
 Q_LOGGING_CATEGORY(settingsLog, "brimwatch.service", QtInfoMsg)
 
-/// The content of a regular file that is not too large, empty when there is no file; absent when
-/// there is something else or it cannot be read.
-std::optional<QByteArray> readFile(const QString &path)
+/// The content of the file, empty when there is none; absent when there is something else or it
+/// cannot be read.
+std::optional<QByteArray> contentOf(const QString &path)
 {
-    // Without O_NONBLOCK a pipe would wait here for somebody to write into it.
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): POSIX has no other.
-    const int descriptor = ::openat(AT_FDCWD, QFile::encodeName(path).constData(),
-        O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (descriptor < 0)
-        return errno == ENOENT ? std::optional(QByteArray()) : std::nullopt;
-    QFile file;
-    if (!file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
-        ::close(descriptor);
-        return std::nullopt;
-    }
-    struct stat status = {};
-    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))
-        return std::nullopt;
-    // It may grow between the two calls.
-    QByteArray content = file.read(SettingsFile::largestFile + 1);
-    if (file.error() != QFileDevice::NoError || content.size() > SettingsFile::largestFile)
-        return std::nullopt;
-    return content;
+    auto content = readFile(path, SettingsFile::largestFile);
+    if (!content)
+        return content.error() == ReadFileError::NotFound ? std::optional(QByteArray())
+                                                          : std::nullopt;
+    return *std::move(content);
 }
 
 /// The place behind the line that begins at `start`. A backslash before a line's end continues it.
@@ -285,7 +266,7 @@ SettingsFile::SettingsFile(QString path, const QList<QByteArray> &keys)
     QObject::connect(&m_writing, &QTimer::timeout, &m_writing, [this] { write(); });
 
     SectionTracker section;
-    auto content = readFile(m_path).value_or(QByteArray());
+    auto content = contentOf(m_path).value_or(QByteArray());
     if (content.startsWith(byteOrderMark))
         content.remove(0, byteOrderMark.size());
     const auto lines = linesOf(content);
@@ -327,7 +308,7 @@ void SettingsFile::write()
     if (m_unwritten.isEmpty())
         return;
     // Read again: others may have changed the rest of it.
-    auto content = readFile(m_path);
+    auto content = contentOf(m_path);
     if (content) {
         auto keys = m_unwritten.values();
         std::sort(keys.begin(), keys.end());

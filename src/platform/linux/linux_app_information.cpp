@@ -1,8 +1,10 @@
 #include "platform/linux/linux_app_information.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include "core/read_file.h"
+
 #include <QSysInfo>
+
+#include <utility>
 
 namespace brimwatch::platform {
 
@@ -15,9 +17,8 @@ constexpr qint64 largestFile = 64LL * 1024;
 QByteArray osRelease()
 {
     for (const QString &path : {u"/etc/os-release"_s, u"/usr/lib/os-release"_s}) {
-        QFile file(path);
-        if (QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly))
-            return file.read(largestFile);
+        if (auto content = readFile(path, largestFile))
+            return *std::move(content);
     }
     return {};
 }

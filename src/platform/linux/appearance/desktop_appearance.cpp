@@ -1,12 +1,12 @@
 #include "platform/linux/appearance/desktop_appearance.h"
 
+#include "core/read_file.h"
 #include "platform/linux/appearance/system_colors.h"
 #include "platform/linux/bus/bus_calls.h"
 #include "platform/linux/x11/xsettings.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
-#include <QFile>
 #include <QFileInfo>
 #include <QSet>
 
@@ -193,10 +193,9 @@ void DesktopAppearance::readKde()
     if (QFileInfo::exists(m_kdeFile) && !m_kdeWatcher->files().contains(m_kdeFile))
         m_kdeWatcher->addPath(m_kdeFile);
     QHash<QString, QString> values;
-    QFile file(m_kdeFile);
-    if (QFileInfo(m_kdeFile).isFile() && file.open(QIODevice::ReadOnly)) {
+    if (const auto content = readFile(m_kdeFile, largestKdeFile)) {
         QString group;
-        const auto lines = QString::fromUtf8(file.read(largestKdeFile)).split(u'\n');
+        const auto lines = QString::fromUtf8(*content).split(u'\n');
         for (const QString &line : lines) {
             const qsizetype equals = line.indexOf(u'=');
             if (line.startsWith(u'[') && line.endsWith(u']'))

@@ -1,6 +1,7 @@
 #include "platform/linux/desktop/desktop_entry.h"
 
-#include <QFile>
+#include "core/read_file.h"
+
 #include <QFileInfo>
 #include <QStandardPaths>
 
@@ -103,12 +104,8 @@ std::optional<QString> withoutFieldCodes(const QString &argument)
 
 std::optional<DesktopEntryText> DesktopEntryText::read(const QString &path)
 {
-    const QFileInfo info(path);
-    QFile file(path);
-    // Checked first: opening a FIFO would block.
-    if (!info.isFile() || info.size() > largestFile || !file.open(QIODevice::ReadOnly))
-        return {};
-    return parse(file.read(largestFile));
+    const auto content = readFile(path, largestFile);
+    return content ? parse(*content) : std::nullopt;
 }
 
 std::optional<DesktopEntryText> DesktopEntryText::parse(const QByteArray &bytes)

@@ -140,6 +140,12 @@ session_stop()
 
 save_state() { declare -p ENVV ID RUN CLOCK HELPERS >"$DIR/state"; }
 
+# own_folder FOLDER: nobody else can put a file into it, which we would run.
+own_folder()
+{
+    [ ! -L "$1" ] && [ -O "$1" ] && [ -z "$(find "$1" -maxdepth 0 -perm /022)" ] || die "$1 is not ours alone"
+}
+
 load_state()
 {
     [ -f "$DIR/state" ] || die "nothing was started in $DIR"
@@ -246,7 +252,7 @@ END
 
 panel_main()
 {
-    local command=${1:-} status fact
+    local command=${1:-} given='' status fact
     shift || true
     if [ "$command" = facts ]; then
         for fact in "${FACTS[@]}"; do printf '%s=%q\n' "${fact%%=*}" "${fact#*=}"; done
@@ -256,14 +262,17 @@ panel_main()
     DIR=${TMPDIR:-/tmp}/brimwatch-panels/$NAME
     PACKAGE_NAME=${PACKAGE_NAME:-$NAME}
     if [ $# -gt 0 ] && [[ $1 != --* ]]; then
-        DIR=$1
+        DIR=$1 given=yes
         shift
     fi
     if [ "${1:-}" = --no-panel ]; then
         WITH_PANEL=no
         shift
     fi
-    mkdir -p "$DIR"
+    (umask 022 && mkdir -p "$DIR")
+    # The folder in the temporary folder has a name that others can take before us.
+    [ -n "$given" ] || own_folder "$(dirname "$DIR")"
+    own_folder "$DIR"
     DIR=$(cd "$DIR" && pwd)
     logs=$DIR/log
     case $command in

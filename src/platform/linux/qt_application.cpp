@@ -6,8 +6,6 @@
 
 #include <QByteArray>
 
-#include <xcb/xcb.h>
-
 #include <array>
 #include <cstdio>
 
@@ -16,14 +14,6 @@ namespace brimwatch::platform {
 namespace {
 
 constexpr const char *platformVariable = "QT_QPA_PLATFORM";
-
-bool xServerAnswers()
-{
-    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
-    const bool answers = xcb_connection_has_error(connection) == 0;
-    xcb_disconnect(connection);
-    return answers;
-}
 
 /// Takes the variables by which Qt chooses its theme plugin out of the environment for as long as
 /// it lives.
@@ -55,18 +45,28 @@ private:
 
 bool isDisplayThere(const SessionEnvironment &environment)
 {
-    if (environment.chosenPlatform || environment.hasWayland)
+    if (environment.isDisplayThere())
         return true;
-    if (!environment.hasX11) {
+    const auto isAllowed = [&environment](const char *plugin) {
+        return !environment.chosenPlatform || environment.chosenPlatform->contains(plugin);
+    };
+    const QByteArray x11 = isAllowed("xcb") ? qgetenv("DISPLAY") : QByteArray();
+    const QByteArray wayland = isAllowed("wayland") ? qgetenv("WAYLAND_DISPLAY") : QByteArray();
+    if (!x11.isEmpty() && !wayland.isEmpty())
+        std::fprintf(stderr,
+            "brimwatch: no X server answers on display '%s', and no compositor on '%s'\n",
+            x11.constData(), wayland.constData());
+    else if (!x11.isEmpty())
+        std::fprintf(stderr, "brimwatch: no X server answers on display '%s'\n", x11.constData());
+    else if (!wayland.isEmpty())
+        std::fprintf(stderr, "brimwatch: no compositor answers on Wayland display '%s'\n",
+            wayland.constData());
+    else if (environment.chosenPlatform)
+        std::fprintf(stderr, "brimwatch: no display for QT_QPA_PLATFORM '%s'\n",
+            environment.chosenPlatform->constData());
+    else
         std::fputs("brimwatch: no display: neither DISPLAY nor WAYLAND_DISPLAY is set\n", stderr);
-        return false;
-    }
-    if (!xServerAnswers()) {
-        std::fprintf(stderr, "brimwatch: no X server answers on display '%s'\n",
-            qgetenv("DISPLAY").constData());
-        return false;
-    }
-    return true;
+    return false;
 }
 
 std::unique_ptr<QGuiApplication> makeApplication(

@@ -10,6 +10,9 @@
 #include <QGuiApplication>
 #include <QScreen>
 
+#include <xcb/xcb.h>
+
+#include <algorithm>
 #include <utility>
 
 namespace brimwatch::platform {
@@ -17,6 +20,14 @@ namespace brimwatch::platform {
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
+
+bool xServerAnswers()
+{
+    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
+    const bool answers = xcb_connection_has_error(connection) == 0;
+    xcb_disconnect(connection);
+    return answers;
+}
 
 bool alwaysComposited()
 {
@@ -27,18 +38,34 @@ bool alwaysComposited()
 
 SessionEnvironment SessionEnvironment::read()
 {
-    SessionEnvironment environment{.hasX11 = qEnvironmentVariableIsSet("DISPLAY"),
-        .hasWayland = qEnvironmentVariableIsSet("WAYLAND_DISPLAY"),
-        .chosenPlatform = {}};
-    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+    SessionEnvironment environment;
+    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         environment.chosenPlatform = qgetenv("QT_QPA_PLATFORM");
-    environment.hasLayerShell = environment.mayUseWayland() && compositorHasLayerShell();
+    const auto compositor
+        = qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? Compositor::None : findCompositor();
+    environment.hasWayland = compositor != Compositor::None;
+    environment.hasLayerShell
+        = environment.mayUseWayland() && compositor == Compositor::WithLayerShell;
+    environment.hasX11 = !qEnvironmentVariableIsEmpty("DISPLAY")
+        && (environment.hasLayerShell || xServerAnswers());
     return environment;
 }
 
 bool SessionEnvironment::mayUseWayland() const
 {
     return hasWayland && (!chosenPlatform || chosenPlatform->startsWith("wayland"));
+}
+
+bool SessionEnvironment::isDisplayThere() const
+{
+    if (!chosenPlatform)
+        return hasX11 || hasWayland;
+    const auto plugins = chosenPlatform->split(';');
+    return std::ranges::any_of(plugins, [this](const QByteArray &plugin) {
+        if (plugin.startsWith("wayland"))
+            return hasWayland;
+        return plugin.startsWith("xcb") ? hasX11 : true;
+    });
 }
 
 QByteArray SessionEnvironment::platformPlugins() const
@@ -51,6 +78,8 @@ QByteArray SessionEnvironment::platformPlugins() const
         return "wayland;xcb";
     if (hasX11)
         return hasWayland ? "xcb;wayland" : "xcb";
+    if (hasWayland)
+        return "wayland";
     return {};
 }
 

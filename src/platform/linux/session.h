@@ -19,18 +19,24 @@ class XConnection;
 
 /// What the environment says of the session before there is an application object.
 struct SessionEnvironment {
-    bool hasX11 = false; ///< DISPLAY is set.
-    bool hasWayland = false; ///< WAYLAND_DISPLAY is set.
+    /// An X server answers at DISPLAY. Not asked, and true once DISPLAY is set, where there is a
+    /// layer shell: the question might start Xwayland.
+    bool hasX11 = false;
+    bool hasWayland = false; ///< A compositor answers at WAYLAND_DISPLAY.
     /// QT_QPA_PLATFORM, by which users choose Qt's platform plugin; absent where they do not.
     std::optional<QByteArray> chosenPlatform;
     /// Whether the compositor has a layer shell; false where none could be used.
     bool hasLayerShell = false;
 
-    /// Connects to the compositor for the time of the question, where there is one.
+    /// Connects to the compositor and the X server for the time of the question, where there are
+    /// any. An empty variable is as good as none.
     static SessionEnvironment read();
 
     /// Whether Qt may load its wayland plugin: unless the user has chosen another one.
     bool mayUseWayland() const;
+    /// Whether there is a display for one of the platform plugins that may be loaded. True of
+    /// plugins that we do not know.
+    bool isDisplayThere() const;
 
     /// The platform plugins that Qt is to try, as QT_QPA_PLATFORM lists them. Empty where the user
     /// or Qt chooses.

@@ -319,6 +319,25 @@ private Q_SLOTS:
         QVERIFY(!owner().isEmpty());
         other.call(
             platform::bus::service, platform::bus::path, platform::bus::interface, u"Quit"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(owner().isEmpty(), timeout);
+
+        // The bus remembers the display of a session that has ended.
+        const auto activateOn = [&](const QString &x11) {
+            other.call(bus, u"/org/freedesktop/DBus"_s, bus, u"UpdateActivationEnvironment"_s,
+                {QVariant::fromValue(QMap<QString, QString>{{u"DISPLAY"_s, x11},
+                    {u"WAYLAND_DISPLAY"_s, u"gone"_s}, {u"QT_QPA_PLATFORM"_s, QString()}})});
+        };
+        activateOn({});
+        const auto refused = ask({u"toggle"_s});
+        QCOMPARE(refused.status, 2);
+        QCOMPARE(refused.errors,
+            u"brimwatchctl: Process app.brimwatch.Brimwatch exited with status 1\n"_s);
+        activateOn(qEnvironmentVariable("DISPLAY"));
+        const auto opened = ask({u"toggle"_s});
+        QCOMPARE(opened.errors, QString());
+        QCOMPARE(opened.status, 0);
+        other.call(
+            platform::bus::service, platform::bus::path, platform::bus::interface, u"Quit"_s);
     }
 
     void watchPrintsALinePerChange()

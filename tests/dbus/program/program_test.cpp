@@ -171,6 +171,55 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(popovers(), 0, timeout);
     }
 
+    void aDisplayThatIsGoneIsSaidInOneLine_data()
+    {
+        QTest::addColumn<QString>("x11");
+        QTest::addColumn<QString>("wayland");
+        QTest::addColumn<QString>("platform");
+        QTest::addColumn<QString>("said");
+        const QString none = u"no display: neither DISPLAY nor WAYLAND_DISPLAY is set"_s;
+        const QString noX11 = u"no X server answers on display ':65000'"_s;
+        const QString noWayland = u"no compositor answers on Wayland display 'gone'"_s;
+        QTest::newRow("none") << u""_s << u""_s << u""_s << none;
+        QTest::newRow("X11") << u":65000"_s << u""_s << u""_s << noX11;
+        QTest::newRow("Wayland") << u""_s << u"gone"_s << u""_s << noWayland;
+        QTest::newRow("both") << u":65000"_s << u"gone"_s << u""_s
+                              << QString(noX11 + ", and no compositor on 'gone'"_L1);
+        QTest::newRow("Wayland is asked for")
+            << qEnvironmentVariable("DISPLAY") << u"gone"_s << u"wayland"_s << noWayland;
+        QTest::newRow("X11 is asked for") << u":65000"_s << u"gone"_s << u"xcb"_s << noX11;
+        QTest::newRow("X11 is asked for, and unset")
+            << u""_s << u"gone"_s << u"xcb"_s << u"no display for QT_QPA_PLATFORM 'xcb'"_s;
+    }
+    void aDisplayThatIsGoneIsSaidInOneLine()
+    {
+        QFETCH(QString, x11);
+        QFETCH(QString, wayland);
+        QFETCH(QString, platform);
+        QFETCH(QString, said);
+        auto environment = Program::usual();
+        // An empty variable is as good as none.
+        environment.insert(u"DISPLAY"_s, x11);
+        environment.insert(u"WAYLAND_DISPLAY"_s, wayland);
+        environment.insert(u"QT_QPA_PLATFORM"_s, platform);
+        Program program(environment);
+        QVERIFY(program.waitForEnd());
+        QCOMPARE(program.errors(), QString("brimwatch: "_L1 + said + u'\n'));
+        QCOMPARE(program.exitCode(), 1);
+    }
+
+    void aCompositorThatIsGoneLeavesTheXServer()
+    {
+        auto environment = Program::usual();
+        environment.insert(u"WAYLAND_DISPLAY"_s, u"gone"_s);
+        Program program(environment);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty() || program.hasEnded(), timeout);
+        QCOMPARE(m_caller.call(u"Toggle"_s).type(), QDBusMessage::ReplyMessage);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, timeout);
+        QVERIFY(!program.hasEnded());
+        QCOMPARE(program.errors(), QString());
+    }
+
     void itEndsWhenOthersSaySo()
     {
         Program program;

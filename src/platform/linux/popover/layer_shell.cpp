@@ -54,18 +54,20 @@ wl_registry *registryIn(wl_event_queue *queue, wl_display *display)
 
 } // namespace
 
-bool compositorHasLayerShell()
+Compositor findCompositor()
 {
     wl_display *display = wl_display_connect(nullptr);
     if (display == nullptr)
-        return false;
+        return Compositor::None;
     Announcement announcement;
     wl_registry *registry = wl_display_get_registry(display);
     wl_registry_add_listener(registry, &registryListener, &announcement);
-    wl_display_roundtrip(display);
+    const bool hasAnswered = wl_display_roundtrip(display) >= 0;
     wl_registry_destroy(registry);
     wl_display_disconnect(display);
-    return announcement.isThere;
+    if (!hasAnswered)
+        return Compositor::None;
+    return announcement.isThere ? Compositor::WithLayerShell : Compositor::WithoutLayerShell;
 }
 
 void LayerShell::DestroyQueue::operator()(wl_event_queue *queue) const

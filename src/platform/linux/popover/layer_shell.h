@@ -14,9 +14,11 @@ struct zwlr_layer_surface_v1;
 
 namespace brimwatch::platform {
 
-/// Whether the compositor that the environment names has a layer shell. Needs no application
-/// object; connects for the time of the question.
-bool compositorHasLayerShell();
+/// What answers at the Wayland display that the environment names.
+enum class Compositor : std::uint8_t { None, WithoutLayerShell, WithLayerShell };
+
+/// Needs no application object; connects for the time of the question.
+Compositor findCompositor();
 
 /// The layer shell of the compositor, on the connection of Qt's wayland platform.
 ///

@@ -25,16 +25,45 @@ private Q_SLOTS:
         qputenv("WAYLAND_DISPLAY", "no-compositor-of-that-name");
         qputenv("QT_QPA_PLATFORM", "offscreen");
         const auto all = SessionEnvironment::read();
-        QVERIFY(all.hasX11 && all.hasWayland && !all.hasLayerShell);
+        QVERIFY(!all.hasX11 && !all.hasWayland && !all.hasLayerShell);
         QCOMPARE(all.chosenPlatform, std::optional<QByteArray>("offscreen"));
     }
 
-    void aCompositorThatIsNotThereHasNoLayerShell()
+    void anEmptyVariableIsAsGoodAsNone()
     {
-        qputenv("WAYLAND_DISPLAY", "no-compositor-of-that-name");
+        for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+            qputenv(name, "");
         const auto environment = SessionEnvironment::read();
-        QVERIFY(environment.hasWayland);
-        QVERIFY(!environment.hasLayerShell);
+        QVERIFY(!environment.hasX11 && !environment.hasWayland && !environment.chosenPlatform);
+    }
+
+    void aPluginNeedsItsDisplay_data()
+    {
+        QTest::addColumn<QByteArray>("chosen");
+        QTest::addColumn<bool>("hasX11");
+        QTest::addColumn<bool>("hasWayland");
+        QTest::addColumn<bool>("isThere");
+        QTest::newRow("nothing") << QByteArray() << false << false << false;
+        QTest::newRow("X11") << QByteArray() << true << false << true;
+        QTest::newRow("Wayland") << QByteArray() << false << true << true;
+        QTest::newRow("xcb on X11") << QByteArray("xcb") << true << false << true;
+        QTest::newRow("xcb on Wayland") << QByteArray("xcb") << false << true << false;
+        QTest::newRow("wayland on X11") << QByteArray("wayland-egl") << true << false << false;
+        QTest::newRow("wayland on Wayland") << QByteArray("wayland") << false << true << true;
+        QTest::newRow("either") << QByteArray("wayland;xcb") << true << false << true;
+        QTest::newRow("either of none") << QByteArray("wayland;xcb") << false << false << false;
+        QTest::newRow("another") << QByteArray("offscreen") << false << false << true;
+    }
+    void aPluginNeedsItsDisplay()
+    {
+        QFETCH(QByteArray, chosen);
+        QFETCH(bool, hasX11);
+        QFETCH(bool, hasWayland);
+        SessionEnvironment environment{
+            .hasX11 = hasX11, .hasWayland = hasWayland, .chosenPlatform = {}};
+        if (!chosen.isEmpty())
+            environment.chosenPlatform = chosen;
+        QTEST(environment.isDisplayThere(), "isThere");
     }
 
     void theUsersChoiceOfAnotherPlatformIsKept()
@@ -60,7 +89,7 @@ private Q_SLOTS:
         QTest::newRow("X11") << SessionEnvironment{.hasX11 = true, .chosenPlatform = {}}
                              << QByteArray("xcb");
         QTest::newRow("Wayland") << SessionEnvironment{.hasWayland = true, .chosenPlatform = {}}
-                                 << QByteArray();
+                                 << QByteArray("wayland");
         QTest::newRow("Xwayland") << SessionEnvironment{.hasX11 = true,
             .hasWayland = true,
             .chosenPlatform = {}} << QByteArray("xcb;wayland");

@@ -1,9 +1,11 @@
 #include "dbus/desktop/fake_notification_server.h"
 #include "platform/linux/desktop/application_icon.h"
 #include "platform/linux/desktop/desktop_notifier.h"
+#include "support/fake_bus.h"
 
 #include <QDBusArgument>
 #include <QDBusConnectionInterface>
+#include <QDBusContext>
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
@@ -17,6 +19,7 @@
 using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch::platform;
 using namespace std::chrono_literals;
+using brimwatch::test::FakeBus;
 using brimwatch::test::FakeNotificationServer;
 using brimwatch::test::OtherProgram;
 using Manners = FakeNotificationServer::Manners;
@@ -36,6 +39,33 @@ Notification numbered(int number)
         .title = QString::number(number),
         .body = u"The body"_s};
 }
+
+/// Takes notifications on a fake bus, and does not answer for them.
+class HoldingServer : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
+
+public:
+    explicit HoldingServer(QDBusConnection &bus)
+    {
+        bus.registerObject(
+            u"/org/freedesktop/Notifications"_s, this, QDBusConnection::ExportAllSlots);
+    }
+
+    int calls = 0;
+
+public Q_SLOTS:
+    // NOLINTNEXTLINE(readability-convert-member-functions-to-static): a slot of the object.
+    QStringList GetCapabilities() { return {u"body"_s}; }
+    uint Notify(const QString & /*application*/, uint /*replaces*/, const QString & /*icon*/,
+        const QString & /*title*/, const QString & /*body*/, const QStringList & /*actions*/,
+        const QVariantMap & /*hints*/, int /*milliseconds*/)
+    {
+        ++calls;
+        setDelayedReply(true);
+        return 0;
+    }
+};
 
 } // namespace
 
@@ -407,6 +437,37 @@ private Q_SLOTS:
         QTRY_VERIFY((m_notifier->post(low(u"2"_s)), m_server->calls.size() > sent));
         QCOMPARE(m_server->calls.at(sent).replaces, 0U);
         QCOMPARE(m_server->calls.at(sent).title, u"2"_s);
+    }
+
+    void whileTheBusDoesNotSayThatAServerHasGoneNoOtherIsAsked()
+    {
+        // Another server would show the notification a second time.
+        FakeBus bus;
+        HoldingServer server(bus.programs());
+        bus.owners = {{u"org.freedesktop.Notifications"_s, u":1.5"_s}, {u":1.5"_s, u":1.5"_s}};
+        m_notifier = std::make_unique<DesktopNotifier>(
+            bus.connection(), sender(), DesktopNotifier::Timeouts{.server = 60s, .answer = 50ms});
+        m_notifier->post(low(u"1"_s));
+        QTRY_COMPARE(server.calls, 1);
+        const int before = bus.asked;
+        bus.onGetNameOwner
+            = {FakeBus::Manners::Holds, FakeBus::Manners::TimesOut, FakeBus::Manners::Answers};
+        QTRY_COMPARE(m_notifier->known(), 0);
+        QCOMPARE(bus.asked, before + 3);
+        QCOMPARE(server.calls, 1);
+    }
+
+    void aSlowBusIsAskedForTheServerAgain()
+    {
+        FakeBus bus;
+        HoldingServer server(bus.programs());
+        bus.owners = {{u"org.freedesktop.Notifications"_s, u":1.5"_s}};
+        bus.onGetNameOwner
+            = {FakeBus::Manners::TimesOut, FakeBus::Manners::TimesOut, FakeBus::Manners::Answers};
+        m_notifier = std::make_unique<DesktopNotifier>(
+            bus.connection(), sender(), DesktopNotifier::Timeouts());
+        m_notifier->post(low(u"1"_s));
+        QTRY_COMPARE(server.calls, 1);
     }
 
     void aServerThatNeverAnswersIsGivenUp()

@@ -28,6 +28,26 @@ void whenAnswered(const QDBusConnection &bus, const QDBusMessage &call, QObject 
         });
 }
 
+CallOutcome outcomeOf(const QDBusMessage &answer)
+{
+    switch (QDBusError(answer).type()) {
+    case QDBusError::ServiceUnknown:
+    case QDBusError::Disconnected:
+    case QDBusError::NoServer:
+    case QDBusError::InternalError:
+        return CallOutcome::NobodyThere;
+    case QDBusError::NoReply:
+    case QDBusError::Timeout:
+    case QDBusError::TimedOut:
+        return CallOutcome::NoReply;
+    default:
+        // The bus's error for a name that it was told not to start; QtDBus has no number for it.
+        return answer.errorName() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1
+            ? CallOutcome::NobodyThere
+            : CallOutcome::Answered;
+    }
+}
+
 QDBusMessage daemonCall(const QString &member, const QVariantList &arguments)
 {
     auto call = QDBusMessage::createMethodCall(
@@ -59,11 +79,15 @@ void releaseName(const QDBusConnection &bus, const QString &name)
 }
 
 void findOwner(const QDBusConnection &bus, const QString &name, QObject *context,
-    std::chrono::milliseconds timeout, std::function<void(const QString &owner)> answered)
+    std::chrono::milliseconds timeout,
+    std::function<void(const std::optional<QString> &owner)> answered)
 {
     whenAnswered(bus, daemonCall(u"GetNameOwner"_s, {name}), context, timeout,
-        [answered = std::move(answered)](const QDBusReply<QString> &reply) {
-            answered(reply.isValid() ? reply.value() : QString());
+        [answered = std::move(answered)](const QDBusMessage &answer) {
+            if (outcomeOf(answer) == CallOutcome::NoReply)
+                answered(std::nullopt);
+            else
+                answered(QDBusReply<QString>(answer).value());
         });
 }
 

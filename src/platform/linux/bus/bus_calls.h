@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
 
 class QObject;
 class QString;
@@ -29,6 +30,14 @@ using Answered = std::function<void(const QDBusMessage &answer)>;
 void whenAnswered(const QDBusConnection &bus, const QDBusMessage &call, QObject *context,
     std::chrono::milliseconds timeout, Answered answered);
 
+/// Who answered a call.
+enum class CallOutcome {
+    Answered, ///< The program that was called: a reply, or an error of its own.
+    NobodyThere, ///< The bus, because nobody has that name, or there is no bus.
+    NoReply, ///< Nobody in time, or the program left the bus before it answered.
+};
+CallOutcome outcomeOf(const QDBusMessage &answer);
+
 /// A call of a method of the bus itself.
 QDBusMessage daemonCall(const QString &member, const QVariantList &arguments);
 
@@ -44,8 +53,10 @@ void requestName(const QDBusConnection &bus, const QString &name, QObject *conte
 /// Gives it back, without waiting for the answer.
 void releaseName(const QDBusConnection &bus, const QString &name);
 
-/// The connection that owns a name, empty when none does.
+/// The connection that owns a name, empty when none does; absent when the bus does not say so in
+/// time, as at a slow login.
 void findOwner(const QDBusConnection &bus, const QString &name, QObject *context,
-    std::chrono::milliseconds timeout, std::function<void(const QString &owner)> answered);
+    std::chrono::milliseconds timeout,
+    std::function<void(const std::optional<QString> &owner)> answered);
 
 } // namespace brimwatch::platform::bus

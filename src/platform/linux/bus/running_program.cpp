@@ -6,7 +6,6 @@
 #include "platform/linux/bus/bus_state.h"
 
 #include <QDBusArgument>
-#include <QDBusError>
 #include <QDBusMessage>
 
 #include <utility>
@@ -38,28 +37,17 @@ QDBusMessage readingCall()
 
 ProgramError errorOf(const QDBusMessage &answer)
 {
-    const auto notRunning = [] {
-        return ProgramError{
-            .kind = ProgramError::Kind::NotRunning, .message = u"Brimwatch is not running"_s};
-    };
-    // The bus's error for a name that it was told not to start; QtDBus has no number for it.
-    if (answer.errorName() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1)
-        return notRunning();
-    switch (QDBusError(answer).type()) {
-    case QDBusError::ServiceUnknown:
-    case QDBusError::Disconnected:
-    case QDBusError::NoServer:
-    case QDBusError::InternalError:
-        return notRunning();
-    case QDBusError::NoReply:
-    case QDBusError::Timeout:
-    case QDBusError::TimedOut:
+    switch (bus::outcomeOf(answer)) {
+    case bus::CallOutcome::NobodyThere:
+        return {.kind = ProgramError::Kind::NotRunning, .message = u"Brimwatch is not running"_s};
+    case bus::CallOutcome::NoReply:
         return {.kind = ProgramError::Kind::Silent,
             .message = u"Brimwatch is running, but it does not answer"_s};
-    default:
-        return {.kind = ProgramError::Kind::Failed,
-            .message = asOneLine(answer.errorMessage(), PublishedState::longestText)};
+    case bus::CallOutcome::Answered:
+        break;
     }
+    return {.kind = ProgramError::Kind::Failed,
+        .message = asOneLine(answer.errorMessage(), PublishedState::longestText)};
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 #include "platform/linux/bus/bus_calls.h"
 #include "platform/linux/bus/bus_structure.h"
 
-#include <QDBusError>
 #include <QDBusMetaType>
 #include <QLoggingCategory>
 
@@ -66,23 +65,11 @@ QString replaced(
     return text;
 }
 
-/// Whether the bus made this answer, or QtDBus, because nobody answered. Deliberate: the answer is
+/// Whether the server did not answer, but the bus or QtDBus in its place. Deliberate: the answer is
 /// not asked for its sender, which it does not name from Qt 6.8 on.
-bool isNobodysAnswer(const QDBusMessage &answer)
+bool isUnanswered(const QDBusMessage &answer)
 {
-    switch (QDBusError(answer).type()) {
-    case QDBusError::NoReply:
-    case QDBusError::Timeout:
-    case QDBusError::TimedOut:
-    case QDBusError::ServiceUnknown:
-    case QDBusError::Disconnected:
-    case QDBusError::NoServer:
-    case QDBusError::InternalError:
-        return true;
-    default:
-        // QtDBus has no number for this one.
-        return answer.errorName() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1;
-    }
+    return bus::outcomeOf(answer) != bus::CallOutcome::Answered;
 }
 
 } // namespace
@@ -154,15 +141,20 @@ void DesktopNotifier::askForServer()
 
 void DesktopNotifier::findServer(Start start)
 {
-    bus::findOwner(m_bus, service, this, m_timeouts.answer, [this, start](const QString &owner) {
-        m_owner = owner;
-        if (!owner.isEmpty())
-            askForCapabilities();
-        else if (start == Start::IfMissing)
-            startServer();
-        else
-            m_asking = false;
-    });
+    bus::findOwner(m_bus, service, this, m_timeouts.answer,
+        [this, start](const std::optional<QString> &owner) {
+            // A slow bus may have told of an owner without having been asked.
+            m_owner = owner.value_or(m_owner);
+            if (!m_owner.isEmpty()) {
+                askForCapabilities();
+            } else if (owner && start == Start::IfMissing) {
+                startServer();
+            } else {
+                m_asking = false;
+                if (!owner)
+                    proceed();
+            }
+        });
 }
 
 void DesktopNotifier::startServer()
@@ -193,7 +185,7 @@ void DesktopNotifier::takeCapabilities(const QString &server, const QDBusMessage
             proceed();
         return;
     }
-    if (isNobodysAnswer(answer)) {
+    if (isUnanswered(answer)) {
         logFailure("the notification server does not answer; waiting for another", answer);
         return;
     }
@@ -252,7 +244,7 @@ void DesktopNotifier::send(Entry &entry)
             sending
             = Sending{.identifier = entry.identifier, .call = entry.call, .server = m_server}](
             const QDBusMessage &answer) {
-            if (isNobodysAnswer(answer))
+            if (isUnanswered(answer))
                 checkServer(sending, answer);
             else
                 takeAnswer(sending, answer);
@@ -263,8 +255,11 @@ void DesktopNotifier::checkServer(const Sending &sending, const QDBusMessage &an
 {
     // The error is the same for a server that has left the bus and for one that is slow.
     bus::findOwner(m_bus, sending.server, this, m_timeouts.answer,
-        [this, sending, answer](const QString &owner) {
-            if (owner.isEmpty())
+        [this, sending, answer](const std::optional<QString> &owner) {
+            const Entry *entry = entryOf(sending);
+            if (!owner && entry != nullptr && !entry->sent->until.hasExpired())
+                checkServer(sending, answer); // A second server would show it a second time.
+            else if (owner && owner->isEmpty())
                 sendToNextServer(sending, answer);
             else
                 takeAnswer(sending, answer);

@@ -23,8 +23,7 @@ const auto watcherService = u"org.kde.StatusNotifierWatcher"_s;
 const auto watcherPath = u"/StatusNotifierWatcher"_s;
 const auto watcherInterface = u"org.kde.StatusNotifierWatcher"_s;
 
-// The bus itself answers at once. A watcher that does not answer within this time counts as one
-// with a host.
+// A watcher that does not answer within this time counts as one with a host.
 constexpr std::chrono::seconds answerTimeout{2};
 constexpr qint64 longestCommandLine = 4096;
 
@@ -125,11 +124,16 @@ void HostDetector::watcherOwnerChanged(const QString &owner)
 
 void HostDetector::askForWatcher()
 {
-    bus::findOwner(m_bus, watcherService, this, answerTimeout, [this](const QString &owner) {
-        // A watcher that came meanwhile has announced itself.
-        if (m_watcher.isEmpty() && !m_facts.watcherKnown)
-            watcherOwnerChanged(owner);
-    });
+    bus::findOwner(m_bus, watcherService, this, bus::usualTimeout,
+        [this](const std::optional<QString> &owner) {
+            // A watcher that came meanwhile has announced itself.
+            if (!m_watcher.isEmpty() || m_facts.watcherKnown)
+                return;
+            if (owner)
+                watcherOwnerChanged(*owner);
+            else
+                askForWatcher(); // The bus is slow, as at some logins.
+        });
 }
 
 void HostDetector::askForProcess(const QString &owner)

@@ -68,13 +68,16 @@ QString escaped(const QString &value)
             result += R"(\\)"_L1;
             break;
         default:
-            // Space in front of a value is not part of it.
+            // A blank before a value is not part of it.
             if (c == u' ' && result.isEmpty())
                 result += R"(\s)"_L1;
             else
                 result += c;
         }
     }
+    // Nor is one behind it, for most readers.
+    if (result.endsWith(u' '))
+        result.replace(result.size() - 1, 1, R"(\s)"_L1);
     return result;
 }
 
@@ -98,6 +101,13 @@ std::optional<QString> withoutFieldCodes(const QString &argument)
     if (hadCode && result.isEmpty())
         return {};
     return result;
+}
+
+/// Deliberate: not QChar::isSpace(). Readers split at the blanks of ASCII alone; others, as U+3000,
+/// are letters of a name.
+bool separatesArguments(QChar c)
+{
+    return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r';
 }
 
 } // namespace
@@ -277,7 +287,7 @@ QStringList commandOfExec(const QString &exec)
             quoted = !quoted;
             inArgument = true;
             wasQuoted = true;
-        } else if (!quoted && c.isSpace()) {
+        } else if (!quoted && separatesArguments(c)) {
             if (inArgument)
                 finish();
         } else {
@@ -297,10 +307,10 @@ QString execOfCommand(const QStringList &command)
     QStringList arguments;
     for (const QString &argument : command) {
         QString text;
-        // The characters that the standard for desktop entries reserves.
+        // The characters that the standard for desktop entries reserves, and every blank.
         bool mustBeQuoted = argument.isEmpty();
         for (const QChar c : argument) {
-            mustBeQuoted = mustBeQuoted || u" \t\n\"'\\><~|&;$*?#()`"_s.contains(c);
+            mustBeQuoted = mustBeQuoted || c.isSpace() || u"\"'\\><~|&;$*?#()`"_s.contains(c);
             if (u"\"`$\\"_s.contains(c))
                 text += u'\\';
             if (c == u'%')

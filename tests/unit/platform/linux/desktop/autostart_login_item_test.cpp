@@ -300,6 +300,13 @@ private Q_SLOTS:
         QTest::newRow("other letters") << u"Größe 🧠"_s << true;
         QTest::newRow("spaces at the ends") << u"  a  "_s << true;
         QTest::newRow("brackets") << u"[Desktop Entry]"_s << true;
+        QTest::newRow("ideographic space") << u"My\u3000Programs"_s << true;
+        QTest::newRow("no-break space") << u"My\u00a0Programs\u202f"_s << true;
+        QTest::newRow("next line") << u"My\u0085Programs\u2028"_s << true;
+        QTest::newRow("tab") << u"My\tPrograms"_s << false;
+        QTest::newRow("line feed") << u"My\nPrograms"_s << false;
+        QTest::newRow("carriage return") << u"My\rPrograms\r"_s << false;
+        QTest::newRow("blank at the end") << u"bin"_s << false;
         // dex 0.9 leaves what is escaped inside of quotes as it stands.
         QTest::newRow("quotes") << u"it's \"mine\""_s << false;
         QTest::newRow("backslash") << u"a\\b\\\\c\\"_s << false;
@@ -314,7 +321,9 @@ private Q_SLOTS:
         QFETCH(QString, folderName);
         QFETCH(bool, readByDex);
         QVERIFY(QDir(m_folder->path()).mkpath(folderName));
-        m_program = m_folder->filePath(folderName) + "/brim watch"_L1;
+        // dex does not undo the escape of a blank at the end either.
+        m_program
+            = m_folder->filePath(folderName) + (readByDex ? "/brim watch"_L1 : "/brim watch "_L1);
         makeProgram(m_program);
         const auto one = item();
         QVERIFY(one->registerItem());
@@ -333,6 +342,8 @@ private Q_SLOTS:
             QTRY_VERIFY2(QFileInfo::exists(started()), qPrintable(reader));
             QVERIFY(QFile::remove(started()));
         }
+        QVERIFY(one->unregisterItem());
+        QCOMPARE(one->status(), Status::notRegistered);
     }
 
     void aChangedEntryIsStillValid()

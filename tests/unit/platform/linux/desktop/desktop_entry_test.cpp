@@ -34,6 +34,9 @@ private Q_SLOTS:
         QTest::newRow("empty argument") << u"ide \"\""_s << QStringList{u"ide"_s, QString()};
         QTest::newRow("percent in quotes")
             << u"\"/opt/100%% sure\" \"%f\""_s << QStringList{u"/opt/100% sure"_s, u"%f"_s};
+        QTest::newRow("other blanks are letters")
+            << u"/opt/My\u3000IDE/\u00a0ide --new\u2028window\tb"_s
+            << QStringList{u"/opt/My\u3000IDE/\u00a0ide"_s, u"--new\u2028window"_s, u"b"_s};
         QTest::newRow("broken quotes") << u"ide \"a"_s << QStringList();
         QTest::newRow("nothing") << u"  "_s << QStringList();
     }
@@ -58,6 +61,9 @@ private Q_SLOTS:
         QTest::newRow("percent") << QStringList{u"/100%u"_s} << u"/100%%u"_s;
         QTest::newRow("percent and space") << QStringList{u"/100% u"_s} << u"\"/100%% u\""_s;
         QTest::newRow("tab, line feed") << QStringList{u"/a\tb\nc"_s} << u"\"/a\tb\nc\""_s;
+        QTest::newRow("carriage return") << QStringList{u"/a\rb"_s} << u"\"/a\rb\""_s;
+        QTest::newRow("other blanks")
+            << QStringList{u"/a\u3000b\u00a0"_s} << u"\"/a\u3000b\u00a0\""_s;
         QTest::newRow("other letters") << QStringList{u"/opt/é🧠/b"_s} << u"/opt/é🧠/b"_s;
         QTest::newRow("arguments")
             << QStringList{u"b"_s, u"c d"_s, QString(), u"%%"_s} << u"b \"c d\" \"\" %%%%"_s;
@@ -151,12 +157,12 @@ private Q_SLOTS:
         QVERIFY(entry);
         QCOMPARE(entry->toBytes(), before);
         entry->remove("Hidden"_L1);
-        entry->set("Name"_L1, u" a\\b\nc"_s);
+        entry->set("Name"_L1, u" a\\b\nc  "_s);
         entry->set("Exec"_L1, u"é"_s);
         QCOMPARE(entry->toBytes(),
-            QByteArray("# ours \xff\n[Desktop Entry]\nName=\\sa\\\\b\\nc\nName[de]=C\n"
+            QByteArray("# ours \xff\n[Desktop Entry]\nName=\\sa\\\\b\\nc \\s\nName[de]=C\n"
                        "Exec=é\n\n\n[Desktop Action x]\nHidden=true\nExec=\xfe\n"));
-        QCOMPARE(entry->value("Name"_L1), u" a\\b\nc"_s);
+        QCOMPARE(entry->value("Name"_L1), u" a\\b\nc  "_s);
     }
 
     void aKeyIsAddedToAFileThatEndsInItsLine()

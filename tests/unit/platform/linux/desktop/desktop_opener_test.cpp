@@ -72,6 +72,15 @@ private Q_SLOTS:
         QCOMPARE(found(), (QStringList{u"true"_s, u"right"_s}));
     }
 
+    void anEntryInAFolderWithABlankOfAnotherScriptIsFound()
+    {
+        const QString program = m_folder->filePath(u"My\u3000\u00a0IDE/ide"_s);
+        QVERIFY(QDir().mkpath(QFileInfo(program).path()));
+        QVERIFY(QFile::link(u"/bin/true"_s, program));
+        write(u"home/antigravity.desktop"_s, "Exec=" + program.toUtf8() + " %F\n");
+        QCOMPARE(found(), QStringList{program});
+    }
+
     void namesMatchWhateverTheirCase()
     {
         write(u"system/Antigravity.desktop"_s, "Exec=true\n");

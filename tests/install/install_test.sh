@@ -65,7 +65,15 @@ for side in $sides; do
     check "the icon of $side pixels is as large as its folder says" is \
         "$(identify -format '%wx%h' "$prefix/share/icons/hicolor/${side}x$side/apps/$id.png")" "${side}x$side"
 done
-check "the metadata for software centres is valid" appstreamcli validate --no-net "$prefix/share/metainfo/$id.metainfo.xml"
+# Deliberate: it has no homepage, of which AppStream 1.0 and newer warn; whoever publishes it has one to add.
+metadata_is_valid()
+{
+    local findings
+    findings=$(appstreamcli validate --no-net --no-color "$prefix/share/metainfo/$id.metainfo.xml") && return
+    echo "$findings"
+    [ "$(grep -E '^[EW]:' <<<"$findings" | sed 's/.*: //' | sort -u)" = url-homepage-missing ]
+}
+check "the metadata for software centres is valid" metadata_is_valid
 check "and its newest release is this version" is \
     "$(sed -n 's/.*<release version="\([^"]*\)".*/\1/p' "$prefix/share/metainfo/$id.metainfo.xml" | head -n 1)" \
     "$("$build/src/app/brimwatch" --version | cut -d ' ' -f 2)"

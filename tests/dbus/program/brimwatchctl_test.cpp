@@ -420,7 +420,10 @@ private Q_SLOTS:
         QVERIFY(std::all_of(
             lines.cbegin(), lines.cend(), [](const QString &line) { return line.size() <= 60; }));
         environment.insert(u"LC_ALL"_s, u"C"_s);
-        QVERIFY(shown(environment).contains(u"##--"_s));
+        // Of such a locale Qt 6.8 warns.
+        environment.remove(u"QT_FATAL_WARNINGS"_s);
+        const QString ascii = shown(environment);
+        QVERIFY2(ascii.contains(u"##--"_s), qPrintable(ascii));
         const auto piped = ask({u"status"_s});
         QVERIFY(!piped.output.contains(u'\x1b') && !piped.output.contains(u"█"_s));
         QVERIFY(piped.output.contains(u"75.0%"_s));

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Plasma 5.27 on Wayland (plasmashell, kded5 as the watcher, kwin_wayland drawing into a window on Xvfb); Xwayland on demand.
+# Plasma 5 or 6 on Wayland (plasmashell, kded as the watcher, kwin_wayland drawing into a window on Xvfb); Xwayland on demand.
 # PANEL_SIZE=36 PANEL_POS=3|4 (3 top, 4 bottom) CLOCK=on
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"
@@ -47,8 +47,8 @@ SH
 # The panel is light and lets some of the picture behind it through.
 panel_is_drawn()
 {
-    local y=2
-    [ "${PANEL_POS:-3}" = 4 ] && y=$((${SIZE#*x} - 3))
+    local y=12
+    [ "${PANEL_POS:-3}" = 4 ] && y=$((${SIZE#*x} - 13))
     [ "$(on_screen import -silent -window root -crop "400x1+$((${SIZE%x*} / 2))+$y" +repage -format '%[fx:mean>0.6]' info:)" = 1 ]
 }
 

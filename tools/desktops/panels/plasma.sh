@@ -1,9 +1,11 @@
 #!/bin/bash
-# Plasma 5.27 (plasmashell, kded5 as the watcher, kwin_x11) on Xvfb.
+# Plasma 5 or 6, which of them is installed (plasmashell, kded as the watcher, kwin_x11) on Xvfb.
 # PANEL_SIZE=36 PANEL_POS=3|4 (3 top, 4 bottom) CLOCK=on
 NAME=plasma
 FACTS=(protocol=sni form=badge restarts=yes bus=needed weight=heavy)
-SERVICES="org.kde.kded5 org.kde.ActivityManager org.kde.kglobalaccel"
+# The daemon of Plasma 6, or of Plasma 5.
+KDED=$(command -v kded6 >/dev/null && echo kded6 || echo kded5)
+SERVICES="org.kde.$KDED org.kde.ActivityManager org.kde.kglobalaccel"
 READY_S=90
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"
@@ -83,7 +85,7 @@ INI
         remotenotifier solidautoeject ksysguard recentdocumentsnotifier networkstatus keyboard \
         lookandfeelautoswitcher; do
         printf '[Module-%s]\nautoload=false\n' "$module"
-    done >"$config/kded5rc"
+    done >"$config/${KDED}rc"
 }
 
 configure()
@@ -91,7 +93,7 @@ configure()
     write_config
     env_set XDG_CURRENT_DESKTOP KDE
     env_set KDE_FULL_SESSION true
-    env_set KDE_SESSION_VERSION 5
+    env_set KDE_SESSION_VERSION "${KDED#kded}"
     ENVV+=(QT_QUICK_BACKEND=software LIBGL_ALWAYS_SOFTWARE=1 KDE_NO_GLOBAL_MENU=1)
     start_system_bus
 }
@@ -99,10 +101,10 @@ configure()
 start_services()
 {
     local activities
-    spawn kded kded5
+    spawn kded "$KDED"
     activities=$(dpkg -L kactivitymanagerd | grep '/libexec/kactivitymanagerd$')
     spawn activity "$activities"
-    wait_for 20 bus_has org.kde.kded5 || die "kded5 did not start, see $DIR/log/kded.log"
+    wait_for 20 bus_has "org.kde.$KDED" || die "$KDED did not start, see $DIR/log/kded.log"
 }
 
 session_start()
@@ -117,8 +119,8 @@ panel_start() { spawn panel plasmashell --no-respawn; }
 # It takes items and shows windows well before it draws itself: the middle of its row is then still wallpaper.
 panel_is_drawn()
 {
-    local y=2
-    [ "${PANEL_POS:-3}" = 4 ] && y=$((${SIZE#*x} - 3))
+    local y=12
+    [ "${PANEL_POS:-3}" = 4 ] && y=$((${SIZE#*x} - 13))
     [ "${PANEL_POS:-3}" -ge 5 ] ||
         [ "$(on_screen import -silent -window root -crop "400x1+$((${SIZE%x*} / 2))+$y" +repage -format '%k %[fx:mean>0.8]' info:)" = "1 1" ]
 }

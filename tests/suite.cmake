@@ -29,6 +29,8 @@ _brimwatch_suite_test(tidy COMMAND nice -n 19 "${tools}/lib/tidy.py" "${PROJECT_
 _brimwatch_suite_test(macos COMMAND nice -n 19 "${tools}/macos-check/check.sh" LABELS lint TIMEOUT 3600 COST 1000 LOCK lint)
 _brimwatch_suite_test(package COMMAND "${CMAKE_CURRENT_LIST_DIR}/package/package_test.sh"
     TIMEOUT 7200 COST 2000 LOCK desktop)
+_brimwatch_suite_test(forecast COMMAND "${CMAKE_CURRENT_LIST_DIR}/forecast/score_test.sh" "${PROJECT_BINARY_DIR}"
+    TIMEOUT 1800 COST 3000)
 
 # What desktops show.
 add_custom_target(brimwatch_shown DEPENDS brimwatch brimwatch_views brimwatchctl brimwatch_fetch brimwatch-sample-daemon)

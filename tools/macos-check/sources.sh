@@ -40,7 +40,7 @@ link_program()
     local target shared=() views program libraries=(-lQt6Core -lQt6Gui -lQt6Network -lQt6Qml -lQt6QmlModels -lQt6QmlWorkerScript -lQt6Quick -lQt6Svg)
     make_sysroot || return
     "${here:?}/stubs/make-library-stubs.sh" "${work:?}/sysroot" "${qt_libraries[@]}" icuuc icui18n || return
-    for target in brimwatch_core brimwatch_model brimwatch_discovery brimwatch_platform brimwatch_service; do
+    for target in brimwatch_core brimwatch_model brimwatch_forecast brimwatch_discovery brimwatch_platform brimwatch_service; do
         mapfile -t -O ${#shared[@]} shared < <(objects_of $target)
     done
     mapfile -t views < <(objects_of 'brimwatch_views[a-z_0-9]*')

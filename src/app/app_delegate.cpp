@@ -34,6 +34,12 @@ void AppDelegate::applicationDidFinishLaunching()
     m_statusBarController = makeStatusBarController();
     if (m_desktop.remoteControl != nullptr)
         connectRemoteControl();
+    // What was shown before the suspend is old.
+    if (m_desktop.whenResumed)
+        m_desktop.whenResumed([service = QPointer(m_quotaService.get())] {
+            if (service != nullptr)
+                service->refresh();
+        });
 }
 
 std::unique_ptr<service::QuotaService> AppDelegate::makeQuotaService()

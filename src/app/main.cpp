@@ -29,8 +29,6 @@ public:
         m_delegate.applicationDidFinishLaunching();
         if (platform::takesOverOpening())
             m_delegate.statusBarController()->showPopover();
-        // What was shown before the suspend is old.
-        m_desktop.whenResumed([this] { m_delegate.quotaService()->refresh(); });
     }
 
 private:

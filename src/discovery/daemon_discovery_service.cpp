@@ -141,6 +141,11 @@ bool isAlive(const DaemonInfo &info)
 
 } // namespace
 
+QString daemonFolder(const QString &home)
+{
+    return home + "/.gemini/antigravity/daemon"_L1;
+}
+
 bool isCandidateName(const QString &fileName)
 {
     return fileName.endsWith(".json"_L1)
@@ -153,7 +158,7 @@ DaemonDiscoveryService::DaemonDiscoveryService(const QString &home)
 }
 
 DaemonDiscoveryService::DaemonDiscoveryService(const QString &home, const Limits &limits)
-    : m_directory(home + u"/.gemini/antigravity/daemon")
+    : m_directory(daemonFolder(home))
     , m_limits(limits)
 {
 }

@@ -10,6 +10,9 @@
 
 namespace brimwatch::discovery {
 
+/// Where daemons announce themselves, whether it exists or not: ~/.gemini/antigravity/daemon
+QString daemonFolder(const QString &home);
+
 /// Whether a file of that name can announce a daemon: it starts with "ls_" or "hub_" and ends in
 /// ".json", case-sensitively.
 bool isCandidateName(const QString &fileName);
@@ -31,7 +34,6 @@ public:
     explicit DaemonDiscoveryService(const QString &home);
     DaemonDiscoveryService(const QString &home, const Limits &limits);
 
-    /// $HOME/.gemini/antigravity/daemon
     const QString &directory() const { return m_directory; }
     bool directoryExists() const;
 

@@ -23,6 +23,10 @@ struct DaemonInfo {
     std::optional<QString> filePath = {}; ///< Of the discovery file.
 
     bool operator==(const DaemonInfo &) const = default;
+
+    /// Where the daemon is asked: on its plain port, else on its secure one. Deliberate: the plain
+    /// port comes first.
+    const std::optional<std::int64_t> &askedPort() const { return httpPort ? httpPort : httpsPort; }
 };
 
 /// All keys are optional, but one of a wrong type (a port as text, a pid with a fraction) rejects

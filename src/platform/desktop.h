@@ -35,6 +35,8 @@ struct Desktop {
     std::function<std::unique_ptr<Popover>(PopoverContentFactory)> makePopover;
     /// Null where other programs cannot ask anything of us.
     RemoteControl *remoteControl = nullptr;
+    /// Calls `action` after each resume from suspend. Absent where timers take care of that.
+    std::function<void(std::function<void()> action)> whenResumed = {};
 };
 
 } // namespace brimwatch::platform

@@ -1,6 +1,7 @@
 #include "service/diagnostics.h"
 
 #include "core/date_styles.h"
+#include "discovery/daemon_discovery_service.h"
 #include "platform/wording.h"
 #include "service/quota_service.h"
 
@@ -24,7 +25,7 @@ QString pidText(const discovery::DaemonInfo &daemon)
 
 QString portText(const discovery::DaemonInfo &daemon)
 {
-    return QString::number(daemon.httpPort.value_or(daemon.httpsPort.value_or(0)));
+    return QString::number(daemon.askedPort().value_or(0));
 }
 
 QString tokenText(const discovery::DaemonInfo &daemon, Diagnostics::Token token)
@@ -133,7 +134,7 @@ QUrl Diagnostics::supportMailUrl() const
 
 QUrl Diagnostics::daemonFolderUrl() const
 {
-    return QUrl::fromLocalFile(m_home + "/.gemini/antigravity/daemon"_L1);
+    return QUrl::fromLocalFile(discovery::daemonFolder(m_home));
 }
 
 QString truncatedToken(const QString &token)

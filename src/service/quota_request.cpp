@@ -36,7 +36,7 @@ QSslConfiguration secureConfiguration(const QList<QSslCertificate> &trusted)
 
 std::optional<QUrl> quotaUrl(const discovery::DaemonInfo &daemon)
 {
-    const auto port = daemon.httpPort ? daemon.httpPort : daemon.httpsPort;
+    const auto port = daemon.askedPort();
     if (!port)
         return std::nullopt;
     QUrl url((daemon.httpPort ? u"http"_s : u"https"_s) % u"://127.0.0.1:"_s

@@ -15,8 +15,7 @@ namespace brimwatch::service {
 /// What the daemon is sent: an empty JSON object.
 inline constexpr QByteArrayView quotaRequestBody{"{}"};
 
-/// Where the daemon is asked: on its plain port, else on its secure one. Deliberate: the plain port
-/// comes first. Absent without either, and when the port is no valid one.
+/// Where the daemon is asked. Absent without a port, and when it is no valid one.
 std::optional<QUrl> quotaUrl(const discovery::DaemonInfo &daemon);
 
 /// What goes to 127.0.0.1, and how.

@@ -8,25 +8,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <utility>
 
 namespace brimwatch::service {
-namespace {
 
 using namespace Qt::Literals::StringLiterals;
-
-constexpr double shortestRefreshInterval = 10.0;
-// The longest that a timer with 32 bits of milliseconds can hold, about 24 days.
-constexpr double longestRefreshInterval = std::numeric_limits<qint32>::max() / 1000.0;
-
-/// The port on which the daemon was asked.
-std::int64_t askedPort(const discovery::DaemonInfo &daemon)
-{
-    return daemon.httpPort.value_or(daemon.httpsPort.value_or(0));
-}
-
-} // namespace
 
 QuotaService::QuotaService(const Dependencies &dependencies, QObject *parent)
     : QObject(parent)
@@ -138,7 +124,7 @@ void QuotaService::apply(const FetchResult &result)
         changeState(&QuotaService::m_activeDaemon, std::optional(result->daemon),
             &QuotaService::activeDaemonChanged);
         changeState(&QuotaService::m_connectionStatus,
-            ConnectionStatus::connected(askedPort(result->daemon)),
+            ConnectionStatus::connected(result->daemon.askedPort().value_or(0)),
             &QuotaService::connectionStatusChanged);
         changeState(&QuotaService::m_lastUpdated, std::optional(m_clock.now().toUTC()),
             &QuotaService::lastUpdatedChanged);
@@ -164,8 +150,8 @@ void QuotaService::updateRefreshInterval(double seconds)
 void QuotaService::startPeriodicRefresh()
 {
     m_refreshTimer.reset();
-    const double seconds
-        = std::clamp(refreshInterval(), shortestRefreshInterval, longestRefreshInterval);
+    const double seconds = std::clamp(
+        refreshInterval(), settings::shortestRefreshInterval, settings::longestRefreshInterval);
     m_refreshTimer = m_clock.every(std::chrono::duration<double>(seconds), [this] { refresh(); });
 }
 

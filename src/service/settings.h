@@ -5,6 +5,7 @@
 #include <QString>
 #include <QVariant>
 
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -21,7 +22,10 @@ template <typename T> struct Setting {
 namespace settings {
 
 inline constexpr Setting<double> refreshInterval{
-    .key = "refreshInterval", .defaultValue = 60.0}; ///< Seconds; applied with a floor of 10.
+    .key = "refreshInterval", .defaultValue = 60.0}; ///< Seconds; applied within these bounds:
+inline constexpr double shortestRefreshInterval = 10.0;
+/// The longest that a timer with 32 bits of milliseconds can hold, about 24 days.
+inline constexpr double longestRefreshInterval = std::numeric_limits<qint32>::max() / 1000.0;
 inline constexpr Setting<bool> showPercentageInMenuBar{
     .key = "showPercentageInMenuBar", .defaultValue = true};
 inline constexpr Setting<bool> showFiveHourInMenuBar{

@@ -61,7 +61,8 @@ Desktop LinuxDesktop::desktop()
             [this](PopoverContentFactory views) {
                 return m_session.makePopover(unlessReplaced(std::move(views)), m_xConnection);
             },
-        .remoteControl = &m_remoteControl};
+        .remoteControl = &m_remoteControl,
+        .whenResumed = [this](std::function<void()> action) { whenResumed(std::move(action)); }};
 }
 
 std::unique_ptr<StatusItem> LinuxDesktop::makeStatusItem()

@@ -33,11 +33,9 @@ public:
     /// Refers to this object.
     Desktop desktop();
 
-    /// Calls `action` after each resume from suspend, as long as this object lives.
-    void whenResumed(std::function<void()> action);
-
 private:
     std::unique_ptr<StatusItem> makeStatusItem();
+    void whenResumed(std::function<void()> action);
 
     const Session &m_session;
     RemoteControl &m_remoteControl;

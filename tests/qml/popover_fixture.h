@@ -2,8 +2,10 @@
 
 #include "platform/linux/symbols/svg_symbols.h"
 #include "platform/popover_content.h"
-#include "qml/fakes.h"
 #include "service/diagnostics.h"
+#include "support/fake_appearance.h"
+#include "support/fake_opener.h"
+#include "support/fake_pasteboard.h"
 #include "support/service_fixture.h"
 #include "views/models/popover_model.h"
 

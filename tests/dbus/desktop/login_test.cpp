@@ -1,6 +1,6 @@
 #include "platform/linux/desktop/autostart_login_item.h"
-#include "platform/opener.h"
 #include "service/launch_at_login_service.h"
+#include "support/fake_opener.h"
 #include "support/fake_watcher.h"
 #include "support/private_display.h"
 
@@ -18,16 +18,6 @@
 using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch;
 
-namespace {
-
-class NoOpener final : public platform::Opener {
-public:
-    bool openAntigravity() override { return false; }
-    void openUrl(const QUrl & /*url*/) override { }
-};
-
-} // namespace
-
 /// The switch, then a login of another session: a real reader of autostart folders, an empty home,
 /// a display and a bus of its own, and a panel that hosts items.
 class LoginTest : public QObject {
@@ -43,7 +33,7 @@ private Q_SLOTS:
         const QString program = installed.filePath(u"my programs/brimwatch (new)"_s);
         QVERIFY(QFile::link(QStringLiteral(BRIMWATCH_PROGRAM), program));
 
-        NoOpener opener;
+        test::FakeOpener opener;
         platform::AutostartLoginItem item(
             {.configHome = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
                 .program = program,

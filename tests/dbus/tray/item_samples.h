@@ -1,7 +1,6 @@
 #pragma once
 
 #include "model/label_composition.h"
-#include "platform/appearance.h"
 #include "platform/linux/appearance/system_colors.h"
 #include "platform/linux/tray/presentation.h"
 #include "platform/qt_color.h"
@@ -15,28 +14,6 @@
 namespace brimwatch::test {
 
 using namespace Qt::Literals::StringLiterals;
-
-/// A desktop that looks as told.
-class FakeAppearance final : public platform::Appearance {
-public:
-    bool isDark() const override { return m_dark; }
-    platform::Rgba color(model::ColorToken token) const override
-    {
-        return platform::systemColor(token, platform::Background::Dark);
-    }
-    QString fontFamily() const override { return u"DejaVu Sans"_s; }
-    double textScale() const override { return 1; }
-    bool reducesMotion() const override { return false; }
-
-    void setDark(bool dark)
-    {
-        m_dark = dark;
-        Q_EMIT changed();
-    }
-
-private:
-    bool m_dark = true;
-};
 
 /// "5h: 80% · W: 55%" behind a sparkle, or with other texts.
 inline platform::PresentedItem sampleItem(

@@ -4,6 +4,7 @@
 #include "platform/linux/tray/label_painter.h"
 #include "platform/linux/tray/panel_status_item.h"
 #include "platform/linux/x11/x_connection.h"
+#include "support/fake_appearance.h"
 #include "support/fake_watcher.h"
 #include "support/private_display.h"
 
@@ -74,7 +75,7 @@ private:
 
     SvgSymbols m_symbols;
     LabelPainter m_painter{m_symbols};
-    FakeAppearance m_appearance;
+    FakeAppearance m_appearance{Background::Dark};
     QString m_watcherProgram; // What this process passes for when it plays the watcher.
     std::unique_ptr<XConnection> m_x;
     std::unique_ptr<FakeTrayManager> m_manager;

@@ -3,6 +3,7 @@
 #include "platform/linux/symbols/svg_symbols.h"
 #include "platform/linux/tray/xembed_presentation.h"
 #include "platform/linux/x11/x_connection.h"
+#include "support/fake_appearance.h"
 #include "support/private_display.h"
 
 #include <QGuiApplication>
@@ -120,7 +121,7 @@ private:
 
     SvgSymbols m_symbols;
     LabelPainter m_painter{m_symbols};
-    FakeAppearance m_appearance;
+    FakeAppearance m_appearance{Background::Dark};
     Pointer m_pointer;
     std::unique_ptr<XConnection> m_x;
     std::unique_ptr<FakeTrayManager> m_manager;

@@ -1,13 +1,15 @@
 #include "app/app_delegate.h"
-#include "platform/appearance.h"
 #include "platform/application_presence.h"
-#include "platform/login_item.h"
-#include "platform/notifier.h"
-#include "platform/opener.h"
-#include "platform/pasteboard.h"
-#include "platform/remote_control.h"
 #include "platform/symbols.h"
 #include "service/settings.h"
+#include "support/fake_appearance.h"
+#include "support/fake_login_item.h"
+#include "support/fake_notifier.h"
+#include "support/fake_opener.h"
+#include "support/fake_pasteboard.h"
+#include "support/fake_popover.h"
+#include "support/fake_remote_control.h"
+#include "support/fake_status_item.h"
 #include "views/views_library.h"
 
 #include <QImage>
@@ -20,6 +22,7 @@
 
 using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch;
+using namespace brimwatch::test;
 
 namespace {
 
@@ -35,93 +38,6 @@ public:
 
 private:
     QStringList &m_calls;
-};
-
-class FakeNotifier final : public platform::Notifier {
-public:
-    explicit FakeNotifier(QStringList &calls)
-        : m_calls(calls)
-    {
-    }
-    void requestAuthorization() override { m_calls.append(u"requestAuthorization"_s); }
-    void post(const platform::Notification & /*notification*/) override { }
-
-private:
-    QStringList &m_calls;
-};
-
-class FakePopover final : public platform::Popover {
-public:
-    explicit FakePopover(QStringList &calls)
-        : m_calls(calls)
-    {
-    }
-    bool isShown() const override { return m_shown; }
-    void prepare() override { }
-    void show(const platform::ItemAnchor & /*anchor*/) override { m_shown = true; }
-    void showUnclicked(const std::optional<QRect> & /*item*/) override
-    {
-        m_shown = true;
-        m_calls.append(u"showUnclicked"_s);
-    }
-    void makeKey() override { }
-    void showSettings() override { m_calls.append(u"showSettings"_s); }
-    void performClose() override
-    {
-        m_shown = false;
-        m_calls.append(u"performClose"_s);
-        Q_EMIT didClose();
-    }
-
-private:
-    QStringList &m_calls;
-    bool m_shown = false;
-};
-
-class FakeStatusItem final : public platform::StatusItem {
-public:
-    bool hasButton() const override { return true; }
-    void setLabel(const model::LabelComposition & /*label*/) override { }
-    void setDescription(const platform::ItemDescription & /*description*/) override { }
-    std::optional<QRect> place() const override { return {}; }
-};
-
-class FakeRemoteControl final : public platform::RemoteControl {
-public:
-    void publish(const platform::PublishedState &state) override { published.append(state); }
-    void finishRefresh(const std::optional<QString> & /*error*/) override { }
-    void setReport(Report report) override { hasReport = static_cast<bool>(report); }
-
-    QList<platform::PublishedState> published;
-    bool hasReport = false;
-};
-
-class FakeAppearance final : public platform::Appearance {
-public:
-    bool isDark() const override { return false; }
-    platform::Rgba color(model::ColorToken /*token*/) const override { return {}; }
-    QString fontFamily() const override { return {}; }
-    double textScale() const override { return 1; }
-    bool reducesMotion() const override { return false; }
-};
-
-class FakeLoginItem final : public platform::LoginItem {
-public:
-    Status status() const override { return {}; }
-    Result<void, QString> registerItem() override { return {}; }
-    Result<void, QString> unregisterItem() override { return {}; }
-    void openSystemSettings() override { }
-};
-
-class FakeOpener final : public platform::Opener {
-public:
-    bool openAntigravity() override { return false; }
-    void openUrl(const QUrl & /*url*/) override { }
-};
-
-class FakePasteboard final : public platform::Pasteboard {
-public:
-    void setText(const QString & /*text*/) override { }
 };
 
 class FakeSymbols final : public platform::SymbolSource {
@@ -140,6 +56,7 @@ private Q_SLOTS:
     void init()
     {
         m_calls.clear();
+        m_notifier.log = &m_calls;
         m_home = std::make_unique<QTemporaryDir>();
         m_settings = std::make_unique<service::SettingsStore>(m_home->filePath(u"settings.ini"_s));
         m_remoteControl = std::make_unique<FakeRemoteControl>();
@@ -160,9 +77,13 @@ private Q_SLOTS:
                 .makePopover =
                     [this](const platform::PopoverContentFactory & /*views*/) {
                         m_calls.append(u"popover"_s);
-                        return std::make_unique<FakePopover>(m_calls);
+                        auto popover = std::make_unique<FakePopover>();
+                        m_popover = popover.get();
+                        return popover;
                     },
-                .remoteControl = m_remoteControl.get()},
+                .remoteControl = m_remoteControl.get(),
+                .whenResumed
+                = [this](std::function<void()> action) { m_resume = std::move(action); }},
             [this](const views::PopoverDependencies &dependencies) {
                 m_calls.append(u"views"_s);
                 m_servedViews = &dependencies.quotaService;
@@ -181,8 +102,8 @@ private Q_SLOTS:
         m_delegate->applicationDidFinishLaunching();
         // The service asks for the authorization while it is made.
         QCOMPARE(m_calls,
-            (QStringList{u"becomeAccessory"_s, u"closeWindows"_s, u"requestAuthorization"_s,
-                u"views"_s, u"item"_s, u"popover"_s}));
+            (QStringList{u"becomeAccessory"_s, u"closeWindows"_s, u"permission"_s, u"views"_s,
+                u"item"_s, u"popover"_s}));
         QVERIFY(m_delegate->quotaService() != nullptr);
         QVERIFY(m_delegate->statusBarController() != nullptr);
     }
@@ -191,8 +112,19 @@ private Q_SLOTS:
     {
         m_delegate->applicationDidFinishLaunching();
         QCOMPARE(m_servedViews, m_delegate->quotaService());
-        QVERIFY(m_remoteControl->hasReport);
+        QVERIFY(m_remoteControl->report);
         QVERIFY(!m_remoteControl->published.isEmpty());
+    }
+
+    void aResumeRefreshes()
+    {
+        launch();
+        const auto *service = m_delegate->quotaService();
+        // The first refresh finds no daemon.
+        QTRY_VERIFY(service->errorMessage());
+        QVERIFY(!service->isRefreshing());
+        m_resume();
+        QVERIFY(service->isRefreshing());
     }
 
     void nothingIsConnectedOnceItIsGone()
@@ -202,6 +134,7 @@ private Q_SLOTS:
         Q_EMIT m_remoteControl->showRequested();
         Q_EMIT m_remoteControl->quitRequested();
         Q_EMIT m_notifier.activated(u"low"_s);
+        m_resume();
         QCOMPARE(m_calls, QStringList());
     }
 
@@ -209,22 +142,22 @@ private Q_SLOTS:
     {
         launch();
         Q_EMIT m_remoteControl->toggleRequested();
-        QCOMPARE(taken(), QStringList{u"showUnclicked"_s});
+        QCOMPARE(taken(), (QStringList{u"showUnclicked"_s, u"makeKey"_s}));
         Q_EMIT m_remoteControl->toggleRequested();
         QCOMPARE(taken(), QStringList{u"performClose"_s});
         Q_EMIT m_remoteControl->showRequested();
-        QCOMPARE(taken(), QStringList{u"showUnclicked"_s});
+        QCOMPARE(taken(), (QStringList{u"showUnclicked"_s, u"makeKey"_s}));
         Q_EMIT m_remoteControl->showSettingsRequested();
         QVERIFY(taken().contains(u"showSettings"_s));
         Q_EMIT m_remoteControl->quitRequested();
-        QCOMPARE(taken(), QStringList{u"terminate"_s});
+        QCOMPARE(m_calls, QStringList{u"terminate"_s});
     }
 
     void aNotificationOpensThePopoverAndTheViewsCloseIt()
     {
         launch();
         Q_EMIT m_notifier.activated(u"low"_s);
-        QCOMPARE(taken(), QStringList{u"showUnclicked"_s});
+        QCOMPARE(taken(), (QStringList{u"showUnclicked"_s, u"makeKey"_s}));
         m_closeFromViews();
         QCOMPARE(taken(), QStringList{u"performClose"_s});
     }
@@ -234,20 +167,24 @@ private:
     {
         m_delegate->applicationDidFinishLaunching();
         m_calls.clear();
+        m_popover->calls.clear();
     }
-    QStringList taken() { return std::exchange(m_calls, {}); }
+    /// What the popover was asked since the last time.
+    QStringList taken() { return std::exchange(m_popover->calls, {}); }
 
     QStringList m_calls;
     FakeAppearance m_appearance;
     FakePresence m_presence{m_calls};
     FakeLoginItem m_loginItem;
-    FakeNotifier m_notifier{m_calls};
+    FakeNotifier m_notifier;
     FakeOpener m_opener;
     FakePasteboard m_pasteboard;
     FakeSymbols m_symbols;
     std::unique_ptr<QTemporaryDir> m_home;
     std::unique_ptr<service::SettingsStore> m_settings;
     std::unique_ptr<FakeRemoteControl> m_remoteControl;
+    FakePopover *m_popover = nullptr;
+    std::function<void()> m_resume;
     const service::QuotaService *m_servedViews = nullptr;
     std::function<void()> m_closeFromViews;
     std::unique_ptr<app::AppDelegate> m_delegate;

@@ -3,96 +3,20 @@
 #include "app/status_bar_controller.h"
 #include "core/date_styles.h"
 #include "platform/application_presence.h"
-#include "platform/remote_control.h"
 #include "service/diagnostics.h"
+#include "support/fake_popover.h"
+#include "support/fake_remote_control.h"
+#include "support/fake_status_item.h"
 #include "support/service_fixture.h"
 
 #include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch;
+using namespace brimwatch::test;
 using namespace std::chrono_literals;
 
 namespace {
-
-class FakeStatusItem final : public platform::StatusItem {
-    Q_OBJECT
-
-public:
-    bool hasButton() const override { return button; }
-    void setLabel(const model::LabelComposition &label) override
-    {
-        labels.append(label);
-        Q_EMIT drawn();
-    }
-    void setDescription(const platform::ItemDescription &description) override
-    {
-        descriptions.append(description);
-    }
-    std::optional<QRect> place() const override { return itemPlace; }
-
-    bool button = true;
-    std::optional<QRect> itemPlace;
-    QList<model::LabelComposition> labels;
-    QList<platform::ItemDescription> descriptions;
-
-Q_SIGNALS:
-    void drawn();
-};
-
-class FakeRemoteControl final : public platform::RemoteControl {
-    Q_OBJECT
-
-public:
-    void publish(const platform::PublishedState &state) override
-    {
-        published.append(state);
-        Q_EMIT told();
-    }
-    void finishRefresh(const std::optional<QString> &error) override { finished.append(error); }
-    void setReport(Report /*report*/) override { }
-
-    QList<platform::PublishedState> published;
-    QList<std::optional<QString>> finished;
-
-Q_SIGNALS:
-    void told();
-};
-
-class FakePopover final : public platform::Popover {
-public:
-    bool isShown() const override { return shown; }
-    void prepare() override { calls.append(u"prepare"_s); }
-    void show(const platform::ItemAnchor &anchor) override
-    {
-        shown = true;
-        calls.append(u"show"_s);
-        anchors.append(anchor);
-    }
-    void showUnclicked(const std::optional<QRect> &item) override
-    {
-        shown = true;
-        calls.append(u"showUnclicked"_s);
-        items.append(item);
-    }
-    void makeKey() override { calls.append(u"makeKey"_s); }
-    void showSettings() override { calls.append(u"showSettings"_s); }
-    void performClose() override
-    {
-        calls.append(u"performClose"_s);
-        close();
-    }
-    void close()
-    {
-        shown = false;
-        Q_EMIT didClose();
-    }
-
-    bool shown = false;
-    QStringList calls;
-    QList<platform::ItemAnchor> anchors;
-    QList<std::optional<QRect>> items;
-};
 
 model::QuotaSummary summaryWith(double fiveHour, double weekly)
 {
@@ -265,8 +189,8 @@ private Q_SLOTS:
         // derivation.
         QList<QList<model::ToolbarStatItem>> read;
         const auto note = [&] { read.append(m_fixture->service.toolbarStatItems()); };
-        connect(m_item, &FakeStatusItem::drawn, &bus, note);
-        connect(&bus, &FakeRemoteControl::told, &bus, note);
+        m_item->onDrawn = note;
+        bus.onPublished = note;
         connect(&m_fixture->service, &service::QuotaService::stateChanged, &bus, note);
 
         m_fixture->clock.advance(5s);

@@ -1,5 +1,5 @@
 #include "platform/linux/no_panel_notice.h"
-#include "platform/notifier.h"
+#include "support/fake_notifier.h"
 #include "support/test_clock.h"
 
 #include <QFile>
@@ -10,18 +10,6 @@
 using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch;
 using namespace std::chrono_literals;
-
-namespace {
-
-class FakeNotifier final : public platform::Notifier {
-public:
-    void requestAuthorization() override { }
-    void post(const platform::Notification &notification) override { posted.append(notification); }
-
-    QList<platform::Notification> posted;
-};
-
-} // namespace
 
 class NoPanelNoticeTest : public QObject {
     Q_OBJECT
@@ -113,7 +101,7 @@ private:
     QString folder() const { return m_session->path(); }
 
     test::TestClock m_clock{QDateTime(QDate(2026, 11, 16), QTime(9, 0), Qt::UTC)};
-    FakeNotifier m_notifier;
+    test::FakeNotifier m_notifier;
     std::unique_ptr<QTemporaryDir> m_session;
 };
 

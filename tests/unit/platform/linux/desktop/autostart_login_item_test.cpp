@@ -1,6 +1,6 @@
 #include "platform/linux/desktop/autostart_login_item.h"
 #include "platform/linux/desktop/desktop_entry.h"
-#include "platform/opener.h"
+#include "support/fake_opener.h"
 #include "support/full_disk.h"
 
 #include <QDir>
@@ -21,18 +21,6 @@ using namespace brimwatch::platform;
 using Status = LoginItem::Status;
 
 Q_DECLARE_METATYPE(Status)
-
-namespace {
-
-class FakeOpener final : public Opener {
-public:
-    bool openAntigravity() override { return false; }
-    void openUrl(const QUrl &url) override { opened.append(url); }
-
-    QList<QUrl> opened;
-};
-
-} // namespace
 
 class AutostartLoginItemTest : public QObject {
     Q_OBJECT
@@ -569,7 +557,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_folder;
     QString m_program;
-    FakeOpener m_opener;
+    test::FakeOpener m_opener;
     QByteArray m_path;
 };
 

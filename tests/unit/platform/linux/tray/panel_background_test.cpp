@@ -1,5 +1,5 @@
-#include "dbus/tray/item_samples.h"
 #include "platform/linux/tray/panel_background.h"
+#include "support/fake_appearance.h"
 
 #include <QTest>
 

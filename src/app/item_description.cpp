@@ -63,7 +63,7 @@ ItemDescription describeItem(const service::QuotaService &service, const QString
 {
     // Everyone on the session bus reads a tooltip.
     const auto redactor = redactorFor(service, home);
-    const auto &now = service.currentTime();
+    const QDateTime now = service.currentTime();
     ItemDescription description;
     description.title = redactor.line(service.menuBarTitle(), longestTitle);
     const auto &status = service.connectionStatus();

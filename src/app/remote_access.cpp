@@ -53,18 +53,23 @@ void RemoteAccess::refresh()
 
 void RemoteAccess::publish()
 {
-    const auto state = describeState(m_quotaService, m_home);
-    m_failure = state.connection == platform::PublishedState::Connection::Offline
-        ? std::optional(state.error)
-        : std::nullopt;
-    m_remoteControl.publish(state);
+    m_published = describeState(m_quotaService, m_home);
+    m_remoteControl.publish(m_published);
 }
 
 void RemoteAccess::finishRefresh()
 {
-    // The callers that wait find the properties current: these were published just before, and say
-    // how the last refresh ended even when the next one has begun.
-    m_remoteControl.finishRefresh(m_failure);
+    // The callers that wait find the properties current, which say how the last refresh ended even
+    // when the next one has begun. All but the time of the update were published just before, if
+    // anything of them has changed.
+    if (const auto updated = lastUpdateOf(m_quotaService); updated != m_published.lastUpdate) {
+        m_published.lastUpdate = updated;
+        m_remoteControl.publish(m_published);
+    }
+    m_remoteControl.finishRefresh(
+        m_published.connection == platform::PublishedState::Connection::Offline
+            ? std::optional(m_published.error)
+            : std::nullopt);
 }
 
 } // namespace brimwatch::app

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/published_state.h"
+
 #include <QDeadlineTimer>
 #include <QObject>
 #include <QString>
-
-#include <optional>
 
 namespace brimwatch::platform {
 class RemoteControl;
@@ -35,7 +35,7 @@ private:
     service::QuotaService &m_quotaService;
     platform::RemoteControl &m_remoteControl;
     QString m_home;
-    std::optional<QString> m_failure; ///< As published: why the daemon is offline.
+    platform::PublishedState m_published;
     QDeadlineTimer m_pause{0}; ///< Until the next refresh for another program may begin.
 };
 

@@ -82,6 +82,12 @@ Redactor redactorFor(const service::QuotaService &service, const QString &home)
     return {daemon ? daemon->csrfToken : std::nullopt, home};
 }
 
+std::optional<std::int64_t> lastUpdateOf(const service::QuotaService &service)
+{
+    const auto updated = service.lastUpdated();
+    return updated ? std::optional<std::int64_t>(updated->toSecsSinceEpoch()) : std::nullopt;
+}
+
 PublishedState describeState(const service::QuotaService &service, const QString &home)
 {
     using Connection = PublishedState::Connection;
@@ -96,8 +102,7 @@ PublishedState describeState(const service::QuotaService &service, const QString
         state.connection = Connection::Offline;
         state.error = publisher.text(status.displayText());
     }
-    if (const auto updated = service.lastUpdated())
-        state.lastUpdate = updated->toSecsSinceEpoch();
+    state.lastUpdate = lastUpdateOf(service);
     state.title = publisher.text(service.menuBarTitle());
     const auto items = service.toolbarStatItems().mid(0, PublishedState::mostItems);
     for (const auto &item : items)

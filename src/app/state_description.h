@@ -5,6 +5,9 @@
 
 #include <QString>
 
+#include <cstdint>
+#include <optional>
+
 namespace brimwatch::service {
 class Diagnostics;
 class QuotaService;
@@ -14,6 +17,9 @@ namespace brimwatch::app {
 
 /// Hides the active daemon's token, and `home`, the user's home directory.
 Redactor redactorFor(const service::QuotaService &service, const QString &home);
+
+/// When quota came last, in seconds since the epoch; absent before the first.
+std::optional<std::int64_t> lastUpdateOf(const service::QuotaService &service);
 
 /// What other programs may know of the service's state, within the bounds of PublishedState, all
 /// texts redacted.

@@ -85,7 +85,7 @@ void StatusBarController::setupSubscribers()
     connect(
         &m_quotaService, &QuotaService::stateChanged, this, &StatusBarController::updateStatusItem);
     connect(
-        &m_quotaService, &QuotaService::currentTimeChanged, this, &StatusBarController::followTime);
+        &m_quotaService, &QuotaService::refreshFinished, this, &StatusBarController::followRefresh);
 }
 
 void StatusBarController::updateStatusItem()
@@ -101,16 +101,26 @@ void StatusBarController::describeStatusItem()
 {
     m_describedAt = m_quotaService.currentTime();
     m_statusItem->setDescription(describeItem(m_quotaService, m_home));
+    startMinuteTimer();
 }
 
-void StatusBarController::followTime()
+void StatusBarController::followRefresh()
 {
-    // The label has no time in it, and the tooltip counts in minutes. A clock that was set back
-    // counts as a minute too.
-    constexpr qint64 minute = 60;
-    const qint64 age = m_describedAt.secsTo(m_quotaService.currentTime());
-    if (age < 0 || age >= minute)
+    // The label has no time in it, and the tooltip counts in minutes. A minute less what a coarse
+    // timer may be early. A clock that was set back counts as a minute too.
+    constexpr std::chrono::seconds minute{55};
+    const std::chrono::seconds age(m_describedAt.secsTo(m_quotaService.currentTime()));
+    if (age < age.zero() || age >= minute)
         describeStatusItem();
+    else
+        startMinuteTimer();
+}
+
+void StatusBarController::startMinuteTimer()
+{
+    // Started anew with each refresh, so that the two expire together where both are due, and the
+    // machine wakes only once.
+    m_minuteTimer = m_clock.every(std::chrono::minutes(1), [this] { describeStatusItem(); });
 }
 
 } // namespace brimwatch::app

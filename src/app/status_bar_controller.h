@@ -31,7 +31,7 @@ public:
     /// What the controller uses. References outlive it.
     struct Dependencies {
         service::QuotaService &quotaService;
-        const Clock &clock;
+        Clock &clock;
         std::unique_ptr<platform::StatusItem> statusItem;
         std::unique_ptr<platform::Popover> popover;
         model::SymbolExists symbolExists;
@@ -60,16 +60,18 @@ private:
     void setupSubscribers();
     void updateStatusItem();
     void describeStatusItem();
-    void followTime();
+    void followRefresh();
+    void startMinuteTimer();
 
     service::QuotaService &m_quotaService;
-    const Clock &m_clock;
+    Clock &m_clock;
     std::unique_ptr<platform::StatusItem> m_statusItem;
     std::unique_ptr<platform::Popover> m_popover;
     model::SymbolExists m_symbolExists;
     QString m_home;
     model::LabelComposition m_label;
     QDateTime m_describedAt; ///< The moment from which the tooltip's countdowns were computed.
+    std::unique_ptr<RepeatingTimer> m_minuteTimer;
     std::optional<QDateTime> m_popoverCloseTime; ///< Absent: in the distant past.
 };
 

@@ -23,7 +23,6 @@ QuotaService::QuotaService(const Dependencies &dependencies, QObject *parent)
     , m_launchAtLogin(dependencies.launchAtLogin)
     , m_currentTime(m_clock.now())
 {
-    startSecondTick();
     startPeriodicRefresh();
     if (m_alerts != nullptr)
         m_alerts->requestNotificationPermission();
@@ -107,7 +106,7 @@ void QuotaService::refresh()
         return;
     change(&QuotaService::m_isRefreshing, true, &QuotaService::isRefreshingChanged);
     // Cleared before the answer is known, so that an offline view without data shows the refresh.
-    changeState(&QuotaService::m_errorMessage, std::optional<QString>(),
+    change(&QuotaService::m_errorMessage, std::optional<QString>(),
         &QuotaService::errorMessageChanged);
     whenDone(m_fetching.fetchQuotaSummary(lastUpdated()), this,
         [this](const FetchResult &result) { apply(result); });
@@ -126,7 +125,7 @@ void QuotaService::apply(const FetchResult &result)
         changeState(&QuotaService::m_connectionStatus,
             ConnectionStatus::connected(result->daemon.askedPort().value_or(0)),
             &QuotaService::connectionStatusChanged);
-        changeState(&QuotaService::m_lastUpdated, std::optional(m_clock.now().toUTC()),
+        change(&QuotaService::m_lastUpdated, std::optional(m_clock.now().toUTC()),
             &QuotaService::lastUpdatedChanged);
         change(&QuotaService::m_isRefreshing, false, &QuotaService::isRefreshingChanged);
         if (m_alerts != nullptr)
@@ -135,7 +134,7 @@ void QuotaService::apply(const FetchResult &result)
     }
     const QString description = result.error().errorDescription();
     change(&QuotaService::m_isRefreshing, false, &QuotaService::isRefreshingChanged);
-    changeState(&QuotaService::m_errorMessage, std::optional(description),
+    change(&QuotaService::m_errorMessage, std::optional(description),
         &QuotaService::errorMessageChanged);
     changeState(&QuotaService::m_connectionStatus, ConnectionStatus::offline(description),
         &QuotaService::connectionStatusChanged);
@@ -155,12 +154,35 @@ void QuotaService::startPeriodicRefresh()
     m_refreshTimer = m_clock.every(std::chrono::duration<double>(seconds), [this] { refresh(); });
 }
 
+QDateTime QuotaService::currentTime() const
+{
+    return m_timeWatches > 0 ? m_currentTime : m_clock.now();
+}
+
+void QuotaService::setCurrentTime()
+{
+    change(&QuotaService::m_currentTime, m_clock.now(), &QuotaService::currentTimeChanged);
+}
+
 void QuotaService::startSecondTick()
 {
-    m_secondTickTimer.reset();
-    m_secondTickTimer = m_clock.every(std::chrono::seconds(1), [this] {
-        change(&QuotaService::m_currentTime, m_clock.now(), &QuotaService::currentTimeChanged);
-    });
+    setCurrentTime();
+    m_secondTickTimer = m_clock.every(std::chrono::seconds(1), [this] { setCurrentTime(); });
+}
+
+QuotaService::TimeWatch::TimeWatch(QuotaService &service)
+    : m_service(service)
+{
+    // Deliberate: there is no tick while nobody watches. It would wake the machine each second for
+    // nothing, and who reads the time without watching gets that of the clock.
+    if (++m_service.m_timeWatches == 1)
+        m_service.startSecondTick();
+}
+
+QuotaService::TimeWatch::~TimeWatch()
+{
+    if (--m_service.m_timeWatches == 0)
+        m_service.m_secondTickTimer.reset();
 }
 
 bool QuotaService::launchAtLogin() const

@@ -25,8 +25,8 @@ class LowQuotaAlerts;
 /// refreshes that keep them current. Everything happens on the main thread.
 ///
 /// Every change is announced by objectWillChange just before it and by the property's own signal
-/// just after, and all the changes of one turn of the event loop once more by stateChanged. Setting
-/// what already holds is no change.
+/// just after, and those of one turn of the event loop that count in revision() once more by
+/// stateChanged. Setting what already holds is no change.
 class QuotaService final : public QObject {
     Q_OBJECT
     Q_PROPERTY(double refreshInterval READ refreshInterval WRITE setRefreshInterval NOTIFY
@@ -76,8 +76,20 @@ public:
     std::optional<QDateTime> lastUpdated() const;
     bool isRefreshing() const { return m_isRefreshing; }
     const std::optional<QString> &errorMessage() const { return m_errorMessage; }
-    /// Set each second.
-    const QDateTime &currentTime() const { return m_currentTime; }
+    /// Now. While somebody watches the time it changes once a second, and each change is announced.
+    QDateTime currentTime() const;
+
+    /// As long as one of these lives, the time is watched: currentTime() is the present second at
+    /// once, and is set and announced each second from then on. The service outlives it.
+    class TimeWatch {
+    public:
+        explicit TimeWatch(QuotaService &service);
+        ~TimeWatch();
+        Q_DISABLE_COPY_MOVE(TimeWatch)
+
+    private:
+        QuotaService &m_service;
+    };
 
     /// Fetches the quota. Does nothing while a fetch is under way.
     void refresh();
@@ -86,7 +98,6 @@ public:
     /// setRefreshInterval() alone does not restart the timer.
     void updateRefreshInterval(double seconds);
     void startPeriodicRefresh();
-    void startSecondTick();
 
     /// The login item's state, false without one; writing changes it.
     bool launchAtLogin() const;
@@ -123,7 +134,8 @@ public:
     QString toolbarLabelStyle() const { return m_settings.value(settings::toolbarLabelStyle); }
     void setToolbarLabelStyle(const QString &rawValue);
 
-    /// Counts the changes of all that is stored here but the time and `isRefreshing`.
+    /// Counts the changes of what label, tooltip and other programs' view are derived from: the
+    /// summary, the daemon, the connection and the settings.
     quint64 revision() const { return m_revision; }
 
     // Derived once per revision, by the first that reads one of them.
@@ -184,7 +196,7 @@ private:
     template <typename Store> void publish(Store store, Changed changed);
     /// Sets a member, announced before and after; nothing when it holds that value already.
     template <typename T> void change(T QuotaService::*member, T value, Changed changed);
-    /// The same for a member that counts as state: all but the time and `isRefreshing`.
+    /// The same for a member that counts in revision().
     template <typename T> void changeState(T QuotaService::*member, T value, Changed changed);
     template <typename T, typename Value>
     void changeSetting(const Setting<T> &setting, const Value &value, Changed changed);
@@ -192,6 +204,8 @@ private:
     void announceLater();
     void announce();
     void apply(const FetchResult &result);
+    void setCurrentTime();
+    void startSecondTick();
     const Derived &derived() const;
 
     Clock &m_clock;
@@ -206,7 +220,8 @@ private:
     std::optional<QDateTime> m_lastUpdated; ///< In UTC: a local time moves with the zone.
     bool m_isRefreshing = false;
     std::optional<QString> m_errorMessage;
-    QDateTime m_currentTime;
+    int m_timeWatches = 0;
+    QDateTime m_currentTime; ///< Of the last tick; old while nobody watches.
     quint64 m_revision = 0;
     mutable std::optional<Derived> m_derived; ///< Absent before the first read.
     bool m_announcementPending = false;
@@ -214,7 +229,7 @@ private:
     bool m_refreshEnded = false; ///< Since the last announcement.
 
     // Destroyed in this order's reverse: the refresh timer ends first.
-    std::unique_ptr<RepeatingTimer> m_secondTickTimer;
+    std::unique_ptr<RepeatingTimer> m_secondTickTimer; ///< While somebody watches the time.
     std::unique_ptr<RepeatingTimer> m_refreshTimer;
 };
 

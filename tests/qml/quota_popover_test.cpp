@@ -93,6 +93,7 @@ private Q_SLOTS:
     void aHiddenPopoverDoesNotMove();
     void whatHappenedWhileHiddenIsThereWhenShown();
     void countdownsRunWithTheClock();
+    void theTimeTicksOnlyWhileTheDashboardIsShown();
     void theUpdateTextCountsFromTheLastUpdate();
     void aRefreshKeepsCardsAndScrollPosition();
     void moreThanAPersonCanReadIsOnlyCounted();
@@ -526,6 +527,32 @@ void QuotaPopoverTest::countdownsRunWithTheClock()
     QCOMPARE(fixture.text(u"countdown"_s), u"Resets in 1m 1s"_s);
     fixture.clock.advance(std::chrono::seconds(61));
     QCOMPARE(fixture.text(u"countdown"_s), u"Resets in Refreshed"_s);
+}
+
+void QuotaPopoverTest::theTimeTicksOnlyWhileTheDashboardIsShown()
+{
+    using namespace std::chrono_literals;
+    const auto ticking = [](const PopoverFixture &fixture) {
+        const auto periods = fixture.clock.periods();
+        return std::ranges::count(periods, std::chrono::milliseconds(1s)) == 1;
+    };
+    PopoverFixture fixture;
+    fixture.load();
+    QVERIFY(!ticking(fixture));
+    fixture.show();
+    QVERIFY(ticking(fixture));
+    fixture.showSettings();
+    QVERIFY(!ticking(fixture));
+    // The time is right again before the dashboard slides in.
+    fixture.answer(test::sampleSummary());
+    fixture.clock.advance(42s);
+    QTest::keyClick(&fixture.window(), Qt::Key_Escape);
+    QVERIFY(ticking(fixture));
+    QCOMPARE(fixture.model().updatedText(), u"Updated 42s ago"_s);
+    fixture.hide();
+    QVERIFY(!ticking(fixture));
+    fixture.show();
+    QVERIFY(ticking(fixture));
 }
 
 void QuotaPopoverTest::theUpdateTextCountsFromTheLastUpdate()

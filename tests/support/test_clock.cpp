@@ -24,6 +24,7 @@ public:
 
     std::chrono::milliseconds interval() const override { return m_interval; }
     const QDateTime &next() const { return m_next; }
+    void move(std::chrono::milliseconds by) { m_next = m_next.addMSecs(by.count()); }
 
     void fire()
     {
@@ -75,6 +76,14 @@ void TestClock::advance(std::chrono::milliseconds by)
         (*due)->fire();
     }
     m_now = end;
+}
+
+void TestClock::setNow(const QDateTime &now)
+{
+    const std::chrono::milliseconds by(m_now.msecsTo(now));
+    m_now = now;
+    for (Timer *timer : m_timers)
+        timer->move(by);
 }
 
 std::vector<std::chrono::milliseconds> TestClock::periods() const

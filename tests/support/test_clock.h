@@ -22,7 +22,8 @@ public:
         std::chrono::duration<double> period, std::function<void()> action) override;
 
     void advance(std::chrono::milliseconds by);
-    void setNow(const QDateTime &now) { m_now = now; }
+    /// The user sets the clock: the timers go on as they were.
+    void setNow(const QDateTime &now);
 
     /// Where the start and the end of each timer is written down, if anywhere: "timer 60" and "end
     /// of timer 60".

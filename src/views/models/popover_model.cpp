@@ -60,6 +60,7 @@ PopoverModel::PopoverModel(Dependencies dependencies, QObject *parent)
     , m_spin([this] { return m_isShown && m_service.isRefreshing(); })
 {
     connect(&m_dependencies.theme, &Theme::changed, this, &PopoverModel::statusColorChanged);
+    connect(this, &PopoverModel::showingSettingsChanged, this, &PopoverModel::watchTime);
     readAll();
 }
 
@@ -67,6 +68,7 @@ void PopoverModel::setShown(bool shown)
 {
     if (!assign(m_isShown, shown))
         return;
+    watchTime();
     if (!shown) {
         m_service.disconnect(this);
     } else {
@@ -76,6 +78,15 @@ void PopoverModel::setShown(bool shown)
         QMetaObject::invokeMethod(this, &PopoverModel::addGroups, Qt::QueuedConnection);
     }
     Q_EMIT isShownChanged();
+}
+
+/// The dashboard alone shows seconds.
+void PopoverModel::watchTime()
+{
+    if (!m_isShown || m_showingSettings)
+        m_timeWatch.reset();
+    else if (!m_timeWatch)
+        m_timeWatch.emplace(m_service);
 }
 
 void PopoverModel::connectService()
@@ -162,7 +173,7 @@ void PopoverModel::readBody()
 void PopoverModel::readUpdated()
 {
     const auto lastUpdated = m_service.lastUpdated();
-    const auto &now = m_service.currentTime();
+    const QDateTime now = m_service.currentTime();
     const QString waiting = u"Waiting for update"_s;
     if (assign(m_updatedText, lastUpdated ? "Updated "_L1 + timeAgo(*lastUpdated, now) : waiting))
         Q_EMIT updatedTextChanged();

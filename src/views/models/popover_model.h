@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/color_token.h"
+#include "service/quota_service.h"
 #include "views/dashboard/refresh_spin.h"
 #include "views/models/entry_list.h"
 #include "views/models/quota_entries.h"
@@ -13,13 +14,10 @@
 #include <QtQml/qqmlregistration.h>
 
 #include <functional>
+#include <optional>
 
 namespace brimwatch::platform {
 class Opener;
-}
-
-namespace brimwatch::service {
-class QuotaService;
 }
 
 namespace brimwatch::views {
@@ -116,6 +114,7 @@ Q_SIGNALS:
     void settingsRequested();
 
 private:
+    void watchTime();
     void connectService();
     void readAll();
     void readGroups();
@@ -134,6 +133,8 @@ private:
     QList<ShownGroup> m_sortedGroups;
     qsizetype m_groupsShown = initialGroups;
 
+    /// While the dashboard is shown.
+    std::optional<service::QuotaService::TimeWatch> m_timeWatch;
     bool m_isShown = false;
     bool m_showingSettings = false;
     bool m_isRefreshing = false;

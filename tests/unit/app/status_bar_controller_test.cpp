@@ -207,6 +207,43 @@ private Q_SLOTS:
             QCOMPARE(items.constData(), read.first().constData());
     }
 
+    void aRefreshThatBringsTheSameRebuildsNothing()
+    {
+        m_fixture->answer(summaryWith(0.8, 0.55));
+        const service::Diagnostics diagnostics(m_fixture->service, {}, {});
+        FakeRemoteControl bus;
+        const app::RemoteAccess access(m_fixture->service, diagnostics, bus, {});
+        QCoreApplication::processEvents();
+        const auto *derived = m_fixture->service.toolbarStatItems().constData();
+        m_item->labels.clear();
+        m_item->descriptions.clear();
+        bus.published.clear();
+
+        m_fixture->clock.advance(5s);
+        m_fixture->service.refresh();
+        m_fixture->answer(summaryWith(0.8, 0.55));
+        QCOMPARE(bus.finished, QList<std::optional<QString>>{std::nullopt});
+        QCOMPARE(m_item->labels.size(), 0);
+        QCOMPARE(m_item->descriptions.size(), 0);
+        QCOMPARE(m_fixture->service.toolbarStatItems().constData(), derived);
+        // But others learn when it was.
+        QCOMPARE(bus.published.size(), 1);
+        QCOMPARE(bus.published.constFirst().lastUpdate, m_fixture->clock.now().toSecsSinceEpoch());
+    }
+
+    void theTooltipIsRightAfterASuspend()
+    {
+        auto summary = summaryWith(0.8, 0.55);
+        summary.groups[0].buckets[1].resetTime = inSeconds(2h + 30s);
+        m_fixture->answer(summary);
+        QVERIFY(m_item->descriptions.constLast().lines.constFirst().endsWith("resets in 2h 0m"_L1));
+        // No timer has run meanwhile; the refresh after the resume brings the same.
+        m_fixture->clock.setNow(m_fixture->clock.now().addSecs(3600));
+        m_fixture->service.refresh();
+        m_fixture->answer(summary);
+        QVERIFY(m_item->descriptions.constLast().lines.constFirst().endsWith("resets in 1h 0m"_L1));
+    }
+
     void theTimeRebuildsNothing()
     {
         QTRY_VERIFY(m_fixture->fetching.isWaiting());

@@ -84,8 +84,8 @@ private Q_SLOTS:
     void theServiceBeginsInItsOrderAndFetchesWithTheNextTurn()
     {
         makeService();
-        QCOMPARE(m_parts->log,
-            Log({u"timer 1"_s, u"timer 60"_s, u"permission"_s, u"subscribe"_s, u"subscribe"_s}));
+        QCOMPARE(
+            m_parts->log, Log({u"timer 60"_s, u"permission"_s, u"subscribe"_s, u"subscribe"_s}));
         QVERIFY(!m_service->isRefreshing());
         QTRY_COMPARE(m_parts->fetching.asked.size(), size_t(1));
         QVERIFY(m_service->isRefreshing());
@@ -105,12 +105,10 @@ private Q_SLOTS:
         QCOMPARE(m_service->menuBarTitle(), u"✦ ..."_s);
     }
 
-    void theRefreshTimerEndsBeforeTheTick()
+    void theTimersEndWithTheService()
     {
         makeService();
-        m_parts->log.clear();
         m_service.reset();
-        QCOMPARE(m_parts->log, Log({u"end of timer 60"_s, u"end of timer 1"_s}));
         QVERIFY(m_parts->clock.periods().empty());
     }
 
@@ -272,6 +270,7 @@ private Q_SLOTS:
     void theTimeAndTheRefreshThatBeginsAreNoChangeOfTheState()
     {
         makeServiceThatFetches();
+        const QuotaService::TimeWatch watch(*m_service);
         QSignalSpy told(&*m_service, &QuotaService::stateChanged);
         QSignalSpy ticks(&*m_service, &QuotaService::currentTimeChanged);
         QVERIFY(m_service->isRefreshing());
@@ -290,10 +289,29 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QSignalSpy told(&*m_service, &QuotaService::stateChanged);
         QSignalSpy finished(&*m_service, &QuotaService::refreshFinished);
+        const auto *derived = m_service->toolbarStatItems().constData();
+        m_parts->clock.advance(5s);
         m_service->refresh();
         m_parts->fetching.answer(success());
         QTRY_COMPARE(finished.count(), 1);
         QCOMPARE(told.count(), 0);
+        QCOMPARE(m_service->toolbarStatItems().constData(), derived);
+        QCOMPARE(m_service->lastUpdated(), start.addSecs(5));
+    }
+
+    void aRefreshThatFailsAsBeforeChangesNoState()
+    {
+        makeServiceThatFetches();
+        m_parts->fetching.answer(noDaemon());
+        QTRY_VERIFY(m_service->connectionStatus().isOffline());
+        QCoreApplication::processEvents();
+        QSignalSpy told(&*m_service, &QuotaService::stateChanged);
+        QSignalSpy finished(&*m_service, &QuotaService::refreshFinished);
+        m_service->refresh();
+        m_parts->fetching.answer(noDaemon());
+        QTRY_COMPARE(finished.count(), 1);
+        QCOMPARE(told.count(), 0);
+        QCOMPARE(m_service->errorMessage(), noDaemonText);
     }
 
     void theConnectionNamesThePortThatWasAsked_data()
@@ -343,9 +361,10 @@ private Q_SLOTS:
 
     // Timers
 
-    void theClockTicksEachSecond()
+    void theClockTicksEachSecondForThoseWhoWatch()
     {
         makeService();
+        const QuotaService::TimeWatch watch(*m_service);
         QSignalSpy ticks(&*m_service, &QuotaService::currentTimeChanged);
         QSignalSpy announced(&*m_service, &QuotaService::objectWillChange);
         m_parts->clock.advance(999ms);
@@ -356,6 +375,63 @@ private Q_SLOTS:
         QCOMPARE(m_service->currentTime(), start.addSecs(1));
         m_parts->clock.advance(9s);
         QCOMPARE(ticks.count(), 10);
+    }
+
+    void withoutAWatcherNothingTicksAndTheTimeIsThatOfTheClock()
+    {
+        makeService();
+        QSignalSpy announced(&*m_service, &QuotaService::objectWillChange);
+        m_parts->clock.advance(5500ms);
+        QCOMPARE(announced.count(), 0);
+        QCOMPARE(m_parts->clock.periods(), std::vector<std::chrono::milliseconds>{60s});
+        QCOMPARE(m_service->currentTime(), start.addMSecs(5500));
+    }
+
+    void theFirstWatcherBringsTheTickAtOnceAndTheLastEndsIt()
+    {
+        makeService();
+        QSignalSpy ticks(&*m_service, &QuotaService::currentTimeChanged);
+        m_parts->clock.advance(5s);
+        std::optional<QuotaService::TimeWatch> first(std::in_place, *m_service);
+        QCOMPARE(ticks.count(), 1);
+        QCOMPARE(m_service->currentTime(), start.addSecs(5));
+
+        std::optional<QuotaService::TimeWatch> second(std::in_place, *m_service);
+        QCOMPARE(ticks.count(), 1);
+        first.reset();
+        m_parts->clock.advance(2s);
+        QCOMPARE(ticks.count(), 3);
+        second.reset();
+        m_parts->clock.advance(5s);
+        QCOMPARE(ticks.count(), 3);
+        QCOMPARE(m_parts->clock.periods(), std::vector<std::chrono::milliseconds>{60s});
+
+        // On return, at once.
+        first.emplace(*m_service);
+        QCOMPARE(ticks.count(), 4);
+        QCOMPARE(m_service->currentTime(), start.addSecs(12));
+    }
+
+    void afterAJumpTheTimeIsRight_data()
+    {
+        QTest::addColumn<std::chrono::seconds>("jump");
+        QTest::newRow("forward") << std::chrono::seconds(2h);
+        QTest::newRow("back") << -std::chrono::seconds(2h);
+    }
+    void afterAJumpTheTimeIsRight()
+    {
+        QFETCH(std::chrono::seconds, jump);
+        makeService();
+        m_parts->clock.setNow(start.addSecs(jump.count()));
+        QCOMPARE(m_service->currentTime(), start.addSecs(jump.count()));
+
+        // Watched, with the next tick.
+        const QuotaService::TimeWatch watch(*m_service);
+        QSignalSpy ticks(&*m_service, &QuotaService::currentTimeChanged);
+        m_parts->clock.setNow(start);
+        m_parts->clock.advance(1s);
+        QCOMPARE(ticks.count(), 1);
+        QCOMPARE(m_service->currentTime(), start.addSecs(1));
     }
 
     void aRefreshComesWithEachInterval()
@@ -394,7 +470,7 @@ private Q_SLOTS:
         QFETCH(std::chrono::milliseconds, applied);
         makeService();
         m_service->updateRefreshInterval(stored);
-        QCOMPARE(m_parts->clock.periods(), (std::vector<std::chrono::milliseconds>{1s, applied}));
+        QCOMPARE(m_parts->clock.periods(), std::vector<std::chrono::milliseconds>{applied});
         QCOMPARE(m_service->refreshInterval(), std::isfinite(stored) ? stored : 60.0);
     }
 

@@ -22,8 +22,9 @@ set_target_properties(brimwatch PROPERTIES
     # In the build tree our libraries stand where they were built; in the bundle beside the frameworks.
     BUILD_RPATH "$<TARGET_FILE_DIR:brimwatch_views>;$<TARGET_FILE_DIR:brimwatch_service>"
     INSTALL_RPATH "@executable_path/../Frameworks")
-set_target_properties(brimwatch_service brimwatch_views PROPERTIES
+set_target_properties(brimwatch_service brimwatch_tls brimwatch_views PROPERTIES
     INSTALL_RPATH "@loader_path")
+set_target_properties(brimwatch_service PROPERTIES BUILD_RPATH "@loader_path")
 
 # Signed for this machine alone: the system shows notifications of, and starts at login, only what is signed.
 find_program(BRIMWATCH_CODESIGN codesign)
@@ -34,4 +35,4 @@ if(BRIMWATCH_CODESIGN)
 endif()
 
 install(TARGETS brimwatch BUNDLE DESTINATION .)
-install(TARGETS brimwatch_service brimwatch_views LIBRARY DESTINATION Brimwatch.app/Contents/Frameworks)
+install(TARGETS brimwatch_service brimwatch_tls brimwatch_views LIBRARY DESTINATION Brimwatch.app/Contents/Frameworks)

@@ -123,7 +123,7 @@ function(brimwatch_library name)
 endfunction()
 
 # brimwatch_loads(TARGET MACRO LIBRARY): TARGET loads LIBRARY when it is needed, under the name that MACRO has in its
-# sources. A name without a folder is looked for along the run path of the program, wherever it is installed.
+# sources. A name without a folder is looked for along the run path of TARGET, wherever it is installed.
 function(brimwatch_loads target macro library)
     set(name "$<TARGET_FILE_NAME:${library}>")
     if(APPLE)
@@ -133,7 +133,9 @@ function(brimwatch_loads target macro library)
         # The sanitizers stand between the program and the loader, which then sees their run path.
         set(name "$<TARGET_FILE:${library}>")
     endif()
-    if(NOT APPLE)
+    get_target_property(type ${target} TYPE)
+    # Libraries stand beside each other.
+    if(type STREQUAL "EXECUTABLE" AND NOT APPLE)
         set_target_properties(${target} PROPERTIES
             BUILD_WITH_INSTALL_RPATH ON
             INSTALL_RPATH "$ORIGIN/../${_brimwatch_private}")

@@ -1,96 +1,66 @@
 #include "service/quota_exchange.h"
 
+#include "core/shared_library.h"
+#include "service/loopback_connection.h"
 #include "service/quota_request.h"
+#include "service/tls/tls_library.h"
 #include "service/transport_error_text.h"
 
-#include <QHostAddress>
-#include <QNetworkProxy>
-#include <QSslSocket>
-#include <QTcpSocket>
+#include <QLoggingCategory>
 
 namespace brimwatch::service {
 namespace {
 
-using namespace Qt::Literals::StringLiterals;
-
-/// Read in one turn of the event loop at most, and buffered by the socket at most.
-constexpr qint64 readAtATime = 64LL * 1024;
+Q_LOGGING_CATEGORY(serviceLog, "brimwatch.service", QtInfoMsg)
 
 } // namespace
 
-QuotaExchange::QuotaExchange(const QuotaRequest &request, Limits limits, QObject *parent)
+QuotaExchange::QuotaExchange(
+    const QuotaRequest &request, Limits limits, const QByteArray &authorities, QObject *parent)
     : QObject(parent)
     , m_reader({.body = limits.body})
 {
     m_deadline.setSingleShot(true);
     m_deadline.setTimerType(Qt::PreciseTimer);
     m_deadline.callOnTimeout(
-        this, [this] { finish(Failed{transportErrorText(TransportError::TimedOut)}); });
+        this, [this] { failed(transportErrorText(TransportError::TimedOut)); });
     m_deadline.start(limits.time);
+    ConnectionListener &listener = *this;
+    if (request.overTls)
+        connectSecurely(request, authorities);
+    else
+        m_connection = std::make_unique<LoopbackConnection>(request.port, request.bytes, listener);
+}
 
-    auto *secure = request.security ? new QSslSocket(this) : nullptr;
-    m_socket = secure != nullptr ? secure : new QTcpSocket(this);
-    m_socket->setProxy(QNetworkProxy::NoProxy);
-    m_socket->setReadBufferSize(readAtATime);
-    connect(m_socket, &QTcpSocket::readyRead, this, &QuotaExchange::read);
-    connect(m_socket, &QTcpSocket::errorOccurred, this, &QuotaExchange::handleError);
-    const auto send = [this, bytes = request.bytes] { m_socket->write(bytes); };
-    if (secure != nullptr) {
-        secure->setSslConfiguration(*request.security);
-        connect(secure, &QSslSocket::sslErrors, this, [this](const QList<QSslError> &faults) {
-            m_certificateFault = certificateFaultText(faults);
-        });
-        connect(secure, &QSslSocket::encrypted, this, send);
-    } else {
-        connect(m_socket, &QTcpSocket::connected, this, send);
+void QuotaExchange::connectSecurely(const QuotaRequest &request, const QByteArray &authorities)
+{
+    const auto connect = loadFunction<decltype(brimwatch_connect_securely)>(
+        BRIMWATCH_TLS_LIBRARY, "brimwatch_connect_securely");
+    if (connect) {
+        m_connection.reset((*connect)(request.port, request.bytes, authorities, *this));
+        return;
     }
-    // Queued: a connection within the machine can fail at once, before anyone listens.
+    qCWarning(serviceLog, "No daemon can be asked over https: %s", qPrintable(connect.error()));
     QMetaObject::invokeMethod(
-        this, [this, secure, port = request.port] { connectTo(secure, port); },
+        this, [this] { failed(transportErrorText(TransportError::TlsFailed)); },
         Qt::QueuedConnection);
 }
 
-QuotaExchange::~QuotaExchange()
+void QuotaExchange::received(QByteArrayView bytes)
 {
-    if (m_socket != nullptr)
-        closeSocket();
-}
-
-void QuotaExchange::connectTo(QSslSocket *secure, quint16 port)
-{
-    if (m_socket == nullptr)
-        return;
-    const QHostAddress here(QHostAddress::LocalHost);
-    if (secure != nullptr)
-        secure->connectToHostEncrypted(here.toString(), port);
-    else
-        m_socket->connectToHost(here, port);
-}
-
-void QuotaExchange::read()
-{
-    // A call that was queued below may come after the outcome.
-    if (m_socket == nullptr)
-        return;
-    m_reader.feed(m_socket->read(readAtATime));
-    if (m_socket->bytesAvailable() > 0)
-        QMetaObject::invokeMethod(this, &QuotaExchange::read, Qt::QueuedConnection);
-    else if (m_closed)
-        m_reader.end();
+    m_reader.feed(bytes);
     checkResponse();
 }
 
-void QuotaExchange::handleError(QAbstractSocket::SocketError error)
+void QuotaExchange::closed()
 {
-    if (m_socket == nullptr)
-        return;
-    if (error == QAbstractSocket::RemoteHostClosedError) {
-        m_closed = true;
-        read();
-        return;
-    }
-    finish(Failed{m_certificateFault.isEmpty() ? transportErrorText(transportErrorOf(error))
-                                               : m_certificateFault});
+    m_reader.end();
+    checkResponse();
+}
+
+void QuotaExchange::failed(const QString &reason)
+{
+    finish(Failed{reason});
 }
 
 void QuotaExchange::checkResponse()
@@ -122,18 +92,8 @@ void QuotaExchange::checkResponse()
 void QuotaExchange::finish(const Outcome &outcome)
 {
     m_deadline.stop();
-    closeSocket();
+    m_connection.reset();
     Q_EMIT finished(outcome);
-}
-
-void QuotaExchange::closeSocket()
-{
-    m_socket->disconnect(this);
-    // At once: nothing that still arrives is read.
-    m_socket->abort();
-    // Not deleted here: this may run within one of the socket's own signals.
-    m_socket->deleteLater();
-    m_socket = nullptr;
 }
 
 } // namespace brimwatch::service

@@ -1,18 +1,16 @@
 #pragma once
 
+#include "service/connection.h"
 #include "service/http_response_reader.h"
 
-#include <QAbstractSocket>
 #include <QByteArray>
 #include <QObject>
 #include <QString>
 #include <QTimer>
 
 #include <chrono>
+#include <memory>
 #include <variant>
-
-class QSslSocket;
-class QTcpSocket;
 
 namespace brimwatch::service {
 
@@ -27,7 +25,7 @@ struct QuotaRequest;
 /// Not QNetworkAccessManager: in Qt 6.4 it reads in a thread of its own for as long as bytes come,
 /// and ends a request only between two reads. An answer that never pauses outlives its request,
 /// fills the memory, and delays every later request.
-class QuotaExchange final : public QObject {
+class QuotaExchange final : public QObject, private ConnectionListener {
     Q_OBJECT
 
 public:
@@ -49,27 +47,27 @@ public:
         qint64 body;
     };
 
-    /// Sends the request. It is sent only once, even if the connection fails.
-    QuotaExchange(const QuotaRequest &request, Limits limits, QObject *parent = nullptr);
-    ~QuotaExchange() override;
+    /// Sends the request. It is sent only once, even if the connection fails. Qt Network, and the
+    /// library for TLS with it, is loaded only for a request that goes over TLS; `authorities` are
+    /// certificates in the PEM format that are trusted then, beside the system's own.
+    QuotaExchange(const QuotaRequest &request, Limits limits, const QByteArray &authorities = {},
+        QObject *parent = nullptr);
 
 Q_SIGNALS:
     /// Emitted once, never from within the constructor.
     void finished(const brimwatch::service::QuotaExchange::Outcome &outcome);
 
 private:
-    void connectTo(QSslSocket *secure, quint16 port);
-    void read();
-    void handleError(QAbstractSocket::SocketError error);
+    void connectSecurely(const QuotaRequest &request, const QByteArray &authorities);
+    void received(QByteArrayView bytes) override;
+    void closed() override;
+    void failed(const QString &reason) override;
     void checkResponse();
     void finish(const Outcome &outcome);
-    void closeSocket();
 
-    QTcpSocket *m_socket = nullptr; ///< A child; null once the outcome is known.
     QTimer m_deadline;
     HttpResponseReader m_reader;
-    bool m_closed = false; ///< By the daemon; what it sent before may not be read yet.
-    QString m_certificateFault;
+    std::unique_ptr<Connection> m_connection; ///< Null once the outcome is known.
 };
 
 } // namespace brimwatch::service

@@ -5,6 +5,8 @@
 
 #include <QPromise>
 
+#include <utility>
+
 namespace brimwatch::service {
 
 using discovery::DaemonError;
@@ -44,11 +46,12 @@ private:
     {
         while (!m_candidates.isEmpty()) {
             m_asked = m_candidates.takeFirst();
-            const auto request = quotaRequest(m_asked, m_client.m_trusted);
+            const auto request = quotaRequest(m_asked);
             if (!request)
                 continue;
             auto *exchange = new QuotaExchange(*request,
-                {.time = m_client.m_limits.attempt, .body = m_client.m_limits.body}, this);
+                {.time = m_client.m_limits.attempt, .body = m_client.m_limits.body},
+                m_client.m_authorities, this);
             connect(exchange, &QuotaExchange::finished, this,
                 [this, exchange](const QuotaExchange::Outcome &outcome) {
                     exchange->deleteLater();
@@ -105,12 +108,12 @@ private:
 };
 
 QuotaFetchClient::QuotaFetchClient(discovery::DaemonDiscoveryService &discovery, const Clock &clock,
-    Limits limits, const QList<QSslCertificate> &trusted, QObject *parent)
+    Limits limits, QByteArray authorities, QObject *parent)
     : QObject(parent)
     , m_discovery(discovery)
     , m_clock(clock)
     , m_limits(limits)
-    , m_trusted(trusted)
+    , m_authorities(std::move(authorities))
 {
 }
 

@@ -4,9 +4,8 @@
 #include "discovery/daemon_discovery_service.h"
 #include "service/quota_fetching.h"
 
-#include <QList>
+#include <QByteArray>
 #include <QObject>
-#include <QSslCertificate>
 
 #include <chrono>
 
@@ -29,10 +28,10 @@ public:
         qint64 body = 1024LL * 1024;
     };
 
-    /// `trusted`: authorities beside the system's own whose certificates count over https. Empty:
-    /// the system's alone.
+    /// `authorities`: certificates in the PEM format, of authorities that are trusted over https
+    /// beside the system's own. Empty: the system's alone.
     QuotaFetchClient(discovery::DaemonDiscoveryService &discovery, const Clock &clock,
-        Limits limits, const QList<QSslCertificate> &trusted = {}, QObject *parent = nullptr);
+        Limits limits, QByteArray authorities = {}, QObject *parent = nullptr);
     QuotaFetchClient(discovery::DaemonDiscoveryService &discovery, const Clock &clock,
         QObject *parent = nullptr);
     /// Fetches that are under way end as `noDaemonFound`.
@@ -47,7 +46,7 @@ private:
     discovery::DaemonDiscoveryService &m_discovery;
     const Clock &m_clock;
     Limits m_limits;
-    QList<QSslCertificate> m_trusted;
+    QByteArray m_authorities;
 };
 
 } // namespace brimwatch::service

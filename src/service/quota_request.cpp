@@ -1,7 +1,5 @@
 #include "service/quota_request.h"
 
-#include <QSslConfiguration>
-
 #include <array>
 
 namespace brimwatch::service {
@@ -23,15 +21,6 @@ std::optional<QByteArray> tokenHeader(const std::optional<QString> &token)
     return bytes;
 }
 
-QSslConfiguration secureConfiguration(const QList<QSslCertificate> &trusted)
-{
-    auto configuration = QSslConfiguration::defaultConfiguration();
-    // Once any authority is set, Qt no longer loads the system's on demand: they are set as well.
-    if (!trusted.isEmpty())
-        configuration.setCaCertificates(QSslConfiguration::systemCaCertificates() + trusted);
-    return configuration;
-}
-
 } // namespace
 
 std::optional<QUrl> quotaUrl(const discovery::DaemonInfo &daemon)
@@ -48,8 +37,7 @@ std::optional<QUrl> quotaUrl(const discovery::DaemonInfo &daemon)
     return url;
 }
 
-std::optional<QuotaRequest> quotaRequest(
-    const discovery::DaemonInfo &daemon, const QList<QSslCertificate> &trusted)
+std::optional<QuotaRequest> quotaRequest(const discovery::DaemonInfo &daemon)
 {
     const auto url = quotaUrl(daemon);
     const auto token = tokenHeader(daemon.csrfToken);
@@ -71,14 +59,11 @@ std::optional<QuotaRequest> quotaRequest(
           "Connection: close\r\n"
           "Content-Length: "
         + QByteArray::number(quotaRequestBody.size()) + "\r\n\r\n";
-    QuotaRequest request{
+    return QuotaRequest{
         .port = static_cast<quint16>(url->port()),
         .bytes = lines + quotaRequestBody.toByteArray(),
-        .security = {},
+        .overTls = !daemon.httpPort,
     };
-    if (!daemon.httpPort)
-        request.security = secureConfiguration(trusted);
-    return request;
 }
 
 } // namespace brimwatch::service

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <QAbstractSocket>
-#include <QList>
-#include <QSslError>
 #include <QString>
 
 namespace brimwatch::service {
@@ -18,15 +15,11 @@ enum class TransportError {
     Other,
 };
 
-/// What the socket's error means.
-TransportError transportErrorOf(QAbstractSocket::SocketError error);
+/// What a system call on a socket failed with, by its errno.
+TransportError transportErrorOf(int errorNumber);
 
 /// A transport error in words for the user, not as Qt names it: "Could not connect to the
 /// server."
 QString transportErrorText(TransportError error);
-
-/// The same for a server whose certificate is not accepted: the text of the first fault that has
-/// one of its own.
-QString certificateFaultText(const QList<QSslError> &faults);
 
 } // namespace brimwatch::service

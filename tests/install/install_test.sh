@@ -19,7 +19,7 @@ run_paths() { readelf -d "$@" | sed -n 's/.*(RUNPATH).*\[\(.*\)\].*/\1/p'; }
 nobody_loads_from_the_current_folder()
 {
     local path paths
-    [ $# = 10 ] || { echo "programs and libraries: $*"; return 1; }
+    [ $# = 12 ] || { echo "programs and libraries: $*"; return 1; }
     paths=$(run_paths "$@")
     [ -n "$paths" ] || return
     while IFS= read -r path; do
@@ -42,7 +42,8 @@ libraries=$(cd "$prefix" && find lib* -name brimwatch -type d)
 sides='16 22 24 32 36 48 64 72 96 128 192 256 512'
 expected=$({
     printf '%s\n' bin/brimwatch bin/brimwatchctl \
-        "$libraries"/libbrimwatch.so "$libraries"/libbrimwatch-fetch.so "$libraries"/libbrimwatch-views.so \
+        "$libraries"/libbrimwatch.so "$libraries"/libbrimwatch-fetch.so \
+        "$libraries"/libbrimwatch-tls.so "$libraries"/libbrimwatch-views.so \
         share/applications/$id.desktop share/dbus-1/services/$id.service \
         share/dbus-1/interfaces/app.brimwatch.Brimwatch1.xml share/metainfo/$id.metainfo.xml \
         share/icons/hicolor/scalable/apps/$id.svg share/man/man1/brimwatch.1 share/man/man1/brimwatchctl.1 \

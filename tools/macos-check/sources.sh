@@ -37,26 +37,29 @@ compile_sources()
 
 link_program()
 {
-    local target shared=() views program libraries=(-lQt6Core -lQt6Gui -lQt6Network -lQt6Qml -lQt6QmlModels -lQt6QmlWorkerScript -lQt6Quick -lQt6Svg)
+    local target shared=() views secure program libraries=(-lQt6Core -lQt6Gui -lQt6Network -lQt6Qml -lQt6QmlModels -lQt6QmlWorkerScript -lQt6Quick -lQt6Svg)
     make_sysroot || return
     "${here:?}/stubs/make-library-stubs.sh" "${work:?}/sysroot" "${qt_libraries[@]}" icuuc icui18n || return
     for target in brimwatch_core brimwatch_model brimwatch_forecast brimwatch_discovery brimwatch_platform brimwatch_service; do
         mapfile -t -O ${#shared[@]} shared < <(objects_of $target)
     done
     mapfile -t views < <(objects_of 'brimwatch_views[a-z_0-9]*')
+    mapfile -t secure < <(for target in brimwatch_secure_connection brimwatch_tls; do objects_of $target; done)
     mapfile -t program < <(
         for target in brimwatch brimwatch_app brimwatch_app_delegate brimwatch_macos_adapters brimwatch_macos; do objects_of $target; done
     )
     # Names with the C++ library's types in them are not those of Debian's libraries, which were built with another.
     local foreign=() name
     while read -r name; do foreign+=("-Wl,-U,$name"); done < <(
-        llvm-nm-19 --undefined-only --format=just-symbols "${shared[@]}" "${views[@]}" "${program[@]}" |
+        llvm-nm-19 --undefined-only --format=just-symbols "${shared[@]}" "${views[@]}" "${secure[@]}" "${program[@]}" |
             grep -E '^__Z.*(St3__1|3fmt)' | grep -vE '^__Z(T[VIS])?N?K?St3__1|9brimwatch' | sort -u
     )
     link_for arm64 "$work/libbrimwatch.dylib" -dynamiclib -Wl,-undefined,error "${shared[@]}" "${foreign[@]}" \
         "${libraries[@]}" -licuuc -licui18n || return
     link_for arm64 "$work/libbrimwatch-views.dylib" -dynamiclib -Wl,-undefined,error "${views[@]}" \
         "$work/libbrimwatch.dylib" "${foreign[@]}" "${libraries[@]}" || return
+    link_for arm64 "$work/libbrimwatch-tls.dylib" -dynamiclib -Wl,-undefined,error "${secure[@]}" "${foreign[@]}" \
+        -lQt6Core -lQt6Network || return
     link_for arm64 "$work/Brimwatch" "${program[@]}" "$work/libbrimwatch.dylib" "${foreign[@]}" "${libraries[@]}" || return
     file "$work/Brimwatch" | grep -q 'Mach-O 64-bit arm64 executable'
 }
@@ -65,5 +68,5 @@ check_sources()
 {
     check "CMake configures the program for a Mac" configure_for_mac
     check "all of its sources compile for arm64 and macOS ${minimum:?}" compile_sources
-    check "all of it links, the program and its two libraries" link_program
+    check "all of it links, the program and its three libraries" link_program
 }

@@ -121,6 +121,25 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, timeout);
     }
 
+    void whatIsOnlyNeededForThePopoverOrForTlsIsLoadedWithIt()
+    {
+        test::SampleDaemonProcess daemon;
+        QVERIFY2(daemon.start(), qPrintable(daemon.errorText()));
+        const Program program;
+        QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, timeout);
+        const auto isMapped = [&program](const QByteArray &library) {
+            QFile maps(u"/proc/%1/maps"_s.arg(program.pid()));
+            return maps.open(QIODevice::ReadOnly) && maps.readAll().contains(library);
+        };
+        QVERIFY(isMapped("libbrimwatch.so"));
+        for (const auto *library : {"libQt6Network", "libQt6Qml", "libQt6Quick", "libssl",
+                 "libbrimwatch-tls", "libbrimwatch-views"})
+            QVERIFY2(!isMapped(library), library);
+        QCOMPARE(m_caller.call(u"Show"_s).type(), QDBusMessage::ReplyMessage);
+        QTRY_VERIFY_WITH_TIMEOUT(isMapped("libbrimwatch-views"), timeout);
+        QVERIFY(!isMapped("libbrimwatch-tls"));
+    }
+
     void itAsksTheDaemonWhenTheMachineIsBackFromSuspend()
     {
         test::SampleDaemonProcess daemon;

@@ -1,12 +1,13 @@
 #include "service/quota_exchange.h"
 #include "service/quota_request.h"
+#include "service/tls/tls_errors.h"
 #include "service/transport_error_text.h"
 
-#include <QSslConfiguration>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
 
+#include <cerrno>
 #include <functional>
 #include <optional>
 
@@ -41,6 +42,28 @@ private Q_SLOTS:
         QFETCH(TransportError, error);
         QFETCH(QString, text);
         QCOMPARE(transportErrorText(error), text);
+    }
+
+    void eachErrorOfTheSystemIsOneOfThose_data()
+    {
+        QTest::addColumn<int>("errorNumber");
+        QTest::addColumn<TransportError>("error");
+        QTest::newRow("refused") << ECONNREFUSED << TransportError::Refused;
+        QTest::newRow("reset") << ECONNRESET << TransportError::ConnectionLost;
+        QTest::newRow("broken pipe") << EPIPE << TransportError::ConnectionLost;
+        QTest::newRow("timed out") << ETIMEDOUT << TransportError::TimedOut;
+        QTest::newRow("out of reach") << EHOSTUNREACH << TransportError::Unreachable;
+        QTest::newRow("no interface") << ENETUNREACH << TransportError::Unreachable;
+        QTest::newRow("forbidden") << EACCES << TransportError::Unreachable;
+        QTest::newRow("no port is left") << EADDRNOTAVAIL << TransportError::Unreachable;
+        QTest::newRow("no descriptor is left") << EMFILE << TransportError::Unreachable;
+        QTest::newRow("any other") << EINVAL << TransportError::Other;
+    }
+    void eachErrorOfTheSystemIsOneOfThose()
+    {
+        QFETCH(int, errorNumber);
+        QFETCH(TransportError, error);
+        QCOMPARE(transportErrorOf(errorNumber), error);
     }
 
     void eachErrorOfASocketIsOneOfThose_data()
@@ -132,7 +155,7 @@ private:
     {
         return {.port = port,
             .bytes = "POST / HTTP/1.1\r\nContent-Length: 2\r\n\r\n{}",
-            .security = QSslConfiguration::defaultConfiguration()};
+            .overTls = true};
     }
 
     void answerWith(QTcpServer &server, const std::function<void(QTcpSocket &)> &answer)

@@ -138,7 +138,12 @@ ColorToken QuotaBucket::statusColor() const
 
 ColorToken QuotaBucket::statusNSColor() const
 {
-    switch (statusTier()) {
+    return labelColor(statusTier());
+}
+
+ColorToken labelColor(QuotaTier tier)
+{
+    switch (tier) {
     case QuotaTier::healthy:
         return ColorToken::AdaptiveHealthyGreen;
     case QuotaTier::warning:

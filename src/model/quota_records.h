@@ -20,6 +20,9 @@ QString countdownText(const QDateTime &now, const QDateTime &reset);
 /// A countdown for a text that is not updated each second: "12m" for "12m 5s".
 QString withoutSeconds(const QString &countdown);
 
+/// The color of a tier in the panel's label: healthy is our adaptive green.
+ColorToken labelColor(QuotaTier tier);
+
 /// One quota window of a group of models, as the daemon gives it.
 struct QuotaBucket {
     QString bucketId;
@@ -41,7 +44,7 @@ struct QuotaBucket {
     QuotaTier statusTier() const;
     /// For views: healthy is the system's green.
     ColorToken statusColor() const;
-    /// For the panel's label: healthy is our adaptive green.
+    /// For the panel's label: labelColor() of the tier.
     ColorToken statusNSColor() const;
 
     /// Absent when `resetTime` is absent or no ISO 8601 internet date-time.

@@ -14,7 +14,7 @@ QString renderI3blocks(const Status &status, Layout layout)
     if (layout == Layout::OneLine)
         return title;
     const auto &lowest = status.state.lowest;
-    const QString color = status.isOnline() && lowest ? colorOf(lowest->tier) : QString(noColor);
+    const QString color = status.isOnline() && lowest ? colorOf(lowest->tier) : noColor();
     const QString percentage = lowest ? model::wholePercent(lowest->percentage) : u"–"_s;
     return QStringList{title, pangoColored(percentage, color), color}.join(u'\n');
 }

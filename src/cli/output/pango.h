@@ -2,7 +2,6 @@
 
 #include "cli/status.h"
 
-#include <QLatin1StringView>
 #include <QString>
 
 namespace brimwatch::cli {
@@ -10,8 +9,8 @@ namespace brimwatch::cli {
 /// "#rrggbb": the label's color for that tier on dark panels.
 QString colorOf(model::QuotaTier tier);
 
-/// The color of what has no tier.
-inline constexpr QLatin1StringView noColor{"#a9a9b0"};
+/// The color of what has no tier: that of secondary texts.
+QString noColor();
 
 /// The text as Pango markup in that color.
 QString pangoColored(const QString &text, const QString &color);

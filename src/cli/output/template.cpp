@@ -23,7 +23,7 @@ using platform::PublishedState;
 struct BucketField {
     QLatin1StringView name;
     QString (*text)(const PublishedBucket &, const QDateTime &now);
-    QLatin1StringView withoutBucket = {}; ///< The text when there is no such bucket.
+    QString (*withoutBucket)() = nullptr; ///< The text when there is no such bucket; none: empty.
 };
 constexpr auto bucketFields = std::to_array<BucketField>({
     {.name = "percentage"_L1,
@@ -113,7 +113,9 @@ const PublishedBucket *bucketOf(
 
 QString textOf(const BucketField &field, const PublishedBucket *bucket, const QDateTime &now)
 {
-    return bucket == nullptr ? QString(field.withoutBucket) : field.text(*bucket, now);
+    if (bucket != nullptr)
+        return field.text(*bucket, now);
+    return field.withoutBucket == nullptr ? QString() : field.withoutBucket();
 }
 
 /// The character that a backslash and `next` are; none when they are just those two.

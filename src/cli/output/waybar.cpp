@@ -44,7 +44,9 @@ QString renderWaybar(const Status &status, const QDateTime &now)
     QJsonObject object{{u"text"_s, pangoTitle(status)}, {u"tooltip"_s, tooltipOf(status, now)},
         {u"class"_s, classes}};
     if (state.lowest)
-        object.insert(u"percentage"_s, qRound(state.lowest->percentage));
+        // The number of the label, which rounds as printf does.
+        object.insert(
+            u"percentage"_s, model::wholePercent(state.lowest->percentage).chopped(1).toInt());
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 

@@ -1,5 +1,6 @@
 #include "cli/output/forms.h"
 #include "cli/output/template.h"
+#include "model/percent.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -181,6 +182,17 @@ private Q_SLOTS:
             "A week: <span color=\"#ff655b\">12.3%</span>, resets in 2d 2h\n"
             "<b>Claude &amp; &lt;friends&gt;</b>\n"
             "Five hours: <span color=\"#ff9f2e\">40.0%</span>"_s);
+    }
+
+    void waybarsPercentageIsTheLabelsNumber()
+    {
+        auto status = sample();
+        for (const double percentage : {0.5, 1.5, 42.5, 43.5, 99.5}) {
+            status.state.lowest->percentage = percentage;
+            QCOMPARE(
+                QString::number(parsed(renderWaybar(status, now))[u"percentage"_s].toInt()) + u'%',
+                model::wholePercent(percentage));
+        }
     }
 
     void waybarGetsOldNumbersInGrey()

@@ -1,6 +1,7 @@
 #include "service/diagnostics.h"
 
 #include "core/date_styles.h"
+#include "core/plain_text.h"
 #include "discovery/daemon_discovery_service.h"
 #include "platform/wording.h"
 #include "service/quota_service.h"
@@ -17,6 +18,9 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 const QString supportAddress = QStringLiteral(BRIMWATCH_SUPPORT_ADDRESS);
+
+/// Of a line of the report; a token is shorter.
+constexpr qsizetype longestValue = 4096;
 
 QString pidText(const discovery::DaemonInfo &daemon)
 {
@@ -87,7 +91,8 @@ QList<DiagnosticLine> Diagnostics::daemonRows() const
     QList<DiagnosticLine> rows{
         {.label = u"Status"_s, .value = "Active (PID "_L1 + pidText(*daemon) + u')'},
         {.label = u"Port"_s, .value = portText(*daemon)},
-        {.label = u"Version"_s, .value = daemon->lsVersion.value_or(u"Unknown"_s)},
+        {.label = u"Version"_s,
+            .value = asOneLine(daemon->lsVersion.value_or(u"Unknown"_s), longestValue)},
     };
     if (daemon->csrfToken)
         rows.append({.label = u"CSRF"_s, .value = truncatedToken(*daemon->csrfToken)});
@@ -121,7 +126,7 @@ QString Diagnostics::generateDiagnosticInfo(Token token) const
 
     QString report = u"--- Brimwatch Diagnostics ---\n"_s;
     for (const auto &[label, value] : std::as_const(lines))
-        report += label + ": "_L1 + value + u'\n';
+        report += label + ": "_L1 + asOneLine(value, longestValue) + u'\n';
     return report;
 }
 

@@ -132,6 +132,23 @@ private Q_SLOTS:
         QVERIFY(report().contains(u"\nToolbar Label Style: no such style\n"_s));
     }
 
+    void noValueMakesALineOrAnEscapeSequenceOfItsOwn()
+    {
+        m_fixture->service.setToolbarLabelStyle(u"full\nDaemon: forged\x1b[2J"_s);
+        succeed({.lsVersion = u"1.0\r\nDaemon CSRF: forged\u2028\x9b"_s});
+        const QString text = report();
+        QVERIFY2(
+            text.contains(u"\nToolbar Label Style: full Daemon: forged [2J\n"_s), qPrintable(text));
+        QVERIFY2(text.contains(u"\nDaemon Version: 1.0 Daemon CSRF: forged\n"_s), qPrintable(text));
+        QCOMPARE(diagnostics().daemonRows().at(2).value, u"1.0 Daemon CSRF: forged"_s);
+    }
+
+    void aLongValueIsTruncated()
+    {
+        succeed({.lsVersion = QString(qsizetype{100} * 1024, u'1')});
+        QVERIFY(report().size() < 8000);
+    }
+
     void theLastErrorStandsThereWhileThereIsOne()
     {
         m_fixture->fail();

@@ -4,6 +4,7 @@
 #include "platform/linux/bus/bus_service.h"
 #include "platform/linux/bus/single_instance.h"
 #include "platform/linux/linux_desktop.h"
+#include "platform/linux/process_start.h"
 #include "platform/linux/qt_application.h"
 #include "platform/linux/replacement.h"
 #include "platform/linux/session.h"
@@ -89,6 +90,7 @@ int run(const platform::SessionEnvironment &environment, int argc, char **argv, 
 
 int main(int argc, char **argv)
 {
+    platform::beginProcess();
     if (const auto answered = app::answerCommandLine(argc, argv))
         return static_cast<int>(*answered);
     const auto environment = platform::SessionEnvironment::read();

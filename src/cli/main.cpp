@@ -5,6 +5,7 @@
 #include "cli/terminal.h"
 #include "cli/watch.h"
 #include "platform/linux/bus/running_program.h"
+#include "platform/linux/process_start.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -26,6 +27,12 @@ ExitStatus failed(const QString &reason)
 {
     writeError(reason);
     return ExitStatus::Offline;
+}
+
+/// Prints what was asked for.
+ExitStatus print(const QString &text)
+{
+    return writeOut(text) == Written::Failed ? ExitStatus::Offline : ExitStatus::Success;
 }
 
 /// The state of the running program, once the program itself knows it.
@@ -58,11 +65,11 @@ Status askAnybody(const RunningProgram &program)
 ExitStatus printStatus(const RunningProgram &program, const Options &options)
 {
     const Status status = askAnybody(program);
-    static_cast<void>(
-        writeOut(render(options, status, QDateTime::currentDateTime(), lookOfStandardOutput())));
+    const auto written
+        = writeOut(render(options, status, QDateTime::currentDateTime(), lookOfStandardOutput()));
     if (!status.isOnline())
         writeError(offlineReason(status));
-    return exitStatusOf(status);
+    return written == Written::Failed ? ExitStatus::Offline : exitStatusOf(status);
 }
 
 ExitStatus watch(const QDBusConnection &bus, const Options &options)
@@ -73,7 +80,7 @@ ExitStatus watch(const QDBusConnection &bus, const Options &options)
     QObject::connect(
         &watching, &Watch::ended, QCoreApplication::instance(), &QCoreApplication::quit);
     QCoreApplication::exec();
-    return ExitStatus::Success;
+    return watching.hasFailed() ? ExitStatus::Offline : ExitStatus::Success;
 }
 
 ExitStatus exitStatusOf(const Result<void, ProgramError> &done)
@@ -92,8 +99,7 @@ ExitStatus printDiagnostics(const RunningProgram &program)
     }
     if (!report)
         return failed(report.error().message);
-    static_cast<void>(writeOut(*report));
-    return ExitStatus::Success;
+    return print(*report);
 }
 
 ExitStatus run(const Options &options)
@@ -118,6 +124,7 @@ ExitStatus run(const Options &options)
 
 int main(int argc, char **argv)
 {
+    platform::beginProcess();
     // A write then fails when nobody reads any more, instead of ending the process.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     detectTerminal();
@@ -131,10 +138,9 @@ int main(int argc, char **argv)
         return static_cast<int>(ExitStatus::WrongUsage);
     }
     if (options->command == Command::Version || options->command == Command::Help) {
-        static_cast<void>(writeOut(options->command == Command::Help
+        return static_cast<int>(print(options->command == Command::Help
                 ? helpText()
                 : u"brimwatchctl "_s + QStringLiteral(BRIMWATCH_VERSION) + u'\n'));
-        return static_cast<int>(ExitStatus::Success);
     }
     if (options->watch)
         blockEndSignals();

@@ -1,5 +1,7 @@
 #include "cli/terminal.h"
 
+#include "core/plain_text.h"
+
 #include <QByteArray>
 
 #include <langinfo.h>
@@ -7,11 +9,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <clocale>
 #include <cstdio>
 #include <cstring>
 
 namespace brimwatch::cli {
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -48,17 +53,23 @@ TextLook lookOfStandardOutput()
         .width = widthOfTerminal()};
 }
 
-bool writeOut(const QString &text)
+Written writeOut(const QString &text)
 {
     const QByteArray bytes = text.toUtf8();
-    return std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout)
-        == static_cast<std::size_t>(bytes.size())
-        && std::fflush(stdout) == 0;
+    const auto size = static_cast<std::size_t>(bytes.size());
+    if (std::fwrite(bytes.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0)
+        return Written::All;
+    const int error = errno;
+    if (error == EPIPE)
+        return Written::NobodyReads;
+    writeError(u"cannot write to standard output: %1"_s.arg(qt_error_string(error)));
+    return Written::Failed;
 }
 
 void writeError(const QString &text)
 {
-    std::fprintf(stderr, "brimwatchctl: %s\n", text.toUtf8().constData());
+    constexpr qsizetype longest = 4096;
+    std::fprintf(stderr, "brimwatchctl: %s\n", asOneLine(text, longest).toUtf8().constData());
 }
 
 } // namespace brimwatch::cli

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <cstdint>
+
 namespace brimwatch::cli {
 
 /// How this process's standard output shows text. A terminal gets bars as wide as it allows, and
@@ -14,10 +16,17 @@ TextLook lookOfStandardOutput();
 /// the locale.
 void detectTerminal();
 
-/// Writes all of it and flushes. False when the reader of standard output has gone.
-bool writeOut(const QString &text);
+enum class Written : std::uint8_t {
+    All,
+    NobodyReads, ///< The reader has gone, which is no failure: `brimwatchctl | head` is done.
+    Failed, ///< Said on standard error.
+};
 
-/// Writes "brimwatchctl: " and the text as a line of standard error.
+/// Writes all of it to standard output and flushes.
+Written writeOut(const QString &text);
+
+/// Writes "brimwatchctl: " and the text, as one line and without control characters, to standard
+/// error.
 void writeError(const QString &text);
 
 } // namespace brimwatch::cli

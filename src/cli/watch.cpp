@@ -80,8 +80,10 @@ void Watch::print()
     if (line == m_printed)
         return;
     m_printed = line;
-    if (!writeOut(line))
-        Q_EMIT ended();
+    m_written = writeOut(line);
+    // Queued: the first line is written before anybody listens.
+    if (m_written != Written::All)
+        QMetaObject::invokeMethod(this, &Watch::ended, Qt::QueuedConnection);
 }
 
 } // namespace brimwatch::cli

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/command_line.h"
+#include "cli/terminal.h"
 #include "platform/linux/bus/running_program.h"
 
 #include <QObject>
@@ -18,6 +19,9 @@ class Watch final : public QObject {
 public:
     Watch(QDBusConnection bus, Options options);
 
+    /// Whether it ended because a line could not be written.
+    bool hasFailed() const { return m_written == Written::Failed; }
+
 Q_SIGNALS:
     void ended();
 
@@ -28,6 +32,7 @@ private:
     Options m_options;
     platform::ProgramFollower m_follower;
     QString m_printed;
+    Written m_written = Written::All;
     QTimer m_pause; ///< Runs while no further line may be printed.
     bool m_changed = false; ///< During the pause.
 };

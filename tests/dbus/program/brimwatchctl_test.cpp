@@ -385,6 +385,70 @@ private Q_SLOTS:
         QCOMPARE(ended.errors, QString());
     }
 
+    void whatCannotBeWrittenIsSaid_data()
+    {
+        QTest::addColumn<QString>("arguments");
+        for (const auto *arguments : {"status", "status --format json", "status --watch",
+                 "diagnostics", "--version", "--help"})
+            QTest::newRow(arguments) << QString::fromLatin1(arguments);
+    }
+    void whatCannotBeWrittenIsSaid()
+    {
+        QFETCH(QString, arguments);
+        test::SampleDaemonProcess daemon;
+        QVERIFY(startDaemon(daemon, 0.75));
+        const auto write = [&](const QString &redirection) {
+            return run(u"/bin/bash"_s, {u"-c"_s, u"\"$0\" "_s + arguments + redirection, ctl()});
+        };
+        const auto full = write(u" >/dev/full"_s);
+        QCOMPARE(full.errors,
+            u"brimwatchctl: cannot write to standard output: No space left on device\n"_s);
+        QCOMPARE(full.status, 2);
+        // Nor does a file of our own take its place.
+        const auto closed = write(u" >&-"_s);
+        QCOMPARE(closed.errors,
+            u"brimwatchctl: cannot write to standard output: Bad file descriptor\n"_s);
+        QCOMPARE(closed.status, 2);
+    }
+
+    void commandsWithoutOutputNeedNone()
+    {
+        const Program program;
+        QTRY_VERIFY_WITH_TIMEOUT(!owner().isEmpty(), timeout);
+        for (const auto *command : {"toggle", "toggle", "settings"}) {
+            const auto ended = run(u"/bin/bash"_s,
+                {u"-c"_s, u"exec \"$0\" "_s + QString::fromLatin1(command) + u" <&- >&- 2>&-"_s,
+                    ctl()});
+            QCOMPARE(ended.status, 0);
+        }
+    }
+
+    void watchEndsBySignalWithoutAnError_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::newRow("SIGINT") << SIGINT;
+        QTest::newRow("SIGTERM") << SIGTERM;
+        QTest::newRow("SIGHUP") << SIGHUP;
+    }
+    void watchEndsBySignalWithoutAnError()
+    {
+        QFETCH(int, signal);
+        Watching watching({});
+        QTRY_VERIFY_WITH_TIMEOUT(!watching.lines().isEmpty(), timeout);
+        ::kill(static_cast<pid_t>(watching.pid()), signal);
+        QTRY_COMPARE_WITH_TIMEOUT(watching.exitStatus(), 0, timeout);
+    }
+
+    void aFileNameCannotWriteLinesOrEscapeSequences()
+    {
+        const QDir folder(QDir::homePath() + "/.gemini/antigravity/daemon"_L1);
+        QVERIFY(QDir().mkpath(folder.path()));
+        QVERIFY(write(folder.filePath(u"ls_\x1b[2J\nbrimwatchctl: forged.json"_s), "no JSON"));
+        const auto ended = ask({u"status"_s});
+        QCOMPARE(ended.errors.count(u'\n'), 1);
+        QVERIFY2(!ended.errors.contains(u'\x1b'), qPrintable(ended.errors));
+    }
+
     void watchLoadsNeitherGuiNorNetwork()
     {
         Watching watching({});

@@ -37,10 +37,11 @@ inline void emptyHome()
 class Program {
 public:
     explicit Program(const QProcessEnvironment &environment = usual(),
-        const QString &program = QStringLiteral(BRIMWATCH_PROGRAM))
+        const QString &program = QStringLiteral(BRIMWATCH_PROGRAM),
+        const QStringList &arguments = {})
     {
         m_process.setProcessEnvironment(environment);
-        m_process.start(program, QStringList());
+        m_process.start(program, arguments);
         m_process.waitForStarted(timeout);
     }
     ~Program()

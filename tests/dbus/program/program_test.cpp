@@ -239,6 +239,28 @@ private Q_SLOTS:
         QCOMPARE(program.errors(), QString());
     }
 
+    void closedStandardDescriptorsAreNoFilesOfOurs()
+    {
+        test::SampleDaemonProcess daemon;
+        QVERIFY2(daemon.start(), qPrintable(daemon.errorText()));
+        auto environment = Program::usual();
+        // Lines of a log, on standard error.
+        environment.insert(u"QT_LOGGING_RULES"_s, u"brimwatch.*=true"_s);
+        environment.insert(u"QT_FATAL_WARNINGS"_s, u"0"_s);
+        Program program(environment, u"/bin/bash"_s,
+            {u"-c"_s, u"exec \"$0\" <&- >&- 2>&-"_s, QStringLiteral(BRIMWATCH_PROGRAM)});
+        QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, timeout);
+        for (const auto *descriptor : {"0", "1", "2"})
+            QCOMPARE(
+                QFile::symLinkTarget(
+                    u"/proc/%1/fd/%2"_s.arg(program.pid()).arg(QString::fromLatin1(descriptor))),
+                u"/dev/null"_s);
+        QVERIFY(daemon.terminate());
+        QCOMPARE(m_caller.call(u"Refresh"_s).type(), QDBusMessage::ErrorMessage);
+        QCOMPARE(m_caller.state(), u"offline"_s);
+        QVERIFY(!program.hasEnded());
+    }
+
     void itEndsWhenOthersSaySo()
     {
         Program program;

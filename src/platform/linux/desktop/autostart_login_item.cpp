@@ -1,5 +1,6 @@
 #include "platform/linux/desktop/autostart_login_item.h"
 
+#include "core/read_file.h"
 #include "core/replace_file.h"
 #include "platform/linux/desktop/desktop_entry.h"
 #include "platform/opener.h"
@@ -145,7 +146,11 @@ Result<void, QString> AutostartLoginItem::registerItem()
     if (!QDir().mkpath(folder()))
         return fail(u"The folder %1 cannot be made."_s.arg(folder()));
 
-    auto entry = DesktopEntryText::read(file());
+    const auto content = readFile(file(), DesktopEntryText::largestFile);
+    // What the user has changed in it would be lost.
+    if (!content && content.error() == ReadFileError::Unreadable && QFileInfo(file()).isFile())
+        return fail(u"The entry %1 cannot be read."_s.arg(file()));
+    auto entry = content ? DesktopEntryText::parse(*content) : std::nullopt;
     if (!entry)
         entry = DesktopEntryText::parse(newEntry.toUtf8());
     if (!entry->has(nameKey))

@@ -1,12 +1,4 @@
 #!/bin/bash
-# package.sh [--version VERSION] [--build FOLDER] [--out FOLDER]   makes the Debian package of Brimwatch
-#
-#   --version VERSION   another version than that of packaging/debian/changelog
-#   --build FOLDER      where it is built (default: build/package)
-#   --out FOLDER        where the package goes (default: dist)
-#
-# Prints the package's path. The same commit makes the same bytes in any folder: its date stands for all dates
-# (SOURCE_DATE_EPOCH names another). Packages that are missing are installed, given root or sudo without a password.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 here=$root/packaging/debian
@@ -14,7 +6,19 @@ PROGRAM=package.sh
 # shellcheck source=../../tools/lib/common.sh
 . "$root/tools/lib/common.sh"
 
-usage() { sed -n '2,9s/^# \{0,1\}//p' "${BASH_SOURCE[0]}"; }
+usage()
+{
+    cat <<'END'
+package.sh [--version VERSION] [--build FOLDER] [--out FOLDER]   makes the Debian package of Brimwatch
+
+  --version VERSION   another version than that of packaging/debian/changelog
+  --build FOLDER      where it is built (default: build/package)
+  --out FOLDER        where the package goes (default: dist)
+
+Prints the package's path. The same commit makes the same bytes in any folder: its date stands for all dates
+(SOURCE_DATE_EPOCH names another). Packages that are missing are installed, given root or sudo without a password.
+END
+}
 
 version='' build=$root/build/package out=$root/dist
 while [ $# -gt 0 ]; do

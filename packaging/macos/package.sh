@@ -1,21 +1,27 @@
 #!/bin/bash
-# package.sh [--dmg]   on a Mac: builds Brimwatch.app with everything that it needs inside, and signs it
-#
-#   --dmg                  also dist/Brimwatch-VERSION.dmg
-#   BRIMWATCH_SIGN_AS=ID   the identity to sign with; without it the signature holds on this Mac alone
-#
-# Written from the documentation of macdeployqt, codesign and hdiutil. It has NEVER BEEN RUN: nobody who
-# worked on it had a Mac. docs/macos.md says what else only a Mac can tell.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 cd "$root"
+
+usage()
+{
+    cat <<'END'
+package.sh [--dmg]   on a Mac: builds Brimwatch.app with everything that it needs inside, and signs it
+
+  --dmg                  also dist/Brimwatch-VERSION.dmg
+  BRIMWATCH_SIGN_AS=ID   the identity to sign with; without it the signature holds on this Mac alone
+
+Written from the documentation of macdeployqt, codesign and hdiutil. It has NEVER BEEN RUN: nobody who
+worked on it had a Mac. docs/macos.md says what else only a Mac can tell.
+END
+}
 
 dmg=''
 for argument; do
     case $argument in
         --dmg) dmg=1 ;;
         *)
-            sed -n '2,8s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
+            usage >&2
             exit 2
             ;;
     esac

@@ -1,20 +1,4 @@
 #!/bin/bash
-# check.sh [STEP...]   checks the macOS layer (src/platform/macos) on Linux, without a Mac and without its SDK
-#
-# Steps, all of them when none is named:
-#   compile        the .mm files for both architectures at the deployment target, as ARC, warnings as errors
-#   link           universal, against stubs of the frameworks; every symbol has to come from one that we link
-#   sources        the program's other sources for the Mac, as CMake has them for it, and the link of all of it
-#   plist          Info.plist and the entitlements
-#   lint           clang-tidy and the static analyzer's checkers for Objective-C
-#   run            the unchanged .mm files on Linux, on fakes, under the sanitizers: tests/macos
-#   declarations   what we declare of the frameworks against GNUstep's headers
-#
-#   --layer DIR    the folder of the .mm files, where it is not ours: for planted mistakes
-#   --file NAME    look at this one of them alone in `lint`
-#   --quick        stop at the first step that fails
-#
-# One line for each check; the last line says how many passed and failed. README.md says what they prove.
 # Functions are handed to others by their names.
 # shellcheck disable=SC2317
 set -uo pipefail
@@ -24,6 +8,28 @@ root=$(cd "$here/../.." && pwd)
 minimum=13.0
 frameworks=(AppKit Foundation CoreFoundation ServiceManagement UserNotifications)
 architectures=(arm64 x86_64)
+
+usage()
+{
+    cat <<'END'
+check.sh [STEP...]   checks the macOS layer (src/platform/macos) on Linux, without a Mac and without its SDK
+
+Steps, all of them when none is named:
+  compile        the .mm files for both architectures at the deployment target, as ARC, warnings as errors
+  link           universal, against stubs of the frameworks; every symbol has to come from one that we link
+  sources        the program's other sources for the Mac, as CMake has them for it, and the link of all of it
+  plist          Info.plist and the entitlements
+  lint           clang-tidy and the static analyzer's checkers for Objective-C
+  run            the unchanged .mm files on Linux, on fakes, under the sanitizers: tests/macos
+  declarations   what we declare of the frameworks against GNUstep's headers
+
+  --layer DIR    the folder of the .mm files, where it is not ours: for planted mistakes
+  --file NAME    look at this one of them alone in `lint`
+  --quick        stop at the first step that fails
+
+One line for each check; the last line says how many passed and failed. README.md says what they prove.
+END
+}
 
 layer=$root/src/platform/macos quick='' only='' steps=()
 while [ $# -gt 0 ]; do
@@ -38,7 +44,7 @@ while [ $# -gt 0 ]; do
             ;;
         --quick) quick=1 ;;
         -*)
-            sed -n '2,18s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
+            usage >&2
             exit 2
             ;;
         *) steps+=("$1") ;;

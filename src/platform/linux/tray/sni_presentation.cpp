@@ -3,6 +3,7 @@
 #include "core/plain_text.h"
 #include "platform/linux/bus/bus_calls.h"
 #include "platform/linux/tray/dbus_menu.h"
+#include "platform/linux/tray/item_menu.h"
 #include "platform/linux/tray/label_painter.h"
 
 #include <QCoreApplication>
@@ -40,8 +41,6 @@ constexpr std::chrono::seconds pauseBetweenSignals{1};
 constexpr int largestItem = 64;
 constexpr int farthest = 0x7fff;
 
-enum MenuId : int { OpenId = 1, RefreshId, SettingsId, SeparatorId, QuitId };
-
 constexpr bool hasMenu(SniForm form)
 {
     return form == SniForm::Portable;
@@ -57,13 +56,6 @@ void fillBackground(QImage &picture, double radius)
     painter.setBrush(pictureBackground);
     painter.drawRoundedRect(
         QRectF(QPointF(), QSizeF(picture.size()) / picture.devicePixelRatio()), radius, radius);
-}
-
-QList<DBusMenuEntry> menuEntries()
-{
-    return {{.id = OpenId, .label = u"Open"_s}, {.id = RefreshId, .label = u"Refresh"_s},
-        {.id = SettingsId, .label = u"Settings"_s},
-        {.id = SeparatorId, .label = {}, .separator = true}, {.id = QuitId, .label = u"Quit"_s}};
 }
 
 /// A line of text that no host takes for markup or for more than a line. Deliberate: it is bounded
@@ -158,7 +150,7 @@ SniPresentation::~SniPresentation()
 
 void SniPresentation::addMenu()
 {
-    auto *menu = new DBusMenu(m_bus, SniItem::menuPath(), menuEntries(), this);
+    auto *menu = new DBusMenu(m_bus, SniItem::menuPath(), itemMenu(), this);
     connect(menu, &DBusMenu::triggered, this, &SniPresentation::chooseFromMenu);
 }
 

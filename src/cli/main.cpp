@@ -1,7 +1,7 @@
 #include "cli/command_line.h"
+#include "cli/exit_status.h"
 #include "cli/fetch_library.h"
 #include "cli/output/render.h"
-#include "cli/status.h"
 #include "cli/terminal.h"
 #include "cli/watch.h"
 #include "platform/linux/bus/running_program.h"
@@ -12,7 +12,6 @@
 #include <QDateTime>
 
 #include <csignal>
-#include <cstdlib>
 
 using namespace brimwatch;
 using namespace brimwatch::cli;

@@ -6,15 +6,6 @@ namespace brimwatch::cli {
 
 using namespace Qt::Literals::StringLiterals;
 
-ExitStatus exitStatusOf(const Status &status)
-{
-    if (!status.isOnline())
-        return ExitStatus::Offline;
-    const auto &lowest = status.state.lowest;
-    return lowest && lowest->tier == model::QuotaTier::critical ? ExitStatus::Critical
-                                                                : ExitStatus::Success;
-}
-
 Status offlineStatus(const QString &reason)
 {
     Status status;

@@ -9,14 +9,6 @@
 
 namespace brimwatch::cli {
 
-/// What brimwatchctl says to scripts when it ends; brimwatchctl(1) promises the numbers.
-enum class ExitStatus {
-    Success = 0,
-    Critical = 1, ///< The lowest bucket of the label is critical.
-    Offline = 2, ///< Nobody answered, or what was asked failed.
-    WrongUsage = 3,
-};
-
 /// What brimwatchctl knows, and from whom.
 struct Status {
     enum class Source {
@@ -35,8 +27,6 @@ struct Status {
 
     bool operator==(const Status &) const = default;
 };
-
-ExitStatus exitStatusOf(const Status &status);
 
 /// The status when nobody could be asked, for the reason given.
 Status offlineStatus(const QString &reason);

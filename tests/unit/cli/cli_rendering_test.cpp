@@ -1,3 +1,4 @@
+#include "cli/exit_status.h"
 #include "cli/output/forms.h"
 #include "cli/output/template.h"
 #include "model/percent.h"

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "cli/status.h"
+
+namespace brimwatch::cli {
+
+/// What brimwatchctl says to scripts when it ends; brimwatchctl(1) promises the numbers.
+enum class ExitStatus {
+    Success = 0,
+    Critical = 1, ///< The lowest bucket of the label is critical.
+    Offline = 2, ///< Nobody answered, or what was asked failed.
+    WrongUsage = 3,
+};
+
+ExitStatus exitStatusOf(const Status &status);
+
+} // namespace brimwatch::cli

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <QList>
 #include <QString>
 
 #include <array>
-#include <optional>
 
 namespace brimwatch::model {
 

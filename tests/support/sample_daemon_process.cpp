@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <csignal>
-#include <memory>
 
 namespace brimwatch::test {
 

@@ -8,7 +8,6 @@
 
 #include <QAbstractItemModel>
 #include <QColor>
-#include <QDateTime>
 #include <QObject>
 #include <QString>
 #include <QtQml/qqmlregistration.h>

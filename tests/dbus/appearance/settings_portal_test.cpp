@@ -7,7 +7,6 @@
 #include <QDBusMetaType>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 

@@ -1,7 +1,6 @@
 #include "platform/linux/bus/bus_calls.h"
 #include "support/fake_bus.h"
 
-#include <QDBusError>
 #include <QTest>
 
 #include <optional>

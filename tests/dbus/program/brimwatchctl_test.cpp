@@ -7,14 +7,10 @@
 #include <QCoreApplication>
 #include <QDBusMetaType>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
-#include <QFileInfo>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QTest>
 
 #include <algorithm>

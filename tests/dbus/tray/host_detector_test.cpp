@@ -2,7 +2,6 @@
 #include "platform/linux/x11/x_connection.h"
 #include "support/fake_bus.h"
 
-#include <QGuiApplication>
 #include <QTest>
 
 using namespace Qt::Literals::StringLiterals;

@@ -5,11 +5,9 @@
 #include "support/fake_watcher.h"
 
 #include <QDBusConnectionInterface>
-#include <QDBusError>
 #include <QDBusMetaType>
 #include <QPainter>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 

@@ -1,7 +1,6 @@
 #include "core/clock.h"
 #include "model/quota_records.h"
 
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -10,9 +9,6 @@
 #include <sched.h>
 #include <sys/mount.h>
 #include <unistd.h>
-
-#include <array>
-#include <cstdio>
 
 namespace brimwatch {
 

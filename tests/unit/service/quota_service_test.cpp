@@ -8,7 +8,6 @@
 #include <cmath>
 #include <limits>
 #include <optional>
-#include <utility>
 #include <vector>
 
 using namespace Qt::Literals::StringLiterals;

@@ -6,7 +6,6 @@
 #include <QDBusMessage>
 #include <QDBusReply>
 #include <QFile>
-#include <QFileInfo>
 #include <QLoggingCategory>
 
 #include <utility>

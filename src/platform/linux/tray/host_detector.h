@@ -13,7 +13,6 @@
 
 #include <chrono>
 #include <functional>
-#include <optional>
 
 class QDBusMessage;
 

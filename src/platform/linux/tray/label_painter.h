@@ -3,8 +3,6 @@
 #include "model/label_composition.h"
 #include "platform/linux/appearance/system_colors.h"
 
-#include <QColor>
-#include <QFont>
 #include <QImage>
 #include <QSize>
 #include <QString>

@@ -7,7 +7,6 @@
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
 #include <QImage>
-#include <QPoint>
 #include <QString>
 #include <QTimer>
 

@@ -2,9 +2,6 @@
 
 #include "platform/linux/x11/x_connection.h"
 
-#include <QByteArray>
-#include <QList>
-
 #include <cmath>
 #include <cstdint>
 

@@ -2,7 +2,6 @@
 #include "support/fake_notifier.h"
 #include "support/test_clock.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>

@@ -16,8 +16,8 @@ StatusBarController::StatusBarController(Dependencies dependencies)
     connect(
         m_popover.get(), &platform::Popover::didClose, this, &StatusBarController::popoverDidClose);
     // Between a press and its release most of the loading can be done.
-    connect(m_statusItem.get(), &platform::StatusItem::pressed, m_popover.get(),
-        &platform::Popover::prepare);
+    connect(m_statusItem.get(), &platform::StatusItem::pressed, this,
+        &StatusBarController::preparePopover);
     connect(m_statusItem.get(), &platform::StatusItem::clicked, this,
         &StatusBarController::statusItemClicked);
     connect(m_statusItem.get(), &platform::StatusItem::refreshRequested, &m_quotaService,
@@ -69,14 +69,31 @@ void StatusBarController::showPopover()
 void StatusBarController::showSettings()
 {
     // Turned before it is shown, it opens on them without the slide.
-    m_popover->prepare();
+    preparePopover();
     m_popover->showSettings();
     showPopover();
+}
+
+void StatusBarController::preparePopover()
+{
+    m_popover->prepare();
+    // It may never be shown.
+    releasePopoverLater();
 }
 
 void StatusBarController::popoverDidClose()
 {
     m_popoverCloseTime = m_clock.now();
+    releasePopoverLater();
+}
+
+void StatusBarController::releasePopoverLater()
+{
+    m_releaseTimer = m_clock.every(contentKept, [this] {
+        m_releaseTimer.reset();
+        if (!m_popover->isShown())
+            m_popover->release();
+    });
 }
 
 void StatusBarController::setupSubscribers()

@@ -28,6 +28,9 @@ public:
     /// not open it again.
     static constexpr std::chrono::milliseconds reopenGuard{250};
 
+    /// So long after it was used, the content of the popover is let go.
+    static constexpr std::chrono::minutes contentKept{5};
+
     /// What the controller uses. References outlive it.
     struct Dependencies {
         service::QuotaService &quotaService;
@@ -56,7 +59,9 @@ Q_SIGNALS:
 
 private:
     void statusItemClicked(const platform::ItemAnchor &sender);
+    void preparePopover();
     void popoverDidClose();
+    void releasePopoverLater();
     void setupSubscribers();
     void updateStatusItem();
     void describeStatusItem();
@@ -72,6 +77,7 @@ private:
     model::LabelComposition m_label;
     QDateTime m_describedAt; ///< The moment from which the tooltip's countdowns were computed.
     std::unique_ptr<RepeatingTimer> m_minuteTimer;
+    std::unique_ptr<RepeatingTimer> m_releaseTimer; ///< Since the popover was used last.
     std::optional<QDateTime> m_popoverCloseTime; ///< Absent: in the distant past.
 };
 

@@ -23,6 +23,9 @@ public:
     virtual bool isShown() const = 0;
     /// Loads the content, if it is not loaded yet: a show() is about to follow.
     virtual void prepare() = 0;
+    /// Lets the content go, with the memory that it takes, unless it is shown. It is loaded again
+    /// when it is needed, as it was left.
+    virtual void release() = 0;
     /// Shows it beside the item, below it where there is room. Loads the content if it is not
     /// loaded yet.
     virtual void show(const ItemAnchor &anchor) = 0;

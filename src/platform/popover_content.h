@@ -34,7 +34,8 @@ public:
     virtual void showSettings() = 0;
 };
 
-/// Loads the views, which takes some time, and makes the content. Null when they cannot be loaded.
+/// Loads the views, which takes some time, and makes the content, on the face and at the scroll
+/// position at which the last one was. Null when they cannot be loaded.
 using PopoverContentFactory = std::function<std::unique_ptr<PopoverContent>()>;
 
 } // namespace brimwatch::platform

@@ -21,6 +21,24 @@ namespace {
 
 Q_LOGGING_CATEGORY(viewsLog, "brimwatch.views", QtInfoMsg)
 
+// By their object names.
+const QString dashboardList = u"groupList"_s;
+const QString settingsList = u"settingsList"_s;
+
+/// The first item of that object name; null without one. An item that was loaded later is no child
+/// object of its parent item.
+QQuickItem *itemIn(const QQuickItem &parent, const QString &name)
+{
+    const auto children = parent.childItems();
+    for (QQuickItem *child : children) {
+        if (child->objectName() == name)
+            return child;
+        if (QQuickItem *found = itemIn(*child, name))
+            return found;
+    }
+    return nullptr;
+}
+
 bool isCommand(const QKeyEvent &event, Qt::Key key)
 {
     return event.key() == key && event.modifiers() == Qt::ControlModifier;
@@ -61,7 +79,8 @@ void PopoverWindow::mousePressEvent(QMouseEvent *event)
 }
 
 QuotaPopoverContent::QuotaPopoverContent(const PopoverDependencies &dependencies)
-    : m_theme(dependencies.appearance, dependencies.symbols)
+    : m_state(dependencies.state)
+    , m_theme(dependencies.appearance, dependencies.symbols)
     , m_model({.quotaService = dependencies.quotaService,
           .theme = m_theme,
           .opener = dependencies.opener,
@@ -104,6 +123,33 @@ QuotaPopoverContent::QuotaPopoverContent(const PopoverDependencies &dependencies
     layOut();
     QObject::connect(&m_window, &QQuickWindow::widthChanged, m_root.get(), [this] { layOut(); });
     QObject::connect(&m_window, &QQuickWindow::heightChanged, m_root.get(), [this] { layOut(); });
+    restore(*m_state);
+}
+
+QuotaPopoverContent::~QuotaPopoverContent()
+{
+    if (!m_root)
+        return;
+    m_state->showingSettings = m_model.showingSettings();
+    const auto position = [this](const QString &list) {
+        const auto *area = itemIn(*m_root, list);
+        return area != nullptr ? area->property("contentY").toDouble() : 0;
+    };
+    m_state->dashboardPosition = position(dashboardList);
+    m_state->settingsPosition = position(settingsList);
+}
+
+void QuotaPopoverContent::restore(const PopoverState &state)
+{
+    const auto scroll = [this](const QString &list, double position) {
+        if (auto *area = itemIn(*m_root, list); area != nullptr && position > 0)
+            area->setProperty("soughtPosition", position);
+    };
+    scroll(dashboardList, state.dashboardPosition);
+    if (!state.showingSettings)
+        return;
+    Q_EMIT m_model.settingsRequested();
+    scroll(settingsList, state.settingsPosition);
 }
 
 void QuotaPopoverContent::setShown(bool shown)

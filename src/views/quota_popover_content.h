@@ -35,7 +35,9 @@ private:
 /// The quota popover in a window.
 class QuotaPopoverContent final : public platform::PopoverContent {
 public:
+    /// Where its last one was left.
     explicit QuotaPopoverContent(const PopoverDependencies &dependencies);
+    ~QuotaPopoverContent() override;
 
     /// Whether the views could be created.
     bool isComplete() const { return m_root != nullptr; }
@@ -50,7 +52,9 @@ public:
 private:
     void applyTheme();
     void layOut();
+    void restore(const PopoverState &state);
 
+    std::shared_ptr<PopoverState> m_state;
     // In this order: each member uses those above it.
     Theme m_theme;
     PopoverModel m_model;

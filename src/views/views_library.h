@@ -3,6 +3,7 @@
 #include <QtGlobal>
 
 #include <functional>
+#include <memory>
 
 namespace brimwatch {
 class Clock;
@@ -22,6 +23,13 @@ class QuotaService;
 
 namespace brimwatch::views {
 
+/// Where the views were left, which outlives them.
+struct PopoverState {
+    bool showingSettings = false;
+    double dashboardPosition = 0; ///< How far it is scrolled; so is the other.
+    double settingsPosition = 0;
+};
+
 /// What the views use. Everything outlives the content.
 struct PopoverDependencies {
     service::QuotaService &quotaService;
@@ -33,6 +41,7 @@ struct PopoverDependencies {
     const service::Diagnostics &diagnostics;
     std::function<void()> terminate; ///< Ends the program.
     std::function<void()> close; ///< Closes the popover, as Escape on the dashboard does.
+    std::shared_ptr<PopoverState> state = std::make_shared<PopoverState>();
 };
 
 } // namespace brimwatch::views

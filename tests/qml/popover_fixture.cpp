@@ -1,7 +1,6 @@
 #include "qml/popover_fixture.h"
 
 #include "qml/samples.h"
-#include "views/views_library.h"
 
 #include <QTest>
 
@@ -46,7 +45,8 @@ void PopoverFixture::load()
         .launchAtLogin = launchAtLogin,
         .diagnostics = diagnostics,
         .terminate = [this] { ++terminated; },
-        .close = [this] { ++closed; }}));
+        .close = [this] { ++closed; },
+        .state = state}));
     if (!content)
         qFatal("the views cannot be created");
 }

@@ -8,6 +8,7 @@
 #include "support/fake_pasteboard.h"
 #include "support/service_fixture.h"
 #include "views/models/popover_model.h"
+#include "views/views_library.h"
 
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -52,6 +53,8 @@ public:
     platform::SvgSymbols symbols;
     FakeOpener opener;
     FakePasteboard pasteboard;
+    /// Where a popover was left, for the next.
+    std::shared_ptr<views::PopoverState> state = std::make_shared<views::PopoverState>();
     int terminated = 0;
     int closed = 0;
     std::unique_ptr<platform::PopoverContent> content;

@@ -14,6 +14,7 @@ class FakePopover final : public platform::Popover {
 public:
     bool isShown() const override { return shown; }
     void prepare() override { calls.append(QStringLiteral("prepare")); }
+    void release() override { calls.append(QStringLiteral("release")); }
     void show(const platform::ItemAnchor &anchor) override
     {
         shown = true;

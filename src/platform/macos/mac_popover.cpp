@@ -39,6 +39,14 @@ void MacPopover::prepare()
     load();
 }
 
+void MacPopover::release()
+{
+    if (isShown())
+        return;
+    m_window = nullptr;
+    m_content.reset();
+}
+
 void MacPopover::show(const ItemAnchor & /*anchor*/)
 {
     open();
@@ -73,7 +81,8 @@ bool MacPopover::load()
     auto content = m_factory();
     if (!content)
         return false;
-    m_container = m_windowOfView(m_native.contentView());
+    if (!m_container)
+        m_container = m_windowOfView(m_native.contentView());
     if (!m_container)
         return false;
     m_content = std::move(content);

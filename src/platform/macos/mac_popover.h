@@ -28,6 +28,7 @@ public:
 
     bool isShown() const override;
     void prepare() override;
+    void release() override;
     /// At the button, wherever that is now: the anchor adds nothing that the system does not know.
     void show(const ItemAnchor &anchor) override;
     void showUnclicked(const std::optional<QRect> &item) override;

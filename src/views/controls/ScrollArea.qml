@@ -10,8 +10,17 @@ Item {
     property alias contentY: flickable.contentY
     readonly property real furthest: Math.max(0, contentHeight - height)
 
+    // Where the view was left, which is returned to as soon as the content is that long; -1: nowhere.
+    property real soughtPosition: -1
+
     function scrollTo(position: real) {
         root.contentY = Math.max(0, Math.min(position, root.furthest));
+    }
+
+    function returnToSought() {
+        root.scrollTo(root.soughtPosition);
+        if (root.furthest >= root.soughtPosition)
+            root.soughtPosition = -1;
     }
 
     // Scrolls as little as needed to show all of an item of the content.
@@ -46,8 +55,14 @@ Item {
 
     // Content that shrinks must not leave the position beyond its end.
     onFurthestChanged: {
-        if (contentY > furthest)
+        if (soughtPosition >= 0)
+            returnToSought();
+        else if (contentY > furthest)
             scrollTo(furthest);
+    }
+    onSoughtPositionChanged: {
+        if (soughtPosition >= 0)
+            returnToSought();
     }
 
     Flickable {
@@ -56,6 +71,7 @@ Item {
         anchors.fill: parent
         contentWidth: width
         boundsBehavior: Flickable.StopAtBounds
+        onMovementStarted: root.soughtPosition = -1
         clip: true
     }
 

@@ -263,6 +263,40 @@ private Q_SLOTS:
         QVERIFY(!m_popover->shown);
     }
 
+    void fiveMinutesAfterItHasClosedThePopoversContentIsLetGo()
+    {
+        Q_EMIT m_item->clicked({});
+        m_fixture->clock.advance(10min);
+        QVERIFY(!m_popover->calls.contains(u"release"_s));
+        m_popover->close();
+        m_fixture->clock.advance(4min);
+        // Used again meanwhile, it is kept as long again.
+        Q_EMIT m_item->clicked({});
+        m_fixture->clock.advance(3min);
+        m_popover->close();
+        m_fixture->clock.advance(5min - 1s);
+        QVERIFY(!m_popover->calls.contains(u"release"_s));
+        m_fixture->clock.advance(1s);
+        QCOMPARE(m_popover->calls.count(u"release"_s), 1);
+        m_fixture->clock.advance(1h);
+        QCOMPARE(m_popover->calls.count(u"release"_s), 1);
+    }
+
+    void whatAPressHasMadeReadyInVainIsLetGo()
+    {
+        Q_EMIT m_item->pressed();
+        m_fixture->clock.advance(5min);
+        QCOMPARE(m_popover->calls, (QStringList{u"prepare"_s, u"release"_s}));
+    }
+
+    void aPopoverThatIsShownIsNotLetGo()
+    {
+        Q_EMIT m_item->pressed();
+        Q_EMIT m_item->clicked({});
+        m_fixture->clock.advance(1h);
+        QVERIFY(!m_popover->calls.contains(u"release"_s));
+    }
+
     void aSettingRebuildsTheLabel()
     {
         m_fixture->answer(summaryWith(0.8, 0.55));

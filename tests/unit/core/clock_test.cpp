@@ -14,6 +14,7 @@ class ClockTest : public QObject {
 private Q_SLOTS:
     void nowIsTheSystemsTimeInTheUsersZone();
     void aTimerGoesOnUntilItIsDestroyed();
+    void aTimerMayEndItselfAndMayBeReplacedWhenItFires();
     void aPeriodKeepsItsMilliseconds();
     void aPeriodThatNoTimerHoldsIsTheLongestOne_data();
     void aPeriodThatNoTimerHoldsIsTheLongestOne();
@@ -43,6 +44,23 @@ void ClockTest::aTimerGoesOnUntilItIsDestroyed()
     const auto other = clock.every(1ms, [&others] { ++others; });
     QTRY_VERIFY(others >= 3);
     QCOMPARE(fired, last);
+}
+
+void ClockTest::aTimerMayEndItselfAndMayBeReplacedWhenItFires()
+{
+    SystemClock clock;
+    std::unique_ptr<RepeatingTimer> timer;
+    const auto lasting = std::make_shared<int>(0); // Gone with the last of the actions.
+    std::weak_ptr<int> fired = lasting;
+    timer = clock.every(1ms, [&, fired] {
+        timer = clock.every(1ms, [&, fired] {
+            timer.reset();
+            ++*fired.lock();
+        });
+        ++*fired.lock();
+    });
+    QTRY_COMPARE(*lasting, 2);
+    QVERIFY(!timer);
 }
 
 void ClockTest::aPeriodKeepsItsMilliseconds()

@@ -1,5 +1,6 @@
 #include "platform/linux/popover/layer_popover.h"
 
+#include "platform/linux/popover/freed_memory.h"
 #include "platform/linux/popover/layer_place.h"
 
 #include <QBackingStore>
@@ -114,6 +115,16 @@ bool LayerPopover::isShown() const
 void LayerPopover::prepare()
 {
     load();
+}
+
+void LayerPopover::release()
+{
+    if (m_shown || !m_content)
+        return;
+    m_catchers.clear();
+    m_surface.reset();
+    m_content.reset();
+    returnFreedMemory(*this);
 }
 
 void LayerPopover::show(const ItemAnchor & /*anchor*/)

@@ -35,6 +35,7 @@ public:
 
     bool isShown() const override;
     void prepare() override;
+    void release() override;
     /// Shows it at the pointer: the places that panels report mean nothing here.
     void show(const ItemAnchor &anchor) override;
     void showUnclicked(const std::optional<QRect> &item) override;

@@ -1,5 +1,6 @@
 #include "platform/linux/popover/placed_popover.h"
 
+#include "platform/linux/popover/freed_memory.h"
 #include "platform/linux/popover/popover_place.h"
 #include "platform/linux/popover/undecorated_window.h"
 #include "platform/linux/x11/native_geometry.h"
@@ -44,6 +45,15 @@ QRect PlacedPopover::frame() const
 void PlacedPopover::prepare()
 {
     load();
+}
+
+void PlacedPopover::release()
+{
+    if (m_shown || m_window == nullptr)
+        return;
+    m_window->removeEventFilter(this);
+    m_content.reset();
+    returnFreedMemory(*this);
 }
 
 void PlacedPopover::show(const ItemAnchor &anchor)

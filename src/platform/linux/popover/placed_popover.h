@@ -31,6 +31,7 @@ public:
 
     bool isShown() const override { return m_shown; }
     void prepare() override;
+    void release() override;
     void show(const ItemAnchor &anchor) override;
     void showUnclicked(const std::optional<QRect> &item) override;
     void showSettings() override;

@@ -100,6 +100,7 @@ private Q_SLOTS:
 
     // ---- the popover ----
     void nothingIsLoadedBeforeItIsAskedFor();
+    void whatIsLetGoIsLoadedAgainInTheSamePlace();
     void theContentStandsInThePopoversView();
     void itShowsWhatIsUpToDate();
     void aCloseFromOutsideIsToldAndHidesTheContent();
@@ -273,6 +274,24 @@ struct PopoverStage {
 };
 
 } // namespace
+
+void MacosAdaptersTest::whatIsLetGoIsLoadedAgainInTheSamePlace()
+{
+    PopoverStage stage;
+    stage.popover.show({});
+    stage.popover.release();
+    QVERIFY(stage.content);
+    stage.popover.performClose();
+    stage.popover.release();
+    QVERIFY(!stage.content);
+    QVERIFY(stage.container);
+    stage.popover.showSettings();
+    const auto *container = stage.container.get();
+    stage.popover.show({});
+    QCOMPARE(stage.loads, 2);
+    QCOMPARE(stage.container.get(), container);
+    QCOMPARE(stage.content->parent(), stage.container.get());
+}
 
 void MacosAdaptersTest::nothingIsLoadedBeforeItIsAskedFor()
 {

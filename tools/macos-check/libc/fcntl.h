@@ -9,6 +9,9 @@ _MIN_BEGIN
 #define O_DIRECTORY 0x100000
 #define O_NOCTTY 0x20000
 #define O_CLOEXEC 0x1000000
+#define F_SETFD 2
+#define F_SETFL 4
+#define FD_CLOEXEC 1
 #define AT_FDCWD (-2)
 #define AT_SYMLINK_NOFOLLOW 0x0020
 int open(const char *, int, ...); int openat(int, const char *, int, ...); int fcntl(int, int, ...);

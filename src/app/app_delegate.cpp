@@ -22,6 +22,10 @@ AppDelegate::AppDelegate(
     , m_launchAtLogin(m_desktop.loginItem)
     , m_alerts(m_clock, m_settings, m_desktop.notifier,
           [this](const QString &text) { return redacted(text); })
+    , m_forecastAlerts(
+          m_settings, m_desktop.notifier, [this](const QString &text) { return redacted(text); })
+    , m_forecasts(m_settings, forecast::historyFolder(),
+          [this](const QString &text) { return redacted(text); })
 {
 }
 
@@ -49,7 +53,9 @@ std::unique_ptr<service::QuotaService> AppDelegate::makeQuotaService()
             .fetching = m_fetchClient,
             .settings = m_settings,
             .alerts = &m_alerts,
-            .launchAtLogin = &m_launchAtLogin});
+            .launchAtLogin = &m_launchAtLogin,
+            .forecasts = &m_forecasts,
+            .forecastAlerts = &m_forecastAlerts});
 }
 
 std::unique_ptr<StatusBarController> AppDelegate::makeStatusBarController()

@@ -6,9 +6,11 @@
 #include "discovery/daemon_discovery_service.h"
 #include "platform/desktop.h"
 #include "service/diagnostics.h"
+#include "service/forecast_alerts.h"
 #include "service/launch_at_login_service.h"
 #include "service/low_quota_alerts.h"
 #include "service/quota_fetch_client.h"
+#include "service/quota_forecasts.h"
 #include "service/quota_service.h"
 
 #include <QPointer>
@@ -60,6 +62,8 @@ private:
     service::QuotaFetchClient m_fetchClient;
     service::LaunchAtLoginService m_launchAtLogin;
     service::LowQuotaAlerts m_alerts;
+    service::ForecastAlerts m_forecastAlerts;
+    service::QuotaForecasts m_forecasts;
     // Each observes those above it.
     std::unique_ptr<service::QuotaService> m_quotaService;
     std::optional<service::Diagnostics> m_diagnostics;

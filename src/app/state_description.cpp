@@ -1,6 +1,7 @@
 #include "app/state_description.h"
 
 #include "core/plain_text.h"
+#include "forecast/outlook_text.h"
 #include "service/diagnostics.h"
 #include "service/quota_service.h"
 
@@ -19,8 +20,9 @@ using platform::PublishedState;
 /// Describes the parts of the state, their texts redacted and within their bounds.
 class Publisher {
 public:
-    explicit Publisher(Redactor redactor)
-        : m_redactor(std::move(redactor))
+    Publisher(const service::QuotaService &service, Redactor redactor)
+        : m_service(service)
+        , m_redactor(std::move(redactor))
     {
     }
 
@@ -37,13 +39,19 @@ public:
     PublishedBucket bucket(const model::QuotaBucket &bucket) const
     {
         const auto reset = bucket.parsedResetDate();
+        const auto outlook = m_service.outlook(bucket);
+        const auto text = forecast::textOf(bucket, outlook);
         return {.id = name(bucket.bucketId),
             .name = name(bucket.displayName),
             .window = name(bucket.window.value_or(QString())),
             .fraction = bucket.remainingFraction,
             .percentage = bucket.percentage(),
             .tier = bucket.statusTier(),
-            .resetTime = reset ? std::optional(reset->toSecsSinceEpoch()) : std::nullopt};
+            .resetTime = reset ? std::optional(reset->toSecsSinceEpoch()) : std::nullopt,
+            .outlook = forecast::verdictName(text.verdict),
+            .runOutTime
+            = text.runOut ? std::optional(text.runOut->toSecsSinceEpoch()) : std::nullopt,
+            .runOutChance = text.chance};
     }
 
     PublishedGroup group(const model::QuotaGroup &group, qsizetype mostBuckets) const
@@ -71,6 +79,7 @@ private:
         }
     }
 
+    const service::QuotaService &m_service;
     Redactor m_redactor;
 };
 
@@ -91,7 +100,7 @@ std::optional<std::int64_t> lastUpdateOf(const service::QuotaService &service)
 PublishedState describeState(const service::QuotaService &service, const QString &home)
 {
     using Connection = PublishedState::Connection;
-    const Publisher publisher(redactorFor(service, home));
+    const Publisher publisher(service, redactorFor(service, home));
     PublishedState state;
     const auto &status = service.connectionStatus();
     if (const auto *connected

@@ -39,7 +39,14 @@ QString offlineReason(const Status &status);
 
 std::optional<QDateTime> resetTimeOf(const platform::PublishedBucket &bucket);
 
-/// "resets in 2h 3m" or "refreshed"; empty when the time is not known.
+/// "resets in 2h 3m" or "refreshed"; empty when the time is not known. Nothing is left: "used up,
+/// full again in 2h 3m".
 QString resetText(const platform::PublishedBucket &bucket, const QDateTime &now);
+
+/// "runs out around 15:45", and "may run out" where it is close; empty while it lasts.
+QString outlookText(const platform::PublishedBucket &bucket, const QDateTime &now);
+
+/// Both, with a comma between them.
+QString timesText(const platform::PublishedBucket &bucket, const QDateTime &now);
 
 } // namespace brimwatch::cli

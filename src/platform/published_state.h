@@ -19,6 +19,11 @@ struct PublishedBucket {
     double percentage = 0; ///< 0 to 100.
     model::QuotaTier tier = model::QuotaTier::critical;
     std::optional<std::int64_t> resetTime = {}; ///< Seconds since the epoch; absent when unknown.
+    QString outlook
+        = {}; ///< "lasts", "close", "runs-out" or "used-up"; empty where nothing is said.
+    std::optional<std::int64_t> runOutTime
+        = {}; ///< Seconds since the epoch; with "runs-out" alone.
+    std::optional<double> runOutChance = {}; ///< In steps of 0.05; absent where nothing is said.
 
     bool operator==(const PublishedBucket &) const = default;
 };

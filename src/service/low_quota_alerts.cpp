@@ -13,9 +13,6 @@ namespace brimwatch::service {
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace {
-
-/// A daemon may give ids of any length, which are remembered here and by the desktop.
 QString boundedId(const QString &bucketId)
 {
     constexpr qsizetype longest = 128;
@@ -24,8 +21,6 @@ QString boundedId(const QString &bucketId)
     return QString::fromLatin1(
         QCryptographicHash::hash(bucketId.toUtf8(), QCryptographicHash::Sha256).toHex());
 }
-
-} // namespace
 
 LowQuotaAlerts::LowQuotaAlerts(
     const Clock &clock, const SettingsStore &settings, platform::Notifier &notifier, Redact redact)

@@ -22,6 +22,9 @@ namespace brimwatch::service {
 
 class SettingsStore;
 
+/// A daemon may give ids of any length, which are remembered here and by the desktop.
+QString boundedId(const QString &bucketId);
+
 /// Posts an alert for each bucket of the Gemini group that has fallen to the user's threshold or
 /// below it. A bucket that stays low raises no other alert until it has risen above the threshold.
 /// The other groups never raise one, whatever the label shows.

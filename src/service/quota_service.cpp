@@ -1,8 +1,10 @@
 #include "service/quota_service.h"
 
 #include "core/when_done.h"
+#include "service/forecast_alerts.h"
 #include "service/launch_at_login_service.h"
 #include "service/low_quota_alerts.h"
+#include "service/quota_forecasts.h"
 
 #include <QTimer>
 
@@ -21,6 +23,8 @@ QuotaService::QuotaService(const Dependencies &dependencies, QObject *parent)
     , m_settings(dependencies.settings)
     , m_alerts(dependencies.alerts)
     , m_launchAtLogin(dependencies.launchAtLogin)
+    , m_forecasts(dependencies.forecasts)
+    , m_forecastAlerts(dependencies.forecastAlerts)
     , m_currentTime(m_clock.now())
 {
     startPeriodicRefresh();
@@ -122,6 +126,9 @@ void QuotaService::apply(const FetchResult &result)
             &QuotaService::quotaSummaryChanged);
         changeState(&QuotaService::m_activeDaemon, std::optional(result->daemon),
             &QuotaService::activeDaemonChanged);
+        // Once the token that it hides is known, and before stateChanged.
+        if (m_forecasts != nullptr)
+            m_forecasts->update(result->summary, m_clock.now());
         changeState(&QuotaService::m_connectionStatus,
             ConnectionStatus::connected(result->daemon.askedPort().value_or(0)),
             &QuotaService::connectionStatusChanged);
@@ -130,6 +137,11 @@ void QuotaService::apply(const FetchResult &result)
         change(&QuotaService::m_isRefreshing, false, &QuotaService::isRefreshingChanged);
         if (m_alerts != nullptr)
             m_alerts->checkLowQuotaNotifications(result->summary);
+        if (m_forecastAlerts != nullptr) {
+            m_forecastAlerts->check(
+                result->summary, [this](const auto &bucket) { return outlook(bucket); },
+                m_clock.now());
+        }
         return;
     }
     const QString description = result.error().errorDescription();
@@ -138,6 +150,16 @@ void QuotaService::apply(const FetchResult &result)
         &QuotaService::errorMessageChanged);
     changeState(&QuotaService::m_connectionStatus, ConnectionStatus::offline(description),
         &QuotaService::connectionStatusChanged);
+}
+
+forecast::Outlook QuotaService::outlook(const model::QuotaBucket &bucket) const
+{
+    if (m_forecasts == nullptr || !m_lastUpdated || !m_connectionStatus.isConnected())
+        return {};
+    constexpr double intervals = 3;
+    const double age = static_cast<double>(m_lastUpdated->msecsTo(m_clock.now())) / 1000.0;
+    const bool isOld = age > intervals * std::max(refreshInterval(), settings::shortestRefreshInterval);
+    return isOld ? forecast::Outlook() : m_forecasts->outlook(bucket.bucketId);
 }
 
 void QuotaService::updateRefreshInterval(double seconds)

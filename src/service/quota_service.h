@@ -2,6 +2,7 @@
 
 #include "core/clock.h"
 #include "discovery/daemon_info.h"
+#include "forecast/outlook.h"
 #include "model/label_composition.h"
 #include "model/quota_records.h"
 #include "model/toolbar_stat_items.h"
@@ -18,8 +19,10 @@
 
 namespace brimwatch::service {
 
+class ForecastAlerts;
 class LaunchAtLoginService;
 class LowQuotaAlerts;
+class QuotaForecasts;
 
 /// The one observable model of the program: the latest quota, the connection, the settings, and the
 /// refreshes that keep them current. Everything happens on the main thread.
@@ -56,13 +59,15 @@ class QuotaService final : public QObject {
 
 public:
     /// What the service uses. The pointers are null in a program without alerts or without a login
-    /// item. Everything outlives the service.
+    /// item, without forecasts or alerts about them. Everything outlives the service.
     struct Dependencies {
         Clock &clock;
         QuotaFetching &fetching;
         SettingsStore &settings;
         LowQuotaAlerts *alerts = nullptr;
         LaunchAtLoginService *launchAtLogin = nullptr;
+        QuotaForecasts *forecasts = nullptr;
+        ForecastAlerts *forecastAlerts = nullptr;
     };
 
     /// Starts the timers and a first refresh, which runs with the next turn of the event loop.
@@ -90,6 +95,10 @@ public:
     private:
         QuotaService &m_service;
     };
+
+    /// Whether that bucket of the summary lasts until its reset. Silent while offline, and when the
+    /// summary is older than three refresh intervals.
+    forecast::Outlook outlook(const model::QuotaBucket &bucket) const;
 
     /// Fetches the quota. Does nothing while a fetch is under way.
     void refresh();
@@ -213,6 +222,8 @@ private:
     SettingsStore &m_settings;
     LowQuotaAlerts *m_alerts;
     LaunchAtLoginService *m_launchAtLogin;
+    QuotaForecasts *m_forecasts;
+    ForecastAlerts *m_forecastAlerts;
 
     std::optional<model::QuotaSummary> m_quotaSummary;
     std::optional<discovery::DaemonInfo> m_activeDaemon;

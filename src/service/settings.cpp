@@ -53,8 +53,9 @@ QList<QByteArray> allKeys()
     using namespace settings;
     return {refreshInterval.key, showPercentageInMenuBar.key, showFiveHourInMenuBar.key,
         showWeeklyInMenuBar.key, showIconInMenuBar.key, useColoredStatusIndicator.key,
-        notifyOnLowQuota.key, lowQuotaThreshold.key, showGeminiInToolbar.key,
-        showArgonInToolbar.key, showClaudeInToolbar.key, toolbarLabelStyle.key};
+        notifyOnLowQuota.key, lowQuotaThreshold.key, notifyOnRunOut.key, notifyOnReturn.key,
+        keepHistory.key, showGeminiInToolbar.key, showArgonInToolbar.key, showClaudeInToolbar.key,
+        toolbarLabelStyle.key};
 }
 
 } // namespace

@@ -38,6 +38,9 @@ inline constexpr Setting<bool> useColoredStatusIndicator{
 inline constexpr Setting<bool> notifyOnLowQuota{.key = "notifyOnLowQuota", .defaultValue = true};
 inline constexpr Setting<double> lowQuotaThreshold{
     .key = "lowQuotaThreshold", .defaultValue = 20.0}; ///< Percent.
+inline constexpr Setting<bool> notifyOnRunOut{.key = "notifyOnRunOut", .defaultValue = false};
+inline constexpr Setting<bool> notifyOnReturn{.key = "notifyOnReturn", .defaultValue = false};
+inline constexpr Setting<bool> keepHistory{.key = "keepHistory", .defaultValue = true};
 inline constexpr Setting<bool> showGeminiInToolbar{
     .key = "showGeminiInToolbar", .defaultValue = true};
 inline constexpr Setting<bool> showArgonInToolbar{

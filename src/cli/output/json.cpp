@@ -26,7 +26,9 @@ QJsonObject toJson(const platform::PublishedBucket &bucket)
 {
     return {{u"id"_s, bucket.id}, {u"name"_s, bucket.name}, {u"window"_s, orNull(bucket.window)},
         {u"fraction"_s, bucket.fraction}, {u"percentage"_s, bucket.percentage},
-        {u"tier"_s, platform::tierName(bucket.tier)}, {u"resetTime"_s, orNull(bucket.resetTime)}};
+        {u"tier"_s, platform::tierName(bucket.tier)}, {u"resetTime"_s, orNull(bucket.resetTime)},
+        {u"outlook"_s, orNull(bucket.outlook)}, {u"runOutTime"_s, orNull(bucket.runOutTime)},
+        {u"runOutChance"_s, bucket.runOutChance ? QJsonValue(*bucket.runOutChance) : QJsonValue()}};
 }
 
 } // namespace
@@ -46,7 +48,8 @@ QString renderJson(const Status &status, Layout layout)
         groups.append(QJsonObject{
             {u"name"_s, group.name}, {u"family"_s, group.family}, {u"buckets"_s, buckets}});
     }
-    const QJsonObject object{{u"schema"_s, 1}, {u"source"_s, sourceName(status.source)},
+    const QJsonObject object{{u"schema"_s, 1}, {u"addition"_s, 1},
+        {u"source"_s, sourceName(status.source)},
         {u"state"_s, platform::connectionName(state.connection)},
         {u"port"_s, state.port == 0 ? QJsonValue() : QJsonValue(qint64{state.port})},
         {u"lastUpdate"_s, orNull(state.lastUpdate)}, {u"error"_s, orNull(state.error)},

@@ -30,6 +30,21 @@ constexpr auto bucketFields = std::to_array<BucketField>({
         .text
         = [](const PublishedBucket &bucket,
               const QDateTime &) { return model::wholePercent(bucket.percentage).chopped(1); }},
+    {.name = "used"_L1,
+        .text =
+            [](const PublishedBucket &bucket, const QDateTime &) {
+                constexpr double full = 100;
+                return model::wholePercent(full - bucket.percentage).chopped(1);
+            }},
+    {.name = "outlook"_L1,
+        .text = [](const PublishedBucket &bucket, const QDateTime &) { return bucket.outlook; }},
+    {.name = "runout"_L1,
+        .text =
+            [](const PublishedBucket &bucket, const QDateTime &) {
+                const auto &time = bucket.runOutTime;
+                return time ? QDateTime::fromSecsSinceEpoch(*time).toString(Qt::ISODate)
+                            : QString();
+            }},
     {.name = "fraction"_L1,
         .text = [](const PublishedBucket &bucket,
                     const QDateTime &) { return QString::number(bucket.fraction); }},

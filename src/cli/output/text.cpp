@@ -74,6 +74,7 @@ struct Columns {
     int name = 0;
     int bar = 0;
     int reset = 0;
+    int outlook = 0;
 };
 
 Columns columnsFor(const QList<PublishedGroup> &groups, const QDateTime &now, const TextLook &look)
@@ -86,13 +87,22 @@ Columns columnsFor(const QList<PublishedGroup> &groups, const QDateTime &now, co
         for (const auto &bucket : group.buckets) {
             columns.name = std::max(columns.name, columnsOf(bucket.name));
             columns.reset = std::max(columns.reset, columnsOf(resetText(bucket, now)));
+            columns.outlook = std::max(columns.outlook, columnsOf(outlookText(bucket, now)));
         }
     }
     if (look.bars == TextLook::Bars::None)
         return columns;
-    // The times give way first, then the bar, and names are cut as far as it takes.
-    const int room = look.width - gap - gap - percentageColumns;
+    // The outlook gives way first, then the times, then the bar, and names are cut as far as it
+    // takes.
+    int room = look.width - gap - gap - percentageColumns;
     const int leastName = std::min(usualName, columns.name);
+    if (columns.outlook > 0) {
+        const int others = leastName + gap + leastBar + gap + columns.reset;
+        if (others + gap + columns.outlook > room)
+            columns.outlook = 0;
+        else
+            room -= gap + columns.outlook;
+    }
     if (leastName + gap + leastBar + gap + columns.reset > room)
         columns.reset = 0;
     const int withoutTimes = columns.reset > 0 ? room - gap - columns.reset : room;
@@ -116,8 +126,12 @@ QString lineOf(const PublishedBucket &bucket, const QDateTime &now, const TextLo
     if (columns.bar > 0)
         line += "  "_L1 + before + barOf(bucket.percentage, columns.bar, look.bars) + after;
     line += "  "_L1 + before + percentage.rightJustified(percentageColumns) + after;
-    if (columns.reset > 0 && !reset.isEmpty())
-        line += "  "_L1 + (look.colors ? QString(escapeFaint) : QString()) + reset + after;
+    const QString outlook = columns.outlook > 0 ? outlookText(bucket, now) : QString();
+    if (columns.reset > 0 && (!reset.isEmpty() || !outlook.isEmpty()))
+        line += "  "_L1 + (look.colors ? QString(escapeFaint) : QString())
+            + (outlook.isEmpty() ? reset : padded(reset, columns.reset)) + after;
+    if (!outlook.isEmpty())
+        line += "  "_L1 + outlook;
     return line;
 }
 

@@ -1,11 +1,14 @@
 #include "cli/output/forms.h"
 #include "cli/output/pango.h"
+#include "forecast/outlook_text.h"
 #include "model/percent.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStringList>
+
+#include <algorithm>
 
 namespace brimwatch::cli {
 
@@ -19,16 +22,27 @@ QString tooltipOf(const Status &status, const QDateTime &now)
     for (const auto &group : status.state.groups) {
         lines.append("<b>"_L1 + group.name.toHtmlEscaped() + "</b>"_L1);
         for (const auto &bucket : group.buckets) {
-            const QString reset = resetText(bucket, now);
+            const QString times = timesText(bucket, now);
             lines.append(bucket.name.toHtmlEscaped() + ": "_L1
                 + pangoColored(
                     model::percentWithOneDecimal(bucket.percentage), colorOf(bucket.tier))
-                + (reset.isEmpty() ? QString() : QString(", "_L1 + reset)));
+                + (times.isEmpty() ? QString() : QString(", "_L1 + times.toHtmlEscaped())));
         }
     }
     if (!status.isOnline())
         lines.append(offlineReason(status).toHtmlEscaped());
     return lines.join(u'\n');
+}
+
+/// Whether a bucket runs out before its reset.
+bool runsOut(const platform::PublishedState &state)
+{
+    const QString name = forecast::verdictName(forecast::Verdict::RunsOut);
+    return std::any_of(
+        state.groups.cbegin(), state.groups.cend(), [&name](const platform::PublishedGroup &group) {
+            return std::any_of(group.buckets.cbegin(), group.buckets.cend(),
+                [&name](const auto &bucket) { return bucket.outlook == name; });
+        });
 }
 
 } // namespace
@@ -41,6 +55,8 @@ QString renderWaybar(const Status &status, const QDateTime &now)
         classes.append(platform::connectionName(state.connection));
     if (state.lowest)
         classes.append(platform::tierName(state.lowest->tier));
+    if (runsOut(state))
+        classes.append(forecast::verdictName(forecast::Verdict::RunsOut));
     QJsonObject object{{u"text"_s, pangoTitle(status)}, {u"tooltip"_s, tooltipOf(status, now)},
         {u"class"_s, classes}};
     if (state.lowest)

@@ -139,6 +139,8 @@ private Q_SLOTS:
         QCOMPARE(buckets[0][u"window"_s], QVariant(u"5h"_s));
         QCOMPARE(buckets[0][u"fraction"_s], QVariant(0.5));
         QVERIFY(!buckets[0].contains(u"reset-time"_s));
+        for (const auto &key : {u"outlook"_s, u"run-out-time"_s, u"run-out-chance"_s})
+            QVERIFY(!buckets[0].contains(key));
     }
 
     void whatGoesOverTheBusComesBackTheSame()
@@ -152,6 +154,11 @@ private Q_SLOTS:
         QVERIFY(state.lowest);
         QCOMPARE(*state.lowest, state.groups[0].buckets[1]);
         QVERIFY(platform::fromBusProperties(platform::toBusProperties(state)) == state);
+        auto warned = state;
+        warned.groups[0].buckets[0].outlook = u"runs-out"_s;
+        warned.groups[0].buckets[0].runOutTime = 1794837600;
+        warned.groups[0].buckets[0].runOutChance = 0.8;
+        QVERIFY(platform::fromBusProperties(platform::toBusProperties(warned)) == warned);
     }
 
     void aRefreshIsToldOnceHoweverMuchItChanges()

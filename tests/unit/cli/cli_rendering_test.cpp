@@ -279,6 +279,49 @@ private Q_SLOTS:
         status.state.connection = PublishedState::Connection::Connecting;
         QCOMPARE(exitStatusOf(status), ExitStatus::Offline);
     }
+
+    void anOutlookStandsBehindTheTimes()
+    {
+        auto status = sample();
+        auto &bucket = status.state.groups[0].buckets[0];
+        bucket.outlook = u"runs-out"_s;
+        bucket.runOutTime = now.toSecsSinceEpoch() + 5400;
+        bucket.runOutChance = 0.8;
+        const auto text = [&status](const TextLook &look = {}) {
+            return renderText(status, now, look).split(u'\n').at(1);
+        };
+        QVERIFY2(text().endsWith(u"resets in 2h 3m 0s  runs out around 10:30 AM"_s)
+                || text().endsWith(u"resets in 2h 3m  runs out around 10:30 AM"_s),
+            qPrintable(text()));
+        // On a narrow terminal it is the first to go.
+        const TextLook narrow{.bars = TextLook::Bars::Ascii, .width = 50};
+        QVERIFY(!text(narrow).contains(u"runs out"_s));
+        QVERIFY(text(narrow).contains(u"resets in"_s));
+        const auto parse = [](const QString &form) { return *Template::parse(form); };
+        QCOMPARE(
+            parse(u"{gemini.5h.outlook} {gemini.5h.runout} {gemini.5h.used}"_s).render(status, now),
+            u"runs-out 2026-11-16T10:30:00 20"_s);
+        QCOMPARE(parse(u"{claude.5h.outlook}{claude.5h.runout}"_s).render(status, now), QString());
+        const auto waybar = QJsonDocument::fromJson(renderWaybar(status, now).toUtf8()).object();
+        QVERIFY(waybar["class"_L1].toArray().contains(u"runs-out"_s));
+        QVERIFY(waybar["tooltip"_L1].toString().contains(u", runs out around 10:30 AM"_s));
+        const auto json
+            = QJsonDocument::fromJson(renderJson(status, Layout::OneLine).toUtf8()).object();
+        const auto buckets = json["groups"_L1][0]["buckets"_L1];
+        QCOMPARE(buckets[0]["outlook"_L1].toString(), u"runs-out"_s);
+        QCOMPARE(buckets[0]["runOutTime"_L1].toInteger(), *bucket.runOutTime);
+        QCOMPARE(buckets[0]["runOutChance"_L1].toDouble(), 0.8);
+        QVERIFY(buckets[1]["outlook"_L1].isNull());
+        QCOMPARE(json["schema"_L1].toInt(), 1);
+
+        bucket.outlook = u"close"_s;
+        QVERIFY(text().endsWith(u"  may run out"_s));
+        bucket.outlook = u"lasts"_s;
+        QVERIFY(text().contains(u"resets in"_s) && !text().contains(u"run"_s));
+        bucket.outlook = u"used-up"_s;
+        QVERIFY(text().contains(u"used up, full again in 2h 3m"_s));
+        QVERIFY(!text().contains(u"resets"_s));
+    }
 };
 
 QTEST_GUILESS_MAIN(CliRenderingTest)

@@ -25,6 +25,12 @@ QVariantMap toMap(const PublishedBucket &bucket)
         {u"tier"_s, tierName(bucket.tier)}};
     if (bucket.resetTime)
         map.insert(u"reset-time"_s, qlonglong{*bucket.resetTime});
+    if (!bucket.outlook.isEmpty())
+        map.insert(u"outlook"_s, bucket.outlook);
+    if (bucket.runOutTime)
+        map.insert(u"run-out-time"_s, qlonglong{*bucket.runOutTime});
+    if (bucket.runOutChance)
+        map.insert(u"run-out-chance"_s, *bucket.runOutChance);
     return map;
 }
 
@@ -108,7 +114,12 @@ PublishedBucket toBucket(const QVariantMap &map)
         .fraction = numberIn(map, u"fraction"_s),
         .percentage = std::clamp(numberIn(map, u"percentage"_s), 0.0, 100.0),
         .tier = tierIn(map),
-        .resetTime = timeIn(map, u"reset-time"_s)};
+        .resetTime = timeIn(map, u"reset-time"_s),
+        .outlook = nameIn(map, u"outlook"_s),
+        .runOutTime = timeIn(map, u"run-out-time"_s),
+        .runOutChance = map.contains(u"run-out-chance"_s)
+            ? std::optional(std::clamp(numberIn(map, u"run-out-chance"_s), 0.0, 1.0))
+            : std::nullopt};
 }
 
 } // namespace

@@ -1,0 +1,283 @@
+#include "forecast/history.h"
+
+#include "core/read_file.h"
+#include "core/replace_file.h"
+#include "forecast/csv.h"
+
+#include <QByteArrayView>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMap>
+#include <QRegularExpression>
+#include <QSet>
+#include <QStringList>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace brimwatch::forecast {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+using std::chrono::sys_seconds;
+
+namespace {
+
+constexpr auto header = "time,bucket,left,reset\n";
+/// A month has less than half a megabyte; whoever fills it with lines makes us read no more.
+constexpr qint64 largestMonth = 64LL * 1024 * 1024;
+constexpr qint64 largestKept = 4LL * 1024 * 1024;
+constexpr qsizetype longestLine = 512;
+
+std::optional<HistoryRow> rowOf(QByteArrayView line)
+{
+    constexpr qsizetype columns = 4;
+    if (line.size() > longestLine)
+        return std::nullopt;
+    const auto fields = csvFields(line);
+    if (!fields || fields->size() != columns)
+        return std::nullopt;
+    const auto time = csvTime(fields->at(0));
+    const auto left = csvNumber(fields->at(2));
+    const auto reset = csvTime(fields->at(3));
+    if (!time || !left || *left < 0 || *left > 1 || (!reset && !fields->at(3).isEmpty()))
+        return std::nullopt;
+    const auto bucket = QString::fromUtf8(fields->at(1));
+    if (bucket.size() > History::longestBucketId)
+        return std::nullopt;
+    return HistoryRow{.time = *time, .bucket = bucket, .left = *left, .reset = reset};
+}
+
+QByteArray lineOf(const HistoryRow &row)
+{
+    constexpr int digits = 6;
+    const auto number = [](sys_seconds time) {
+        return QByteArray::number(qlonglong{time.time_since_epoch().count()});
+    };
+    return number(row.time) + ',' + csvField(row.bucket.toUtf8()) + ','
+        + QByteArray::number(row.left, 'g', digits) + ','
+        + (row.reset ? number(*row.reset) : QByteArray()) + '\n';
+}
+
+/// Calls `visit(line)` for each line that was written to its end.
+template <typename VisitLine> void visitLines(const QByteArray &content, VisitLine visit)
+{
+    qsizetype at = 0;
+    for (auto end = content.indexOf('\n'); end >= 0; end = content.indexOf('\n', at)) {
+        auto line = QByteArrayView(content).sliced(at, end - at);
+        if (line.endsWith('\r'))
+            line.chop(1);
+        visit(line);
+        at = end + 1;
+    }
+}
+
+QString monthOf(sys_seconds time)
+{
+    return QDateTime::fromSecsSinceEpoch(time.time_since_epoch().count(), Qt::UTC)
+        .toString(u"yyyy-MM"_s);
+}
+
+QString systemError()
+{
+    return QString::fromLocal8Bit(std::strerror(errno)); // NOLINT(concurrency-mt-unsafe)
+}
+
+/// Appends with one write, so that what another program of the user appends stays whole too.
+Result<void, QString> appendTo(const QString &path, const QByteArray &lines)
+{
+    const auto name = QFile::encodeName(path);
+    constexpr int mode = S_IRUSR | S_IWUSR;
+    const int file = ::open(name.constData(),
+        O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW, mode);
+    if (file < 0)
+        return fail(systemError());
+    Result<void, QString> result;
+    struct stat status = {};
+    if (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
+        result = fail(u"it is no regular file"_s);
+    } else {
+        QByteArray text = status.st_size == 0 ? QByteArray(header) + lines : lines;
+        // A line that was torn before must not take the next one along.
+        char last = '\n';
+        const int reader = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+        if (reader >= 0) {
+            if (status.st_size > 0 && ::pread(reader, &last, 1, status.st_size - 1) == 1
+                && last != '\n')
+                text.prepend('\n');
+            ::close(reader);
+        }
+        const auto written = ::write(file, text.constData(), static_cast<std::size_t>(text.size()));
+        if (written < 0)
+            result = fail(systemError());
+        else if (written < text.size())
+            result = fail(u"the disk is full"_s);
+    }
+    ::close(file);
+    return result;
+}
+
+/// The rows of a file, with those before `limit` thinned to the one with least left of each hour.
+/// Absent when nothing goes.
+std::optional<QByteArray> thinned(const QByteArray &content, sys_seconds limit)
+{
+    std::vector<HistoryRow> rows;
+    visitLines(content, [&rows](QByteArrayView line) {
+        if (auto row = rowOf(line))
+            rows.push_back(*std::move(row));
+    });
+    std::map<std::pair<QString, std::int64_t>, std::size_t> lowest;
+    std::vector<bool> goes(rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (rows[i].time >= limit)
+            continue;
+        const auto hour = rows[i].time.time_since_epoch() / 1h;
+        const auto [found, isNew] = lowest.try_emplace({rows[i].bucket, hour}, i);
+        if (isNew)
+            continue;
+        const bool isLower = rows[i].left <= rows[found->second].left;
+        goes[isLower ? found->second : i] = true;
+        if (isLower)
+            found->second = i;
+    }
+    if (std::find(goes.begin(), goes.end(), true) == goes.end())
+        return std::nullopt;
+    QByteArray text = header;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (!goes[i])
+            text += lineOf(rows[i]);
+    }
+    return text;
+}
+
+} // namespace
+
+QString historyFolder()
+{
+#ifdef Q_OS_MACOS
+    return QDir::homePath() + u"/Library/Application Support/Brimwatch/history"_s;
+#else
+    QString state = qEnvironmentVariable("XDG_STATE_HOME");
+    // The base directory specification has paths that are not absolute ignored.
+    if (!QDir::isAbsolutePath(state))
+        state = QDir::homePath() + u"/.local/state"_s;
+    return state + u"/brimwatch/history"_s;
+#endif
+}
+
+History::History(QString folder)
+    : m_folder(std::move(folder))
+{
+}
+
+/// The paths of the files, the oldest first.
+QStringList History::months() const
+{
+    static const QRegularExpression isMonth(u"^\\d{4}-\\d{2}\\.csv$"_s);
+    QStringList paths;
+    const auto names = QDir(m_folder).entryList(QDir::Files, QDir::Name);
+    for (const auto &name : names) {
+        if (isMonth.match(name).hasMatch())
+            paths.append(m_folder + u'/' + name);
+    }
+    return paths;
+}
+
+QString History::keptFile() const
+{
+    return m_folder + u"/forecasts.json"_s;
+}
+
+void History::read(const Visit &visit) const
+{
+    const auto paths = months();
+    for (const auto &path : paths) {
+        const auto content = readFile(path, largestMonth);
+        if (!content)
+            continue;
+        visitLines(*content, [&visit](QByteArrayView line) {
+            if (const auto row = rowOf(line))
+                visit(*row);
+        });
+    }
+}
+
+Result<void, QString> History::append(const QList<HistoryRow> &rows)
+{
+    if (!QDir().mkpath(m_folder))
+        return fail(u"the folder cannot be made"_s);
+    QMap<QString, QByteArray> lines;
+    for (const auto &row : rows)
+        lines[monthOf(row.time)] += lineOf(row);
+    for (auto month = lines.cbegin(); month != lines.cend(); ++month) {
+        if (auto done = appendTo(m_folder + u'/' + month.key() + u".csv", month.value()); !done)
+            return done;
+    }
+    return {};
+}
+
+Result<void, QString> History::thin(sys_seconds now)
+{
+    const sys_seconds limit = now - keptInFull;
+    const auto paths = months();
+    for (const auto &path : paths) {
+        // By the name, so that months that are kept in full are not read.
+        if (QFileInfo(path).completeBaseName() > monthOf(limit))
+            break;
+        const auto content = readFile(path, largestMonth);
+        if (!content)
+            continue;
+        const auto text = thinned(*content, limit);
+        if (!text)
+            continue;
+        if (auto done = replaceFile(path, *text); !done)
+            return done;
+    }
+    return {};
+}
+
+QByteArray History::kept() const
+{
+    return readFile(keptFile(), largestKept).value_or(QByteArray());
+}
+
+Result<void, QString> History::keep(const QByteArray &content)
+{
+    if (!QDir().mkpath(m_folder))
+        return fail(u"the folder cannot be made"_s);
+    auto done = replaceFile(keptFile(), content);
+    if (done)
+        QFile::setPermissions(keptFile(), QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    return done;
+}
+
+bool History::isEmpty() const
+{
+    return months().isEmpty();
+}
+
+Result<void, QString> History::clear()
+{
+    auto paths = months();
+    if (QFileInfo::exists(keptFile()))
+        paths.append(keptFile());
+    for (const auto &path : std::as_const(paths)) {
+        QFile file(path);
+        if (!file.remove())
+            return fail(QString(path + ": "_L1 + file.errorString()));
+    }
+    QDir().rmdir(m_folder);
+    return {};
+}
+
+} // namespace brimwatch::forecast

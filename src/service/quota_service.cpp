@@ -158,7 +158,8 @@ forecast::Outlook QuotaService::outlook(const model::QuotaBucket &bucket) const
         return {};
     constexpr double intervals = 3;
     const double age = static_cast<double>(m_lastUpdated->msecsTo(m_clock.now())) / 1000.0;
-    const bool isOld = age > intervals * std::max(refreshInterval(), settings::shortestRefreshInterval);
+    const bool isOld
+        = age > intervals * std::max(refreshInterval(), settings::shortestRefreshInterval);
     return isOld ? forecast::Outlook() : m_forecasts->outlook(bucket.bucketId);
 }
 

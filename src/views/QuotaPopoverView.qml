@@ -12,22 +12,21 @@ Item {
     // From 0, the dashboard, to 1, the settings.
     property real turn: model.showingSettings ? 1 : 0
 
-    function showSettings() {
+    // A face that is turned to by keyboard shows where the focus is.
+    function showSettings(byKeyboard: bool) {
         if (root.model.showingSettings)
             return;
         bubble.dismiss();
-        // Read before the dashboard is disabled, which takes the focus from it.
-        settings.takeFocus = dashboard.activeFocus;
         root.model.showingSettings = true;
-        settings.show();
-        if (!settings.takeFocus)
+        if (!byKeyboard)
             root.forceActiveFocus(Qt.PopupFocusReason);
+        settings.show(byKeyboard);
     }
 
-    function showDashboard() {
+    function showDashboard(byKeyboard: bool) {
         if (!root.model.showingSettings)
             return;
-        const byKeyboard = settings.activeFocus;
+        bubble.dismiss();
         root.model.showingSettings = false;
         if (byKeyboard)
             dashboard.takeFocus();
@@ -37,20 +36,20 @@ Item {
 
     focus: true
 
-    Keys.onPressed: event => {
-        if (event.key === Qt.Key_Escape && root.model.showingSettings) {
-            root.showDashboard();
-            event.accepted = true;
-        } else if (root.model.showingSettings) {
-            settings.handleScrollKey(event);
-        } else {
-            dashboard.handleScrollKey(event);
-        }
-    }
-
     Connections {
         function onSettingsRequested() {
-            root.showSettings();
+            root.showSettings(dashboard.activeFocus);
+        }
+
+        function onDashboardRequested() {
+            root.showDashboard(settings.activeFocus);
+        }
+
+        function onScrollRequested(step) {
+            if (!root.model.showingSettings)
+                dashboard.scroll(step);
+            else if (settings.item)
+                (settings.item as SettingsView).scroll(step);
         }
 
         target: root.model
@@ -100,6 +99,7 @@ Item {
             enabled: !root.model.showingSettings
             model: root.model
             toolTip: bubble
+            onSettingsClicked: byKeyboard => root.showSettings(byKeyboard)
         }
 
         // Created each time the settings are shown, and by its file, so that the first click does not load it.
@@ -108,14 +108,13 @@ Item {
 
             property bool takeFocus: false
 
-            function show() {
+            function show(byKeyboard: bool) {
+                takeFocus = byKeyboard;
+                // It is still there when the user turns back before it has slid out.
                 if (status !== Loader.Ready)
                     setSource("SettingsView.qml", {"model": root.settingsModel, "popover": root.model});
-            }
-
-            function handleScrollKey(event: KeyEvent) {
-                if (item)
-                    (item as SettingsView).handleScrollKey(event);
+                else if (takeFocus)
+                    (item as SettingsView).takeFocus();
             }
 
             objectName: "settingsFace"

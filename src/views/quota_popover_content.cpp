@@ -11,6 +11,7 @@
 #include <QQmlComponent>
 #include <QQuickItem>
 
+#include <optional>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -44,6 +45,27 @@ bool isCommand(const QKeyEvent &event, Qt::Key key)
     return event.key() == key && event.modifiers() == Qt::ControlModifier;
 }
 
+std::optional<PopoverModel::ScrollStep> scrollStep(int key)
+{
+    using Step = PopoverModel::ScrollStep;
+    switch (key) {
+    case Qt::Key_Up:
+        return Step::LineUp;
+    case Qt::Key_Down:
+        return Step::LineDown;
+    case Qt::Key_PageUp:
+        return Step::PageUp;
+    case Qt::Key_PageDown:
+        return Step::PageDown;
+    case Qt::Key_Home:
+        return Step::Start;
+    case Qt::Key_End:
+        return Step::End;
+    default:
+        return {};
+    }
+}
+
 } // namespace
 
 PopoverWindow::PopoverWindow(PopoverModel &model)
@@ -57,12 +79,19 @@ void PopoverWindow::keyPressEvent(QKeyEvent *event)
     if (event->isAccepted())
         return;
     event->accept();
-    if (isCommand(*event, Qt::Key_R))
+    if (const auto step = scrollStep(event->key()))
+        Q_EMIT m_model.scrollRequested(*step);
+    else if (event->isAutoRepeat())
+        // A key that is held acts once, except for scrolling.
+        return;
+    else if (isCommand(*event, Qt::Key_R))
         m_model.performRefresh();
     else if (isCommand(*event, Qt::Key_Comma))
         Q_EMIT m_model.settingsRequested();
     else if (isCommand(*event, Qt::Key_Q))
         m_model.quit();
+    else if (event->matches(QKeySequence::Cancel) && m_model.showingSettings())
+        Q_EMIT m_model.dashboardRequested();
     else if (event->matches(QKeySequence::Cancel))
         m_model.close();
     else
@@ -91,7 +120,8 @@ QuotaPopoverContent::QuotaPopoverContent(const PopoverDependencies &dependencies
           .diagnostics = dependencies.diagnostics,
           .opener = dependencies.opener,
           .pasteboard = dependencies.pasteboard,
-          .terminate = dependencies.terminate})
+          .terminate = dependencies.terminate,
+          .close = dependencies.close})
     , m_window(m_model)
 {
     // For screen readers; no desktop shows it.

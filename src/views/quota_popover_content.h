@@ -13,8 +13,8 @@
 
 namespace brimwatch::views {
 
-/// The popover's window. It handles the keys that no control accepts: refresh, settings, quit and
-/// close. A press on the shadow is a press outside of the popover and closes it.
+/// The popover's window. It handles all keys that no control accepts: refresh, settings, quit, back
+/// or close, and scrolling. A press on the shadow is a press outside of the popover and closes it.
 class PopoverWindow final : public QQuickWindow {
 public:
     explicit PopoverWindow(PopoverModel &model);

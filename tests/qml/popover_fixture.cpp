@@ -14,7 +14,7 @@ namespace {
 
 void collect(QQuickItem *item, const QString &name, QList<QQuickItem *> &found)
 {
-    if (!item->isVisible())
+    if (!item->isVisible() || item->opacity() == 0)
         return;
     if (item->objectName() == name)
         found.append(item);
@@ -147,6 +147,18 @@ QList<QQuickItem *> PopoverFixture::items(const QString &name) const
         return a->mapToScene(QPointF()).y() < b->mapToScene(QPointF()).y();
     });
     return found;
+}
+
+QQuickItem *PopoverFixture::existing(const QString &name) const
+{
+    QList<QQuickItem *> items{window().contentItem()};
+    while (!items.isEmpty()) {
+        QQuickItem *item = items.takeFirst();
+        if (item->objectName() == name)
+            return item;
+        items.append(item->childItems());
+    }
+    return nullptr;
 }
 
 QString PopoverFixture::text(const QString &name) const

@@ -39,9 +39,12 @@ public:
 
     QQuickWindow &window() const;
     views::PopoverModel &model() const;
-    /// The first visible item of that object name; null without one.
+    /// The first visible item of that object name, which is not wholly transparent either; null
+    /// without one.
     QQuickItem *item(const QString &name) const;
-    /// All of them, from top to bottom.
+    /// The first one that exists, shown or not; null without one.
+    QQuickItem *existing(const QString &name) const;
+    /// All that are shown, from top to bottom.
     QList<QQuickItem *> items(const QString &name) const;
     /// The property "text" of `item(name)`.
     QString text(const QString &name) const;

@@ -5,6 +5,8 @@
 #include <QList>
 #include <QUrl>
 
+#include <functional>
+
 namespace brimwatch::test {
 
 /// A desktop that opens nothing; the IDE is installed when the test says so.
@@ -15,11 +17,16 @@ public:
         started += installed ? 1 : 0;
         return installed;
     }
-    void openUrl(const QUrl &url) override { opened.append(url); }
+    void openUrl(const QUrl &url) override
+    {
+        aboutToOpen();
+        opened.append(url);
+    }
 
     bool installed = false;
     int started = 0; ///< How often the IDE was.
     QList<QUrl> opened;
+    std::function<void()> aboutToOpen = [] { }; ///< Before a URL is opened.
 };
 
 } // namespace brimwatch::test

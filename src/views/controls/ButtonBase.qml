@@ -15,15 +15,22 @@ FocusScope {
     // How far the background of a hovered button extends beyond it.
     property real margin: 0
     property real cornerRadius: 6
+    // Whether a click acts. A button that is not ready keeps the focus and a press, unlike one that is not enabled.
+    property bool ready: true
+    // Whether the last click was made with the focus here, and not with a pointer: then what follows takes the focus.
+    property bool byKeyboard: false
     readonly property bool hovered: area.containsMouse
     readonly property bool down: (area.pressed && area.containsMouse) || area.keyDown
     default property alias face: face.data
 
     signal clicked
 
-    function activate() {
+    function activate(byKeyboard: bool) {
         if (root.toolTip)
             root.toolTip.withdraw(root);
+        if (!root.ready)
+            return;
+        root.byKeyboard = byKeyboard;
         root.clicked();
     }
 
@@ -32,7 +39,7 @@ FocusScope {
     width: implicitWidth
     height: implicitHeight
     activeFocusOnTab: true
-    opacity: enabled ? 1 : 0.45
+    opacity: enabled && ready ? 1 : 0.45
 
     Accessible.role: Accessible.Button
     Accessible.name: text
@@ -44,11 +51,18 @@ FocusScope {
     Accessible.ignored: !visible
     Accessible.onPressAction: {
         if (root.enabled)
-            root.activate();
+            root.activate(root.activeFocus);
     }
 
-    Keys.onReturnPressed: root.activate()
-    Keys.onEnterPressed: root.activate()
+    // A key that is held acts once.
+    Keys.onReturnPressed: event => {
+        if (!event.isAutoRepeat)
+            root.activate(true);
+    }
+    Keys.onEnterPressed: event => {
+        if (!event.isAutoRepeat)
+            root.activate(true);
+    }
     // As on every desktop, Space presses the button and its release clicks it.
     Keys.onSpacePressed: event => {
         if (!event.isAutoRepeat)
@@ -59,7 +73,7 @@ FocusScope {
             return;
         area.keyDown = false;
         event.accepted = true;
-        root.activate();
+        root.activate(true);
     }
     onActiveFocusChanged: area.keyDown = false
 
@@ -68,7 +82,7 @@ FocusScope {
         anchors.margins: -root.margin
         radius: root.cornerRadius
         color: root.down ? Theme.pressed : Theme.hovered
-        visible: root.enabled && (root.down || root.hovered)
+        visible: root.enabled && root.ready && (root.down || root.hovered)
     }
 
     FocusRing {
@@ -91,7 +105,7 @@ FocusScope {
         anchors.fill: parent
         anchors.margins: -root.margin
         hoverEnabled: true
-        onClicked: root.activate()
+        onClicked: root.activate(false)
         onContainsMouseChanged: {
             if (!root.toolTip || root.toolTipText === "")
                 return;

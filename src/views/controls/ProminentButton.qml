@@ -20,7 +20,7 @@ ButtonBase {
             radius: 6
             color: "black"
             opacity: root.down ? 0.2 : 0.08
-            visible: root.enabled && (root.down || root.hovered)
+            visible: root.enabled && root.ready && (root.down || root.hovered)
         }
 
         SymbolImage {

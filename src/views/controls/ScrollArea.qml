@@ -1,20 +1,29 @@
 import QtQuick
 import Brimwatch
 
-// Scrollable content with an indicator. It takes part in the tab order if there is something to scroll.
+// Scrollable content with a scroll bar. It takes part in the tab order if there is something to scroll.
+//
+// Not Flickable: a mouse drags and flings its content, and a wheel that is turned fast scrolls farther than its notches say.
 Item {
     id: root
 
-    default property alias content: flickable.flickableData
-    property alias contentHeight: flickable.contentHeight
-    property alias contentY: flickable.contentY
+    default property alias content: holder.data
+    property real contentHeight: 0
+    property real contentY: 0
     readonly property real furthest: Math.max(0, contentHeight - height)
+    readonly property real line: 24
 
     // Where the view was left, which is returned to as soon as the content is that long; -1: nowhere.
     property real soughtPosition: -1
 
     function scrollTo(position: real) {
         root.contentY = Math.max(0, Math.min(position, root.furthest));
+    }
+
+    // The user scrolls: where the view was left no longer matters.
+    function moveTo(position: real) {
+        root.soughtPosition = -1;
+        root.scrollTo(position);
     }
 
     function returnToSought() {
@@ -26,7 +35,7 @@ Item {
     // Scrolls as little as needed to show all of an item of the content.
     function reveal(item: Item) {
         const margin = 8;
-        const top = item.mapToItem(flickable.contentItem, 0, 0).y - margin;
+        const top = item.mapToItem(holder, 0, 0).y - margin;
         const bottom = top + item.height + 2 * margin;
         if (top < root.contentY)
             root.scrollTo(top);
@@ -34,24 +43,27 @@ Item {
             root.scrollTo(bottom - root.height);
     }
 
-    function handleScrollKey(event: KeyEvent) {
-        const line = 40;
-        const page = root.height - line;
-        const steps = ({
-            [Qt.Key_Up]: root.contentY - line,
-            [Qt.Key_Down]: root.contentY + line,
-            [Qt.Key_PageUp]: root.contentY - page,
-            [Qt.Key_PageDown]: root.contentY + page,
-            [Qt.Key_Home]: 0,
-            [Qt.Key_End]: root.furthest
-        });
-        if (!(event.key in steps))
-            return;
-        root.scrollTo(steps[event.key]);
-        event.accepted = true;
+    // `step` is a PopoverModel.ScrollStep.
+    function scroll(step: int) {
+        const page = root.height - root.line;
+        switch (step) {
+        case PopoverModel.LineUp:
+            return root.moveTo(root.contentY - root.line);
+        case PopoverModel.LineDown:
+            return root.moveTo(root.contentY + root.line);
+        case PopoverModel.PageUp:
+            return root.moveTo(root.contentY - page);
+        case PopoverModel.PageDown:
+            return root.moveTo(root.contentY + page);
+        case PopoverModel.Start:
+            return root.moveTo(0);
+        case PopoverModel.End:
+            return root.moveTo(root.furthest);
+        }
     }
 
-    activeFocusOnTab: furthest > 0
+    // Qt wants what has the focus to be in the tab order.
+    activeFocusOnTab: furthest > 0 || activeFocus
 
     // Content that shrinks must not leave the position beyond its end.
     onFurthestChanged: {
@@ -65,22 +77,63 @@ Item {
             returnToSought();
     }
 
-    Flickable {
-        id: flickable
-
+    Item {
         anchors.fill: parent
-        contentWidth: width
-        boundsBehavior: Flickable.StopAtBounds
-        onMovementStarted: root.soughtPosition = -1
         clip: true
+
+        Item {
+            id: holder
+
+            // On whole pixels, or texts are blurred.
+            readonly property real pixels: Screen.devicePixelRatio * Theme.textScale
+
+            y: -Math.round(root.contentY * pixels) / pixels
+            width: root.width
+            height: root.contentHeight
+        }
     }
 
-    ScrollIndicator {
+    // Above the content, so that controls do not take the wheel or a finger that drags.
+    MouseArea {
+        anchors.fill: parent
+        acceptedButtons: Qt.NoButton
+        onWheel: wheel => {
+            // On X11 the number of pixels depends on the driver, so there the angle counts.
+            const inPixels = wheel.pixelDelta.y !== 0 && Qt.platform.pluginName !== "xcb";
+            const notch = 120;
+            root.moveTo(root.contentY - (inPixels ? wheel.pixelDelta.y / Theme.textScale
+                    : wheel.angleDelta.y / notch * 3 * root.line));
+        }
+    }
+
+    // Beside the MouseArea, which takes presses too once it has a handler.
+    Item {
+        anchors.fill: parent
+
+        DragHandler {
+            property real start: 0
+
+            target: null
+            acceptedDevices: PointerDevice.TouchScreen
+            xAxis.enabled: false
+            onActiveChanged: start = root.contentY
+            onCentroidChanged: {
+                if (active)
+                    root.moveTo(start - centroid.position.y + centroid.pressPosition.y);
+            }
+        }
+    }
+
+    ScrollBar {
         anchors.right: parent.right
         y: 2
         height: parent.height - 4
-        list: flickable
-        visible: part < 1
+        position: root.contentY
+        furthest: root.furthest
+        part: root.height / Math.max(1, root.contentHeight)
+        visible: root.furthest > 0
+        onMoved: position => root.moveTo(position)
+        onPaged: forward => root.scroll(forward ? PopoverModel.PageDown : PopoverModel.PageUp)
     }
 
     FocusRing {

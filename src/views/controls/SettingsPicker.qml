@@ -63,6 +63,10 @@ Item {
         Accessible.name: root.caption + " " + (box.displayText !== "" ? box.displayText : "nothing chosen")
         Accessible.onPressAction: box.popup.open()
 
+        // A key that is held acts once, except for the arrows.
+        Keys.onPressed: event => event.accepted = event.isAutoRepeat && [Qt.Key_Space, Qt.Key_Return, Qt.Key_Enter].includes(event.key)
+        Keys.onReleased: event => event.accepted = event.isAutoRepeat && event.key === Qt.Key_Space
+
         onActivated: index => {
             root.requested(index);
             box.currentIndex = Qt.binding(() => root.index);
@@ -142,12 +146,22 @@ Item {
 
         // Qt puts popups outside of the scaled item, so they have to scale themselves.
         popup: T.Popup {
+            id: list
+
             objectName: root.objectName + "List"
-            y: box.height + 2
+
+            // Whether it opens above the box, where there is more room than below.
+            property bool opensUp: false
+
+            // Qt would place it as if it were not scaled.
+            y: opensUp ? -height - 2 : box.height + 2
             width: box.width
             height: box.count * root.rowHeight + 8
             padding: 4
-            margins: 4
+            // The press that closes the list does nothing else.
+            modal: true
+            dim: false
+            closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
             scale: Theme.textScale
             transformOrigin: T.Popup.TopLeft
             // The box handles the keys of the list.
@@ -158,6 +172,9 @@ Item {
                 if (!box.activeFocus)
                     box.forceActiveFocus(Qt.PopupFocusReason);
                 root.takesKeyboard = false;
+                const above = box.mapToItem(null, 0, 0).y;
+                const below = box.Window.height - box.mapToItem(null, 0, box.height).y;
+                list.opensUp = below < (list.height + 6) * Theme.textScale && above > below;
             }
 
             background: Rectangle {
@@ -174,6 +191,7 @@ Item {
                 currentIndex: box.highlightedIndex
                 boundsBehavior: Flickable.StopAtBounds
                 keyNavigationEnabled: false
+                interactive: contentHeight > height
 
                 Accessible.role: Accessible.List
                 Accessible.name: root.caption

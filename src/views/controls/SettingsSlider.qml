@@ -22,6 +22,8 @@ T.Slider {
         root.value = Qt.binding(() => root.stored);
     }
 
+    Accessible.ignored: !visible
+
     implicitHeight: 20
     value: root.stored
     focusPolicy: Qt.TabFocus

@@ -26,6 +26,10 @@ T.Switch {
         root.checked = Qt.binding(() => root.on);
     }
 
+    // A key that is held acts once.
+    Keys.onPressed: event => event.accepted = event.isAutoRepeat && event.key === Qt.Key_Space
+    Keys.onReleased: event => event.accepted = event.isAutoRepeat && event.key === Qt.Key_Space
+
     // Qt would show the other state without emitting `toggled`.
     Accessible.onToggleAction: root.requested(!root.on)
     Accessible.onPressAction: root.requested(!root.on)

@@ -10,6 +10,7 @@ Rectangle {
     property Item target: null
     property string text: ""
 
+    // After a moment, shows the text beside the item.
     function offer(item: Item, text: string) {
         root.target = item;
         root.text = text;
@@ -46,6 +47,20 @@ Rectangle {
     border.width: 1
 
     onAllowedChanged: dismiss()
+    // It goes with what it belongs to.
+    onTargetChanged: {
+        if (!root.target)
+            root.dismiss();
+    }
+
+    Connections {
+        function onVisibleChanged() {
+            if (!root.target.visible)
+                root.dismiss();
+        }
+
+        target: root.target
+    }
 
     Accessible.role: Accessible.ToolTip
     Accessible.name: root.text

@@ -3,18 +3,21 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Brimwatch
 
-Item {
+ScrollArea {
     id: root
 
     required property PopoverModel model
 
     objectName: "loadingState"
+    contentHeight: Math.max(height, column.height + 24)
 
     Accessible.role: Accessible.ProgressBar
     Accessible.name: label.text
     Accessible.ignored: !visible
 
     Column {
+        id: column
+
         anchors.centerIn: parent
         spacing: 12
 
@@ -50,7 +53,7 @@ Item {
             Timer {
                 interval: 100
                 repeat: true
-                running: root.model.isShown
+                running: root.visible && root.model.isShown && !Theme.reducesMotion
                 onTriggered: wheel.rotation = (wheel.rotation + 45) % 360
             }
         }

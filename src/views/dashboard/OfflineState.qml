@@ -1,14 +1,19 @@
 import QtQuick
 import Brimwatch
 
-Item {
+ScrollArea {
     id: root
 
     required property PopoverModel model
+    // It may be there, transparent, behind the loading state.
+    readonly property bool shown: model.body === PopoverModel.Offline
 
     objectName: "offlineState"
+    contentHeight: Math.max(height, column.height + 24)
 
     Column {
+        id: column
+
         anchors.centerIn: parent
         width: parent.width
         spacing: 14
@@ -25,6 +30,8 @@ Item {
             text: "Antigravity Daemon Offline"
             font.pixelSize: 14
             font.weight: Font.Bold
+
+            Accessible.ignored: !visible || !root.shown
         }
 
         AccessibleLabel {
@@ -35,6 +42,8 @@ Item {
             font.pixelSize: 11
             wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignHCenter
+
+            Accessible.ignored: !visible || !root.shown
         }
 
         AccessibleLabel {
@@ -45,14 +54,19 @@ Item {
             font.pixelSize: 11
             wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignHCenter
+
+            Accessible.ignored: !visible || !root.shown
         }
 
         ProminentButton {
             objectName: "retryButton"
             anchors.horizontalCenter: parent.horizontalCenter
             text: "Retry Connection"
-            enabled: !root.model.isRefreshing
+            activeFocusOnTab: root.shown || activeFocus
+            ready: !root.model.isRefreshing
             onClicked: root.model.performRefresh()
+
+            Accessible.ignored: !visible || !root.shown
         }
     }
 }

@@ -8,21 +8,29 @@ FocusScope {
     required property PopoverModel model
     required property ToolTipBubble toolTip
 
+    signal settingsClicked(byKeyboard: bool)
+
     // Focuses the button that opened the settings, when they were left by the keyboard.
     function takeFocus() {
         gear.forceActiveFocus(Qt.TabFocusReason);
     }
 
-    function handleScrollKey(event: KeyEvent) {
+    // `step` is a PopoverModel.ScrollStep.
+    function scroll(step: int) {
         if (list.visible)
-            list.handleScrollKey(event);
+            list.scroll(step);
+        else if (offline.shown && offline.item)
+            (offline.item as ScrollArea).scroll(step);
+        else if (loading.item)
+            (loading.item as ScrollArea).scroll(step);
     }
 
     Item {
         id: header
 
         width: parent.width
-        height: Math.max(28, titles.height) + 20
+        // A second line of the status takes its room from the padding, so that the body stays where it is.
+        height: Math.max(28, name.height + titles.spacing + status.lineHeight) + 20
 
         BrimwatchBadge {
             id: badge
@@ -40,6 +48,8 @@ FocusScope {
             spacing: 2
 
             AccessibleLabel {
+                id: name
+
                 text: "Brimwatch"
                 font.pixelSize: 14
                 font.weight: Font.Bold
@@ -49,6 +59,8 @@ FocusScope {
             }
 
             StatusLine {
+                id: status
+
                 width: parent.width
                 model: root.model
                 toolTip: root.toolTip
@@ -75,7 +87,7 @@ FocusScope {
             text: "Preferences"
             toolTip: root.toolTip
             toolTipText: text
-            onClicked: root.model.settingsRequested()
+            onClicked: root.settingsClicked(gear.byKeyboard)
 
             SymbolImage {
                 name: "gearshape"
@@ -109,21 +121,42 @@ FocusScope {
             visible: root.model.body === PopoverModel.Cards
         }
 
-        // Loading and offline states are created when they are shown, which is seldom.
+        // Loading and offline states are created when they are shown, which is seldom. While the loading state is shown in
+        // its place, the offline state stays, transparent: "Retry Connection" keeps the focus and a press.
         Loader {
-            readonly property string file: root.model.body === PopoverModel.Cards ? ""
-                : root.model.body === PopoverModel.Loading ? "LoadingState.qml" : "OfflineState.qml"
+            id: offline
 
-            function show() {
-                if (file === "")
+            readonly property bool shown: root.model.body === PopoverModel.Offline
+            readonly property bool needed: shown || (root.model.body === PopoverModel.Loading && item !== null)
+
+            function follow() {
+                if (!needed)
                     source = "";
-                else
-                    setSource(file, {"model": root.model});
+                else if (!item)
+                    setSource("OfflineState.qml", {"model": root.model});
             }
 
             anchors.fill: parent
-            onFileChanged: show()
-            Component.onCompleted: show()
+            opacity: shown ? 1 : 0
+            onNeededChanged: follow()
+            Component.onCompleted: follow()
+        }
+
+        Loader {
+            id: loading
+
+            readonly property bool shown: root.model.body === PopoverModel.Loading
+
+            function follow() {
+                if (shown)
+                    setSource("LoadingState.qml", {"model": root.model});
+                else
+                    source = "";
+            }
+
+            anchors.fill: parent
+            onShownChanged: follow()
+            Component.onCompleted: follow()
         }
     }
 

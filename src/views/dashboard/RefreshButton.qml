@@ -6,36 +6,52 @@ ButtonBase {
     id: root
 
     required property PopoverModel model
+    // Nothing moves that is not seen.
+    readonly property bool moves: root.visible && root.model.isShown && !Theme.reducesMotion
 
     text: "Refresh Quota"
     toolTipText: root.model.refreshToolTip
-    enabled: !root.model.isRefreshing
+    // Not `enabled`: the focus would leave the button with each refresh.
+    ready: !root.model.isRefreshing
     opacity: 1
     margin: 5
 
-    // Qt 6.4 does not report to screen readers that a control is disabled.
-    Accessible.description: root.model.isRefreshing ? "Refreshing" : root.toolTipText
-
     onClicked: root.model.performRefresh()
+    onMovesChanged: {
+        if (!root.moves)
+            turning.complete();
+    }
+
+    Connections {
+        function onRotationDegreesChanged() {
+            if (root.moves)
+                turning.restart();
+            else
+                icon.rotation = root.model.spin.rotationDegrees;
+        }
+
+        target: root.model.spin
+    }
 
     SymbolImage {
+        id: icon
+
         objectName: "refreshIcon"
         name: "arrow.clockwise"
         pointSize: 13
         weight: SymbolImage.Weight.Semibold
         color: Theme.label
         // Without animations a pale icon shows that a refresh runs.
-        opacity: root.enabled || (root.model.spin.isSpinning && !Theme.reducesMotion) ? 1 : 0.45
-        rotation: root.model.spin.rotationDegrees
+        opacity: root.ready || (root.model.spin.isSpinning && !Theme.reducesMotion) ? 1 : 0.45
 
-        Behavior on rotation {
-            enabled: root.model.isShown && !Theme.reducesMotion
+        NumberAnimation on rotation {
+            id: turning
 
-            NumberAnimation {
-                duration: root.model.spin.turnDuration
-                easing.type: root.model.spin.easesInOut ? Easing.BezierSpline : Easing.Linear
-                easing.bezierCurve: [0.42, 0, 0.58, 1, 1, 1]
-            }
+            running: false
+            to: root.model.spin.rotationDegrees
+            duration: root.model.spin.turnDuration
+            easing.type: root.model.spin.easesInOut ? Easing.BezierSpline : Easing.Linear
+            easing.bezierCurve: [0.42, 0, 0.58, 1, 1, 1]
         }
     }
 }

@@ -8,6 +8,9 @@ Item {
     required property PopoverModel model
     required property ToolTipBubble toolTip
 
+    // Of one line of text.
+    readonly property real lineHeight: label.height / Math.max(1, label.lineCount)
+
     implicitHeight: label.height
 
     Accessible.role: Accessible.StaticText

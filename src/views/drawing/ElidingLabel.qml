@@ -9,13 +9,18 @@ Label {
 
     elide: Text.ElideRight
 
+    onTruncatedChanged: hover.follow()
+    onTextChanged: hover.follow()
+
     HoverHandler {
-        enabled: root.truncated
-        onHoveredChanged: {
-            if (hovered)
+        id: hover
+
+        function follow() {
+            root.toolTip.withdraw(root);
+            if (hovered && root.truncated)
                 root.toolTip.offer(root, root.text);
-            else
-                root.toolTip.withdraw(root);
         }
+
+        onHoveredChanged: follow()
     }
 }

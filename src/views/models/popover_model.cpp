@@ -209,13 +209,18 @@ void PopoverModel::performRefresh()
 
 void PopoverModel::openAntigravity()
 {
-    if (m_dependencies.opener.openAntigravity())
+    if (m_dependencies.opener.openAntigravity()) {
+        // Before the new window can be there.
+        close();
         return;
+    }
     const auto &daemon = m_service.activeDaemon();
     if (!daemon || !daemon->httpPort)
         return;
-    if (const QUrl page = daemonPage(*daemon->httpPort); page.isValid())
+    if (const QUrl page = daemonPage(*daemon->httpPort); page.isValid()) {
+        close();
         m_dependencies.opener.openUrl(page);
+    }
 }
 
 void PopoverModel::quit() const

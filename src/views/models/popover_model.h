@@ -47,6 +47,8 @@ class PopoverModel final : public QObject {
 public:
     enum class Body { Cards, Loading, Offline };
     Q_ENUM(Body)
+    enum class ScrollStep { LineUp, LineDown, PageUp, PageDown, Start, End };
+    Q_ENUM(ScrollStep)
 
     /// How many cards, and rows in all of them together, are shown; the rest is only counted. No
     /// working daemon has that many, and a broken one must not make the popover slow.
@@ -92,8 +94,8 @@ public:
     /// Refreshes and spins, unless a refresh or a spin is running.
     Q_INVOKABLE void performRefresh();
     void triggerSpinAnimation() { m_spin.trigger(); }
-    /// Opens the IDE; where none is installed, the daemon's own page. Without either nothing
-    /// happens.
+    /// Opens the IDE; where none is installed, the daemon's own page; and closes the popover, which
+    /// has the keyboard. Without either nothing happens.
     Q_INVOKABLE void openAntigravity();
     Q_INVOKABLE void quit() const;
     void close() const;
@@ -111,6 +113,10 @@ Q_SIGNALS:
     void showingSettingsChanged();
     /// The view has to show the settings.
     void settingsRequested();
+    /// The view has to show the dashboard.
+    void dashboardRequested();
+    /// The view has to scroll what it shows.
+    void scrollRequested(brimwatch::views::PopoverModel::ScrollStep step);
 
 private:
     void watchTime();

@@ -165,11 +165,13 @@ QString SettingsModel::appVersion() const
 
 void SettingsModel::openLoginSettings()
 {
+    close();
     m_dependencies.launchAtLogin.openSystemSettings();
 }
 
 void SettingsModel::openDaemonFolder()
 {
+    close();
     m_dependencies.opener.openUrl(m_dependencies.diagnostics.daemonFolderUrl());
 }
 
@@ -180,8 +182,16 @@ void SettingsModel::copyDiagnostics()
 
 void SettingsModel::sendSupportEmail()
 {
-    if (const QUrl mail = m_dependencies.diagnostics.supportMailUrl(); mail.isValid())
+    if (const QUrl mail = m_dependencies.diagnostics.supportMailUrl(); mail.isValid()) {
+        close();
         m_dependencies.opener.openUrl(mail);
+    }
+}
+
+void SettingsModel::close() const
+{
+    if (m_dependencies.close)
+        m_dependencies.close();
 }
 
 void SettingsModel::quit() const

@@ -51,6 +51,8 @@ public:
         platform::Opener &opener;
         platform::Pasteboard &pasteboard;
         std::function<void()> terminate;
+        /// Closes the popover.
+        std::function<void()> close;
     };
 
     explicit SettingsModel(Dependencies dependencies, QObject *parent = nullptr);
@@ -82,6 +84,7 @@ public:
     QString lastUpdate() const;
     QString appVersion() const;
 
+    // What opens another program closes the popover first, which has the keyboard.
     Q_INVOKABLE void openLoginSettings();
     Q_INVOKABLE void openDaemonFolder();
     Q_INVOKABLE void copyDiagnostics();
@@ -97,6 +100,8 @@ Q_SIGNALS:
     void lastUpdateChanged();
 
 private:
+    void close() const;
+
     Dependencies m_dependencies;
 };
 

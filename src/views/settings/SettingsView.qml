@@ -13,18 +13,19 @@ Item {
     // The control with the keyboard focus, which has to be visible.
     readonly property Item focused: Window.activeFocusItem
 
-    signal back
+    signal back(byKeyboard: bool)
 
     onFocusedChanged: {
         let ancestor = focused;
         while (ancestor && ancestor !== sections)
             ancestor = ancestor.parent;
         if (ancestor)
-            scroll.reveal(focused);
+            list.reveal(focused);
     }
 
-    function handleScrollKey(event: KeyEvent) {
-        scroll.handleScrollKey(event);
+    // `step` is a PopoverModel.ScrollStep.
+    function scroll(step: int) {
+        list.scroll(step);
     }
 
     // Focuses the first control.
@@ -46,7 +47,7 @@ Item {
             x: 14
             margin: 4
             text: "Dashboard"
-            onClicked: root.back()
+            onClicked: root.back(backButton.byKeyboard)
 
             Row {
                 spacing: 4
@@ -88,7 +89,7 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             x: parent.width - 14 - width
             text: "Done"
-            onClicked: root.back()
+            onClicked: root.back(done.byKeyboard)
         }
     }
 
@@ -99,7 +100,7 @@ Item {
     }
 
     ScrollArea {
-        id: scroll
+        id: list
 
         objectName: "settingsList"
         y: headerLine.y + 1
@@ -115,7 +116,7 @@ Item {
 
             x: 14
             y: 14
-            width: scroll.width - 28
+            width: list.width - 28
             spacing: 14
 
             GeneralSection {
@@ -125,13 +126,13 @@ Item {
             LabelSection {
                 model: root.model
                 mayOpen: root.mayOpen
-                scrollPosition: scroll.contentY
+                scrollPosition: list.contentY
             }
 
             AutoRefreshSection {
                 model: root.model
                 mayOpen: root.mayOpen
-                scrollPosition: scroll.contentY
+                scrollPosition: list.contentY
             }
 
             NotificationsSection {

@@ -82,8 +82,8 @@ private Q_SLOTS:
     {
         // Within one turn of the event loop, in which no time passes for what moves.
         m_fixture->content->showSettings();
-        QVERIFY(m_fixture->item(u"settingsFace"_s) != nullptr);
-        const QQuickItem *face = m_fixture->item(u"settingsFace"_s);
+        const auto *face = m_fixture->existing(u"settingsFace"_s);
+        QVERIFY(face != nullptr);
         QVERIFY(face->x() > 0);
         QVERIFY(face->opacity() < 1);
         QVERIFY(m_fixture->item(u"groupList"_s) != nullptr);

@@ -81,7 +81,7 @@ Item {
         clip: Theme.cornerRadius > 0
 
         // Without round corners the window's own color is the background.
-        Rectangle {
+        RoundedRectangle {
             anchors.fill: parent
             radius: Theme.cornerRadius
             color: Theme.background
@@ -131,12 +131,12 @@ Item {
             }
         }
 
-        Rectangle {
+        RoundedRectangle {
             anchors.fill: parent
             radius: Theme.cornerRadius
             color: "transparent"
-            border.color: Theme.frame
-            border.width: 1
+            outlineColor: Theme.frame
+            outlineWidth: 1
         }
 
         ToolTipBubble {

@@ -77,7 +77,7 @@ FocusScope {
     }
     onActiveFocusChanged: area.keyDown = false
 
-    Rectangle {
+    RoundedRectangle {
         anchors.fill: parent
         anchors.margins: -root.margin
         radius: root.cornerRadius

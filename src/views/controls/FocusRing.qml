@@ -2,7 +2,7 @@ import QtQuick
 import Brimwatch
 
 // The ring around the control with the keyboard focus, its parent, which binds `visible` to that.
-Rectangle {
+RoundedRectangle {
     // How far outside of the control it is drawn; negative for inside.
     property real margin: 2
 
@@ -10,6 +10,6 @@ Rectangle {
     anchors.fill: parent
     anchors.margins: -margin
     color: "transparent"
-    border.color: Theme.accent
-    border.width: 2
+    outlineColor: Theme.accent
+    outlineWidth: 2
 }

@@ -9,13 +9,13 @@ ButtonBase {
 
     margin: 2
 
-    Rectangle {
+    RoundedRectangle {
         width: label.x + label.width + 12
         height: label.height + 8
         radius: 6
         color: Theme.accent
 
-        Rectangle {
+        RoundedRectangle {
             anchors.fill: parent
             radius: 6
             color: "black"

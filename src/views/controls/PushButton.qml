@@ -7,13 +7,13 @@ ButtonBase {
 
     cornerRadius: 5
 
-    Rectangle {
+    RoundedRectangle {
         width: label.width + 16
         height: label.height + 8
         radius: 5
         color: root.down ? Theme.pressed : root.hovered ? Theme.hovered : Theme.controlBackground
-        border.color: Theme.controlOutline
-        border.width: 1
+        outlineColor: Theme.controlOutline
+        outlineWidth: 1
 
         Label {
             id: label

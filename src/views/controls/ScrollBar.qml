@@ -31,7 +31,7 @@ Item {
         interval: 800
     }
 
-    Rectangle {
+    RoundedRectangle {
         id: thumb
 
         objectName: "scrollThumb"

@@ -72,11 +72,11 @@ Item {
             box.currentIndex = Qt.binding(() => root.index);
         }
 
-        background: Rectangle {
+        background: RoundedRectangle {
             radius: 5
             color: box.down || box.popup.visible ? Theme.pressed : box.hovered ? Theme.hovered : Theme.controlBackground
-            border.color: Theme.controlOutline
-            border.width: 1
+            outlineColor: Theme.controlOutline
+            outlineWidth: 1
 
             FocusRing {
                 radius: 7
@@ -126,7 +126,7 @@ Item {
                 root.requested(option.index);
             }
 
-            background: Rectangle {
+            background: RoundedRectangle {
                 radius: 4
                 color: option.highlighted ? Theme.accent : "transparent"
             }
@@ -177,11 +177,11 @@ Item {
                 list.opensUp = below < (list.height + 6) * Theme.textScale && above > below;
             }
 
-            background: Rectangle {
+            background: RoundedRectangle {
                 radius: 6
                 color: Theme.background
-                border.color: Theme.frame
-                border.width: 1
+                outlineColor: Theme.frame
+                outlineWidth: 1
             }
 
             contentItem: ListView {

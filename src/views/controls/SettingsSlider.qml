@@ -37,7 +37,7 @@ T.Slider {
     }
     Component.onCompleted: complete = true
 
-    background: Rectangle {
+    background: RoundedRectangle {
         x: 7
         y: (root.height - height) / 2
         width: root.width - 14
@@ -45,7 +45,7 @@ T.Slider {
         radius: 2
         color: Theme.track
 
-        Rectangle {
+        RoundedRectangle {
             width: root.visualPosition * parent.width
             height: parent.height
             radius: 2
@@ -53,15 +53,15 @@ T.Slider {
         }
     }
 
-    handle: Rectangle {
+    handle: RoundedRectangle {
         x: root.visualPosition * (root.width - width)
         y: (root.height - height) / 2
         width: 14
         height: 14
         radius: 7
         color: Theme.accent
-        border.color: Theme.cardBackground
-        border.width: root.pressed ? 3 : 2
+        outlineColor: Theme.cardBackground
+        outlineWidth: root.pressed ? 3 : 2
 
         FocusRing {
             radius: 9

@@ -41,25 +41,25 @@ T.Switch {
         font.pixelSize: 12
     }
 
-    indicator: Rectangle {
+    indicator: RoundedRectangle {
         x: root.width - width
         y: (root.height - height) / 2
         width: root.trackWidth
         height: root.trackHeight
         radius: height / 2
         color: root.checked ? Theme.accent : Theme.track
-        border.color: root.checked ? "transparent" : Theme.controlOutline
-        border.width: 1
+        outlineColor: root.checked ? "transparent" : Theme.controlOutline
+        outlineWidth: 1
 
-        Rectangle {
+        RoundedRectangle {
             x: 2 + root.visualPosition * (root.trackWidth - width - 4)
             y: 2
             width: 13
             height: 13
             radius: 6.5
             color: root.checked ? "white" : Theme.secondaryLabel
-            border.color: "#40000000"
-            border.width: root.checked ? 1 : 0
+            outlineColor: "#40000000"
+            outlineWidth: root.checked ? 1 : 0
 
             Behavior on x {
                 enabled: !root.down && !Theme.reducesMotion

@@ -2,7 +2,7 @@ import QtQuick
 import Brimwatch
 
 // The popover's only tooltip, inside its scene: a separate window would close the popover on some desktops.
-Rectangle {
+RoundedRectangle {
     id: root
 
     // Whether the popover is shown; a pending tooltip is dropped when it closes.
@@ -43,8 +43,8 @@ Rectangle {
     height: label.height + 10
     radius: 6
     color: Theme.cardBackground
-    border.color: Theme.frame
-    border.width: 1
+    outlineColor: Theme.frame
+    outlineWidth: 1
 
     onAllowedChanged: dismiss()
     // It goes with what it belongs to.

@@ -14,7 +14,7 @@ Item {
         clip: Theme.cornerRadius > 0
 
         // Round at the bottom only: the upper corners are clipped.
-        Rectangle {
+        RoundedRectangle {
             y: -radius
             width: parent.width
             height: parent.height + radius

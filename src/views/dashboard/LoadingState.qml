@@ -32,7 +32,7 @@ ScrollArea {
             Repeater {
                 model: 8
 
-                Capsule {
+                RoundedRectangle {
                     id: spoke
 
                     required property int index
@@ -40,6 +40,7 @@ ScrollArea {
                     x: wheel.width / 2 - width / 2
                     width: 3
                     height: 8
+                    radius: height / 2
                     color: Theme.secondaryLabel
                     opacity: 0.2 + 0.8 * spoke.index / 7
                     transform: Rotation {

@@ -10,14 +10,15 @@ Item {
     implicitWidth: dot.width + 3 + label.width + 16
     implicitHeight: label.height + 6
 
-    Capsule {
+    RoundedRectangle {
         objectName: "pillBackground"
         anchors.fill: parent
+        radius: height / 2
         color: root.tint
         opacity: 0.12
     }
 
-    Capsule {
+    RoundedRectangle {
         id: dot
 
         objectName: "pillDot"
@@ -25,6 +26,7 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         width: 7
         height: 7
+        radius: height / 2
         color: root.tint
     }
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Brimwatch
 
-Rectangle {
+RoundedRectangle {
     id: root
 
     required property BucketEntry bucket
@@ -11,8 +11,8 @@ Rectangle {
     implicitHeight: bottomLine.y + bottomLine.height + 10
     radius: 10
     color: Theme.rowBackground
-    border.color: Theme.rowOutline
-    border.width: 1
+    outlineColor: Theme.rowOutline
+    outlineWidth: 1
 
     Accessible.role: Accessible.ListItem
     Accessible.name: root.bucket.accessibleName
@@ -60,7 +60,7 @@ Rectangle {
         tint: root.bucket.color
     }
 
-    Capsule {
+    RoundedRectangle {
         id: track
 
         objectName: "barTrack"
@@ -68,12 +68,14 @@ Rectangle {
         y: 10 + Math.max(names.height, pill.height) + 6
         width: root.width - 20
         height: 6
+        radius: height / 2
         color: Theme.track
 
-        Capsule {
+        RoundedRectangle {
             objectName: "barFill"
             width: parent.width * root.bucket.fill
             height: 6
+            radius: height / 2
             color: root.bucket.color
             opacity: 0.8
         }

@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Brimwatch
 
-Rectangle {
+RoundedRectangle {
     id: root
 
     required property GroupEntry group
@@ -13,8 +13,8 @@ Rectangle {
     implicitHeight: content.height + 24
     radius: 12
     color: Theme.cardBackground
-    border.color: Theme.cardOutline
-    border.width: 1
+    outlineColor: Theme.cardOutline
+    outlineWidth: 1
 
     Accessible.role: Accessible.List
     Accessible.name: root.group.displayName + ", " + root.group.countText
@@ -57,13 +57,14 @@ Rectangle {
                 maximumLineCount: 1
             }
 
-            Capsule {
+            RoundedRectangle {
                 id: count
 
                 anchors.verticalCenter: parent.verticalCenter
                 anchors.right: parent.right
                 width: countText.width + 12
                 height: countText.height + 4
+                radius: height / 2
                 color: Theme.countBackground
 
                 Label {

@@ -17,12 +17,13 @@ Item {
     Accessible.name: root.model.statusText
     Accessible.ignored: !visible
 
-    Capsule {
+    RoundedRectangle {
         objectName: "statusDot"
         // Centred on the first line.
         y: Math.round((metrics.height - height) / 2)
         width: 6
         height: 6
+        radius: height / 2
         color: root.model.statusColor
     }
 

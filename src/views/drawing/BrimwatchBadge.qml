@@ -1,9 +1,10 @@
 import QtQuick
 import Brimwatch
 
-Capsule {
+RoundedRectangle {
     width: 28
     height: 28
+    radius: height / 2
     color: Theme.badgeStart
     endColor: Theme.badgeEnd
 

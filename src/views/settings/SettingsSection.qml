@@ -37,13 +37,13 @@ Column {
         }
     }
 
-    Rectangle {
+    RoundedRectangle {
         width: parent.width
         height: rows.height + 16
         radius: 10
         color: Theme.cardBackground
-        border.color: Theme.cardOutline
-        border.width: 1
+        outlineColor: Theme.cardOutline
+        outlineWidth: 1
 
         Column {
             id: rows

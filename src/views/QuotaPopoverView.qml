@@ -59,6 +59,7 @@ Item {
         enabled: root.model.isShown && !Theme.reducesMotion
 
         NumberAnimation {
+            objectName: "turning"
             duration: 200
             easing.type: Easing.BezierSpline
             easing.bezierCurve: [0.42, 0, 0.58, 1, 1, 1]

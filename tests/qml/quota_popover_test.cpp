@@ -352,7 +352,7 @@ void QuotaPopoverTest::theStatusLineFollowsTheConnection()
         = [&fixture] { return fixture.item(u"statusDot"_s)->property("color").value<QColor>(); };
     const views::Theme theme(fixture.appearance, fixture.symbols);
     QCOMPARE(fixture.text(u"statusText"_s), u"Connecting..."_s);
-    QCOMPARE(dot(), theme.orange());
+    QCOMPARE(dot(), theme.orangeFill());
     fixture.answer(test::sampleSummary());
     QCOMPARE(fixture.text(u"statusText"_s), u"Connected (Port 42424)"_s);
     QCOMPARE(dot(), theme.color(model::ColorToken::SystemGreen));

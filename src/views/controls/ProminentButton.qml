@@ -13,7 +13,7 @@ ButtonBase {
         width: label.x + label.width + 12
         height: label.height + 8
         radius: 6
-        color: Theme.accent
+        color: Theme.accentFill
 
         RoundedRectangle {
             anchors.fill: parent

@@ -90,6 +90,8 @@ Item {
             verticalAlignment: Text.AlignVCenter
             text: box.displayText
             font.pixelSize: 11
+            fontSizeMode: Text.HorizontalFit
+            minimumPixelSize: 8
             elide: Text.ElideRight
         }
 
@@ -128,16 +130,30 @@ Item {
 
             background: RoundedRectangle {
                 radius: 4
-                color: option.highlighted ? Theme.accent : "transparent"
+                color: option.highlighted ? Theme.accentFill : "transparent"
             }
 
             contentItem: Item {
+                SymbolImage {
+                    objectName: "chosenMark"
+                    anchors.verticalCenter: parent.verticalCenter
+                    x: 5
+                    name: "checkmark"
+                    pointSize: 9
+                    weight: SymbolImage.Weight.Bold
+                    color: option.highlighted ? Theme.onAccent : Theme.label
+                    visible: option.index === root.index
+                }
+
                 Label {
                     anchors.verticalCenter: parent.verticalCenter
-                    x: 7
-                    width: parent.width - 10
+                    x: 20
+                    width: parent.width - x - 3
                     text: option.modelData
                     font.pixelSize: 11
+                    // The whole name is seen, also in a wide font.
+                    fontSizeMode: Text.HorizontalFit
+                    minimumPixelSize: 8
                     color: option.highlighted ? Theme.onAccent : Theme.label
                     elide: Text.ElideRight
                 }

@@ -57,9 +57,9 @@ T.Switch {
             width: 13
             height: 13
             radius: 6.5
-            color: root.checked ? "white" : Theme.secondaryLabel
+            color: "white"
             outlineColor: "#40000000"
-            outlineWidth: root.checked ? 1 : 0
+            outlineWidth: 1
 
             Behavior on x {
                 enabled: !root.down && !Theme.reducesMotion

@@ -15,6 +15,7 @@ Item {
 
         // Round at the bottom only: the upper corners are clipped.
         RoundedRectangle {
+            objectName: "footerBackground"
             y: -radius
             width: parent.width
             height: parent.height + radius

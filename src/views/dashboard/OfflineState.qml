@@ -22,7 +22,7 @@ ScrollArea {
             anchors.horizontalCenter: parent.horizontalCenter
             name: "exclamationmark.triangle.fill"
             pointSize: 36
-            color: Theme.orange
+            color: Theme.orangeFill
         }
 
         AccessibleLabel {

@@ -6,6 +6,8 @@ Item {
 
     required property string text
     required property color tint
+    // Of the shapes.
+    required property color fill
 
     implicitWidth: dot.width + 3 + label.width + 16
     implicitHeight: label.height + 6
@@ -14,7 +16,7 @@ Item {
         objectName: "pillBackground"
         anchors.fill: parent
         radius: height / 2
-        color: root.tint
+        color: root.fill
         opacity: 0.12
     }
 
@@ -27,7 +29,7 @@ Item {
         width: 7
         height: 7
         radius: height / 2
-        color: root.tint
+        color: root.fill
     }
 
     TabularText {

@@ -58,6 +58,7 @@ RoundedRectangle {
         y: 10 + Math.max(0, Math.round((names.height - height) / 2))
         text: root.bucket.percentageText
         tint: root.bucket.color
+        fill: root.bucket.fillColor
     }
 
     RoundedRectangle {
@@ -76,7 +77,7 @@ RoundedRectangle {
             width: parent.width * root.bucket.fill
             height: 6
             radius: height / 2
-            color: root.bucket.color
+            color: root.bucket.fillColor
             opacity: 0.8
         }
     }

@@ -37,6 +37,8 @@ RoundedRectangle {
                 id: icon
 
                 anchors.verticalCenter: parent.verticalCenter
+                // Names share one left edge, however wide their symbols are.
+                x: Math.round((18 - width) / 2)
                 name: root.group.iconName
                 pointSize: 13
                 weight: SymbolImage.Weight.Semibold
@@ -49,7 +51,7 @@ RoundedRectangle {
                 objectName: "groupName"
                 toolTip: root.toolTip
                 anchors.verticalCenter: parent.verticalCenter
-                x: icon.width + 8
+                x: 26
                 width: count.x - x - 8
                 text: root.group.displayName
                 font.pixelSize: 13
@@ -60,6 +62,7 @@ RoundedRectangle {
             RoundedRectangle {
                 id: count
 
+                objectName: "countBadge"
                 anchors.verticalCenter: parent.verticalCenter
                 anchors.right: parent.right
                 width: countText.width + 12

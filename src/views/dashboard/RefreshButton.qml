@@ -47,6 +47,7 @@ ButtonBase {
         NumberAnimation on rotation {
             id: turning
 
+            objectName: "refreshTurning"
             running: false
             to: root.model.spin.rotationDegrees
             duration: root.model.spin.turnDuration

@@ -2,6 +2,7 @@ import QtQuick
 import Brimwatch
 
 RoundedRectangle {
+    objectName: "badge"
     width: 28
     height: 28
     radius: height / 2

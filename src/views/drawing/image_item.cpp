@@ -6,6 +6,7 @@
 #include <QSGImageNode>
 #include <QSGTexture>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -29,7 +30,9 @@ QImage ImageItem::canvas(qreal scale) const
 void ImageItem::redraw()
 {
     m_stale = true;
-    update();
+    // What is not seen is drawn when it is.
+    if (isVisible())
+        update();
 }
 
 void ImageItem::componentComplete()
@@ -45,7 +48,8 @@ void ImageItem::componentComplete()
 
 void ImageItem::itemChange(ItemChange change, const ItemChangeData &data)
 {
-    if (change == ItemDevicePixelRatioHasChanged)
+    if (change == ItemDevicePixelRatioHasChanged
+        || (change == ItemVisibleHasChanged && data.boolValue && m_stale))
         redraw();
     QQuickItem::itemChange(change, data);
 }
@@ -65,7 +69,8 @@ QSGNode *ImageItem::updatePaintNode(QSGNode *node, UpdatePaintNodeData * /*data*
     delete node;
     if (m_theme == nullptr || width() <= 0 || height() <= 0)
         return nullptr;
-    const QImage image = draw(window()->effectiveDevicePixelRatio() * m_theme->textScale());
+    const QImage image
+        = draw(std::max(window()->effectiveDevicePixelRatio(), 1.0) * m_theme->textScale());
     if (image.isNull())
         return nullptr;
 

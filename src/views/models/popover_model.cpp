@@ -190,7 +190,7 @@ void PopoverModel::readTime()
 
 QColor PopoverModel::statusColor() const
 {
-    return m_dependencies.theme.color(m_statusColor);
+    return m_dependencies.theme.fill(m_statusColor);
 }
 
 QString PopoverModel::refreshToolTip() const

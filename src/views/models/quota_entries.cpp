@@ -88,6 +88,11 @@ QColor BucketEntry::color() const
     return m_theme.color(m_bucket.statusColor());
 }
 
+QColor BucketEntry::fillColor() const
+{
+    return m_theme.fill(m_bucket.statusColor());
+}
+
 GroupEntry::GroupEntry(const Theme &theme, QObject *parent)
     : QObject(parent)
     // A group is identified by its name, so that its rows can keep it.

@@ -28,6 +28,7 @@ class BucketEntry final : public QObject {
     Q_PROPERTY(QString percentageText READ percentageText NOTIFY changed FINAL)
     Q_PROPERTY(double fill READ fill NOTIFY changed FINAL)
     Q_PROPERTY(QColor color READ color NOTIFY colorChanged FINAL)
+    Q_PROPERTY(QColor fillColor READ fillColor NOTIFY colorChanged FINAL)
     Q_PROPERTY(QString resetLine READ resetLine NOTIFY resetLineChanged FINAL)
     Q_PROPERTY(QString timestampText READ timestampText NOTIFY timestampTextChanged FINAL)
     Q_PROPERTY(QString accessibleName READ accessibleName NOTIFY accessibleNameChanged FINAL)
@@ -50,6 +51,8 @@ public:
     double fill() const;
     /// The colour of the bucket's health.
     QColor color() const;
+    /// The same for shapes.
+    QColor fillColor() const;
     /// "Resets in 2h 3m"
     const QString &resetLine() const { return m_resetLine; }
     /// When it resets; empty when that is unknown.

@@ -10,6 +10,7 @@
 #include <QQmlEngine>
 #include <QVariant>
 
+#include <algorithm>
 #include <cmath>
 
 namespace brimwatch::views {
@@ -32,6 +33,11 @@ double luminance(const QColor &color)
     };
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF())
         + 0.0722 * linear(color.blueF());
+}
+
+double contrastOfWhite(const QColor &background)
+{
+    return 1.05 / (luminance(background) + 0.05);
 }
 
 } // namespace
@@ -74,11 +80,33 @@ QColor Theme::color(model::ColorToken token, double opacity) const
     return toColor(color);
 }
 
+QColor Theme::fill(model::ColorToken token) const
+{
+    QColor result = color(token);
+    if (token == model::ColorToken::SystemOrange) {
+        constexpr float bright = 0.95F;
+        result.setHsvF(result.hsvHueF(), result.hsvSaturationF(), std::max(result.valueF(), bright),
+            result.alphaF());
+    }
+    return result;
+}
+
+QColor Theme::accentFill() const
+{
+    constexpr double readable = 3.5;
+    constexpr int deepest = 125;
+    for (int percent = 100; percent <= deepest; ++percent) {
+        const QColor deeper = accent().darker(percent);
+        if (contrastOfWhite(deeper) >= readable)
+            return deeper;
+    }
+    return accent();
+}
+
 QColor Theme::onAccent() const
 {
     // White, unless its contrast is below 3 : 1, the minimum for controls in WCAG 2.
-    const double contrastOfWhite = 1.05 / (luminance(accent()) + 0.05);
-    return contrastOfWhite >= 3 ? color(model::ColorToken::White) : QColor(Qt::black);
+    return contrastOfWhite(accentFill()) >= 3 ? color(model::ColorToken::White) : QColor(Qt::black);
 }
 
 QColor Theme::background() const
@@ -105,7 +133,8 @@ bool Theme::reducesMotion() const
 
 double Theme::textScale() const
 {
-    return m_appearance.textScale();
+    // A smaller popover would cut off what it shows.
+    return std::max(m_appearance.textScale(), 1.0);
 }
 
 void Theme::setFloating(bool floating)

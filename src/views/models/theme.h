@@ -28,8 +28,10 @@ class Theme final : public QObject {
     Q_PROPERTY(QColor label READ label NOTIFY changed FINAL)
     Q_PROPERTY(QColor secondaryLabel READ secondaryLabel NOTIFY changed FINAL)
     Q_PROPERTY(QColor accent READ accent NOTIFY changed FINAL)
+    Q_PROPERTY(QColor accentFill READ accentFill NOTIFY changed FINAL)
     Q_PROPERTY(QColor onAccent READ onAccent NOTIFY changed FINAL)
     Q_PROPERTY(QColor orange READ orange NOTIFY changed FINAL)
+    Q_PROPERTY(QColor orangeFill READ orangeFill NOTIFY changed FINAL)
     Q_PROPERTY(QColor red READ red NOTIFY changed FINAL)
     Q_PROPERTY(QColor controlBackground READ controlBackground NOTIFY changed FINAL)
     Q_PROPERTY(QColor controlOutline READ controlOutline NOTIFY changed FINAL)
@@ -70,12 +72,19 @@ public:
     /// The same with its opacity multiplied by `opacity`.
     QColor color(model::ColorToken token, double opacity) const;
 
+    /// The colour for shapes. Only text has to be as dark as a dark orange is.
+    QColor fill(model::ColorToken token) const;
+
     QColor label() const { return color(model::ColorToken::Label); }
     QColor secondaryLabel() const { return color(model::ColorToken::SecondaryLabel); }
     QColor accent() const { return color(model::ColorToken::Accent); }
-    /// Text on the accent colour: white, or black where white would be hard to read.
+    /// The background of text: the accent colour, or a slightly deeper one on which white is easier
+    /// to read.
+    QColor accentFill() const;
+    /// Text on it: white, or black where white would be hard to read.
     QColor onAccent() const;
     QColor orange() const { return color(model::ColorToken::SystemOrange); }
+    QColor orangeFill() const { return fill(model::ColorToken::SystemOrange); }
     QColor red() const { return color(model::ColorToken::SystemRed); }
     QColor controlBackground() const { return color(model::ColorToken::ControlBackground); }
     QColor controlOutline() const { return color(model::ColorToken::Separator); }
@@ -103,7 +112,7 @@ public:
     QString fixedFontFamily() const;
     /// Whether there are no animations.
     bool reducesMotion() const;
-    /// The factor by which all sizes are multiplied.
+    /// The factor by which all sizes are multiplied, at least 1.
     double textScale() const;
 
     /// Whether the popover has round corners and a shadow. False at first.

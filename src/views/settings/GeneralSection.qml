@@ -28,7 +28,7 @@ SettingsSection {
             anchors.verticalCenter: openLoginSettings.verticalCenter
             name: "exclamationmark.triangle.fill"
             pointSize: 11
-            color: Theme.orange
+            color: Theme.orangeFill
         }
 
         SettingsCaption {

@@ -15,12 +15,16 @@ Column {
     Accessible.role: Accessible.Grouping
     Accessible.name: title
 
-    Row {
-        x: 2
-        spacing: 6
+    Item {
+        width: parent.width
+        height: Math.max(icon.height, heading.height)
 
         SymbolImage {
+            id: icon
+
             anchors.verticalCenter: parent.verticalCenter
+            // Titles share one left edge, however wide their symbols are.
+            x: 2 + Math.round((18 - width) / 2)
             name: root.symbol
             pointSize: 11
             weight: SymbolImage.Weight.Semibold
@@ -28,6 +32,10 @@ Column {
         }
 
         AccessibleLabel {
+            id: heading
+
+            anchors.verticalCenter: parent.verticalCenter
+            x: 26
             text: root.title
             font.pixelSize: 12
             font.weight: Font.DemiBold
@@ -38,6 +46,7 @@ Column {
     }
 
     RoundedRectangle {
+        objectName: "sectionFrame"
         width: parent.width
         height: rows.height + 16
         radius: 10

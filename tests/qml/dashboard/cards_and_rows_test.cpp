@@ -71,10 +71,11 @@ void CardsAndRowsTest::theFractionDecidesTextColorAndBar()
     fixture.answer(oneGroup({test::sampleBucket(u"a"_s, u"A"_s, u"5h"_s, fraction, 60)}));
     fixture.awaitCards(1);
     QCOMPARE(fixture.text(u"percentageText"_s), text);
-    const QColor expected = views::Theme(fixture.appearance, fixture.symbols).color(color);
-    for (const QString &name :
-        {u"percentageText"_s, u"pillDot"_s, u"pillBackground"_s, u"barFill"_s})
-        QCOMPARE(fixture.item(name)->property("color").value<QColor>(), expected);
+    const views::Theme theme(fixture.appearance, fixture.symbols);
+    QCOMPARE(fixture.item(u"percentageText"_s)->property("color").value<QColor>(),
+        theme.color(color));
+    for (const QString &name : {u"pillDot"_s, u"pillBackground"_s, u"barFill"_s})
+        QCOMPARE(fixture.item(name)->property("color").value<QColor>(), theme.fill(color));
     const QQuickItem *track = fixture.item(u"barTrack"_s);
     const QQuickItem *fill = fixture.item(u"barFill"_s);
     QCOMPARE(track->height(), 6.0);

@@ -36,6 +36,7 @@ constexpr std::array drawings{
     Drawing{.name = "arrow.triangle.2.circlepath"_L1},
     Drawing{.name = "bell.badge"_L1},
     Drawing{.name = "brain"_L1, .gridWidth = 22, .crossing = QPointF(11, 10)},
+    Drawing{.name = "checkmark"_L1, .gridWidth = 18},
     Drawing{.name = "chevron.left"_L1, .gridWidth = 13},
     Drawing{.name = "clock"_L1, .crossing = QPointF(10, 10)},
     Drawing{.name = "cpu"_L1},

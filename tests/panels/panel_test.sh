@@ -93,6 +93,18 @@ beside_the_item()
     [ "$x" -le $((ix + iw)) ] && [ $((x + width)) -ge "$ix" ] && [ "$y" -ge $((iy - 2)) ] && [ "$y" -le $((iy + ih + 48)) ]
 }
 
+# It begins in the row below the panel with a line, under which is its background.
+touches_the_panel()
+{
+    local x width line below within
+    read -r x _ width _ < <(popover_place)
+    shot open
+    read -r line below within < <(convert "$out/pictures/open.png" -crop "1x9+$((x + width / 2))+$panel_end" +repage -depth 8 \
+        txt:- | awk '/^0,[018]:/ { print $3 }' | xargs)
+    echo "        the rows below the panel: $line $below ... $within"
+    [ "$line" != "$below" ] && [ "$below" = "$within" ]
+}
+
 # A click that closed the popover must not open it again, so the program ignores clicks for a
 # quarter of a second; a person's next click comes later than that.
 past_the_guard() { sleep 0.4; }
@@ -180,6 +192,7 @@ if check "a left click opens the popover" wait_for 30 shown; then
     shot open
     check "the popover is on the screen as a whole" on_the_screen
     check "the popover is beside the item" beside_the_item
+    [ -z "$panel_end" ] || check "and touches the panel, to the pixel" touches_the_panel
     check "the popover shows the quota" wait_for 30 popover_is_drawn
     check "and no driver of a graphics card was loaded for it" no_driver_is_loaded
     [ "$windows" != listed ] || check "the popover makes no entry in a taskbar" no_window_is_listed

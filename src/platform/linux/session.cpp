@@ -2,6 +2,7 @@
 
 #include "platform/linux/popover/layer_popover.h"
 #include "platform/linux/popover/layer_shell.h"
+#include "platform/linux/popover/plasma_panels.h"
 #include "platform/linux/popover/window_popover.h"
 #include "platform/linux/popover/x11_popover.h"
 #include "platform/linux/x11/kwin_panels.h"
@@ -32,6 +33,20 @@ bool xServerAnswers()
 bool alwaysComposited()
 {
     return true;
+}
+
+/// The room of panels that the compositor lets layers cover, at the edges of the desktop.
+QMargins plasmaPanels(const QSize &desktop, XConnection &x)
+{
+    switch (plasmaVersion()) {
+    case PlasmaVersion::Plasma5:
+        return kwinPanels(desktop, x);
+    case PlasmaVersion::Plasma6:
+        return gapOfFloatingPanels();
+    case PlasmaVersion::None:
+        break;
+    }
+    return {};
 }
 
 } // namespace
@@ -128,7 +143,7 @@ std::unique_ptr<Popover> Session::makePopover(PopoverContentFactory factory, XCo
             WindowSurroundings{.workArea = areaOnX11, .isComposited = alwaysComposited});
     case SessionKind::LayerShell:
         return std::make_unique<LayerPopover>(*m_layerShell, std::move(factory),
-            [&x](const QSize &desktop) { return kwinPanels(desktop, x); });
+            [&x](const QSize &desktop) { return plasmaPanels(desktop, x); });
     case SessionKind::PlainWindow:
         break;
     }

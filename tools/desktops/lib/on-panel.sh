@@ -8,11 +8,12 @@ program_pid=${program_pid:-}
 
 # What the panel's script says of it: `protocol`, xembed or sni; `form`, how the item is drawn there, wide or badge; whether the
 # panel `restarts` alone; whether it needs the session `bus`. What most panels do is left out: our `item` is a window, where
-# the protocol is xembed, and not a copy of one; the `windows` of programs are listed; the `display` is that of Xvfb.
-protocol='' form='' restarts='' bus='' item=window windows=listed display=xvfb
+# the protocol is xembed, and not a copy of one; the `windows` of programs are listed; the `display` is that of Xvfb; where the
+# panel ends is not told (`panel_end`, the row of pixels below it).
+protocol='' form='' restarts='' bus='' item=window windows=listed display=xvfb panel_end=''
 eval "$("$script" facts)"
 [ -n "$protocol" ] || die "$script does not say how it shows our item"
-export restarts bus windows display
+export restarts bus windows display panel_end
 
 # look_at_screen: remembers its size, and where panels are on it: at the top, with the tray on their right; GNOME announces
 # things in the middle.

@@ -1,6 +1,6 @@
 #!/bin/bash
 # Plasma 5 or 6, which of them is installed (plasmashell, kded as the watcher, kwin_x11) on Xvfb.
-# PANEL_SIZE=36 PANEL_POS=3|4 (3 top, 4 bottom) CLOCK=on
+# PANEL_SIZE=36 PANEL_POS=3|4 (3 top, 4 bottom) PANEL_FLOATING=1|0 (on Plasma 6) CLOCK=on
 NAME=plasma
 FACTS=(protocol=sni form=badge restarts=yes bus=needed weight=heavy)
 # The daemon of Plasma 6, or of Plasma 5.
@@ -72,7 +72,8 @@ extraItems=org.kde.plasma.notifications
 knownItems=org.kde.plasma.notifications,org.kde.plasma.clipboard,org.kde.plasma.volume,org.kde.plasma.battery,org.kde.plasma.devicenotifier,org.kde.plasma.keyboardindicator,org.kde.plasma.manage-inputmethod,org.kde.plasma.mediacontroller,org.kde.plasma.keyboardlayout,org.kde.plasma.networkmanagement,org.kde.plasma.printmanager,org.kde.plasma.bluetooth,org.kde.plasma.nightcolorcontrol,org.kde.plasma.vault,org.kde.kscreen
 shownItems=
 INI
-    printf '[PlasmaViews][Panel 2][Defaults]\nthickness=%s\n' "${PANEL_SIZE:-36}" >"$config/plasmashellrc"
+    printf '[PlasmaViews][Panel 2]\nfloating=%s\n[PlasmaViews][Panel 2][Defaults]\nthickness=%s\n' \
+        "${PANEL_FLOATING:-1}" "${PANEL_SIZE:-36}" >"$config/plasmashellrc"
     printf '[Compositing]\nEnabled=false\n[Wayland]\n' >"$config/kwinrc"
     printf '[KSplash]\nEngine=none\nTheme=None\n' >"$config/ksplashrc"
     printf '[Basic Settings]\nIndexing-Enabled=false\n' >"$config/baloofilerc"

@@ -7,13 +7,13 @@ namespace brimwatch::platform {
 
 class XConnection;
 
-/// The room that Plasma's panels keep at the edges of the desktop, of which `desktop` is the size
-/// in Qt's coordinates; none where the compositor is not KWin or does not announce it to X11
+/// The room that the panels of Plasma 5 keep at the edges of the desktop, of which `desktop` is the
+/// size in Qt's coordinates; none where the compositor is not KWin or does not announce it to X11
 /// programs.
 ///
-/// KWin (seen with 5.27) keeps layers clear of other layers only, and Plasma's panels are no
-/// layers: a popover at the edge would cover the item that opened it. To X11 programs it announces
-/// the work area as any window manager does (_NET_WORKAREA).
+/// KWin keeps layers clear of other layers only, and the panels of Plasma 5 are no layers (seen
+/// with 5.27): a popover at the edge would cover the item that opened it. To X11 programs it
+/// announces the work area as any window manager does (_NET_WORKAREA).
 QMargins kwinPanels(const QSize &desktop, XConnection &x);
 
 } // namespace brimwatch::platform

@@ -1,4 +1,5 @@
 #include "platform/linux/popover/layer_place.h"
+#include "platform/linux/popover/plasma_panels.h"
 #include "platform/linux/popover/popover_place.h"
 
 #include <QTest>
@@ -79,6 +80,32 @@ private Q_SLOTS:
         const LayerPlace whole{.edges = Top | Bottom | Right};
         QCOMPARE(keptOff(panels, whole).margins, QMargins(0, 36, 0, 44));
         QCOMPARE(keptOff(QMargins(), above).margins, above.margins);
+    }
+
+    void aLayerKeepsOffFloatingPanels_data()
+    {
+        QTest::addColumn<QByteArray>("plasmashellrc");
+        QTest::addColumn<int>("gap");
+        const QByteArray first = "[PlasmaViews][Panel 2]\n";
+        const QByteArray second = "\n[PlasmaViews][Panel 21]\n";
+        const QByteArray defaults = "\n[PlasmaViews][Panel 2][Defaults]\nthickness=36\n";
+        QTest::newRow("no file") << QByteArray() << 8;
+        QTest::newRow("nothing said") << first + defaults << 8;
+        QTest::newRow("floating") << first + "floating=1\n" + defaults << 8;
+        QTest::newRow("not floating") << first + "floating=0\n" + defaults << 0;
+        QTest::newRow("of two one") << first + "floating=0\n" + defaults + second + "floating=1\n"
+                                    << 8;
+        QTest::newRow("of two none") << first + "floating=0\n" + defaults + second + "floating=0\n"
+                                     << 0;
+        QTest::newRow("said of something else")
+            << first + defaults + "floating=0\n\n[Other]\nfloating=0\n"
+            << 8;
+    }
+    void aLayerKeepsOffFloatingPanels()
+    {
+        QFETCH(QByteArray, plasmashellrc);
+        QFETCH(int, gap);
+        QCOMPARE(gapOfFloatingPanels(plasmashellrc), QMargins(gap, gap, gap, gap));
     }
 
     void aShadowLiesAroundThePlace()

@@ -85,12 +85,15 @@ fi
 
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
-printf 'Installing %d packages: %s\n' ${#missing[@]} "${missing[*]}" >&2
 apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300)
 # An index that cannot be renewed may still do; if it does not, installing says so.
 "${apt[@]}" update >"$log" 2>&1 || { tail -n 5 "$log" >&2; }
 # Before there was an index, apt knew no package of the release.
 find_missing
+printf 'Installing %d packages and what they need: %s\n' ${#missing[@]} "${missing[*]}" >&2
+# How much there is to fetch, and how large it is then, in apt's own words; it refuses to install here.
+LC_ALL=C "${apt[@]}" install --assume-no --no-install-recommends --no-remove "${missing[@]}" 2>/dev/null |
+    grep -E '^(Need to get|After this operation)' >&2 || true
 if ! "${apt[@]}" install -y --no-install-recommends --no-remove "${missing[@]}" >"$log" 2>&1; then
     tail -n 30 "$log" >&2
     echo "Installing packages failed." >&2

@@ -13,11 +13,9 @@ PROGRAM=package_test
 build=${BRIMWATCH_BUILD:-$root/build/dev}
 out=${BRIMWATCH_PACKAGE_LOGS:-$root/build/package-test}
 [ $# = 0 ] || die "it takes no arguments"
-if [ "$(id -u)" != 0 ]; then
-    sudo -n true 2>/dev/null || die "a bare Debian can be made and entered by root alone, and there is no sudo without a password"
-    exec sudo -n env "PATH=$PATH" "HOME=$HOME" BRIMWATCH_BUILD="$build" BRIMWATCH_PACKAGE_LOGS="$out" \
-        "BRIMWATCH_PACKAGES_CHECKED=${BRIMWATCH_PACKAGES_CHECKED:-}" "${BASH_SOURCE[0]}"
-fi
+# shellcheck source=../support/bare_debian.sh
+. "$root/tests/support/bare_debian.sh"
+as_root BRIMWATCH_BUILD="$build" BRIMWATCH_PACKAGE_LOGS="$out" "BRIMWATCH_PACKAGES_CHECKED=${BRIMWATCH_PACKAGES_CHECKED:-}"
 [ -n "${BRIMWATCH_PACKAGES_CHECKED:-}" ] || "$root/tools/lib/packages.sh" package-test
 export BRIMWATCH_PACKAGES_CHECKED=1
 daemon=$build/tools/sample-daemon/brimwatch-sample-daemon
@@ -80,45 +78,12 @@ check "and on the QML modules of the views" grep -q 'qml6-module-qtquick-templat
 
 # A bare Debian ----------------------------------------------------------------------------------
 codename=$(. /etc/os-release && echo "$VERSION_CODENAME")
-# shellcheck disable=SC2016
-targets=$(apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' | sort -u |
-    awk -v c="$codename" '$3 == "main" && ($2 == c || $2 == c "-updates" || $2 == c "-security")')
-mirror=$(awk -v c="$codename" '$2 == c { print $1; exit }' <<<"$targets")
-[ -n "$mirror" ] || die "this machine's apt knows no mirror of $codename"
-# What this machine needs to reach it, a proxy above all, is what debootstrap and the bare one need too.
-proxy=$(apt-config dump --format '%v' Acquire::http::Proxy)
-[ -z "$proxy" ] || export http_proxy=$proxy
-bare_is_made()
-{
-    debootstrap --variant=minbase "$codename" "$bare" "$mirror" >"$out/log/debootstrap.log" 2>&1 ||
-        { tail -n 5 "$out/log/debootstrap.log"; return 1; }
-}
-needed "a bare Debian $codename is made" bare_is_made
-printf 'deb %s\n' "${targets//$'\n'/$'\n'deb }" >"$bare/etc/apt/sources.list"
-apt-config dump Acquire >"$bare/etc/apt/apt.conf.d/00machine"
-[ ! -e /etc/resolv.conf ] || cp -L /etc/resolv.conf "$bare/etc/resolv.conf"
-cp -L /etc/hosts "$bare/etc/hosts"
-# Nothing in it starts services.
-printf '#!/bin/sh\nexit 101\n' >"$bare/usr/sbin/policy-rc.d"
-chmod 755 "$bare/usr/sbin/policy-rc.d"
+needed "a bare Debian $codename is made" bare_debian "$codename" "$out/log"
 mkdir -p "$bare/packages" && mkdir -m 700 "$bare/root/run"
 cp "$package" "$upgrade" "$bare/packages/"
 
-# inside COMMAND...: as root of the bare Debian; with its own /proc, where the machine lets it be mounted.
 inside_variables=(HOME=/root XDG_RUNTIME_DIR=/root/run PATH=/usr/sbin:/usr/bin:/sbin:/bin LANG=C.UTF-8
     DEBIAN_FRONTEND=noninteractive DBUS_SESSION_BUS_ADDRESS=unix:path=/root/run/bus)
-enter=()
-! unshare --mount true 2>/dev/null || enter=(unshare --mount)
-inside()
-{
-    # shellcheck disable=SC2016
-    "${enter[@]}" bash -c '
-        bare=$1
-        shift
-        [ -z "$1" ] || mount -t proc proc "$bare/proc"
-        shift
-        exec chroot "$bare" /usr/bin/env -i "$@"' enter "$bare" "${enter[*]}" "${inside_variables[@]}" "$@"
-}
 apt() { inside apt-get -q -y "$@" >>"$out/log/apt.log" 2>&1; }
 listing() { (cd "$bare" && find . -xdev \( -path ./proc -o -path ./dev -o -path ./sys -o -path ./root -o -path ./packages \) -prune -o -print) | sort; }
 # shellcheck disable=SC2016

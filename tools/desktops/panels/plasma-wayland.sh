@@ -1,17 +1,15 @@
 #!/bin/bash
 # Plasma 5 or 6 on Wayland (plasmashell, kded as the watcher, kwin_wayland drawing into a window on Xvfb); Xwayland on demand.
-# PANEL_SIZE=36 PANEL_POS=3|4 (3 top, 4 bottom) PANEL_FLOATING=1|0 (on Plasma 6) CLOCK=on
+# PANEL_SIZE=36 PANEL_POS=3|4 (3 top, 4 bottom) PANEL_FLOATING=1|0 (as Plasma 6 and 5 have it) CLOCK=on
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"
 # shellcheck source=plasma.sh
 . "$DESKTOPS/panels/plasma.sh"
 NAME=plasma-wayland
-# On Plasma 6 it floats 8 px below the edge.
-floats=0
-[ "$KDED" = kded5 ] || [ "${PANEL_FLOATING:-1}" = 0 ] || floats=8
 # Its panel takes minutes to come back. KWin lists the windows of Wayland programs for nobody but its own.
-FACTS=(protocol=sni form=badge restarts=no bus=needed windows=unlisted display=kwin panel_end=$((${PANEL_SIZE:-36} + floats))
-    weight=heavy)
+FACTS=(protocol=sni form=badge restarts=no bus=needed windows=unlisted display=kwin weight=heavy
+    # It floats 8 px below the edge.
+    panel_end=$((${PANEL_SIZE:-36} + 8 * PANEL_FLOATING)))
 
 session_start()
 {

@@ -1,10 +1,14 @@
 #!/bin/bash
 # Plasma 5 or 6, which of them is installed (plasmashell, kded as the watcher, kwin_x11) on Xvfb.
-# PANEL_SIZE=36 PANEL_POS=3|4 (3 top, 4 bottom) PANEL_FLOATING=1|0 (on Plasma 6) CLOCK=on
+# PANEL_SIZE=36 PANEL_POS=3|4 (3 top, 4 bottom) PANEL_FLOATING=1|0 (as Plasma 6 and 5 have it) CLOCK=on
 NAME=plasma
 FACTS=(protocol=sni form=badge restarts=yes bus=needed weight=heavy)
 # The daemon of Plasma 6, or of Plasma 5.
 KDED=$(command -v kded6 >/dev/null && echo kded6 || echo kded5)
+if [ -z "${PANEL_FLOATING:-}" ]; then
+    PANEL_FLOATING=1
+    [ "$KDED" != kded5 ] || PANEL_FLOATING=0
+fi
 SERVICES="org.kde.$KDED org.kde.ActivityManager org.kde.kglobalaccel"
 READY_S=90
 # shellcheck source=../lib/desktop.sh
@@ -73,7 +77,7 @@ knownItems=org.kde.plasma.notifications,org.kde.plasma.clipboard,org.kde.plasma.
 shownItems=
 INI
     printf '[PlasmaViews][Panel 2]\nfloating=%s\n[PlasmaViews][Panel 2][Defaults]\nthickness=%s\n' \
-        "${PANEL_FLOATING:-1}" "${PANEL_SIZE:-36}" >"$config/plasmashellrc"
+        "$PANEL_FLOATING" "${PANEL_SIZE:-36}" >"$config/plasmashellrc"
     printf '[Compositing]\nEnabled=false\n[Wayland]\n' >"$config/kwinrc"
     printf '[KSplash]\nEngine=none\nTheme=None\n' >"$config/ksplashrc"
     printf '[Basic Settings]\nIndexing-Enabled=false\n' >"$config/baloofilerc"

@@ -14,6 +14,7 @@ as_root()
 {
     [ "$(id -u)" != 0 ] || return 0
     sudo -n true 2>/dev/null || die "a bare Debian can be made and entered by root alone, and there is no sudo without a password"
+    # shellcheck disable=SC2154 # whoever sources this has set it
     exec sudo -n env "PATH=$PATH" "HOME=$HOME" "$@" "$0" ${script_arguments[@]+"${script_arguments[@]}"}
 }
 
@@ -30,7 +31,7 @@ bare_debian()
     [ "$codename" = "$ours" ] || targets="$mirror $codename main"
     # What this machine needs to reach it, a proxy above all, is what debootstrap and the bare one need too.
     proxy=$(apt-config dump --format '%v' Acquire::http::Proxy)
-    http_proxy=${proxy:-${http_proxy:-}} debootstrap --variant=minbase "$codename" "$bare" "$mirror" >"$log" 2>&1 ||
+    http_proxy=${proxy:-${http_proxy:-}} debootstrap --variant=minbase "$codename" "${bare:?}" "$mirror" >"$log" 2>&1 ||
         { tail -n 5 "$log"; return 1; }
     printf 'deb %s\n' "${targets//$'\n'/$'\n'deb }" >"$bare/etc/apt/sources.list"
     apt-config dump Acquire >"$bare/etc/apt/apt.conf.d/00machine"

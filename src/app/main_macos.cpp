@@ -10,12 +10,16 @@
 #include "platform/macos/mac_opener.h"
 #include "platform/macos/mac_pasteboard.h"
 #include "platform/macos/mac_popover.h"
+#include "platform/macos/mac_single_instance.h"
 #include "platform/macos/mac_status_item.h"
 #include "platform/macos/mac_symbols.h"
+#include "platform/macos/mac_user_defaults.h"
 #include "service/settings.h"
 
 #include <QGuiApplication>
+#include <QStandardPaths>
 
+#include <cstdio>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -54,6 +58,13 @@ public:
 
     /// Calls `action` once AppKit has launched the application.
     void whenLaunched(std::function<void()> action) { m_presence.whenLaunched(std::move(action)); }
+    /// Calls `action` each time the machine has woken from sleep.
+    void whenWoken(std::function<void()> action) { m_presence.whenWoken(std::move(action)); }
+    /// Calls `action` each time a second start asks for the popover.
+    void whenAskedToShow(std::function<void()> action)
+    {
+        m_presence.whenAskedToShow(std::move(action));
+    }
 
 private:
     platform::MacAppearance m_appearance;
@@ -76,11 +87,25 @@ int main(int argc, char **argv)
     platform::logToTheSystem();
     QCoreApplication::setApplicationName(u"Brimwatch"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(BRIMWATCH_VERSION));
+    platform::MacSingleInstance singleInstance(
+        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
+        + QStringLiteral("/" BRIMWATCH_IDENTIFIER));
+    if (!singleInstance.claim()) {
+        platform::MacSingleInstance::askOther();
+        std::fputs("brimwatch: already running; it has been asked to open its popover\n", stderr);
+        return static_cast<int>(app::ExitStatus::Success);
+    }
+    platform::keepQtFromActivating();
     const QGuiApplication application(argc, argv);
-    service::SettingsStore settings(
-        service::SettingsStore::UserDefaults{.domain = QStringLiteral(BRIMWATCH_IDENTIFIER)});
+    platform::MacUserDefaults userDefaults;
+    service::SettingsStore settings(userDefaults);
     MacDesktop desktop;
     app::AppDelegate delegate(settings, desktop.desktop(), app::viewsFromLibrary);
-    desktop.whenLaunched([&delegate] { delegate.applicationDidFinishLaunching(); });
+    desktop.whenLaunched([&] {
+        delegate.applicationDidFinishLaunching();
+        // What was shown before the sleep is old.
+        desktop.whenWoken([&delegate] { delegate.quotaService()->refresh(); });
+        desktop.whenAskedToShow([&delegate] { delegate.statusBarController()->showPopover(); });
+    });
     return QGuiApplication::exec();
 }

@@ -1,6 +1,7 @@
 #include "service/settings.h"
 
-#include <QSettings>
+#include "platform/user_defaults.h"
+
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -66,16 +67,9 @@ SettingsStore::SettingsStore()
 {
 }
 
-SettingsStore::SettingsStore(const UserDefaults &store)
+SettingsStore::SettingsStore(platform::UserDefaults &store)
+    : m_userDefaults(&store)
 {
-    // QSettings builds the domain from the organization's domain, which it reverses, and the
-    // program's name.
-    QStringList parts = store.domain.split(u'.');
-    const QString program = parts.takeLast();
-    std::reverse(parts.begin(), parts.end());
-    m_userDefaults = std::make_unique<QSettings>(
-        QSettings::NativeFormat, QSettings::UserScope, parts.join(u'.'), program);
-    m_userDefaults->setFallbacksEnabled(false);
 }
 
 SettingsStore::SettingsStore(const QString &iniFile)
@@ -122,27 +116,20 @@ void SettingsStore::flush()
 {
     if (m_file)
         m_file->write();
-    else
-        m_userDefaults->sync();
-}
-
-QString SettingsStore::fileName() const
-{
-    return m_file ? m_file->path() : m_userDefaults->fileName();
 }
 
 QVariant SettingsStore::stored(const char *key) const
 {
-    if (m_userDefaults)
-        return m_userDefaults->value(QLatin1StringView(key));
+    if (m_userDefaults != nullptr)
+        return m_userDefaults->value(key);
     const auto value = m_file->value(key);
     return value ? QVariant(*value) : QVariant();
 }
 
 void SettingsStore::store(const char *key, const QVariant &value)
 {
-    if (m_userDefaults)
-        m_userDefaults->setValue(QLatin1StringView(key), value);
+    if (m_userDefaults != nullptr)
+        m_userDefaults->setValue(key, value);
     else
         m_file->setValue(key, value.toString());
 }

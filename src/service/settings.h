@@ -6,10 +6,11 @@
 #include <QVariant>
 
 #include <limits>
-#include <memory>
 #include <optional>
 
-class QSettings;
+namespace brimwatch::platform {
+class UserDefaults;
+}
 
 namespace brimwatch::service {
 
@@ -60,12 +61,8 @@ class SettingsStore {
 public:
     /// The user's own store: on Linux brimwatch/brimwatch.conf in the user's configuration folder.
     SettingsStore();
-    /// The system's store of what users have chosen, where there is one (macOS), under that domain:
-    /// "app.brimwatch.Brimwatch". Elsewhere a file in the user's configuration folder.
-    struct UserDefaults {
-        QString domain;
-    };
-    explicit SettingsStore(const UserDefaults &store);
+    /// The system's store (macOS), which outlives this one.
+    explicit SettingsStore(platform::UserDefaults &store);
     /// A store in a file of its own, for tests.
     explicit SettingsStore(const QString &iniFile);
     ~SettingsStore();
@@ -80,11 +77,8 @@ public:
     void setValue(const Setting<double> &setting, double value);
     void setValue(const Setting<const char *> &setting, const QString &value);
 
-    /// Writes at once what would be written soon.
+    /// Writes at once what would be written soon; the system's store does that by itself.
     void flush();
-
-    /// Where the settings are stored.
-    QString fileName() const;
 
 private:
     QVariant stored(const char *key) const;
@@ -92,7 +86,7 @@ private:
 
     // One of the two.
     std::optional<SettingsFile> m_file;
-    std::unique_ptr<QSettings> m_userDefaults;
+    platform::UserDefaults *m_userDefaults = nullptr;
 };
 
 } // namespace brimwatch::service

@@ -141,16 +141,17 @@ BRIMWATCH_SENTENCE(aSymbolIsDrawnInOneColorAtTheScaleOfTheScreen)
     const NativeSymbol symbol{
         .name = "gearshape", .pointSize = 13, .weight = NativeWeight::Semibold};
     const auto pixels = drawSymbol(symbol, {.red = 1, .green = 0.5, .blue = 0, .alpha = 1}, 2);
-    // 14 by 15 points.
-    CHECK(pixels.width == 28 && pixels.height == 30);
-    CHECK(pixels.rgba.size() == std::size_t{28} * 30 * 4);
-    CHECK(fake::recordedAt("bitmap 28x30 calibrated rgb") == 0);
-    // The fakes cover the upper left quarter.
+    // 13.75 by 14.5 points.
+    CHECK(pixels.width == 28 && pixels.height == 29);
+    CHECK(pixels.rgba.size() == std::size_t{28} * 29 * 4);
+    // The fakes cover the upper left quarter, with a smooth right edge. The numbers are those of
+    // sRGB.
     const auto at = [&](int x, int y) { return &pixels.rgba[std::size_t(y * 28 + x) * 4]; };
     CHECK(at(0, 0)[0] == 255 && at(0, 0)[1] == 128 && at(0, 0)[2] == 0 && at(0, 0)[3] == 255);
-    CHECK(at(13, 14)[3] == 255);
-    CHECK(at(14, 14)[3] == 0 && at(13, 15)[3] == 0 && at(27, 29)[3] == 0);
-    CHECK(at(27, 29)[0] == 0);
+    CHECK(at(12, 14)[3] == 255);
+    CHECK(at(13, 14)[0] == 102 && at(13, 14)[1] == 51 && at(13, 14)[3] == 102);
+    CHECK(at(14, 14)[3] == 0 && at(12, 15)[3] == 0 && at(27, 28)[3] == 0);
+    CHECK(at(27, 28)[0] == 0);
 }
 
 BRIMWATCH_SENTENCE(aTransparentColorIsPremultiplied)

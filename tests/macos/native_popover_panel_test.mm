@@ -15,7 +15,9 @@ NSView *viewOf(const NativePopover &popover)
 struct Bar {
     NativeStatusItem item{[] { }};
     int closed = 0;
-    NativePopover popover{380, 490, [this] { return item.button(); }, [this] { ++closed; }};
+    std::vector<std::optional<NativePoint>> hovers = {};
+    NativePopover popover{380, 490, [this] { return item.button(); }, [this] { ++closed; },
+        [this](std::optional<NativePoint> place) { hovers.push_back(place); }};
 };
 
 } // namespace
@@ -75,7 +77,7 @@ BRIMWATCH_SENTENCE(aClickOnAnotherProgramClosesThePanel)
     fake::clickOutside();
     CHECK(!bar.popover.isShown());
     CHECK(bar.closed == 1);
-    CHECK(fake::observers() == 0);
+    CHECK(fake::observers() == 1); // The pointer's.
 }
 
 BRIMWATCH_SENTENCE(aPanelThatLosesTheKeyboardClosesOnce)
@@ -109,7 +111,7 @@ BRIMWATCH_SENTENCE(aPanelThatIsShownIsNotShownAgain)
     bar.popover.show();
     bar.popover.show();
     CHECK(fake::timesRecorded("panel.orderFrontRegardless") == 1);
-    CHECK(fake::observers() == 1);
+    CHECK(fake::observers() == 2);
 }
 
 BRIMWATCH_SENTENCE(withoutAButtonThePanelDoesNotShow)
@@ -132,10 +134,41 @@ BRIMWATCH_SENTENCE(aPanelThatGoesWhileItIsShownTellsNobody)
     int closed = 0;
     {
         NativeStatusItem item([] { });
-        NativePopover popover(380, 490, [&item] { return item.button(); }, [&closed] { ++closed; });
+        NativePopover popover(
+            380, 490, [&item] { return item.button(); }, [&closed] { ++closed; }, nullptr);
         popover.show();
         popover.makeKey();
     }
     CHECK(closed == 0);
     CHECK(fake::observers() == 0);
+}
+
+BRIMWATCH_SENTENCE(thePointerIsFollowedWhileAnotherProgramIsInFront)
+{
+    Bar bar;
+    bar.popover.setContentSize(380, 490);
+    bar.popover.show();
+    fake::enterView(viewOf(bar.popover), NSMakePoint(20, 480));
+    fake::movePointer(viewOf(bar.popover), NSMakePoint(30, 470));
+    fake::leaveView(viewOf(bar.popover));
+    CHECK((bar.hovers
+        == std::vector<std::optional<NativePoint>>{
+            NativePoint{.x = 20, .y = 10}, NativePoint{.x = 30, .y = 20}, std::nullopt}));
+}
+
+BRIMWATCH_SENTENCE(thePointerIsQtsWhileTheProgramIsInFront)
+{
+    Bar bar;
+    bar.popover.show();
+    fake::world().active = true;
+    fake::enterView(viewOf(bar.popover), NSMakePoint(20, 480));
+    fake::movePointer(viewOf(bar.popover), NSMakePoint(30, 470));
+    fake::leaveView(viewOf(bar.popover));
+    CHECK(bar.hovers.empty());
+    // It became so with the pointer inside: what was entered is left.
+    fake::world().active = false;
+    fake::movePointer(viewOf(bar.popover), NSMakePoint(30, 470));
+    fake::world().active = true;
+    fake::leaveView(viewOf(bar.popover));
+    CHECK(bar.hovers.size() == 2 && !bar.hovers.back());
 }

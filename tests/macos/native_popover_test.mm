@@ -18,7 +18,9 @@ NSView *viewOf(const NativePopover &popover)
 struct Bar {
     NativeStatusItem item{[] { }};
     int closed = 0;
-    NativePopover popover{380, 490, [this] { return item.button(); }, [this] { ++closed; }};
+    std::vector<std::optional<NativePoint>> hovers = {};
+    NativePopover popover{380, 490, [this] { return item.button(); }, [this] { ++closed; },
+        [this](std::optional<NativePoint> place) { hovers.push_back(place); }};
 };
 
 } // namespace
@@ -107,7 +109,8 @@ BRIMWATCH_SENTENCE(aPressOnTheItemClosesItBeforeTheActionComes)
     int closedAtTheClick = -1;
     int closed = 0;
     NativeStatusItem item([&] { closedAtTheClick = closed; });
-    NativePopover popover(380, 490, [&item] { return item.button(); }, [&closed] { ++closed; });
+    NativePopover popover(
+        380, 490, [&item] { return item.button(); }, [&closed] { ++closed; }, nullptr);
     popover.show();
     fake::clickStatusItem();
     CHECK(closedAtTheClick == 1);
@@ -155,7 +158,7 @@ BRIMWATCH_SENTENCE(aPopoverThatGoesWhileItIsShownTellsNobody)
         {
             NativeStatusItem item([] { });
             NativePopover popover(
-                380, 490, [&item] { return item.button(); }, [&closed] { ++closed; });
+                380, 490, [&item] { return item.button(); }, [&closed] { ++closed; }, nullptr);
             popover.show();
         }
         fake::pump();
@@ -169,7 +172,8 @@ BRIMWATCH_SENTENCE(aPopoverThatGoesWhileItClosesTellsNobody)
     int closed = 0;
     {
         NativeStatusItem item([] { });
-        NativePopover popover(380, 490, [&item] { return item.button(); }, [&closed] { ++closed; });
+        NativePopover popover(
+            380, 490, [&item] { return item.button(); }, [&closed] { ++closed; }, nullptr);
         popover.show();
         popover.performClose();
     }
@@ -186,4 +190,59 @@ BRIMWATCH_SENTENCE(theContentIsNotItsToEnd)
         CHECK(content.superview == viewOf(bar.popover));
     }
     CHECK(content.superview == nil);
+}
+
+BRIMWATCH_SENTENCE(thePointerIsFollowedWhileAnotherProgramIsInFront)
+{
+    Bar bar;
+    bar.popover.setContentSize(380, 490);
+    bar.popover.show();
+    fake::enterView(viewOf(bar.popover), NSMakePoint(20, 480));
+    fake::movePointer(viewOf(bar.popover), NSMakePoint(30, 470));
+    fake::leaveView(viewOf(bar.popover));
+    CHECK((bar.hovers
+        == std::vector<std::optional<NativePoint>>{
+            NativePoint{.x = 20, .y = 10}, NativePoint{.x = 30, .y = 20}, std::nullopt}));
+}
+
+BRIMWATCH_SENTENCE(thePointerIsQtsWhileTheProgramIsInFront)
+{
+    Bar bar;
+    bar.popover.show();
+    fake::world().active = true;
+    fake::enterView(viewOf(bar.popover), NSMakePoint(20, 480));
+    fake::movePointer(viewOf(bar.popover), NSMakePoint(30, 470));
+    fake::leaveView(viewOf(bar.popover));
+    CHECK(bar.hovers.empty());
+    // It became so with the pointer inside: what was entered is left.
+    fake::world().active = false;
+    fake::movePointer(viewOf(bar.popover), NSMakePoint(30, 470));
+    fake::world().active = true;
+    fake::leaveView(viewOf(bar.popover));
+    CHECK(bar.hovers.size() == 2 && !bar.hovers.back());
+}
+
+BRIMWATCH_SENTENCE(aCloseIsToldAfterItsAnimationWhateverWasOpenedMeanwhile)
+{
+    Bar bar;
+    bar.popover.show();
+    bar.popover.performClose();
+    CHECK(!bar.popover.isShown());
+    bar.popover.show();
+    CHECK(bar.closed == 0);
+    fake::pump();
+    CHECK(bar.closed == 1);
+    CHECK(bar.popover.isShown());
+    CHECK(viewOf(bar.popover).window != nil);
+}
+
+BRIMWATCH_SENTENCE(anOpeningThatFailsIsNotShown)
+{
+    Bar bar;
+    fake::world().popoverFailsToOpen = true;
+    bar.popover.show();
+    CHECK(!bar.popover.isShown());
+    fake::world().popoverFailsToOpen = false;
+    bar.popover.show();
+    CHECK(bar.popover.isShown());
 }

@@ -190,15 +190,15 @@ BRIMWATCH_SENTENCE(theLettersStandInTheirHealthColors)
     const auto title = titleOf(letters());
     CHECK(title.size() == 4);
     CHECK(isGap(title.at(0)));
-    CHECK(isLabelText(title.at(1), "G 5h: 80%", "rgb 0.08 0.52 0.26 1"));
+    CHECK(isLabelText(title.at(1), "G 5h: 80%", "srgb 0.08 0.52 0.26 1"));
     CHECK(isLabelText(title.at(2), dot, "secondaryLabel"));
     CHECK(isLabelText(title.at(3), "G W: 55%", "systemOrange"));
 }
 
 BRIMWATCH_SENTENCE(theHealthyGreenFollowsTheMenuBar)
 {
-    CHECK(titleOf(letters(), false).at(1).color == "rgb 0.08 0.52 0.26 1");
-    CHECK(titleOf(letters(), true).at(1).color == "rgb 0.2 0.83 0.45 1");
+    CHECK(titleOf(letters(), false).at(1).color == "srgb 0.08 0.52 0.26 1");
+    CHECK(titleOf(letters(), true).at(1).color == "srgb 0.2 0.83 0.45 1");
 }
 
 BRIMWATCH_SENTENCE(theHealthyGreenIsMadeOnce)
@@ -214,7 +214,7 @@ BRIMWATCH_SENTENCE(symbolsStandCentredOnTheCapitals)
     CHECK(title.size() == 6);
     CHECK(isGap(title.at(0)));
     CHECK(isSymbol(title.at(1), "sparkles"));
-    CHECK(isLabelText(title.at(2), " 5h: 80%", "rgb 0.08 0.52 0.26 1"));
+    CHECK(isLabelText(title.at(2), " 5h: 80%", "srgb 0.08 0.52 0.26 1"));
     CHECK(isLabelText(title.at(3), dot, "secondaryLabel"));
     CHECK(isSymbol(title.at(4), "sparkles"));
     CHECK(isLabelText(title.at(5), " W: 55%", "systemOrange"));
@@ -233,7 +233,7 @@ BRIMWATCH_SENTENCE(withoutAnIconTheTitleStartsWithTheFirstItem)
     // "Image only" would hide the title along with the image that is not there.
     CHECK(button.imagePosition == NSNoImage);
     CHECK(isLabelText(
-        fake::runs(button.attributedTitle, false).at(0), "G 5h: 80%", "rgb 0.08 0.52 0.26 1"));
+        fake::runs(button.attributedTitle, false).at(0), "G 5h: 80%", "srgb 0.08 0.52 0.26 1"));
 }
 
 BRIMWATCH_SENTENCE(oneItemHasNoSeparator)

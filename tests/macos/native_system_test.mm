@@ -4,6 +4,7 @@
 #include "platform/macos/native_information.h"
 #include "platform/macos/native_log.h"
 #include "platform/macos/native_pasteboard.h"
+#include "platform/macos/native_user_defaults.h"
 #include "platform/macos/native_workspace.h"
 
 using namespace brimwatch::platform;
@@ -65,6 +66,87 @@ BRIMWATCH_SENTENCE(whoAsksLastIsTold)
     application.whenLaunched([&second] { ++second; });
     fake::finishLaunching();
     CHECK(first == 0 && second == 1);
+}
+
+BRIMWATCH_SENTENCE(eachWakeFromSleepIsTold)
+{
+    int woken = 0;
+    {
+        NativeApplication application;
+        application.whenWoken([&woken] { ++woken; });
+        fake::wake();
+        fake::wake();
+        CHECK(woken == 2);
+    }
+    fake::wake();
+    CHECK(woken == 2);
+}
+
+BRIMWATCH_SENTENCE(aSecondProcessAsksForThePopover)
+{
+    int asked = 0;
+    NativeApplication application;
+    NativeApplication::askOtherToShow();
+    CHECK(fake::recordedAt("distribute app.brimwatch.Brimwatch.show at once") == 0);
+    application.whenAskedToShow([&asked] { ++asked; });
+    NativeApplication::askOtherToShow();
+    fake::postDistributed("app.brimwatch.Brimwatch.show");
+    CHECK(asked == 2);
+    fake::postDistributed("com.example.show");
+    CHECK(asked == 2);
+}
+
+BRIMWATCH_SENTENCE(openingTheProgramAgainAsksForThePopover)
+{
+    int asked = 0;
+    {
+        NativeApplication application;
+        application.whenAskedToShow([] { });
+        application.whenAskedToShow([&asked] { ++asked; });
+        fake::reopen();
+        fake::reopen();
+        CHECK(asked == 2);
+    }
+    fake::reopen();
+    CHECK(asked == 2);
+    CHECK(fake::observers() == 0);
+}
+
+// ---- what the user has chosen ----
+
+BRIMWATCH_SENTENCE(aDefaultHasTheKindThatItWasStoredWith)
+{
+    setUserDefault("showWeeklyInMenuBar", false);
+    setUserDefault("notifyOnLowQuota", true);
+    setUserDefault("lowQuotaThreshold", 35.5);
+    setUserDefault("toolbarLabelStyle", std::string("r\u00f6misch"));
+    CHECK((fake::world().defaults
+        == std::map<std::string, std::string>{{"showWeeklyInMenuBar", "bool 0"},
+            {"notifyOnLowQuota", "bool 1"}, {"lowQuotaThreshold", "number 35.5"},
+            {"toolbarLabelStyle", "text r\u00f6misch"}}));
+    CHECK(userDefault("showWeeklyInMenuBar") == NativeDefault(false));
+    CHECK(userDefault("notifyOnLowQuota") == NativeDefault(true));
+    CHECK(userDefault("lowQuotaThreshold") == NativeDefault(35.5));
+    CHECK(userDefault("toolbarLabelStyle") == NativeDefault(std::string("r\u00f6misch")));
+}
+
+BRIMWATCH_SENTENCE(aDefaultThatIsMissingOrOfAnotherKindIsNothing)
+{
+    CHECK(userDefault("refreshInterval") == NativeDefault());
+    fake::world().defaults["refreshInterval"] = "other";
+    CHECK(userDefault("refreshInterval") == NativeDefault());
+    setUserDefault("refreshInterval", 10.0);
+    setUserDefault("refreshInterval", {});
+    CHECK(fake::world().defaults.empty());
+}
+
+BRIMWATCH_SENTENCE(whatTheDefaultsCommandWritesIsRead)
+{
+    fake::world().defaults = {{"a", "number 1"}, {"b", "text 1"}, {"c", "bool 1"}, {"d", "text "}};
+    CHECK(userDefault("a") == NativeDefault(1.0));
+    CHECK(userDefault("b") == NativeDefault(std::string("1")));
+    CHECK(userDefault("c") == NativeDefault(true));
+    CHECK(userDefault("d") == NativeDefault(std::string()));
 }
 
 // ---- what it knows of itself ----

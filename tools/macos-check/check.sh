@@ -314,7 +314,9 @@ compare_values()
 {
     [ -s "$work/theirs.txt" ] || return
     local names mine other
-    mapfile -t names < <(comm -12 <(enumerators_in "$work/ours.txt") <(enumerators_in "$work/theirs.txt"))
+    # Of a tracking area's options GNUstep numbers those from 8 on without the gap that the documentation has there.
+    mapfile -t names < <(comm -12 <(enumerators_in "$work/ours.txt") <(enumerators_in "$work/theirs.txt") |
+        grep -vE '^NSTracking(Active|InVisibleRect)')
     [ ${#names[@]} -gt 5 ] || { echo "only ${#names[@]} names in both"; return 1; }
     printf '%s\n' "${#names[@]} enumerators are in both: ${names[*]}" >"$work/values.log"
     {

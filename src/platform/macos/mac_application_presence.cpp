@@ -4,6 +4,12 @@
 
 namespace brimwatch::platform {
 
+void keepQtFromActivating()
+{
+    // Read when the platform's plugin is made, and once more, with a value, after launching.
+    qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
+}
+
 void MacApplicationPresence::becomeAccessory()
 {
     m_native.becomeAccessory();

@@ -1,5 +1,7 @@
 #include "platform/macos/mac_popover.h"
 
+#include <QCoreApplication>
+#include <QMouseEvent>
 #include <QWindow>
 
 namespace brimwatch::platform {
@@ -23,7 +25,9 @@ MacPopover::MacPopover(PopoverContentFactory factory, std::function<void *()> bu
     : Popover(parent)
     , m_factory(std::move(factory))
     , m_windowOfView(std::move(windowOfView))
-    , m_native(contentWidth, contentHeight, std::move(button), [this] { closed(); })
+    , m_native(
+          contentWidth, contentHeight, std::move(button), [this] { closed(); },
+          [this](std::optional<NativePoint> place) { hovered(place); })
 {
 }
 
@@ -110,11 +114,30 @@ void MacPopover::open()
 
 void MacPopover::closed()
 {
-    if (m_window != nullptr)
-        m_window->setVisible(false);
-    if (m_content)
-        m_content->setShown(false);
+    // The system tells of a close after its animation. It may have been opened again meanwhile.
+    if (!isShown()) {
+        if (m_window != nullptr)
+            m_window->setVisible(false);
+        if (m_content)
+            m_content->setShown(false);
+    }
     Q_EMIT didClose();
+}
+
+/// What Qt's own window would be told if the program were the active one.
+void MacPopover::hovered(std::optional<NativePoint> place)
+{
+    if (m_window == nullptr)
+        return;
+    if (!place) {
+        QEvent leave(QEvent::Leave);
+        QCoreApplication::sendEvent(m_window, &leave);
+        return;
+    }
+    const QPointF local(place->x, place->y);
+    QMouseEvent move(QEvent::MouseMove, local, local, m_window->mapToGlobal(local), Qt::NoButton,
+        Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_window, &move);
 }
 
 void MacPopover::followSize()

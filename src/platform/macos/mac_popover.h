@@ -40,6 +40,7 @@ private:
     bool load();
     void open();
     void closed();
+    void hovered(std::optional<NativePoint> place);
     void followSize();
 
     PopoverContentFactory m_factory;

@@ -3,8 +3,17 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace brimwatch::platform {
+
+/// In points, from the upper left corner.
+struct NativePoint {
+    double x = 0;
+    double y = 0;
+
+    bool operator==(const NativePoint &) const = default;
+};
 
 /// The popover under the status item's button. Transient: a click elsewhere closes it. Main thread
 /// only.
@@ -13,11 +22,15 @@ namespace brimwatch::platform {
 /// of our own.
 class NativePopover {
 public:
+    /// Where in the content's view the pointer is; absent when it has left it.
+    using Hovered = std::function<void(std::optional<NativePoint>)>;
+
     /// Sizes are in points. `button` returns the status item's NSView, or null while there is none;
     /// it is asked with each show(). `didClose` is called on the main thread when the popover has
-    /// closed, whatever closed it.
+    /// closed, whatever closed it, and after its animation: it may be shown anew by then. `hovered`
+    /// is called there while the program is not the active one.
     NativePopover(double width, double height, std::function<void *()> button,
-        std::function<void()> didClose);
+        std::function<void()> didClose, Hovered hovered);
     ~NativePopover();
     NativePopover(const NativePopover &) = delete;
     NativePopover &operator=(const NativePopover &) = delete;

@@ -1,5 +1,6 @@
 #import "platform/macos/native_popover.h"
 
+#import "platform/macos/hover_tracker.h"
 #import "platform/macos/objc_support.h"
 
 #include <utility>
@@ -37,15 +38,17 @@ struct NativePopover::Objects {
     // The popover holds its delegate weakly.
     BrimwatchPopoverDelegate *delegate;
     NSViewController *controller;
+    BrimwatchHoverTracker *_Nullable hover;
 };
 
-NativePopover::NativePopover(
-    double width, double height, std::function<void *()> button, std::function<void()> didClose)
+NativePopover::NativePopover(double width, double height, std::function<void *()> button,
+    std::function<void()> didClose, Hovered hovered)
     : m_objects(new Objects{
           .button = std::move(button),
           .popover = [[NSPopover alloc] init],
           .delegate = [[BrimwatchPopoverDelegate alloc] initWithDidClose:std::move(didClose)],
           .controller = [[NSViewController alloc] initWithNibName:nil bundle:nil],
+          .hover = nil,
       })
 {
     NSPopover *popover = m_objects->popover;
@@ -60,10 +63,13 @@ NativePopover::NativePopover(
     popover.contentViewController = controller;
     // The popover takes the size of its controller's view: set it again in case they differ.
     popover.contentSize = NSMakeSize(width, height);
+    m_objects->hover = [[BrimwatchHoverTracker alloc] initWithView:controller.view
+                                                           hovered:std::move(hovered)];
 }
 
 NativePopover::~NativePopover()
 {
+    [m_objects->hover stop];
     // This close is not reported: the object that would hear of it is being destroyed.
     m_objects->popover.delegate = nil;
     [m_objects->popover close];

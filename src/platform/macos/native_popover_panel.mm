@@ -1,6 +1,7 @@
 // The other implementation of NativePopover: a panel of our own, in case Qt's view does not work
 // in the system's popover.
 
+#import "platform/macos/hover_tracker.h"
 #import "platform/macos/native_popover.h"
 #import "platform/macos/objc_support.h"
 
@@ -36,6 +37,7 @@ constexpr CGFloat gap = 4;
 - (void)close;
 - (void)forgetListener;
 @property (nonatomic, readonly) NSPanel *panel;
+@property (nonatomic, readonly) NSView *content;
 @property (nonatomic, readonly) BOOL shown;
 @end
 
@@ -65,6 +67,7 @@ constexpr CGFloat gap = 4;
     _panel.hidesOnDeactivate = NO;
     _panel.delegate = self;
     NSView *view = [[NSView alloc] initWithFrame:frame];
+    _content = view;
     view.wantsLayer = YES;
     view.layer.cornerRadius = cornerRadius;
     view.layer.masksToBounds = YES;
@@ -122,20 +125,25 @@ namespace brimwatch::platform {
 struct NativePopover::Objects {
     std::function<void *()> button;
     BrimwatchPanelController *controller;
+    BrimwatchHoverTracker *_Nullable hover;
 };
 
-NativePopover::NativePopover(
-    double width, double height, std::function<void *()> button, std::function<void()> didClose)
+NativePopover::NativePopover(double width, double height, std::function<void *()> button,
+    std::function<void()> didClose, Hovered hovered)
     : m_objects(new Objects{
           .button = std::move(button),
           .controller = [[BrimwatchPanelController alloc] initWithSize:NSMakeSize(width, height)
                                                               didClose:std::move(didClose)],
+          .hover = nil,
       })
 {
+    m_objects->hover = [[BrimwatchHoverTracker alloc] initWithView:m_objects->controller.content
+                                                           hovered:std::move(hovered)];
 }
 
 NativePopover::~NativePopover()
 {
+    [m_objects->hover stop];
     [m_objects->controller forgetListener];
     [m_objects->controller close];
 }

@@ -59,7 +59,7 @@ NativePixels drawSymbol(const NativeSymbol &symbol, const NativeRgba &color, dou
         return {};
     NativePixels pixels{
         .width = static_cast<int>(width), .height = static_cast<int>(height), .rgba = {}};
-    NSBitmapImageRep *bitmap =
+    NSBitmapImageRep *generic =
         [[NSBitmapImageRep alloc] initWithBitmapDataPlanes:nullptr
                                                 pixelsWide:pixels.width
                                                 pixelsHigh:pixels.height
@@ -70,6 +70,10 @@ NativePixels drawSymbol(const NativeSymbol &symbol, const NativeRgba &color, dou
                                             colorSpaceName:NSCalibratedRGBColorSpace
                                                bytesPerRow:0
                                               bitsPerPixel:0];
+    // No name stands for sRGB, which the pixels are read as: drawn in another space, they would
+    // show another hue than the same colour beside the symbol.
+    NSBitmapImageRep *bitmap =
+        [generic bitmapImageRepByRetaggingWithColorSpace:NSColorSpace.sRGBColorSpace];
     if (bitmap == nil)
         return {};
     // The size in points, of which the bitmap has more pixels.

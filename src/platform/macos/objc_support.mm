@@ -27,8 +27,8 @@ NSColor *adaptiveHealthyGreen()
         [NSColor colorWithName:nil
                dynamicProvider:^NSColor *(NSAppearance *appearance) {
                    if (isDarkAppearance(appearance))
-                       return [NSColor colorWithRed:0.20 green:0.83 blue:0.45 alpha:1.0];
-                   return [NSColor colorWithRed:0.08 green:0.52 blue:0.26 alpha:1.0];
+                       return [NSColor colorWithSRGBRed:0.20 green:0.83 blue:0.45 alpha:1.0];
+                   return [NSColor colorWithSRGBRed:0.08 green:0.52 blue:0.26 alpha:1.0];
                }];
     return green;
 }

@@ -68,19 +68,6 @@ private Q_SLOTS:
         expectDefaults(SettingsStore(path()));
     }
 
-    void theUsersDefaultsAreNamedByTheirDomain()
-    {
-        const SettingsStore::UserDefaults defaults{.domain = u"app.brimwatch.Brimwatch"_s};
-        {
-            SettingsStore store(defaults);
-            // QSettings reverses the first part only on macOS.
-            QVERIFY(store.fileName().endsWith(u"/brimwatch.app/Brimwatch.conf"_s));
-            expectDefaults(store);
-            store.setValue(settings::lowQuotaThreshold, 35);
-        }
-        QCOMPARE(SettingsStore(defaults).value(settings::lowQuotaThreshold), 35.0);
-    }
-
     void aFolderInPlaceOfTheFileGivesTheDefaults()
     {
         QVERIFY(QDir().mkpath(path()));
@@ -423,7 +410,6 @@ private Q_SLOTS:
         }
         {
             SettingsStore store;
-            QCOMPARE(store.fileName(), folder + u"/brimwatch/brimwatch.conf");
             QCOMPARE(store.value(settings::refreshInterval), 60.0);
             store.setValue(settings::refreshInterval, 300);
         }

@@ -44,6 +44,11 @@ struct World {
     bool loginErrorIsSilent = false; ///< They fail and say nothing.
     bool colorsHaveNoSrgb = false;
     bool closesSlowly = true; ///< The popover is gone when the main queue has run.
+    bool popoverFailsToOpen = false; ///< It has begun to open, and is not there.
+    bool active = false; ///< We are the program in front.
+    /// The domain of the bundle in the user's defaults, as the command `defaults` would write it:
+    /// "bool 1", "number 20", "text letter", "other".
+    std::map<std::string, std::string> defaults;
 
     /// What was asked in order, as "object.what arguments".
     std::vector<std::string> journal;
@@ -75,10 +80,19 @@ void setDark(bool dark);
 void systemColorsChanged();
 void displayOptionsChanged();
 void finishLaunching();
+void wake();
+/// The user opens the program that runs already.
+void reopen();
+/// Another process posts a notification to all.
+void postDistributed(const std::string &name);
 /// A click on the item: the transient popover closes with the press, the action comes with the
 /// release.
 void clickStatusItem(bool right = false);
 void clickOutside();
+/// The pointer comes into a view, moves, or leaves it; from the view's lower left corner.
+void enterView(NSView *view, NSPoint place);
+void movePointer(NSView *view, NSPoint place);
+void leaveView(NSView *view);
 void chooseNotification(const std::string &identifier, bool dismiss = false);
 /// What the system asks before it shows one of ours while we are in front; -1 when nobody answers.
 long presentationOptions();
@@ -88,7 +102,8 @@ NSStatusItem *statusItem();
 NSPopover *popover();
 NSPanel *panel();
 int statusItemsInBar();
-long observers(); ///< Of keys, of notifications and of events outside, together.
+/// Of keys, of notifications, of events outside, of pointers and of being reopened, together.
+long observers();
 id notificationDelegate();
 id keyObserver(); ///< The object that observes a key; nil when none does.
 std::string str(NSString *string);

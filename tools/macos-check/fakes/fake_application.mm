@@ -33,6 +33,10 @@ const NSPasteboardType NSPasteboardTypeString = @"string";
     }
     return _w;
 }
+- (BOOL)isActive
+{
+    return fake::world().active;
+}
 - (void)terminate:(id)s
 {
     record(s ? "terminate with a sender" : "terminate");

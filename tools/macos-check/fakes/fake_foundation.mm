@@ -3,6 +3,7 @@
 const NSNotificationName NSSystemColorsDidChangeNotification = @"system colors",
                          NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification
     = @"display options",
+                         NSWorkspaceDidWakeNotification = @"did wake",
                          NSApplicationDidFinishLaunchingNotification = @"did finish launching";
 @implementation NSError
 - (NSString *)localizedDescription
@@ -11,6 +12,69 @@ const NSNotificationName NSSystemColorsDidChangeNotification = @"system colors",
 }
 @end
 @implementation NSNumber
+- (BOOL)boolValue
+{
+    return _value != 0;
+}
+- (double)doubleValue
+{
+    return _value;
+}
+@end
+extern "C" CFTypeID CFGetTypeID(CFTypeRef value)
+{
+    if (value == nullptr) {
+        fail("CFGetTypeID: null"); // It ends the program.
+        return 0;
+    }
+    id object = (__bridge id)value;
+    return [object isKindOfClass:[NSNumber class]] && ((NSNumber *)object)->_boolean ? 21 : 22;
+}
+extern "C" CFTypeID CFBooleanGetTypeID(void)
+{
+    return 21;
+}
+@implementation NSUserDefaults
++ (NSUserDefaults *)standardUserDefaults
+{
+    static NSUserDefaults *d = [[self alloc] init];
+    return d;
+}
+- (id)objectForKey:(NSString *)k
+{
+    const auto &all = fake::world().defaults;
+    const auto it = all.find(fake::str(k));
+    if (it == all.end())
+        return nil;
+    const std::string &value = it->second;
+    const auto rest = value.substr(std::min(value.size(), value.find(' ') + 1));
+    if (value.starts_with("text "))
+        return fake::ns(rest);
+    if (!value.starts_with("bool ") && !value.starts_with("number "))
+        return [[NSObject alloc] init]; // A list, a date, data.
+    NSNumber *n = [[NSNumber alloc] init];
+    n->_value = std::strtod(rest.c_str(), nullptr);
+    n->_boolean = value.starts_with("bool ");
+    return n;
+}
+- (void)setObject:(id)v forKey:(NSString *)k
+{
+    if (![v isKindOfClass:[NSString class]])
+        fail("setObject: of a kind that the fakes do not know");
+    fake::world().defaults[fake::str(k)] = "text " + fake::str(v);
+}
+- (void)setBool:(BOOL)v forKey:(NSString *)k
+{
+    fake::world().defaults[fake::str(k)] = v ? "bool 1" : "bool 0";
+}
+- (void)setDouble:(double)v forKey:(NSString *)k
+{
+    fake::world().defaults[fake::str(k)] = "number " + number(v);
+}
+- (void)removeObjectForKey:(NSString *)k
+{
+    fake::world().defaults.erase(fake::str(k));
+}
 @end
 @implementation NSURL
 + (instancetype)URLWithString:(NSString *)s
@@ -130,5 +194,47 @@ std::vector<Listener> fake::gListeners;
             && (l.object == nullptr || l.object == (__bridge void *)obj))
             ((void (*)(void *, SEL, void *))(void *)objc_msgSend_for_tests)(
                 l.observer, l.selector, (__bridge void *)note);
+}
+@end
+@implementation NSDistributedNotificationCenter
++ (NSDistributedNotificationCenter *)defaultCenter
+{
+    static NSDistributedNotificationCenter *c = [[self alloc] init];
+    return c;
+}
+- (void)postNotificationName:(NSNotificationName)n
+                      object:(NSString *)o
+                    userInfo:(NSDictionary *)u
+          deliverImmediately:(BOOL)i
+{
+    record("distribute " + fake::str(n) + (i ? " at once" : ""));
+    // One that is not in front hears only what is delivered at once.
+    if (i || fake::world().active)
+        [self postNotificationName:n object:o];
+}
+@end
+std::vector<EventHandler> fake::gEventHandlers;
+@implementation NSAppleEventDescriptor
+@end
+@implementation NSAppleEventManager
++ (NSAppleEventManager *)sharedAppleEventManager
+{
+    static NSAppleEventManager *m = [[self alloc] init];
+    return m;
+}
+- (void)setEventHandler:(id)h
+            andSelector:(SEL)s
+          forEventClass:(AEEventClass)c
+             andEventID:(AEEventID)e
+{
+    if (![h respondsToSelector:s])
+        fail("setEventHandler: of somebody without that method");
+    [self removeEventHandlerForEventClass:c andEventID:e];
+    gEventHandlers.push_back({c, e, (__bridge void *)h, s});
+}
+- (void)removeEventHandlerForEventClass:(AEEventClass)c andEventID:(AEEventID)e
+{
+    std::erase_if(
+        gEventHandlers, [&](const EventHandler &h) { return h.eventClass == c && h.eventID == e; });
 }
 @end

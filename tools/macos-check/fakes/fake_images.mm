@@ -21,7 +21,7 @@ static NSRect gDrawnIn;
 @public
     std::vector<unsigned char> _bytes;
     long _w, _h, _row;
-    bool _covered;
+    std::string _space;
 }
 @end
 @interface NSGraphicsContext () {
@@ -92,7 +92,8 @@ std::vector<NSGraphicsContext *> fake::gSaved;
     for (long y = 0; y < b->_h; ++y)
         for (long x = 0; x < b->_w; ++x)
             if (x * 2 < b->_w && y * 2 < b->_h)
-                b->_bytes[size_t(y * b->_row + x * 4 + 3)] = 255;
+                // Its right edge is smooth.
+                b->_bytes[size_t(y * b->_row + x * 4 + 3)] = (x + 1) * 2 < b->_w ? 255 : 102;
     if (r.origin.x != 0 || r.origin.y != 0 || r.size.width != s.width || r.size.height != s.height)
         fail("a symbol not drawn over the whole bitmap: " + text(r) + " of " + text(s));
 }
@@ -116,6 +117,7 @@ std::vector<NSGraphicsContext *> fake::gSaved;
         fail("a bitmap of a kind that the fakes do not know");
         return nil;
     }
+    _space = fake::str(c);
     _w = w;
     _h = h;
     _row = (w * 4 + 63) / 64 * 64; // Rows are longer than their pixels, as they may be.
@@ -130,6 +132,17 @@ std::vector<NSGraphicsContext *> fake::gSaved;
 - (NSInteger)bytesPerRow
 {
     return _row;
+}
+- (NSBitmapImageRep *)bitmapImageRepByRetaggingWithColorSpace:(NSColorSpace *)s
+{
+    NSBitmapImageRep *other = [NSBitmapImageRep alloc];
+    other->_bytes = _bytes;
+    other->_w = _w;
+    other->_h = _h;
+    other->_row = _row;
+    other->_space = s == NSColorSpace.sRGBColorSpace ? "srgb" : "another";
+    other.size = self.size;
+    return other;
 }
 @end
 @implementation NSGraphicsContext
@@ -171,8 +184,11 @@ extern "C" void NSRectFillUsingOperation(NSRect r, NSCompositingOperation o)
     for (size_t i = 0; i < b->_bytes.size(); i += 4) {
         const double under = b->_bytes[i + 3] / 255.0;
         const double a = gFill->_c[3] * (o == NSCompositingOperationSourceIn ? under : 1);
-        for (int k = 0; k < 3; ++k)
-            b->_bytes[i + size_t(k)] = (unsigned char)(gFill->_c[k] * a * 255 + 0.5);
+        for (int k = 0; k < 3; ++k) {
+            // A bitmap in another space than the colour's has other numbers for it.
+            const double c = b->_space == "srgb" ? gFill->_c[k] : gFill->_c[k] * gFill->_c[k];
+            b->_bytes[i + size_t(k)] = (unsigned char)(c * a * 255 + 0.5);
+        }
         b->_bytes[i + 3] = (unsigned char)(a * 255 + 0.5);
     }
 }
@@ -184,7 +200,8 @@ extern "C" void NSRectFillUsingOperation(NSRect r, NSCompositingOperation o)
 namespace fake {
 NSSize symbolSizeAt(double points)
 {
-    return NSMakeSize(points + 1, points + 2);
+    // Seldom whole numbers, as with the system's own.
+    return NSMakeSize(points + 0.75, points + 1.5);
 }
 Picture picture(NSImage *i)
 {

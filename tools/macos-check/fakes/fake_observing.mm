@@ -37,6 +37,12 @@ static void onDispose(void *o)
     for (auto &l : gListeners)
         if (l.observer == o)
             fail("an observer of " + l.name + " has gone without a word");
+    for (auto &t : gTrackings)
+        if ((__bridge void *)t.area->_owner == o)
+            fail("the owner of a tracking area has gone without a word");
+    for (auto &h : gEventHandlers)
+        if (h.handler == o)
+            fail("a handler of events has gone without a word");
 }
 
 __attribute__((constructor(200))) static void start()
@@ -47,7 +53,8 @@ __attribute__((constructor(200))) static void start()
 namespace fake {
 long observers()
 {
-    return long(gWatches.size() + gListeners.size() + gMonitors.size());
+    return long(gWatches.size() + gListeners.size() + gMonitors.size() + gTrackings.size()
+        + gEventHandlers.size());
 }
 id keyObserver()
 {
@@ -81,5 +88,24 @@ void finishLaunching()
     [NSNotificationCenter.defaultCenter
         postNotificationName:NSApplicationDidFinishLaunchingNotification
                       object:NSApplication.sharedApplication];
+}
+void wake()
+{
+    [NSWorkspace.sharedWorkspace.notificationCenter
+        postNotificationName:NSWorkspaceDidWakeNotification
+                      object:NSWorkspace.sharedWorkspace];
+}
+void postDistributed(const std::string &name)
+{
+    [NSDistributedNotificationCenter.defaultCenter postNotificationName:ns(name) object:nil];
+}
+void reopen()
+{
+    const auto copy = gEventHandlers;
+    NSAppleEventDescriptor *event = [[NSAppleEventDescriptor alloc] init];
+    for (const auto &h : copy)
+        if (h.eventClass == 0x61657674 && h.eventID == 0x72617070) // 'aevt', 'rapp'
+            ((void (*)(void *, SEL, void *, void *))(void *)objc_msgSend_for_tests)(
+                h.handler, h.selector, (__bridge void *)event, (__bridge void *)event);
 }
 } // namespace fake

@@ -54,6 +54,17 @@ struct Monitor {
 extern std::vector<Listener> gListeners;
 extern std::vector<Watch> gWatches;
 extern std::vector<Monitor> gMonitors;
+struct Tracking {
+    void *view;
+    NSTrackingArea *area;
+};
+struct EventHandler {
+    uint32_t eventClass, eventID;
+    void *handler; ///< Not held.
+    SEL selector;
+};
+extern std::vector<Tracking> gTrackings;
+extern std::vector<EventHandler> gEventHandlers;
 extern NSAppearance *gDrawing;
 extern NSColor *gFill;
 extern NSImage *gDrawn;
@@ -106,6 +117,20 @@ using namespace fake;
 }
 @end
 
+@interface NSNumber () {
+@public
+    double _value;
+    bool _boolean;
+}
+@end
+
+@interface NSTrackingArea () {
+@public
+    NSUInteger _options;
+    __unsafe_unretained id _owner;
+}
+@end
+
 @interface NSView () {
 @public
     std::vector<NSView *> _subs;
@@ -117,6 +142,7 @@ using namespace fake;
 @interface NSEvent () {
 @public
     NSEventType _t;
+    NSPoint _place;
 }
 @end
 

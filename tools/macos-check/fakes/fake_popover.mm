@@ -5,6 +5,7 @@ NSPopover *__weak fake::gPopover;
 @public
     bool _sh;
     NSWindow *_window;
+    int _shows;
 }
 @end
 @implementation NSPopover
@@ -51,7 +52,10 @@ NSPopover *__weak fake::gPopover;
         fail("a popover shown beside a view without a window");
     record("popover.show " + text(r) + " edge " + number(double(e))
         + (v == gItem.button ? " of the button" : " of another view"));
+    if (fake::world().popoverFailsToOpen)
+        return;
     _sh = true;
+    ++_shows;
     _window = [[NSWindow alloc] initWithContentRect:content.frame
                                           styleMask:0
                                             backing:NSBackingStoreBuffered
@@ -60,9 +64,11 @@ NSPopover *__weak fake::gPopover;
     _window->_visible = true;
     _window.contentView = content;
 }
-- (void)closed
+- (void)closed:(int)show
 {
-    _window = nil;
+    // The window of a show that came meanwhile is another.
+    if (show == _shows)
+        _window = nil;
     id<NSPopoverDelegate> d = self.delegate;
     if ([(NSObject *)d respondsToSelector:@selector(popoverDidClose:)])
         [d popoverDidClose:[NSNotification notificationWithName:@"NSPopoverDidClose" object:self]];
@@ -74,10 +80,11 @@ NSPopover *__weak fake::gPopover;
         return;
     _sh = false;
     NSPopover *me = self;
+    const int show = _shows;
     if (fake::world().closesSlowly)
-        fake::world().mainQueue.push_back([me] { [me closed]; }); // After the animation.
+        fake::world().mainQueue.push_back([me, show] { [me closed:show]; }); // After the animation.
     else
-        [self closed];
+        [self closed:show];
 }
 - (void)performClose:(id)s
 {

@@ -1,7 +1,48 @@
 #include "fake_parts.h"
 
+/// How far within its window a popover's content stands.
+constexpr double popoverFrame = 13;
+std::vector<Tracking> fake::gTrackings;
 @implementation NSResponder
 @end
+@implementation NSTrackingArea
+- (instancetype)initWithRect:(NSRect)r
+                     options:(NSTrackingAreaOptions)o
+                       owner:(id)owner
+                    userInfo:(NSDictionary *)u
+{
+    const auto when = NSTrackingActiveInActiveApp | NSTrackingActiveAlways;
+    if ((o & when) == 0 || (o & when) == when)
+        fail("a tracking area without one answer to when it is active"); // An exception.
+    _options = o;
+    _owner = owner;
+    return self;
+}
+@end
+static void point(NSView *view, NSPoint place, NSUInteger kind, SEL selector)
+{
+    NSEvent *e = [[NSEvent alloc] init];
+    e->_place = NSMakePoint(place.x + popoverFrame, place.y + popoverFrame);
+    const auto copy = gTrackings;
+    for (const auto &t : copy) {
+        const bool heard = fake::world().active || (t.area->_options & NSTrackingActiveAlways) != 0;
+        if (t.view == (__bridge void *)view && (t.area->_options & kind) != 0 && heard)
+            ((void (*)(void *, SEL, void *))(void *)objc_msgSend_for_tests)(
+                (__bridge void *)t.area->_owner, selector, (__bridge void *)e);
+    }
+}
+void fake::enterView(NSView *view, NSPoint place)
+{
+    point(view, place, NSTrackingMouseEnteredAndExited, @selector(mouseEntered:));
+}
+void fake::movePointer(NSView *view, NSPoint place)
+{
+    point(view, place, NSTrackingMouseMoved, @selector(mouseMoved:));
+}
+void fake::leaveView(NSView *view)
+{
+    point(view, {}, NSTrackingMouseEnteredAndExited, @selector(mouseExited:));
+}
 @implementation NSView
 @synthesize accessibilityLabel = _al, appearance = _ap, wantsLayer = _wl, layer = _ly;
 - (instancetype)initWithFrame:(NSRect)f
@@ -55,6 +96,22 @@
     return NSMakeRect(r.origin.x + self.frame.origin.x, r.origin.y + self.frame.origin.y,
         r.size.width, r.size.height);
 }
+- (NSPoint)convertPoint:(NSPoint)p fromView:(NSView *)v
+{
+    if (v != nil)
+        fail("convertPoint: from another view");
+    // Our views stand at the origin of their windows, but for the frame around a popover's.
+    return NSMakePoint(p.x - popoverFrame, p.y - popoverFrame);
+}
+- (void)addTrackingArea:(NSTrackingArea *)a
+{
+    gTrackings.push_back({(__bridge void *)self, a});
+}
+- (void)removeTrackingArea:(NSTrackingArea *)a
+{
+    if (std::erase_if(gTrackings, [&](const Tracking &t) { return t.area == a; }) != 1)
+        fail("removeTrackingArea: of one that does not track");
+}
 - (void)dealloc
 {
     for (NSView *v : _subs)
@@ -103,6 +160,10 @@ std::vector<Monitor> fake::gMonitors;
 - (NSEventType)type
 {
     return _t;
+}
+- (NSPoint)locationInWindow
+{
+    return _place;
 }
 + (id)addGlobalMonitorForEventsMatchingMask:(NSEventMask)m handler:(void (^)(NSEvent *))h
 {

@@ -50,6 +50,8 @@ void reset()
     gWatches.clear();
     gListeners.clear();
     gMonitors.clear();
+    gTrackings.clear();
+    gEventHandlers.clear();
     gSaved.clear();
     gContext = nil;
     gDrawn = nil;

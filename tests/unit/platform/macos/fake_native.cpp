@@ -89,13 +89,14 @@ void *NativeStatusItem::button() const
 
 struct NativePopover::Objects { };
 
-NativePopover::NativePopover(
-    double width, double height, std::function<void *()> button, std::function<void()> didClose)
+NativePopover::NativePopover(double width, double height, std::function<void *()> button,
+    std::function<void()> didClose, Hovered hovered)
 {
     fakeNative().popoverCalls.push_back(
         "made " + std::to_string(int(width)) + "x" + std::to_string(int(height)));
     fakeNative().popoverButton = std::move(button);
     fakeNative().popoverDidClose = std::move(didClose);
+    fakeNative().hover = std::move(hovered);
 }
 
 NativePopover::~NativePopover() = default;
@@ -119,7 +120,8 @@ bool NativePopover::isShown() const
 void NativePopover::show()
 {
     fakeNative().popoverCalls.emplace_back("show");
-    fakeNative().shown = fakeNative().popoverButton() != nullptr;
+    fakeNative().shown
+        = fakeNative().popoverButton() != nullptr && !fakeNative().popoverFailsToOpen;
 }
 
 void NativePopover::makeKey()
@@ -192,6 +194,21 @@ void NativeApplication::whenLaunched(std::function<void()> launched)
     fakeNative().launched = std::move(launched);
 }
 
+void NativeApplication::whenWoken(std::function<void()> woken)
+{
+    fakeNative().woken = std::move(woken);
+}
+
+void NativeApplication::whenAskedToShow(std::function<void()> asked)
+{
+    fakeNative().askedToShow = std::move(asked);
+}
+
+void NativeApplication::askOtherToShow()
+{
+    tell("askOtherToShow");
+}
+
 void NativeApplication::becomeAccessory()
 {
     tell("becomeAccessory");
@@ -212,6 +229,17 @@ NativeInformation nativeInformation()
     return {.version = fakeNative().version,
         .build = fakeNative().build,
         .systemVersion = fakeNative().systemVersion};
+}
+
+NativeDefault userDefault(const std::string &key)
+{
+    const auto found = fakeNative().defaults.find(key);
+    return found == fakeNative().defaults.end() ? NativeDefault() : found->second;
+}
+
+void setUserDefault(const std::string &key, const NativeDefault &value)
+{
+    fakeNative().defaults[key] = value;
 }
 
 // ---- pasteboard, workspace, log ----

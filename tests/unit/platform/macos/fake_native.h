@@ -4,9 +4,12 @@
 #include "platform/macos/native_label.h"
 #include "platform/macos/native_log.h"
 #include "platform/macos/native_login_item.h"
+#include "platform/macos/native_popover.h"
 #include "platform/macos/native_symbols.h"
+#include "platform/macos/native_user_defaults.h"
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,6 +33,8 @@ struct FakeNative {
     Texts popoverCalls;
     std::function<void *()> popoverButton;
     std::function<void()> popoverDidClose;
+    bool popoverFailsToOpen = false;
+    platform::NativePopover::Hovered hover;
 
     // The rest.
     Texts calls; ///< "register", "terminate", ... in order.
@@ -45,6 +50,9 @@ struct FakeNative {
     bool reducesMotion = false;
     std::function<void()> appearanceChanged;
     std::function<void()> launched;
+    std::function<void()> woken;
+    std::function<void()> askedToShow;
+    std::map<std::string, platform::NativeDefault> defaults;
     Texts symbols; ///< Those that exist.
     Texts log; ///< "level category text"
     platform::NativeRgba drawnColor;

@@ -8,14 +8,20 @@
 #include "platform/macos/mac_opener.h"
 #include "platform/macos/mac_pasteboard.h"
 #include "platform/macos/mac_popover.h"
+#include "platform/macos/mac_single_instance.h"
 #include "platform/macos/mac_status_item.h"
 #include "platform/macos/mac_symbols.h"
+#include "platform/macos/mac_user_defaults.h"
+#include "service/settings.h"
 #include "unit/platform/macos/fake_native.h"
 
 #include <QGuiApplication>
 #include <QLoggingCategory>
 #include <QMetaEnum>
+#include <QMouseEvent>
 #include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTest>
 #include <QUrl>
 #include <QWindow>
@@ -104,7 +110,10 @@ private Q_SLOTS:
     void theContentStandsInThePopoversView();
     void itShowsWhatIsUpToDate();
     void aCloseFromOutsideIsToldAndHidesTheContent();
+    void aLateCloseDoesNotBlankWhatWasOpenedAgain();
     void withoutAButtonTheContentStaysHidden();
+    void anOpeningThatFailsLeavesTheContentHidden();
+    void thePointerReachesTheContentWhileAnotherProgramIsInFront();
     void withoutContentNothingIsShown();
     void withoutAWindowForTheViewNothingIsShown();
     void itOpensAtTheButtonAlsoWhenNobodyClicked();
@@ -125,6 +134,12 @@ private Q_SLOTS:
     void theVersionsAreTheBundles();
     void theProgramIsAnAccessoryThatOutlivesItsWindows();
     void theEndOfLaunchingIsPassedOn();
+    void wakesAndSecondStartsArePassedOn();
+    void qtIsKeptFromActivatingTheProgram();
+    void onlyTheFirstProcessClaimsTheLock();
+    void withoutAFolderForTheLockEachStartIsTheFirst();
+    void defaultsKeepTheirKinds();
+    void theSettingsAreInTheUsersDefaults();
     void symbolsHaveTheSizeThatWasPromised();
     void aSymbolThatIsMissingIsNull();
     void messagesGoToTheSystemsLog();
@@ -339,6 +354,61 @@ void MacosAdaptersTest::aCloseFromOutsideIsToldAndHidesTheContent()
     stage.popover.performClose();
     QCOMPARE(closes.size(), 2);
     QCOMPARE(stage.loads, 1);
+}
+
+void MacosAdaptersTest::aLateCloseDoesNotBlankWhatWasOpenedAgain()
+{
+    PopoverStage stage;
+    const QSignalSpy closes(&stage.popover, &platform::Popover::didClose);
+    stage.popover.show({});
+    // The animation of the close begins, and ends after the popover was opened again.
+    fakeNative().shown = false;
+    stage.popover.show({});
+    stage.calls.clear();
+    fakeNative().popoverDidClose();
+    QCOMPARE(closes.size(), 1);
+    QCOMPARE(stage.calls, QStringList());
+    QVERIFY(stage.content->isVisible());
+}
+
+void MacosAdaptersTest::anOpeningThatFailsLeavesTheContentHidden()
+{
+    PopoverStage stage;
+    fakeNative().popoverFailsToOpen = true;
+    stage.popover.show({});
+    QVERIFY(!stage.popover.isShown());
+    QCOMPARE(stage.calls, (QStringList{u"shown"_s, u"hidden"_s}));
+    QVERIFY(!stage.content->isVisible());
+    fakeNative().popoverFailsToOpen = false;
+    stage.popover.show({});
+    QVERIFY(stage.content->isVisible());
+}
+
+void MacosAdaptersTest::thePointerReachesTheContentWhileAnotherProgramIsInFront()
+{
+    class Events final : public QObject {
+    public:
+        QStringList seen;
+
+    private:
+        bool eventFilter(QObject * /*window*/, QEvent *event) override
+        {
+            if (event->type() == QEvent::MouseMove) {
+                const auto *move = static_cast<QMouseEvent *>(event);
+                seen.append(u"%1,%2"_s.arg(move->position().x()).arg(move->position().y()));
+            } else if (event->type() == QEvent::Leave) {
+                seen.append(u"leave"_s);
+            }
+            return false;
+        }
+    } events;
+    PopoverStage stage;
+    fakeNative().hover(platform::NativePoint{.x = 1, .y = 2}); // Nothing is loaded yet.
+    stage.popover.show({});
+    stage.content->installEventFilter(&events);
+    fakeNative().hover(platform::NativePoint{.x = 20.5, .y = 10});
+    fakeNative().hover(std::nullopt);
+    QCOMPARE(events.seen, (QStringList{u"20.5,10"_s, u"leave"_s}));
 }
 
 void MacosAdaptersTest::withoutAButtonTheContentStaysHidden()
@@ -563,6 +633,92 @@ void MacosAdaptersTest::theEndOfLaunchingIsPassedOn()
     presence.whenLaunched([&launches] { ++launches; });
     fakeNative().launched();
     QCOMPARE(launches, 1);
+}
+
+void MacosAdaptersTest::wakesAndSecondStartsArePassedOn()
+{
+    int wakes = 0;
+    int requests = 0;
+    platform::MacApplicationPresence presence;
+    presence.whenWoken([&wakes] { ++wakes; });
+    presence.whenAskedToShow([&requests] { ++requests; });
+    fakeNative().woken();
+    QCOMPARE(wakes, 1);
+    QCOMPARE(requests, 0);
+    fakeNative().askedToShow();
+    QCOMPARE(requests, 1);
+}
+
+void MacosAdaptersTest::qtIsKeptFromActivatingTheProgram()
+{
+    qunsetenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM");
+    platform::keepQtFromActivating();
+    // Qt takes an empty one for none.
+    QVERIFY(!qEnvironmentVariableIsEmpty("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM"));
+}
+
+void MacosAdaptersTest::onlyTheFirstProcessClaimsTheLock()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"made/app.brimwatch.Brimwatch"_s);
+    std::optional<platform::MacSingleInstance> first(path);
+    platform::MacSingleInstance second(path);
+    QVERIFY(first->claim());
+    QVERIFY(first->claim());
+    QVERIFY(!second.claim());
+    platform::MacSingleInstance::askOther();
+    QCOMPARE(fakeNative().calls, Texts{"askOtherToShow"});
+    first.reset();
+    QVERIFY(second.claim());
+}
+
+void MacosAdaptersTest::withoutAFolderForTheLockEachStartIsTheFirst()
+{
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    platform::MacSingleInstance first(file.fileName() + u"/folder"_s);
+    platform::MacSingleInstance second(file.fileName() + u"/folder"_s);
+    QVERIFY(first.claim());
+    QVERIFY(second.claim());
+}
+
+void MacosAdaptersTest::defaultsKeepTheirKinds()
+{
+    using platform::NativeDefault;
+    platform::MacUserDefaults defaults;
+    QVERIFY(!defaults.value("none").isValid());
+    defaults.setValue("bool", false);
+    defaults.setValue("number", 35.5);
+    defaults.setValue("text", u"r\u00f6misch"_s);
+    QVERIFY((fakeNative().defaults
+        == std::map<std::string, NativeDefault>{{"bool", NativeDefault(false)},
+            {"number", NativeDefault(35.5)},
+            {"text", NativeDefault(std::string("r\u00f6misch"))}}));
+    QCOMPARE(defaults.value("bool"), QVariant(false));
+    QCOMPARE(defaults.value("number"), QVariant(35.5));
+    QCOMPARE(defaults.value("text"), QVariant(u"r\u00f6misch"_s));
+}
+
+void MacosAdaptersTest::theSettingsAreInTheUsersDefaults()
+{
+    platform::MacUserDefaults defaults;
+    service::SettingsStore store(defaults);
+    QCOMPARE(store.value(service::settings::lowQuotaThreshold), 20.0);
+    store.setValue(service::settings::lowQuotaThreshold, 35);
+    store.setValue(service::settings::showWeeklyInMenuBar, false);
+    store.setValue(service::settings::toolbarLabelStyle, u"icon"_s);
+    QCOMPARE(fakeNative().defaults.size(), std::size_t{3});
+    QCOMPARE(store.value(service::settings::lowQuotaThreshold), 35.0);
+    QCOMPARE(store.value(service::settings::showWeeklyInMenuBar), false);
+    QCOMPARE(store.value(service::settings::toolbarLabelStyle), u"icon"_s);
+    store.flush();
+    // What people write with the command `defaults`.
+    fakeNative().defaults["lowQuotaThreshold"] = std::string("40");
+    fakeNative().defaults["showWeeklyInMenuBar"] = 1.0;
+    fakeNative().defaults["toolbarLabelStyle"] = true;
+    QCOMPARE(store.value(service::settings::lowQuotaThreshold), 40.0);
+    QCOMPARE(store.value(service::settings::showWeeklyInMenuBar), true);
+    QCOMPARE(store.value(service::settings::toolbarLabelStyle), u"letter"_s);
 }
 
 void MacosAdaptersTest::symbolsHaveTheSizeThatWasPromised()

@@ -130,6 +130,8 @@ MACDECL_AVAIL(11.0)
                                      bitsPerPixel:(NSInteger)pixelBits;
 @property (nullable, readonly) unsigned char *bitmapData NS_RETURNS_INNER_POINTER;
 @property (readonly) NSInteger bytesPerRow;
+- (nullable NSBitmapImageRep *)bitmapImageRepByRetaggingWithColorSpace:(NSColorSpace *)space
+    MACDECL_AVAIL(10.6);
 @end
 
 @interface NSGraphicsContext : NSObject
@@ -167,12 +169,27 @@ typedef NS_OPTIONS(unsigned long long, NSEventMask) {
 
 @interface NSEvent : NSObject <NSCopying, NSCoding>
 @property (readonly) NSEventType type;
+@property (readonly) NSPoint locationInWindow;
 + (nullable id)addGlobalMonitorForEventsMatchingMask:(NSEventMask)mask
                                              handler:(void (^)(NSEvent *event))handler;
 + (void)removeMonitor:(id)monitor;
 @end
 
 @interface NSResponder : NSObject <NSCoding>
+@end
+
+typedef NS_OPTIONS(NSUInteger, NSTrackingAreaOptions) {
+    NSTrackingMouseEnteredAndExited = 0x01,
+    NSTrackingMouseMoved = 0x02,
+    NSTrackingActiveInActiveApp = 0x40,
+    NSTrackingActiveAlways = 0x80,
+    NSTrackingInVisibleRect = 0x200,
+};
+@interface NSTrackingArea : NSObject <NSCopying, NSCoding>
+- (instancetype)initWithRect:(NSRect)rect
+                     options:(NSTrackingAreaOptions)options
+                       owner:(nullable id)owner
+                    userInfo:(nullable NSDictionary *)userInfo;
 @end
 
 @protocol NSAccessibilityProtocol
@@ -193,6 +210,9 @@ typedef NS_OPTIONS(unsigned long long, NSEventMask) {
 - (void)addSubview:(NSView *)view;
 - (void)removeFromSuperview;
 - (NSRect)convertRect:(NSRect)rect toView:(nullable NSView *)view;
+- (NSPoint)convertPoint:(NSPoint)point fromView:(nullable NSView *)view;
+- (void)addTrackingArea:(NSTrackingArea *)area;
+- (void)removeTrackingArea:(NSTrackingArea *)area;
 @end
 
 @interface NSControl : NSView
@@ -326,6 +346,7 @@ FOUNDATION_EXPORT const NSNotificationName NSApplicationDidFinishLaunchingNotifi
 @interface NSApplication : NSResponder <NSAppearanceCustomization>
 @property (class, readonly, strong) NSApplication *sharedApplication;
 @property (readonly, copy) NSArray<NSWindow *> *windows;
+@property (readonly, getter=isActive) BOOL active;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
 - (void)terminate:(nullable id)sender;
 // There to be refused at our deployment target.
@@ -340,6 +361,7 @@ FOUNDATION_EXPORT const NSNotificationName NSApplicationDidFinishLaunchingNotifi
 @end
 FOUNDATION_EXPORT const NSNotificationName
     NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification;
+FOUNDATION_EXPORT const NSNotificationName NSWorkspaceDidWakeNotification;
 
 typedef NSString *NSPasteboardType;
 FOUNDATION_EXPORT const NSPasteboardType NSPasteboardTypeString;

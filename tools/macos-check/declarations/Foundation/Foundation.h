@@ -201,6 +201,23 @@ typedef NSString *NSAttributedStringKey;
                                 count:(NSUInteger)count;
 @end
 @interface NSNumber : NSObject <NSCopying, NSSecureCoding>
+@property (readonly) BOOL boolValue;
+@property (readonly) double doubleValue;
+@end
+
+// What tells a boolean from other numbers is CoreFoundation's.
+typedef const void *CFTypeRef;
+typedef unsigned long CFTypeID;
+FOUNDATION_EXPORT CFTypeID CFGetTypeID(CFTypeRef value);
+FOUNDATION_EXPORT CFTypeID CFBooleanGetTypeID(void);
+
+@interface NSUserDefaults : NSObject
+@property (class, readonly, strong) NSUserDefaults *standardUserDefaults;
+- (nullable id)objectForKey:(NSString *)key;
+- (void)setObject:(nullable id)value forKey:(NSString *)key;
+- (void)setBool:(BOOL)value forKey:(NSString *)key;
+- (void)setDouble:(double)value forKey:(NSString *)key;
+- (void)removeObjectForKey:(NSString *)key;
 @end
 
 // ---- errors, addresses, files, bundle, process ----
@@ -245,6 +262,29 @@ typedef NSString *NSNotificationName;
              object:(nullable id)object;
 - (void)postNotificationName:(NSNotificationName)name object:(nullable id)object;
 - (void)removeObserver:(id)observer;
+@end
+
+// ---- notifications and events between processes ----
+@interface NSDistributedNotificationCenter : NSNotificationCenter
++ (NSDistributedNotificationCenter *)defaultCenter;
+- (void)postNotificationName:(NSNotificationName)name
+                      object:(nullable NSString *)object
+                    userInfo:(nullable NSDictionary *)userInfo
+          deliverImmediately:(BOOL)immediately;
+@end
+
+typedef uint32_t AEEventClass;
+typedef uint32_t AEEventID;
+enum : uint32_t { kCoreEventClass = 'aevt', kAEReopenApplication = 'rapp' };
+@interface NSAppleEventDescriptor : NSObject <NSCopying, NSSecureCoding>
+@end
+@interface NSAppleEventManager : NSObject
++ (NSAppleEventManager *)sharedAppleEventManager;
+- (void)setEventHandler:(id)handler
+            andSelector:(SEL)selector
+          forEventClass:(AEEventClass)eventClass
+             andEventID:(AEEventID)eventID;
+- (void)removeEventHandlerForEventClass:(AEEventClass)eventClass andEventID:(AEEventID)eventID;
 @end
 
 // ---- key-value observing ----

@@ -19,6 +19,7 @@ Steps, all of them when none is named:
   link           universal, against stubs of the frameworks; every symbol has to come from one that we link
   sources        the program's other sources for the Mac, as CMake has them for it, and the link of all of it
   plist          Info.plist and the entitlements
+  bundle         what the packaging script says of bundles that lack a library
   lint           clang-tidy and the static analyzer's checkers for Objective-C
   run            the unchanged .mm files on Linux, on fakes, under the sanitizers: tests/macos
   declarations   what we declare of the frameworks against GNUstep's headers
@@ -51,7 +52,7 @@ while [ $# -gt 0 ]; do
     esac
     shift
 done
-[ ${#steps[@]} -gt 0 ] || steps=(compile link sources plist lint run declarations)
+[ ${#steps[@]} -gt 0 ] || steps=(compile link sources plist bundle lint run declarations)
 
 mkdir -p "$root/build"
 work=$(mktemp -d "$root/build/macos-check.XXXXXX")
@@ -343,6 +344,8 @@ declarations_step()
 
 plist_step() { check "Info.plist and the entitlements say what they must" python3 "$here/check_plists.py" "$root" "$minimum"; }
 
+bundle_step() { check "the packaging script finds every library that a bundle lacks" "$here/bundle_test.sh"; }
+
 sources_step()
 {
     # shellcheck source=tools/macos-check/sources.sh
@@ -356,6 +359,7 @@ for step in "${steps[@]}"; do
         link) link_step ;;
         sources) sources_step ;;
         plist) plist_step ;;
+        bundle) bundle_step ;;
         lint) lint_step ;;
         run) run_step ;;
         declarations) declarations_step ;;

@@ -51,6 +51,7 @@ struct NativeStatusItem::Objects { };
 
 NativeStatusItem::NativeStatusItem(std::function<void()> clicked)
 {
+    fakeNative().made.emplace_back("status item");
     fakeNative().click = std::move(clicked);
 }
 
@@ -92,6 +93,7 @@ struct NativePopover::Objects { };
 NativePopover::NativePopover(double width, double height, std::function<void *()> button,
     std::function<void()> didClose, Hovered hovered)
 {
+    fakeNative().made.emplace_back("popover");
     fakeNative().popoverCalls.push_back(
         "made " + std::to_string(int(width)) + "x" + std::to_string(int(height)));
     fakeNative().popoverButton = std::move(button);
@@ -142,6 +144,7 @@ struct NativeNotifier::Objects { };
 
 NativeNotifier::NativeNotifier(std::function<void(const std::string &)> activated)
 {
+    fakeNative().made.emplace_back("notifier");
     fakeNative().chooseNotification = std::move(activated);
 }
 
@@ -186,7 +189,11 @@ void NativeLoginItem::openSystemSettings()
 
 struct NativeApplication::Objects { };
 
-NativeApplication::NativeApplication() = default;
+NativeApplication::NativeApplication()
+{
+    fakeNative().made.emplace_back("application");
+}
+
 NativeApplication::~NativeApplication() = default;
 
 void NativeApplication::whenLaunched(std::function<void()> launched)
@@ -211,11 +218,13 @@ void NativeApplication::askOtherToShow()
 
 void NativeApplication::becomeAccessory()
 {
+    fakeNative().made.emplace_back("policy accessory");
     tell("becomeAccessory");
 }
 
 void NativeApplication::closeWindows()
 {
+    fakeNative().made.emplace_back("windows closed");
     tell("closeWindows");
 }
 
@@ -233,6 +242,7 @@ NativeInformation nativeInformation()
 
 NativeDefault userDefault(const std::string &key)
 {
+    fakeNative().defaultsRead.push_back(key);
     const auto found = fakeNative().defaults.find(key);
     return found == fakeNative().defaults.end() ? NativeDefault() : found->second;
 }
@@ -277,6 +287,7 @@ struct NativeAppearance::Objects { };
 
 NativeAppearance::NativeAppearance(std::function<void()> changed)
 {
+    fakeNative().made.emplace_back("appearance");
     fakeNative().appearanceChanged = std::move(changed);
 }
 

@@ -37,6 +37,8 @@ struct FakeNative {
     platform::NativePopover::Hovered hover;
 
     // The rest.
+    Texts made; ///< What was made of the system's things, and shown, in order.
+    Texts defaultsRead; ///< Keys.
     Texts calls; ///< "register", "terminate", ... in order.
     platform::NativeLoginItem::Status loginStatus
         = platform::NativeLoginItem::Status::NotRegistered;

@@ -35,6 +35,7 @@ void PlainTextTest::aCutIsBetweenCharacters_data()
     QTest::newRow("behind a pair") << u"ab🟢c"_s << u"ab🟢"_s;
     QTest::newRow("within a pair") << u"abc🟢c"_s << u"abc"_s;
     QTest::newRow("before a pair") << u"abcd🟢"_s << u"abcd"_s;
+    QTest::newRow("within a pair behind a Burmese letter") << u"a\u1000b🟢c"_s << u"a\u1000b"_s;
     QTest::newRow("before an accent") << u"abcd\u0301e"_s << u"abc"_s;
     QTest::newRow("within a flag") << u"ab🇫🇷"_s << u"ab"_s;
     QTest::newRow("within a family") << u"a👩\u200d👧"_s << u"a"_s;

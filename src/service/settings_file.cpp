@@ -248,8 +248,12 @@ QByteArray withLine(const QByteArray &content, const QByteArray &key, const QByt
         lines.prepend("[General]\n");
         return lines.join();
     }
-    if (!lines.at(end - 1).endsWith('\n'))
-        lines[end - 1].append('\n');
+    QByteArray &before = lines[end - 1];
+    if (!before.endsWith('\n'))
+        before.append('\n');
+    // A backslash at the end of the file would continue that line into ours.
+    if (linesOf(before + line).size() == 1)
+        before.append('\n');
     lines.insert(end, line);
     return lines.join();
 }

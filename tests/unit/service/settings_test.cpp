@@ -229,6 +229,9 @@ private Q_SLOTS:
             << QByteArray("[General]\nrefreshInterval=1\nrefreshInterval=300\n");
         QTest::newRow("no end of line") << QByteArray("[General]\nother=1")
                                         << QByteArray("[General]\nother=1\nrefreshInterval=300\n");
+        QTest::newRow("a backslash at the end")
+            << QByteArray("[General]\nother=\"\\")
+            << QByteArray("[General]\nother=\"\\\n\nrefreshInterval=300\n");
         QTest::newRow("a comment behind the header")
             << QByteArray("[General] ; mine\nrefreshInterval=1\n")
             << QByteArray("[General] ; mine\nrefreshInterval=300\n");

@@ -81,6 +81,18 @@ QString escaped(const QString &value)
     return result;
 }
 
+/// Without blanks around it, and without the carriage return of another system's line end. Other
+/// white space is part of a value.
+QByteArray withoutBlanks(QByteArrayView value)
+{
+    const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r'; };
+    while (!value.isEmpty() && isBlank(value.front()))
+        value = value.sliced(1);
+    while (!value.isEmpty() && isBlank(value.back()))
+        value.chop(1);
+    return value.toByteArray();
+}
+
 /// What is left of an argument without its field codes; absent when it was nothing but a code for
 /// files.
 std::optional<QString> withoutFieldCodes(const QString &argument)
@@ -157,7 +169,7 @@ QString DesktopEntryText::rawValue(QLatin1StringView key) const
     if (lines.isEmpty())
         return {};
     const QByteArray &line = m_lines[lines.last()];
-    return QString::fromUtf8(line.mid(line.indexOf('=') + 1).trimmed());
+    return QString::fromUtf8(withoutBlanks(QByteArrayView(line).sliced(line.indexOf('=') + 1)));
 }
 
 QString DesktopEntryText::value(QLatin1StringView key) const

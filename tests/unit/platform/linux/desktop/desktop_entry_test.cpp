@@ -165,6 +165,15 @@ private Q_SLOTS:
         QCOMPARE(entry->value("Name"_L1), u" a\\b\nc  "_s);
     }
 
+    void whiteSpaceAroundAValueIsAPartOfIt()
+    {
+        for (const QString &value : {u" a "_s, u"\ta\t"_s, u"\va\v"_s, u"\fa\f"_s, u"\ra\r"_s}) {
+            auto entry = DesktopEntryText::parse("[Desktop Entry]\n").value();
+            entry.set("Name"_L1, value);
+            QCOMPARE(entry.value("Name"_L1), value);
+        }
+    }
+
     void aKeyIsAddedToAFileThatEndsInItsLine()
     {
         auto entry = DesktopEntryText::parse("[Desktop Entry]\nName=B");

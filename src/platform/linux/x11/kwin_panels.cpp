@@ -25,9 +25,14 @@ QMargins kwinPanels(const QSize &desktop, XConnection &x)
     const auto manager = x.cardinals(root, managerAtom);
     if (manager.isEmpty() || x.property(manager.first(), x.atom(nameAtom)) != "KWin")
         return {};
+    return panelsOfWorkArea(
+        x.cardinals(root, workAreaAtom), x.cardinals(root, geometryAtom), desktop);
+}
+
+QMargins panelsOfWorkArea(
+    const QList<std::uint32_t> &area, const QList<std::uint32_t> &geometry, const QSize &desktop)
+{
     // There is one for each virtual desktop; they are alike, and the first is enough.
-    const auto area = x.cardinals(root, workAreaAtom);
-    const auto geometry = x.cardinals(root, geometryAtom);
     if (area.size() < 4 || geometry.size() < 2)
         return {};
     const std::uint32_t left = area[0];

@@ -23,6 +23,9 @@ constexpr const char *typeAtom = "_NET_WM_WINDOW_TYPE";
 constexpr const char *dockAtom = "_NET_WM_WINDOW_TYPE_DOCK";
 constexpr const char *workAreasAtom = "_GTK_WORKAREAS";
 
+/// More than any desktop has in a direction.
+constexpr std::uint32_t mostPixels = 1U << 20U;
+
 /// Of a strut: its four widths come first, then the two ends of each.
 constexpr int edgeCount = 4;
 enum Edge : std::uint8_t { Left, Right, Top, Bottom };
@@ -30,10 +33,8 @@ enum Edge : std::uint8_t { Left, Right, Top, Bottom };
 /// `strut`'s panel at that edge of the desktop, as it lies; empty without one.
 QRect roomOf(const Strut &strut, Edge edge, const QSize &desktop)
 {
-    const auto number = [](std::uint32_t value) {
-        constexpr std::uint32_t mostPixels = 1U << 20U;
-        return static_cast<int>(std::min(value, mostPixels));
-    };
+    const auto number
+        = [](std::uint32_t value) { return static_cast<int>(std::min(value, mostPixels)); };
     const int width = number(strut.at(edge));
     const int first = number(strut.at(edgeCount + 2 * edge));
     int last = number(strut.at(edgeCount + 2 * edge + 1));
@@ -128,13 +129,7 @@ QList<QRect> managersWorkAreas(XConnection &x)
         return {};
     const auto desktop = x.cardinals(root, currentDesktopAtom);
     const QByteArray name = "_GTK_WORKAREAS_D" + QByteArray::number(desktop.value(0));
-    const auto numbers = x.cardinals(root, name.constData());
-    constexpr int numbersEach = 4;
-    QList<QRect> result;
-    for (qsizetype i = 0; i + numbersEach <= numbers.size(); i += numbersEach)
-        result.append(
-            QRect(int(numbers[i]), int(numbers[i + 1]), int(numbers[i + 2]), int(numbers[i + 3])));
-    return result;
+    return workAreasOf(x.cardinals(root, name.constData()));
 }
 
 } // namespace
@@ -150,6 +145,21 @@ QRect withoutStruts(const QRect &monitor, const QSize &desktop, const QList<Stru
         }
     }
     return area;
+}
+
+QList<QRect> workAreasOf(const QList<std::uint32_t> &numbers)
+{
+    constexpr int numbersEach = 4;
+    QList<QRect> result;
+    for (qsizetype i = 0; i + numbersEach <= numbers.size(); i += numbersEach) {
+        const auto area = numbers.mid(i, numbersEach);
+        const bool isPossible = area[2] > 0 && area[3] > 0
+            && std::all_of(area.cbegin(), area.cend(),
+                [](std::uint32_t number) { return number <= mostPixels; });
+        if (isPossible)
+            result.append(QRect(int(area[0]), int(area[1]), int(area[2]), int(area[3])));
+    }
+    return result;
 }
 
 QRect withoutDocks(const QRect &area, const QRect &monitor, const QList<QRect> &docks)

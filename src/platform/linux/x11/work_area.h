@@ -26,6 +26,10 @@ QRect withoutStruts(const QRect &monitor, const QSize &desktop, const QList<Stru
 /// thick, at the edge that they are nearest to. All in native pixels.
 QRect withoutDocks(const QRect &area, const QRect &monitor, const QList<QRect> &docks);
 
+/// The work areas of a window manager (_GTK_WORKAREAS_D0), one for each monitor, from its numbers.
+/// Those that no desktop can have are left out.
+QList<QRect> workAreasOf(const QList<std::uint32_t> &numbers);
+
 /// The part of the screen that panels leave free, in Qt's coordinates.
 ///
 /// Qt knows one work area for all monitors (_NET_WORKAREA), which says little about each. Panels

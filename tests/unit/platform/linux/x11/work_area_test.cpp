@@ -58,6 +58,17 @@ private Q_SLOTS:
         QCOMPARE(withoutStruts(large, desktop, {above, below, thicker}), QRect(0, 30, 1280, 1370));
     }
 
+    void aWindowManagersWorkAreaThatNoDesktopCanHaveIsLeftOut()
+    {
+        constexpr std::uint32_t tooMany = 0x7fff'ffff;
+        QCOMPARE(workAreasOf({0, 28, 1280, 1412, 1280, 28, 1280, 692}),
+            (QList<QRect>{QRect(0, 28, 1280, 1412), QRect(1280, 28, 1280, 692)}));
+        QCOMPARE(workAreasOf({0, 28, 0, 1412, 0, 28, 1280, 0}), QList<QRect>());
+        QCOMPARE(workAreasOf({tooMany, 28, 1280, 1412, 0, tooMany, 1280, 1412}), QList<QRect>());
+        QCOMPARE(workAreasOf({1, 28, tooMany, 1412, 0, 28, 1280, tooMany}), QList<QRect>());
+        QCOMPARE(workAreasOf({0, 28, 1280}), QList<QRect>());
+    }
+
     void betweenMonitorsAPanelIsKnownByItsWindow_data()
     {
         QTest::addColumn<QRect>("dock");

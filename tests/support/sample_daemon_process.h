@@ -40,10 +40,7 @@ public:
 
     SampleDaemonProcess() = default;
     ~SampleDaemonProcess();
-    SampleDaemonProcess(const SampleDaemonProcess &) = delete;
-    SampleDaemonProcess &operator=(const SampleDaemonProcess &) = delete;
-    SampleDaemonProcess(SampleDaemonProcess &&) = delete;
-    SampleDaemonProcess &operator=(SampleDaemonProcess &&) = delete;
+    Q_DISABLE_COPY_MOVE(SampleDaemonProcess)
 
     /// Starts the daemon with these options and waits until it listens and its file stands. False
     /// when it does not come to that; errorText() then says why.

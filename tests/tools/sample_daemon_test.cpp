@@ -110,9 +110,15 @@ Answer ask(quint16 port, const Question &question)
     return receive(*socket);
 }
 
+/// Sends it the request for the quota.
+std::unique_ptr<QTcpSocket> sendTo(const SampleDaemonProcess &daemon)
+{
+    return sendTo(daemon.httpPort(), Question{.token = daemon.token()}.bytes());
+}
+
 Answer ask(const SampleDaemonProcess &daemon)
 {
-    return ask(daemon.httpPort(), {.token = daemon.token()});
+    return receive(*sendTo(daemon));
 }
 
 bool isQuota(const Answer &answer)
@@ -132,6 +138,20 @@ bool writeFile(const QString &path, const QByteArray &content)
 {
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+class StartedDaemon : public SampleDaemonProcess {
+public:
+    explicit StartedDaemon(const QStringList &options = {})
+    {
+        if (!start(options))
+            qFatal("%s", qPrintable(errorText()));
+    }
+};
+
+QString rowName()
+{
+    return QString::fromLatin1(QTest::currentDataTag());
 }
 
 struct Ended {
@@ -167,7 +187,6 @@ private Q_SLOTS:
     void answersTheQuotaRequest();
     void refusesWhatIsNotTheQuotaRequest_data();
     void refusesWhatIsNotTheQuotaRequest();
-    void refusesATokenThatComesTwice();
     void letsQuotaFallAndReset();
     void tellsTheChosenScenario_data();
     void tellsTheChosenScenario();
@@ -188,8 +207,7 @@ private Q_SLOTS:
     void closesEarly();
     void closesInTheMiddleOfTheBody();
     void answersWithWhatIsNotHttp();
-    void answersWithAHugeBody();
-    void answersWithAHugeHeader();
+    void answersWithAHugeBodyOrHeader();
     void floodsWithoutEnd_data();
     void floodsWithoutEnd();
     void answersInGzipUnasked();
@@ -236,8 +254,7 @@ void SampleDaemonTest::initTestCase()
 
 void SampleDaemonTest::announcesItselfInTheHomeFolder()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start(), qPrintable(daemon.errorText()));
+    StartedDaemon daemon;
 
     const auto path
         = u"%1/.gemini/antigravity/daemon/ls_%2.json"_s.arg(QDir::homePath()).arg(daemon.pid());
@@ -259,10 +276,8 @@ void SampleDaemonTest::announcesItselfInTheHomeFolder()
 void SampleDaemonTest::announcesWhatItIsToldTo()
 {
     const auto directory = m_folder.filePath(u"some where/else"_s);
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--directory"_s, directory, u"--file-name"_s, u"hub_x.json"_s,
-                 u"--token"_s, u"t"_s}),
-        qPrintable(daemon.errorText()));
+    StartedDaemon daemon(
+        {u"--directory"_s, directory, u"--file-name"_s, u"hub_x.json"_s, u"--token"_s, u"t"_s});
     QCOMPARE(daemon.filePath(), directory + "/hub_x.json"_L1);
     QCOMPARE(daemon.token(), "t");
     QVERIFY(isQuota(ask(daemon.httpPort(), {.token = "t"})));
@@ -270,10 +285,8 @@ void SampleDaemonTest::announcesWhatItIsToldTo()
 
 void SampleDaemonTest::givesEveryRunAnotherToken()
 {
-    SampleDaemonProcess one;
-    SampleDaemonProcess other;
-    QVERIFY2(one.start(), qPrintable(one.errorText()));
-    QVERIFY2(other.start(), qPrintable(other.errorText()));
+    StartedDaemon one;
+    StartedDaemon other;
     QVERIFY(one.token() != other.token());
     QCOMPARE(ask(one.httpPort(), {.token = other.token()}).status, 401);
 }
@@ -291,9 +304,7 @@ void SampleDaemonTest::answersTheQuotaRequest()
 {
     QFETCH(const QStringList, options);
     QFETCH(const bool, enveloped);
-    SampleDaemonProcess daemon;
-    QVERIFY2(
-        daemon.start(options + QStringList{u"--speed"_s, u"0"_s}), qPrintable(daemon.errorText()));
+    StartedDaemon daemon(options + QStringList{u"--speed"_s, u"0"_s});
     const auto answer = ask(daemon);
     QCOMPARE(answer.status, 200);
     QCOMPARE(answer.header("Content-Type"), "application/json");
@@ -323,6 +334,8 @@ void SampleDaemonTest::refusesWhatIsNotTheQuotaRequest_data()
     QTest::newRow("another token") << Question{.token = "wrong"} << 401;
     QTest::newRow("a token in other letters") << Question{.token = "Right"} << 401;
     QTest::newRow("no token") << Question{.token = ""} << 401;
+    QTest::newRow("a token that comes twice")
+        << Question{.token = "right", .moreHeaders = "X-Codeium-Csrf-Token: right\r\n"} << 401;
     QTest::newRow("another body") << Question{.token = "right", .body = "{ }"} << 400;
     QTest::newRow("no body") << Question{.token = "right", .body = ""} << 400;
 }
@@ -330,26 +343,16 @@ void SampleDaemonTest::refusesWhatIsNotTheQuotaRequest_data()
 void SampleDaemonTest::refusesWhatIsNotTheQuotaRequest()
 {
     QFETCH(const Question, question);
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--token"_s, u"right"_s}), qPrintable(daemon.errorText()));
+    StartedDaemon daemon({u"--token"_s, u"right"_s});
     const auto answer = ask(daemon.httpPort(), question);
     QTEST(answer.status, "status");
     QVERIFY(answer.json()["code"_L1].isString());
     QVERIFY(answer.json()["message"_L1].isString());
 }
 
-void SampleDaemonTest::refusesATokenThatComesTwice()
-{
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--token"_s, u"right"_s}), qPrintable(daemon.errorText()));
-    const Question twice{.token = "right", .moreHeaders = "X-Codeium-Csrf-Token: right\r\n"};
-    QCOMPARE(ask(daemon.httpPort(), twice).status, 401);
-}
-
 void SampleDaemonTest::letsQuotaFallAndReset()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--speed"_s, u"20000"_s}), qPrintable(daemon.errorText()));
+    StartedDaemon daemon({u"--speed"_s, u"20000"_s});
     const auto fraction = [&daemon] {
         return ask(daemon)
             .json()["response"_L1]["groups"_L1][0]["buckets"_L1][0]["remainingFraction"_L1]
@@ -386,10 +389,7 @@ void SampleDaemonTest::tellsTheChosenScenario()
     QFETCH(const int, groups);
     QFETCH(const double, firstFraction);
     QFETCH(const QString, partOfAName);
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--speed"_s, u"0"_s, u"--scenario"_s,
-                 QString::fromLatin1(QTest::currentDataTag())}),
-        qPrintable(daemon.errorText()));
+    StartedDaemon daemon({u"--speed"_s, u"0"_s, u"--scenario"_s, rowName()});
     const auto received = ask(daemon).json()["response"_L1]["groups"_L1].toArray();
     QCOMPARE(received.size(), groups);
     QCOMPARE(received[0]["buckets"_L1][0]["remainingFraction"_L1].toDouble(-1), firstFraction);
@@ -403,8 +403,7 @@ void SampleDaemonTest::servesTheBytesOfAFile()
 {
     const auto path = m_folder.filePath(u"summary"_s);
     QVERIFY(writeFile(path, "{\"groups\":[]}\n\xff"));
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--summary"_s, path}), qPrintable(daemon.errorText()));
+    StartedDaemon daemon({u"--summary"_s, path});
     QCOMPARE(ask(daemon).body, "{\"groups\":[]}\n\xff");
 
     QVERIFY(writeFile(path, "anew"));
@@ -416,8 +415,7 @@ void SampleDaemonTest::servesTheBytesOfAFile()
 
 void SampleDaemonTest::listensOnTheLoopbackAddressAlone()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start(), qPrintable(daemon.errorText()));
+    StartedDaemon daemon;
     // This machine too, yet not the one address that the daemon listens on.
     QTcpSocket socket;
     socket.connectToHost(QHostAddress(u"127.0.0.2"_s), daemon.httpPort());
@@ -427,8 +425,7 @@ void SampleDaemonTest::listensOnTheLoopbackAddressAlone()
 
 void SampleDaemonTest::tellsWhatCameOverTheWire()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--token"_s, u"right"_s}), qPrintable(daemon.errorText()));
+    StartedDaemon daemon({u"--token"_s, u"right"_s});
     const auto before = daemon.stats();
     QVERIFY(before);
     QCOMPARE(before->requests, 0);
@@ -472,8 +469,7 @@ void SampleDaemonTest::tellsWhatCameOverTheWire()
 
 void SampleDaemonTest::countsConnectionsThatSaidNothing()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start(), qPrintable(daemon.errorText()));
+    StartedDaemon daemon;
     const auto silent = sendTo(daemon.httpPort(), {});
     QTRY_COMPARE_WITH_TIMEOUT(daemon.stats().value().connections, 1, timeout);
     QCOMPARE(daemon.stats().value().requests, 0);
@@ -481,8 +477,7 @@ void SampleDaemonTest::countsConnectionsThatSaidNothing()
 
 void SampleDaemonTest::logsRequestsWhenAsked()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--log"_s}), qPrintable(daemon.errorText()));
+    StartedDaemon daemon({u"--log"_s});
     ask(daemon);
     ask(daemon.httpPort(), {.method = "DELETE", .path = "/x"});
     QTRY_COMPARE_WITH_TIMEOUT(daemon.logLines().size(), 2, timeout);
@@ -510,9 +505,7 @@ void SampleDaemonTest::answersWithTheWrongThing_data()
 void SampleDaemonTest::answersWithTheWrongThing()
 {
     QFETCH(const QByteArray, partOfTheBody);
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--misbehave"_s, QString::fromLatin1(QTest::currentDataTag())}),
-        qPrintable(daemon.errorText()));
+    StartedDaemon daemon({u"--misbehave"_s, rowName()});
     for (int time = 0; time < 2; ++time) {
         const auto answer = ask(daemon);
         QTEST(answer.status, "status");
@@ -524,10 +517,8 @@ void SampleDaemonTest::answersWithTheWrongThing()
 
 void SampleDaemonTest::redirectsWhereItIsTold()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--misbehave"_s, u"redirect"_s, u"--redirect-to"_s,
-                 u"http://127.0.0.1:9/over/there"_s}),
-        qPrintable(daemon.errorText()));
+    StartedDaemon daemon(
+        {u"--misbehave"_s, u"redirect"_s, u"--redirect-to"_s, u"http://127.0.0.1:9/over/there"_s});
     const auto answer = ask(daemon);
     QCOMPARE(answer.status, 302);
     QCOMPARE(answer.header("Location"), "http://127.0.0.1:9/over/there");
@@ -535,9 +526,8 @@ void SampleDaemonTest::redirectsWhereItIsTold()
 
 void SampleDaemonTest::hangsAfterReadingTheRequest()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--misbehave"_s, u"hang"_s}), qPrintable(daemon.errorText()));
-    const auto waiting = sendTo(daemon.httpPort(), Question{.token = daemon.token()}.bytes());
+    StartedDaemon daemon({u"--misbehave"_s, u"hang"_s});
+    const auto waiting = sendTo(daemon);
     QTRY_COMPARE_WITH_TIMEOUT(daemon.stats().value().requests, 1, timeout);
     // Later callers are heard while the first waits, and it is not turned away either.
     QVERIFY(!waiting->waitForReadyRead(0));
@@ -556,12 +546,10 @@ void SampleDaemonTest::dribblesABodyWithoutEnd()
     QFETCH(const QByteArray, statusLine);
     const auto path = m_folder.filePath(u"short"_s);
     QVERIFY(writeFile(path, "{\"groups\":[]}"));
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--summary"_s, path, u"--misbehave"_s,
-                 QString::fromLatin1(QTest::currentDataTag()), u"--dribble-interval"_s, u"20"_s}),
-        qPrintable(daemon.errorText()));
+    StartedDaemon daemon(
+        {u"--summary"_s, path, u"--misbehave"_s, rowName(), u"--dribble-interval"_s, u"20"_s});
 
-    const auto socket = sendTo(daemon.httpPort(), Question{.token = daemon.token()}.bytes());
+    const auto socket = sendTo(daemon);
     QByteArray received;
     int pieces = 0;
     // The whole body has come, and blanks beyond it, and no length was announced that could end it.
@@ -583,10 +571,8 @@ void SampleDaemonTest::dribblesABodyWithoutEnd()
 
 void SampleDaemonTest::dribblesAHeaderWithoutEnd()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--misbehave"_s, u"dribble-header"_s, u"--dribble-interval"_s, u"5"_s}),
-        qPrintable(daemon.errorText()));
-    const auto socket = sendTo(daemon.httpPort(), Question{.token = daemon.token()}.bytes());
+    StartedDaemon daemon({u"--misbehave"_s, u"dribble-header"_s, u"--dribble-interval"_s, u"5"_s});
+    const auto socket = sendTo(daemon);
     QByteArray received;
     while (!received.endsWith("X-Slow: xxxxxxxx")) {
         QVERIFY(socket->waitForReadyRead(timeout));
@@ -598,9 +584,8 @@ void SampleDaemonTest::dribblesAHeaderWithoutEnd()
 
 void SampleDaemonTest::closesEarly()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--misbehave"_s, u"close-early"_s}), qPrintable(daemon.errorText()));
-    const auto socket = sendTo(daemon.httpPort(), Question{.token = daemon.token()}.bytes());
+    StartedDaemon daemon({u"--misbehave"_s, u"close-early"_s});
+    const auto socket = sendTo(daemon);
     QVERIFY(socket->state() == QAbstractSocket::UnconnectedState
         || socket->waitForDisconnected(timeout));
     QCOMPARE(socket->readAll(), "");
@@ -609,9 +594,8 @@ void SampleDaemonTest::closesEarly()
 
 void SampleDaemonTest::closesInTheMiddleOfTheBody()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--misbehave"_s, u"close-mid-body"_s}), qPrintable(daemon.errorText()));
-    const auto socket = sendTo(daemon.httpPort(), Question{.token = daemon.token()}.bytes());
+    StartedDaemon daemon({u"--misbehave"_s, u"close-mid-body"_s});
+    const auto socket = sendTo(daemon);
     const auto answer = receive(*socket);
     QCOMPARE(answer.status, 200);
     QVERIFY(answer.body.startsWith("{\"response\":"));
@@ -621,8 +605,7 @@ void SampleDaemonTest::closesInTheMiddleOfTheBody()
 
 void SampleDaemonTest::answersWithWhatIsNotHttp()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--misbehave"_s, u"rubbish"_s}), qPrintable(daemon.errorText()));
+    StartedDaemon daemon({u"--misbehave"_s, u"rubbish"_s});
     const auto answer = ask(daemon);
     QCOMPARE(answer.status, 0);
     QVERIFY(!answer.body.isEmpty());
@@ -630,22 +613,17 @@ void SampleDaemonTest::answersWithWhatIsNotHttp()
     QVERIFY(daemon.terminate());
 }
 
-void SampleDaemonTest::answersWithAHugeBody()
+void SampleDaemonTest::answersWithAHugeBodyOrHeader()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--misbehave"_s, u"huge"_s}), qPrintable(daemon.errorText()));
-    const auto answer = ask(daemon);
-    QCOMPARE(answer.body.size(), 64 * 1024 * 1024);
-    QVERIFY(isQuota(answer));
-}
+    StartedDaemon body({u"--misbehave"_s, u"huge"_s});
+    const auto withBody = ask(body);
+    QCOMPARE(withBody.body.size(), 64 * 1024 * 1024);
+    QVERIFY(isQuota(withBody));
 
-void SampleDaemonTest::answersWithAHugeHeader()
-{
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--misbehave"_s, u"huge-header"_s}), qPrintable(daemon.errorText()));
-    const auto answer = ask(daemon);
-    QCOMPARE(answer.header("X-Filler").size(), 8 * 1024 * 1024);
-    QVERIFY(isQuota(answer));
+    StartedDaemon header({u"--misbehave"_s, u"huge-header"_s});
+    const auto withHeader = ask(header);
+    QCOMPARE(withHeader.header("X-Filler").size(), 8 * 1024 * 1024);
+    QVERIFY(isQuota(withHeader));
 }
 
 void SampleDaemonTest::floodsWithoutEnd_data()
@@ -663,10 +641,8 @@ void SampleDaemonTest::floodsWithoutEnd()
 {
     QFETCH(const QByteArray, head);
     QFETCH(const QByteArray, piece);
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--misbehave"_s, QString::fromLatin1(QTest::currentDataTag())}),
-        qPrintable(daemon.errorText()));
-    const auto socket = sendTo(daemon.httpPort(), Question{.token = daemon.token()}.bytes());
+    StartedDaemon daemon({u"--misbehave"_s, rowName()});
+    const auto socket = sendTo(daemon);
     QByteArray received;
     while (received.size() < 32LL * 1024 * 1024) {
         QVERIFY(socket->bytesAvailable() > 0 || socket->waitForReadyRead(timeout));
@@ -691,9 +667,7 @@ void SampleDaemonTest::answersInGzipUnasked()
     const auto path = m_folder.filePath(u"to pack"_s);
     const QByteArray content = "{\"groups\":[]}" + QByteArray(5000, ' ');
     QVERIFY(writeFile(path, content));
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--summary"_s, path, u"--misbehave"_s, u"gzip"_s}),
-        qPrintable(daemon.errorText()));
+    StartedDaemon daemon({u"--summary"_s, path, u"--misbehave"_s, u"gzip"_s});
     const auto answer = ask(daemon);
     QCOMPARE(answer.status, 200);
     QCOMPARE(answer.header("Content-Encoding"), "gzip");
@@ -710,8 +684,7 @@ void SampleDaemonTest::answersInGzipUnasked()
 
 void SampleDaemonTest::movesWhenItIsSignalled()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--file-name"_s, u"ls_demo.json"_s}), qPrintable(daemon.errorText()));
+    StartedDaemon daemon({u"--file-name"_s, u"ls_demo.json"_s});
     const auto port = daemon.httpPort();
     const auto file = daemon.filePath();
     const auto token = daemon.token();
@@ -739,9 +712,7 @@ void SampleDaemonTest::movesWhenItIsSignalled()
 
 void SampleDaemonTest::keepsItsTokenAndSchemeWhenItMoves()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start(httpsOptions("signed") + QStringList{u"--token"_s, u"same"_s}),
-        qPrintable(daemon.errorText()));
+    StartedDaemon daemon(httpsOptions("signed") + QStringList{u"--token"_s, u"same"_s});
     const auto port = daemon.httpsPort();
     QVERIFY(daemon.move());
     QVERIFY(daemon.httpsPort() != 0 && daemon.httpsPort() != port);
@@ -752,8 +723,7 @@ void SampleDaemonTest::keepsItsTokenAndSchemeWhenItMoves()
 
 void SampleDaemonTest::answersWhatComesInPieces()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start(), qPrintable(daemon.errorText()));
+    StartedDaemon daemon;
     const auto bytes = Question{.token = daemon.token()}.bytes();
     // Whole requests, and the first half of one.
     const auto socket = sendTo(daemon.httpPort(), bytes + bytes + bytes.first(bytes.size() / 2));
@@ -781,8 +751,7 @@ void SampleDaemonTest::servesHttpsWithACertificate_data()
 void SampleDaemonTest::servesHttpsWithACertificate()
 {
     QFETCH(const QSslError::SslError, error);
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start(httpsOptions(QTest::currentDataTag())), qPrintable(daemon.errorText()));
+    StartedDaemon daemon(httpsOptions(QTest::currentDataTag()));
     QCOMPARE(daemon.httpPort(), 0);
     const auto content = announced(daemon.filePath());
     QVERIFY(!content.contains("httpPort"_L1));
@@ -835,8 +804,7 @@ void SampleDaemonTest::removesItsFileWhenItEnds()
 
 void SampleDaemonTest::leavesItsFileWhenItIsKilled()
 {
-    SampleDaemonProcess daemon;
-    QVERIFY2(daemon.start({u"--directory"_s, m_folder.path()}), qPrintable(daemon.errorText()));
+    StartedDaemon daemon({u"--directory"_s, m_folder.path()});
     const auto pid = pid_t(daemon.pid());
     daemon.kill();
     QVERIFY(QFile::exists(daemon.filePath()));

@@ -148,6 +148,27 @@ void FakeTrayManager::setSlotSize(QSize size)
     m_x.flush();
 }
 
+void FakeTrayManager::setBackground(QColor color)
+{
+    const std::uint32_t pixel = pixelOf(color);
+    xcb_change_window_attributes(m_x.connection(), m_panel, XCB_CW_BACK_PIXEL, &pixel);
+    xcb_clear_area(m_x.connection(), 0, m_panel, 0, 0, 0, 0);
+    m_x.flush();
+}
+
+void FakeTrayManager::sendSize(QSize size)
+{
+    xcb_configure_notify_event_t event{};
+    event.response_type = XCB_CONFIGURE_NOTIFY;
+    event.event = m_docked.last();
+    event.window = m_docked.last();
+    event.width = static_cast<std::uint16_t>(size.width());
+    event.height = static_cast<std::uint16_t>(size.height());
+    xcb_send_event(m_x.connection(), 0, m_docked.last(), XCB_EVENT_MASK_NO_EVENT,
+        reinterpret_cast<const char *>(&event));
+    m_x.flush();
+}
+
 void FakeTrayManager::setSymbols(QColor color)
 {
     setColors(QList<QColor>(4, color));

@@ -47,6 +47,10 @@ public:
 
     void setSlotSize(QSize size);
     void setSymbols(QColor color);
+    /// Changes what is behind the items, without a word to them.
+    void setBackground(QColor color);
+    /// Tells the last item of a size that it does not have, as any program may.
+    void sendSize(QSize size);
     /// Tells its colours: those of its symbols, of errors, warnings and success.
     void setColors(const QList<QColor> &colors);
     /// Puts the last item out of the tray.

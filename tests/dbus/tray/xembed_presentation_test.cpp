@@ -87,6 +87,8 @@ private Q_SLOTS:
     void theBadgeAsksForASquare();
     void aSlotThatIsWidenedLaterShowsTheLabelAgain();
     void damageIsRepaired();
+    void aNewLabelStandsOnThePanelsNewColour();
+    void sizesThatNoWindowHasTakeNothingDown();
     void theSameItemIsNotDrawnAgain();
     void anotherDescriptionAloneIsNotDrawn();
     void leftAndRightClicksCountWhenTheButtonIsLetGo();
@@ -390,6 +392,39 @@ void XembedPresentationTest::damageIsRepaired()
     QTRY_VERIFY(isDrawn());
     m_manager->damage();
     QTRY_VERIFY(isDrawn());
+}
+
+void XembedPresentationTest::aNewLabelStandsOnThePanelsNewColour()
+{
+    dock({.transparent = false,
+        .symbols = {},
+        .background = QColor(0x20, 0x40, 0x60),
+        .program = {}});
+    QTRY_VERIFY(isDrawn());
+    settle();
+    m_manager->setBackground(Qt::white);
+    m_item->present(sampleItem(u"5h: 79%"_s));
+    QTRY_VERIFY(isDrawn(Background::Light));
+    QCOMPARE(m_manager->picture().pixelColor(0, 0), QColor(Qt::white));
+}
+
+void XembedPresentationTest::sizesThatNoWindowHasTakeNothingDown()
+{
+    dock({.symbols = {}, .proportional = true, .program = {}});
+    QTRY_VERIFY(isDrawn());
+    settle();
+    const QSize asked = m_manager->hintedSize();
+    constexpr int most = 65535;
+    for (const QSize size : {QSize(0, 0), QSize(most, most), QSize(0, most), QSize(most, 0)}) {
+        m_manager->sendSize(size);
+        settle();
+    }
+    m_manager->sendSize(m_manager->slot().size());
+    settle();
+    m_manager->damage();
+    QTRY_VERIFY(isDrawn());
+    QCOMPARE(m_manager->hintedSize(), asked);
+    QCOMPARE(m_lost->count(), 0);
 }
 
 void XembedPresentationTest::theSameItemIsNotDrawnAgain()

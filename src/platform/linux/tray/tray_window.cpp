@@ -284,7 +284,8 @@ void TrayWindow::handleButton(const xcb_button_press_event_t &event, bool isPres
 void TrayWindow::handleConfigure(QSize size)
 {
     Q_EMIT moved();
-    if (size == m_slot)
+    // Whoever sends an event may write any size into it. No window is empty.
+    if (size == m_slot || size.isEmpty())
         return;
     m_slot = size;
     Q_EMIT resized();

@@ -74,6 +74,8 @@ void XembedPresentation::present(const PresentedItem &item)
         readSymbolColors();
         m_window.dock(neededWidth());
     } else if (labelDiffers) {
+        // A bar that changes its colour need not expose us: it is looked at with each new label.
+        m_behind = {};
         askForWidth();
         draw();
     }

@@ -1,6 +1,7 @@
 #include "app/app_delegate.h"
 #include "app/command_line.h"
 #include "app/views_library.h"
+#include "platform/linux/bus/bus_return.h"
 #include "platform/linux/bus/bus_service.h"
 #include "platform/linux/bus/single_instance.h"
 #include "platform/linux/linux_desktop.h"
@@ -82,6 +83,9 @@ int run(const platform::SessionEnvironment &environment, int argc, char **argv, 
             else
                 QCoreApplication::exit(static_cast<int>(endSecondStart(outcome)));
         });
+    platform::BusReturn busReturn(platform::Session::bus());
+    QObject::connect(&busReturn, &platform::BusReturn::returned, application.get(),
+        [] { QCoreApplication::exit(platform::restartStatus); });
     singleInstance.claim();
     return QGuiApplication::exec();
 }
@@ -98,9 +102,13 @@ int main(int argc, char **argv)
         return static_cast<int>(app::ExitStatus::Failure);
     QString path;
     const int status = run(environment, argc, argv, path);
-    if (status != platform::replacementStatus)
+    if (status != platform::replacementStatus && status != platform::restartStatus)
         return status;
-    platform::continueAs(path);
-    std::fputs("brimwatch: was upgraded while it ran, and cannot start the new program\n", stderr);
+    const bool wasReplaced = status == platform::replacementStatus;
+    platform::continueAs(path, wasReplaced ? platform::Opening::Yes : platform::Opening::No);
+    std::fputs(wasReplaced
+            ? "brimwatch: was upgraded while it ran, and cannot start the new program\n"
+            : "brimwatch: cannot start anew on the session bus that is back\n",
+        stderr);
     return static_cast<int>(app::ExitStatus::Failure);
 }

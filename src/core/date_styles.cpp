@@ -131,6 +131,20 @@ QString DateStyles::dateAbbreviatedTimeStandard(const QDateTime &date) const
     return m_formats->write(m_formats->dateTimeStandard, date);
 }
 
+namespace {
+
+/// The script that a modifier of a locale's name asks for, as ICU names it; empty for others.
+QString scriptOf(const QString &modifier)
+{
+    if (modifier == "latin"_L1 || modifier == "iqtelif"_L1)
+        return u"Latn"_s;
+    if (modifier == "cyrillic"_L1)
+        return u"Cyrl"_s;
+    return modifier == "devanagari"_L1 ? u"Deva"_s : QString();
+}
+
+} // namespace
+
 QString userDateLocale()
 {
     const QString english = u"en_US"_s;
@@ -138,9 +152,14 @@ QString userDateLocale()
         QString name = qEnvironmentVariable(variable);
         if (name.isEmpty())
             continue;
-        name.truncate(name.indexOf(u'@') < 0 ? name.size() : name.indexOf(u'@'));
-        name.truncate(name.indexOf(u'.') < 0 ? name.size() : name.indexOf(u'.'));
-        return name.isEmpty() || name == "C"_L1 || name == "POSIX"_L1 ? english : name;
+        const QString script = scriptOf(name.section(u'@', 1));
+        name = name.section(u'@', 0, 0).section(u'.', 0, 0);
+        if (name.isEmpty() || name == "C"_L1 || name == "POSIX"_L1)
+            return english;
+        // ICU has the script behind the language: "sr_Latn_RS".
+        if (!script.isEmpty())
+            name.insert(name.section(u'_', 0, 0).size(), u'_' + script);
+        return name;
     }
     // Programs of macOS are started without these variables.
     const QString name = QLocale::system().name();

@@ -40,10 +40,11 @@ PopoverContentFactory unlessReplaced(PopoverContentFactory factory)
     };
 }
 
-void continueAs(const QString &program)
+void continueAs(const QString &program, Opening opening)
 {
     QByteArray path = QFile::encodeName(program);
-    qputenv(openingVariable, "1");
+    if (opening == Opening::Yes)
+        qputenv(openingVariable, "1");
     const std::array<char *, 2> arguments{path.data(), nullptr};
     ::execv(path.constData(), arguments.data());
     qunsetenv(openingVariable);

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <cstdint>
+
 namespace brimwatch::platform {
 
 /// What the event loop returns when the program is to be started anew in its own place. No exit
@@ -19,9 +21,15 @@ bool programWasReplaced(const QString &program);
 /// with replacementStatus.
 PopoverContentFactory unlessReplaced(PopoverContentFactory factory);
 
-/// Runs the program at that path in place of this one; it opens its popover. To be called when the
-/// objects of this one are gone. Returns only when the program cannot be run.
-void continueAs(const QString &program);
+/// The same for a program that is to be started anew without opening its popover.
+inline constexpr int restartStatus = 1001;
+
+/// Whether the program that runs in place of this one opens its popover.
+enum class Opening : std::uint8_t { No, Yes };
+
+/// Runs the program at that path in place of this one. To be called when the objects of this one
+/// are gone. Returns only when the program cannot be run.
+void continueAs(const QString &program, Opening opening);
 
 /// Whether this process runs in place of one that was to open its popover. True once.
 bool takesOverOpening();

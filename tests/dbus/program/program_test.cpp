@@ -15,6 +15,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <unistd.h>
@@ -388,6 +389,64 @@ private Q_SLOTS:
         QCOMPARE(second.exitCode(), 0);
         QVERIFY(second.errors().startsWith(u"brimwatch: already running; "_s));
         QVERIFY(!first.hasEnded());
+    }
+
+    void whatStandsInTheLocksPlaceStopsNobody()
+    {
+        test::SampleDaemonProcess daemon;
+        QVERIFY2(daemon.start(), qPrintable(daemon.errorText()));
+        const QTemporaryDir folder;
+        QVERIFY(QDir(folder.path()).mkpath(u"brimwatch.lock/full"_s));
+        auto environment = Program::withoutBus();
+        environment.insert(u"XDG_RUNTIME_DIR"_s, folder.path());
+        Program program(environment);
+        QTRY_VERIFY_WITH_TIMEOUT(daemon.stats()->requests == 1 || program.hasEnded(), timeout);
+        QVERIFY2(!program.hasEnded(), qPrintable(program.errors()));
+    }
+
+    void aBusThatIsBackIsRejoined()
+    {
+        const QTemporaryDir folder;
+        const QString address = u"unix:path="_s + folder.filePath(u"bus"_s);
+        auto environment = Program::usual();
+        environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, address);
+        QProcess bus;
+        const auto startBus = [&] {
+            bus.start(u"dbus-daemon"_s,
+                {u"--session"_s, u"--nofork"_s, u"--nopidfile"_s, u"--print-address"_s,
+                    u"--address="_s + address});
+            return bus.waitForReadyRead(timeout);
+        };
+        const auto hasProgram = [&] {
+            const QString name = u"look"_s;
+            const bool has = QDBusConnection::connectToBus(address, name)
+                                 .interface()
+                                 ->isServiceRegistered(platform::bus::service)
+                                 .value();
+            QDBusConnection::disconnectFromBus(name);
+            return has;
+        };
+        QVERIFY(startBus());
+        Program first(environment);
+        const qint64 pid = first.pid();
+        QTRY_VERIFY_WITH_TIMEOUT(hasProgram(), timeout);
+        bus.kill();
+        QVERIFY(bus.waitForFinished(timeout));
+        QVERIFY(startBus());
+        QTRY_VERIFY_WITH_TIMEOUT(hasProgram(), timeout);
+        QVERIFY(!first.hasEnded());
+        QCOMPARE(first.pid(), pid);
+        QCOMPARE(popovers(), 0);
+        // A second start finds the first again.
+        Program second(environment);
+        QVERIFY(second.waitForEnd());
+        QCOMPARE(second.exitCode(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, timeout);
+        QVERIFY(!first.hasEnded());
+        first.send(SIGTERM);
+        QVERIFY(first.waitForEnd());
+        bus.terminate();
+        QVERIFY(bus.waitForFinished(timeout));
     }
 
     void aRuntimeFolderThatHoldsNoLockStopsNobody()

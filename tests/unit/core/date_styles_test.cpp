@@ -137,6 +137,9 @@ void DateStylesTest::theLocaleIsTheFirstThatIsSet_data()
     QTest::newRow("encoding and modifier go")
         << none << none << QByteArray("de_DE.UTF-8@euro") << u"de_DE"_s;
     QTest::newRow("modifier alone goes") << none << none << QByteArray("de_DE@euro") << u"de_DE"_s;
+    QTest::newRow("a script") << none << none << QByteArray("sr_RS.UTF-8@latin") << u"sr_Latn_RS"_s;
+    QTest::newRow("a script without a region")
+        << none << none << QByteArray("uz@cyrillic") << u"uz_Cyrl"_s;
     QTest::newRow("C") << none << none << QByteArray("C") << u"en_US"_s;
     QTest::newRow("C with an encoding") << none << none << QByteArray("C.UTF-8") << u"en_US"_s;
     QTest::newRow("POSIX") << none << none << QByteArray("POSIX") << u"en_US"_s;

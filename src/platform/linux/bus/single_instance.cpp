@@ -14,6 +14,19 @@ namespace brimwatch::platform {
 
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+
+/// Whether the process that a lock file names is there.
+bool isHeld(const QLockFile &lock)
+{
+    qint64 pid = 0;
+    QString host;
+    QString program;
+    return lock.getLockInfo(&pid, &host, &program) && QFileInfo::exists(u"/proc/%1"_s.arg(pid));
+}
+
+} // namespace
+
 SingleInstance::SingleInstance(QDBusConnection bus, const QString &runtimeFolder, QObject *parent)
     : QObject(parent)
     , m_bus(std::move(bus))
@@ -80,8 +93,10 @@ void SingleInstance::decideByName()
 
 void SingleInstance::decideByLock()
 {
-    // Only a lock that another holds means that there is another; an error does not.
-    if (m_lock && !m_lock->tryLock() && m_lock->error() == QLockFile::LockFailedError)
+    // Only a lock that another holds means that there is another; an error does not, nor does what
+    // stands in its place and cannot be removed.
+    if (m_lock && !m_lock->tryLock() && m_lock->error() == QLockFile::LockFailedError
+        && isHeld(*m_lock))
         Q_EMIT decided(Outcome::OtherLocked);
     else
         Q_EMIT decided(Outcome::First);

@@ -30,6 +30,9 @@ if(BRIMWATCH_SANITIZE)
         -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     target_link_options(brimwatch_build_flags INTERFACE -fsanitize=address,undefined)
 endif()
+if(BRIMWATCH_FUZZ)
+    target_compile_options(brimwatch_build_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # What generated QML code trips over is left out of this one.
 add_library(brimwatch_strict_flags INTERFACE)
@@ -152,11 +155,11 @@ function(brimwatch_executable name)
     target_link_libraries(${name} PRIVATE ${arg_LINKS} brimwatch_strict_flags)
 endfunction()
 
-# brimwatch_test(NAME SOURCES... LINKS... [DBUS] [LABELS...] [ENVIRONMENT...]): a Qt Test program known to ctest under
-# NAME. It sees no display and its own empty home; with DBUS it runs on a session bus of its own,
+# brimwatch_test(NAME SOURCES... LINKS... [DBUS] [ARGUMENTS...] [LABELS...] [ENVIRONMENT...]): a Qt Test program known to
+# ctest under NAME. It sees no display and its own empty home; with DBUS it runs on a session bus of its own,
 # which starts only the services in that home.
 function(brimwatch_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "DBUS" "" "SOURCES;LINKS;LABELS;ENVIRONMENT")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "DBUS" "" "SOURCES;LINKS;ARGUMENTS;LABELS;ENVIRONMENT")
     add_executable(${name} ${arg_SOURCES})
     _brimwatch_target(${name})
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
@@ -166,7 +169,7 @@ function(brimwatch_test name)
         target_link_libraries(${name} PRIVATE brimwatch_test_flags)
     endif()
     set(home "${CMAKE_CURRENT_BINARY_DIR}/${name}.home")
-    set(command "$<TARGET_FILE:${name}>")
+    set(command "$<TARGET_FILE:${name}>" ${arg_ARGUMENTS})
     if(arg_DBUS)
         set(bus "${CMAKE_CURRENT_BINARY_DIR}/${name}.bus.conf")
         configure_file("${PROJECT_SOURCE_DIR}/tests/support/session-bus.conf.in" "${bus}" @ONLY)

@@ -257,6 +257,9 @@ void DesktopEntryText::remove(QLatin1StringView key)
 
 bool canBeStarted(const QString &program)
 {
+    // No file has such a name, and Qt complains of one.
+    if (program.contains(QChar::Null))
+        return false;
     if (program.startsWith(u'/')) {
         const QFileInfo info(program);
         return info.isFile() && info.isExecutable();

@@ -165,6 +165,16 @@ private Q_SLOTS:
         QCOMPARE(entry->value("Name"_L1), u" a\\b\nc  "_s);
     }
 
+    void aProgramWithANulInItsNameCannotBeStarted()
+    {
+        QVERIFY(canBeStarted(u"/bin/sh"_s));
+        QVERIFY(!canBeStarted(u"/bin/sh\0x"_s));
+        QVERIFY(!canBeStarted(u"sh\0x"_s));
+        const auto entry = DesktopEntryText::parse(
+            QByteArrayLiteral("[Desktop Entry]\nType=Application\nExec=/bin/sh\0\n"));
+        QVERIFY(entry && entry->startableCommand().isEmpty());
+    }
+
     void whiteSpaceAroundAValueIsAPartOfIt()
     {
         for (const QString &value : {u" a "_s, u"\ta\t"_s, u"\va\v"_s, u"\fa\f"_s, u"\ra\r"_s}) {

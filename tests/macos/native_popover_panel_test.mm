@@ -56,6 +56,24 @@ BRIMWATCH_SENTENCE(thePanelStandsBelowTheButtonWithinTheScreen)
         > fake::recordedAt("panel.frameOrigin 1060,385"));
 }
 
+BRIMWATCH_SENTENCE(onASecondScreenThePanelStandsWithinThatOne)
+{
+    // Left of the first one, and lower.
+    fake::world().visibleFrame = NSMakeRect(-1920, -300, 1920, 1055);
+    fake::world().itemOrigin = NSMakePoint(-60, 757);
+    {
+        Bar bar;
+        bar.popover.show();
+        // The button ends at 2: right-aligned with the screen's edge at 0.
+        CHECK(fake::recordedAt("panel.frameOrigin -380,264") >= 0);
+    }
+    // Too far left: the screen's edge again.
+    fake::world().itemOrigin = NSMakePoint(-1920, 757);
+    Bar bar;
+    bar.popover.show();
+    CHECK(fake::recordedAt("panel.frameOrigin -1920,264") >= 0);
+}
+
 BRIMWATCH_SENTENCE(thePanelGetsTheKeyboard)
 {
     Bar bar;
@@ -67,6 +85,7 @@ BRIMWATCH_SENTENCE(thePanelGetsTheKeyboard)
     CHECK(key > fake::recordedAt("panel.orderFrontRegardless"));
     CHECK(fake::recordedAt("panel.makeFirstResponder") > key);
     CHECK(fake::recordedAt("panel refuses to be key") < 0);
+    CHECK(fake::firstResponder(fake::panel()) == content);
     [content removeFromSuperview];
 }
 
@@ -77,6 +96,10 @@ BRIMWATCH_SENTENCE(aClickOnAnotherProgramClosesThePanel)
     fake::clickOutside();
     CHECK(!bar.popover.isShown());
     CHECK(bar.closed == 1);
+    bar.popover.show();
+    fake::clickOutside(true);
+    CHECK(!bar.popover.isShown());
+    CHECK(bar.closed == 2);
     CHECK(fake::observers() == 1); // The pointer's.
 }
 

@@ -65,6 +65,7 @@ BRIMWATCH_SENTENCE(itsWindowGetsTheKeyboardAfterItIsShown)
     const int key = fake::recordedAt("popover window.makeKeyWindow");
     const int responder = fake::recordedAt("popover window.makeFirstResponder");
     CHECK(shown >= 0 && key > shown && responder > key);
+    CHECK(fake::firstResponder(viewOf(bar.popover).window) == content);
     [content removeFromSuperview];
 }
 
@@ -102,6 +103,10 @@ BRIMWATCH_SENTENCE(aClickElsewhereClosesItAndItSaysSo)
     fake::clickOutside();
     CHECK(!bar.popover.isShown());
     CHECK(bar.closed == 1);
+    bar.popover.show();
+    fake::clickOutside(true);
+    CHECK(!bar.popover.isShown());
+    CHECK(bar.closed == 2);
 }
 
 BRIMWATCH_SENTENCE(aPressOnTheItemClosesItBeforeTheActionComes)

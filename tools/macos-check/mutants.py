@@ -107,7 +107,7 @@ MUTANTS = [
     ("native_login_item", "unregistering registers", "[SMAppService.mainAppService unregisterAndReturnError:&error]", "[SMAppService.mainAppService registerAndReturnError:&error]"),
     ("native_login_item", "BOOL is not bool on Intel", "    if (succeeded)\n", "    if (std::max(succeeded, false))\n", "#include <algorithm>"),
     ("native_login_item", "std::format at 13.0", "return fromNSString(error.localizedDescription);", 'return std::format("{}", fromNSString(error.localizedDescription));', "#include <format>"),
-    ("native_login_item", "a class that is nowhere to be linked from", "return fromNSString(error.localizedDescription);", "(void)[[NSNumber alloc] init];\n    return fromNSString(error.localizedDescription);"),
+    ("native_login_item", "a class that is nowhere to be linked from", "return fromNSString(error.localizedDescription);", "(void)[[NSError alloc] init];\n    return fromNSString(error.localizedDescription);"),
     ("native_pasteboard", "pasteboard not cleared", "    [pasteboard clearContents];\n", ""),
     ("native_pasteboard", "text before clearing", "    [pasteboard clearContents];\n    [pasteboard setString:toNSString(text) forType:NSPasteboardTypeString];", "    [pasteboard setString:toNSString(text) forType:NSPasteboardTypeString];\n    [pasteboard clearContents];"),
     ("native_workspace", "nil address opened", "    if (NSURL *url = [NSURL URLWithString:toNSString(address)])\n        [NSWorkspace.sharedWorkspace openURL:url];", "    NSURL *url = [NSURL URLWithString:toNSString(address)];\n    [NSWorkspace.sharedWorkspace openURL:url];"),

@@ -38,6 +38,8 @@ struct World {
     std::set<std::string> rigidSymbols; ///< It takes no configuration.
     std::set<std::string> files;
     bool statusItemHasButton = true;
+    NSPoint itemOrigin = {1400, 878}; ///< Of its window, on all screens together.
+    NSRect visibleFrame = {{0, 0}, {1440, 870}}; ///< Of the screen with the item.
     SMAppServiceStatus loginStatus = SMAppServiceStatusNotRegistered;
     SMAppServiceStatus loginStatusAfterRegistering = SMAppServiceStatusEnabled;
     std::string loginError; ///< Not empty: registering and unregistering fail with it.
@@ -88,7 +90,7 @@ void postDistributed(const std::string &name);
 /// A click on the item: the transient popover closes with the press, the action comes with the
 /// release.
 void clickStatusItem(bool right = false);
-void clickOutside();
+void clickOutside(bool right = false);
 /// The pointer comes into a view, moves, or leaves it; from the view's lower left corner.
 void enterView(NSView *view, NSPoint place);
 void movePointer(NSView *view, NSPoint place);
@@ -101,6 +103,8 @@ long presentationOptions();
 NSStatusItem *statusItem();
 NSPopover *popover();
 NSPanel *panel();
+/// Who gets the keys of a window; nil when that is the window itself.
+NSResponder *firstResponder(NSWindow *window);
 int statusItemsInBar();
 /// Of keys, of notifications, of events outside, of pointers and of being reopened, together.
 long observers();

@@ -96,6 +96,9 @@ std::vector<NSGraphicsContext *> fake::gSaved;
                 b->_bytes[size_t(y * b->_row + x * 4 + 3)] = (x + 1) * 2 < b->_w ? 255 : 102;
     if (r.origin.x != 0 || r.origin.y != 0 || r.size.width != s.width || r.size.height != s.height)
         fail("a symbol not drawn over the whole bitmap: " + text(r) + " of " + text(s));
+    // Otherwise it is scaled as a picture, and its lines with it.
+    if (r.size.width != _sz.width || r.size.height != _sz.height)
+        fail("a symbol of " + text(_sz) + " drawn in " + text(r.size));
 }
 @end
 @implementation NSImageRep

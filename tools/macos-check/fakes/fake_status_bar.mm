@@ -29,10 +29,12 @@ NSStatusItem *__weak fake::gItem;
     NSStatusItem *i = [[NSStatusItem alloc] init];
     if (fake::world().statusItemHasButton) {
         i->_b = [[NSStatusBarButton alloc] initWithFrame:NSMakeRect(2, 1, 60, 22)];
-        i->_barWindow = [[NSWindow alloc] initWithContentRect:NSMakeRect(1400, 878, 60, 22)
-                                                    styleMask:0
-                                                      backing:NSBackingStoreBuffered
-                                                        defer:NO];
+        i->_barWindow =
+            [[NSWindow alloc] initWithContentRect:NSMakeRect(fake::world().itemOrigin.x,
+                                                      fake::world().itemOrigin.y, 60, 22)
+                                        styleMask:0
+                                          backing:NSBackingStoreBuffered
+                                            defer:NO];
         i->_b->_win = i->_barWindow;
     }
     _items.push_back(i); // It stays there until it is removed.
@@ -96,8 +98,8 @@ void clickStatusItem(bool right)
         ((void (*)(void *, SEL, void *))(void *)objc_msgSend_for_tests)(
             (__bridge void *)target, action, (__bridge void *)b);
 }
-void clickOutside()
+void clickOutside(bool right)
 {
-    pressOutside(NSEventTypeLeftMouseDown);
+    pressOutside(right ? NSEventTypeRightMouseDown : NSEventTypeLeftMouseDown);
 }
 } // namespace fake

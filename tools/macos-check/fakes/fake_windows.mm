@@ -3,7 +3,7 @@
 @implementation NSScreen
 - (NSRect)visibleFrame
 {
-    return NSMakeRect(0, 0, 1440, 870);
+    return fake::world().visibleFrame;
 }
 @end
 NSPanel *__weak fake::gPanel;
@@ -112,8 +112,13 @@ static NSWindow *__weak gKey;
 {
     self = [super initWithContentRect:r styleMask:s backing:b defer:d];
     _name = "panel";
+    self.hidesOnDeactivate = YES; // As the system has it for panels, and not for windows.
     record("panel style " + number(double(s)));
     gPanel = self;
     return self;
 }
 @end
+NSResponder *fake::firstResponder(NSWindow *window)
+{
+    return window->_first;
+}

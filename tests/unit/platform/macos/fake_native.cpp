@@ -334,10 +334,12 @@ NativePixels drawSymbol(const NativeSymbol &symbol, const NativeRgba &color, dou
     if (pixels.width <= 0 || pixels.height <= 0)
         return {};
     fakeNative().drawnColor = color;
-    const auto count
-        = static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height);
-    for (std::size_t i = 0; i < count; ++i)
-        pixels.rgba.insert(pixels.rgba.end(), {200, 100, 50, 255});
+    fakeNative().drawnWeight = symbol.weight;
+    // Green counts the columns.
+    for (int y = 0; y < pixels.height; ++y) {
+        for (int x = 0; x < pixels.width; ++x)
+            pixels.rgba.insert(pixels.rgba.end(), {200, static_cast<std::uint8_t>(x), 50, 255});
+    }
     return pixels;
 }
 

@@ -58,6 +58,7 @@ struct FakeNative {
     Texts symbols; ///< Those that exist.
     Texts log; ///< "level category text"
     platform::NativeRgba drawnColor;
+    platform::NativeWeight drawnWeight = platform::NativeWeight::Regular;
 };
 
 /// The one that all of them record in.

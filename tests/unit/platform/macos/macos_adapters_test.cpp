@@ -141,6 +141,8 @@ private Q_SLOTS:
     void defaultsKeepTheirKinds();
     void theSettingsAreInTheUsersDefaults();
     void symbolsHaveTheSizeThatWasPromised();
+    void aSymbolKeepsWeightAndTransparency();
+    void aSymbolBetweenTwoPixelsHasRoomAndATransparentRest();
     void aSymbolThatIsMissingIsNull();
     void messagesGoToTheSystemsLog();
 };
@@ -467,6 +469,10 @@ void MacosAdaptersTest::itFollowsTheSizeOfTheContent()
     QCOMPARE(fakeNative().popoverCalls.back(), std::string("size 380x490"));
     stage.content->resize(475, 612);
     QCOMPARE(fakeNative().popoverCalls.back(), std::string("size 475x612"));
+    stage.content->resize(500, 612);
+    QCOMPARE(fakeNative().popoverCalls.back(), std::string("size 500x612"));
+    stage.content->resize(500, 400);
+    QCOMPARE(fakeNative().popoverCalls.back(), std::string("size 500x400"));
 }
 
 void MacosAdaptersTest::theSettingsAreTurnedToOnceLoaded()
@@ -570,11 +576,11 @@ void MacosAdaptersTest::foldersAreOpenedAsFilesAndPagesAsAddresses()
     opener.openUrl(QUrl::fromLocalFile(u"/Users/a b/.gemini"_s));
     opener.openUrl(QUrl::fromLocalFile(u"/Users/none"_s));
     opener.openUrl(QUrl(u"http://127.0.0.1:4711/"_s));
-    opener.openUrl(QUrl(u"mailto:a@b.example?subject=Brimwatch&body=a%0Ab"_s));
+    opener.openUrl(QUrl(u"mailto:a@b.example?subject=Brimwatch&body=a%20b%0Ab"_s));
     QCOMPARE(fakeNative().calls,
         (Texts{"exists /Users/a b/.gemini", "open /Users/a b/.gemini", "exists /Users/none",
             "open http://127.0.0.1:4711/",
-            "open mailto:a@b.example?subject=Brimwatch&body=a%0Ab"}));
+            "open mailto:a@b.example?subject=Brimwatch&body=a%20b%0Ab"}));
 }
 
 void MacosAdaptersTest::theAppearanceIsTheSystems()
@@ -734,8 +740,45 @@ void MacosAdaptersTest::symbolsHaveTheSizeThatWasPromised()
         .devicePixelRatio = 2});
     QCOMPARE(image.size(), QSize(24, 24));
     QCOMPARE(image.devicePixelRatio(), 2.0);
-    QCOMPARE(image.pixelColor(12, 12), QColor(200, 100, 50));
+    // The bold one is 36 pixels wide: its middle is drawn.
+    QCOMPARE(image.pixelColor(0, 12), QColor(200, 6, 50));
+    QCOMPARE(image.pixelColor(12, 12), QColor(200, 18, 50));
     QVERIFY(qAbs(fakeNative().drawnColor.green - 0.5) < 0.01);
+}
+
+void MacosAdaptersTest::aSymbolKeepsWeightAndTransparency()
+{
+    using platform::NativeWeight;
+    using platform::SymbolWeight;
+    fakeNative().symbols = {"gearshape"};
+    const std::vector<std::pair<SymbolWeight, NativeWeight>> weights{
+        {SymbolWeight::Regular, NativeWeight::Regular},
+        {SymbolWeight::Medium, NativeWeight::Medium},
+        {SymbolWeight::Semibold, NativeWeight::Semibold}, {SymbolWeight::Bold, NativeWeight::Bold}};
+    for (const auto &[ours, native] : weights) {
+        QVERIFY(!platform::MacSymbols()
+                .image({.name = u"gearshape"_s,
+                    .pointSize = 12,
+                    .weight = ours,
+                    .color = QColor::fromRgbF(1, 1, 1, 0.25F)})
+                .isNull());
+        QVERIFY(fakeNative().drawnWeight == native);
+        QVERIFY(qAbs(fakeNative().drawnColor.alpha - 0.25) < 0.01);
+    }
+}
+
+void MacosAdaptersTest::aSymbolBetweenTwoPixelsHasRoomAndATransparentRest()
+{
+    fakeNative().symbols = {"gearshape"};
+    const QImage image = platform::MacSymbols().image({.name = u"gearshape"_s,
+        .pointSize = 12.25,
+        .weight = platform::SymbolWeight::Regular,
+        .color = Qt::white,
+        .devicePixelRatio = 2});
+    // 24.5 pixels, of which the fake draws 24.
+    QCOMPARE(image.size(), QSize(25, 25));
+    QCOMPARE(image.pixelColor(23, 23).alpha(), 255);
+    QCOMPARE(image.pixelColor(24, 24).alpha(), 0);
 }
 
 void MacosAdaptersTest::aSymbolThatIsMissingIsNull()

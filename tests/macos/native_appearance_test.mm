@@ -141,7 +141,7 @@ BRIMWATCH_SENTENCE(aSymbolIsDrawnInOneColorAtTheScaleOfTheScreen)
     const NativeSymbol symbol{
         .name = "gearshape", .pointSize = 13, .weight = NativeWeight::Semibold};
     const auto pixels = drawSymbol(symbol, {.red = 1, .green = 0.5, .blue = 0, .alpha = 1}, 2);
-    // 13.75 by 14.5 points.
+    // 13.75 by 14.25 points.
     CHECK(pixels.width == 28 && pixels.height == 29);
     CHECK(pixels.rgba.size() == std::size_t{28} * 29 * 4);
     // The fakes cover the upper left quarter, with a smooth right edge. The numbers are those of

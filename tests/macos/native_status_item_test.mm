@@ -268,6 +268,7 @@ BRIMWATCH_SENTENCE(withoutTheSparkleTheImageStaysAndTheTitleIsBuilt)
         (fake::world().*missing).insert("sparkles");
         item.setLabel(letters());
         CHECK(before != nil && button.image == before);
+        CHECK(button.imagePosition == NSImageOnly);
         CHECK(fake::runs(button.attributedTitle, false).size() == 4);
         (fake::world().*missing).clear();
     }

@@ -189,7 +189,8 @@ extern "C" void NSRectFillUsingOperation(NSRect r, NSCompositingOperation o)
         const double a = gFill->_c[3] * (o == NSCompositingOperationSourceIn ? under : 1);
         for (int k = 0; k < 3; ++k) {
             // A bitmap in another space than the colour's has other numbers for it.
-            const double c = b->_space == "srgb" ? gFill->_c[k] : gFill->_c[k] * gFill->_c[k];
+            const bool same = b->_space == "srgb" && gFill->_what.starts_with("srgb");
+            const double c = same ? gFill->_c[k] : gFill->_c[k] * gFill->_c[k];
             b->_bytes[i + size_t(k)] = (unsigned char)(c * a * 255 + 0.5);
         }
         b->_bytes[i + 3] = (unsigned char)(a * 255 + 0.5);
@@ -204,7 +205,7 @@ namespace fake {
 NSSize symbolSizeAt(double points)
 {
     // Seldom whole numbers, as with the system's own.
-    return NSMakeSize(points + 0.75, points + 1.5);
+    return NSMakeSize(points + 0.75, points + 1.25);
 }
 Picture picture(NSImage *i)
 {

@@ -106,9 +106,10 @@ int main(int argc, char **argv)
         return status;
     const bool wasReplaced = status == platform::replacementStatus;
     platform::continueAs(path, wasReplaced ? platform::Opening::Yes : platform::Opening::No);
-    std::fputs(wasReplaced
-            ? "brimwatch: was upgraded while it ran, and cannot start the new program\n"
-            : "brimwatch: cannot start anew on the session bus that is back\n",
-        stderr);
+    if (wasReplaced)
+        std::fputs(
+            "brimwatch: was upgraded while it ran, and cannot start the new program\n", stderr);
+    else
+        std::fputs("brimwatch: cannot start anew on the session bus that is back\n", stderr);
     return static_cast<int>(app::ExitStatus::Failure);
 }

@@ -20,7 +20,8 @@ CALLS = re.compile(
     r"\b(?:fail|failed|wrong|writeError|offlineStatus|sendErrorReply|qFatal|qCCritical|qCWarning|std::fputs|std::fprintf)\s*\(")
 # Functions and tables that are nothing but such texts.
 ALL_TEXTS = {"src/discovery/daemon_error.cpp": re.compile(r"\breturn\s"),
-             "src/service/transport_error_text.cpp": re.compile(r"\breturn\s|\.text\s*=|notTrusted\s*=")}
+             "src/service/transport_error_text.cpp": re.compile(r"\breturn\s|\.text\s*="),
+             "src/service/tls/tls_errors.cpp": re.compile(r"\breturn\s|\.text\s*=|notTrusted\s*=")}
 MESSAGES = re.compile(r"(?:\.message|\.error|\.requiresApproval)\s*=(?!=)")
 STREAMS = re.compile(r"\bqC(?:Critical|Warning)\(\w+\)(?:\.\w+\(\))*\s*<<")
 # What the views say where there is something missing.

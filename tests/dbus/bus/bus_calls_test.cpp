@@ -30,11 +30,11 @@ void BusCallsTest::anAnswerTellsWhoGaveIt_data()
     const auto row = [](const char *name, CallOutcome outcome) {
         QTest::newRow(name) << QString::fromLatin1(name) << outcome;
     };
-    QTest::newRow("a reply") << QString() << CallOutcome::Answered;
-    row("org.freedesktop.DBus.Error.Failed", CallOutcome::Answered);
-    row("org.freedesktop.DBus.Error.UnknownMethod", CallOutcome::Answered);
-    row("org.freedesktop.DBus.Error.AccessDenied", CallOutcome::Answered);
-    row("org.example.ErrorOfItsOwn", CallOutcome::Answered);
+    QTest::newRow("a reply") << QString() << CallOutcome::Replied;
+    row("org.freedesktop.DBus.Error.Failed", CallOutcome::Replied);
+    row("org.freedesktop.DBus.Error.UnknownMethod", CallOutcome::Replied);
+    row("org.freedesktop.DBus.Error.AccessDenied", CallOutcome::Replied);
+    row("org.example.ErrorOfItsOwn", CallOutcome::Replied);
     row("org.freedesktop.DBus.Error.ServiceUnknown", CallOutcome::NobodyThere);
     row("org.freedesktop.DBus.Error.NameHasNoOwner", CallOutcome::NobodyThere);
     row("org.freedesktop.DBus.Error.Disconnected", CallOutcome::NobodyThere);

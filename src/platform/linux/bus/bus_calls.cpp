@@ -44,7 +44,7 @@ CallOutcome outcomeOf(const QDBusMessage &answer)
         // The bus's error for a name that it was told not to start; QtDBus has no number for it.
         return answer.errorName() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1
             ? CallOutcome::NobodyThere
-            : CallOutcome::Answered;
+            : CallOutcome::Replied;
     }
 }
 

@@ -32,7 +32,7 @@ void whenAnswered(const QDBusConnection &bus, const QDBusMessage &call, QObject 
 
 /// Who answered a call.
 enum class CallOutcome {
-    Answered, ///< The program that was called: a reply, or an error of its own.
+    Replied, ///< The program that was called: a reply, or an error of its own.
     NobodyThere, ///< The bus, because nobody has that name, or there is no bus.
     NoReply, ///< Nobody in time, or the program left the bus before it answered.
 };

@@ -43,7 +43,7 @@ ProgramError errorOf(const QDBusMessage &answer)
     case bus::CallOutcome::NoReply:
         return {.kind = ProgramError::Kind::Silent,
             .message = u"Brimwatch is running, but it does not answer"_s};
-    case bus::CallOutcome::Answered:
+    case bus::CallOutcome::Replied:
         break;
     }
     return {.kind = ProgramError::Kind::Failed,

@@ -69,7 +69,7 @@ QString replaced(
 /// not asked for its sender, which it does not name from Qt 6.8 on.
 bool isUnanswered(const QDBusMessage &answer)
 {
-    return bus::outcomeOf(answer) != bus::CallOutcome::Answered;
+    return bus::outcomeOf(answer) != bus::CallOutcome::Replied;
 }
 
 } // namespace

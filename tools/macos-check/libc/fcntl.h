@@ -4,6 +4,9 @@
 #include "sys/types.h"
 _MIN_BEGIN
 #define O_RDONLY 0x0000
+#define O_WRONLY 0x0001
+#define O_APPEND 0x0008
+#define O_CREAT 0x0200
 #define O_NONBLOCK 0x0004
 #define O_NOFOLLOW 0x0100
 #define O_DIRECTORY 0x100000

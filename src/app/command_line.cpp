@@ -15,8 +15,8 @@ constexpr auto usage = "Usage: brimwatch [--version | --help]\n"
                        "\n"
                        "There are no other options: all settings are in the popover.\n";
 
-/// Whether all is on standard output.
-ExitStatus hasWritten()
+/// Success when all is on standard output; the reason is said on standard error otherwise.
+ExitStatus statusAfterWriting()
 {
     if (std::fflush(stdout) == 0)
         return ExitStatus::Success;
@@ -33,11 +33,11 @@ std::optional<ExitStatus> answerCommandLine(int argc, const char *const *argv)
     const std::string_view argument = argv[1];
     if (argc == 2 && argument == "--version") {
         std::puts("brimwatch " BRIMWATCH_VERSION);
-        return hasWritten();
+        return statusAfterWriting();
     }
     if (argc == 2 && argument == "--help") {
         std::fputs(usage, stdout);
-        return hasWritten();
+        return statusAfterWriting();
     }
     const char *unknown = argument == "--version" || argument == "--help" ? argv[2] : argv[1];
     std::fprintf(stderr, "brimwatch: unknown argument '%s'\n%s", unknown, usage);

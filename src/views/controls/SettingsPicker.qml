@@ -51,6 +51,9 @@ Item {
     T.ComboBox {
         id: box
 
+        // Whether the list opens above the box, where there is more room than below.
+        property bool opensUp: false
+
         objectName: root.objectName + "Box"
         anchors.right: parent.right
         width: root.boxWidth
@@ -162,15 +165,9 @@ Item {
 
         // Qt puts popups outside of the scaled item, so they have to scale themselves.
         popup: T.Popup {
-            id: list
-
             objectName: root.objectName + "List"
-
-            // Whether it opens above the box, where there is more room than below.
-            property bool opensUp: false
-
             // Qt would place it as if it were not scaled.
-            y: opensUp ? -height - 2 : box.height + 2
+            y: box.opensUp ? -height - 2 : box.height + 2
             width: box.width
             height: box.count * root.rowHeight + 8
             padding: 4
@@ -190,7 +187,7 @@ Item {
                 root.takesKeyboard = false;
                 const above = box.mapToItem(null, 0, 0).y;
                 const below = box.Window.height - box.mapToItem(null, 0, box.height).y;
-                list.opensUp = below < (list.height + 6) * Theme.textScale && above > below;
+                box.opensUp = below < (height + 6) * Theme.textScale && above > below;
             }
 
             background: RoundedRectangle {

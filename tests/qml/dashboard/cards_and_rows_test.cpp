@@ -72,8 +72,8 @@ void CardsAndRowsTest::theFractionDecidesTextColorAndBar()
     fixture.awaitCards(1);
     QCOMPARE(fixture.text(u"percentageText"_s), text);
     const views::Theme theme(fixture.appearance, fixture.symbols);
-    QCOMPARE(fixture.item(u"percentageText"_s)->property("color").value<QColor>(),
-        theme.color(color));
+    QCOMPARE(
+        fixture.item(u"percentageText"_s)->property("color").value<QColor>(), theme.color(color));
     for (const QString &name : {u"pillDot"_s, u"pillBackground"_s, u"barFill"_s})
         QCOMPARE(fixture.item(name)->property("color").value<QColor>(), theme.fill(color));
     const QQuickItem *track = fixture.item(u"barTrack"_s);

@@ -83,7 +83,8 @@ private Q_SLOTS:
             QFile maps(u"/proc/self/maps"_s);
             return maps.open(QIODevice::ReadOnly) ? maps.readAll() : QByteArray();
         };
-        // The test itself uses Qt Network, and that of Debian 13 links libproxy, which links libcurl, which links it.
+        // The test itself uses Qt Network, and that of Debian 13 links libproxy, which links
+        // libcurl, which links it.
         const QByteArray before = mapped();
         SampleDaemonProcess daemon;
         QVERIFY2(m_daemons->start(daemon), qPrintable(daemon.errorText()));

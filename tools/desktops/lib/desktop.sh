@@ -143,7 +143,7 @@ save_state() { declare -p ENVV ID RUN CLOCK HELPERS >"$DIR/state"; }
 # own_folder FOLDER: nobody else can put a file into it, which we would run.
 own_folder()
 {
-    [ ! -L "$1" ] && [ -O "$1" ] && [ -z "$(find "$1" -maxdepth 0 -perm /022)" ] || die "$1 is not ours alone"
+    if [ -L "$1" ] || [ ! -O "$1" ] || [ -n "$(find "$1" -maxdepth 0 -perm /022)" ]; then die "$1 is not ours alone"; fi
 }
 
 load_state()

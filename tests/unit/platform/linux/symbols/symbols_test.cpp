@@ -81,10 +81,10 @@ private Q_SLOTS:
 void SymbolsTest::everyNameThatTheViewsUseIsDrawn_data()
 {
     QTest::addColumn<QString>("name");
-    for (const auto *name :
-        {"sparkles", "cpu", "brain", "gauge.medium", "arrow.clockwise", "gearshape",
-            "exclamationmark.triangle.fill", "clock", "chevron.left", "checkmark", "menubar.rectangle",
-            "arrow.triangle.2.circlepath", "bell.badge", "network", "envelope", "paperplane"})
+    for (const auto *name : {"sparkles", "cpu", "brain", "gauge.medium", "arrow.clockwise",
+             "gearshape", "exclamationmark.triangle.fill", "clock", "chevron.left", "checkmark",
+             "menubar.rectangle", "arrow.triangle.2.circlepath", "bell.badge", "network",
+             "envelope", "paperplane"})
         QTest::newRow(name) << QString::fromLatin1(name);
 }
 

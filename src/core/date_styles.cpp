@@ -147,7 +147,7 @@ QString scriptOf(const QString &modifier)
 
 QString userDateLocale()
 {
-    const QString english = u"en_US"_s;
+    QString english = u"en_US"_s;
     for (const char *variable : {"LC_ALL", "LC_TIME", "LANG"}) {
         QString name = qEnvironmentVariable(variable);
         if (name.isEmpty())

@@ -48,7 +48,7 @@ private:
 
     struct Sample {
         Time time;
-        double used;
+        double used = 0;
     };
 
     /// The window under way.

@@ -12,7 +12,7 @@ namespace brimwatch::forecast {
 // the range that it may have.
 
 /// No number that is kept is larger: times in seconds, and weeks.
-constexpr double longestKept = 1e12;
+inline constexpr double longestKept = 1e12;
 
 /// Absent when it is missing, no number or out of its range.
 inline std::optional<double> keptNumber(

@@ -2,6 +2,7 @@
 
 #include "core/read_file.h"
 
+#include <QList>
 #include <QSysInfo>
 
 #include <utility>

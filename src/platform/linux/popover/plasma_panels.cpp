@@ -52,7 +52,7 @@ QMargins gapOfFloatingPanels(const QByteArray &plasmashellrc)
 
 QMargins gapOfFloatingPanels()
 {
-    constexpr qint64 largest = 1024 * 1024;
+    constexpr qint64 largest = 1024LL * 1024;
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
     return gapOfFloatingPanels(
         readFile(folder + "/plasmashellrc"_L1, largest).value_or(QByteArray()));

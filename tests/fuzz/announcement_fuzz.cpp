@@ -37,6 +37,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         "POST /exa.language_server_pb.LanguageServerService/RetrieveUserQuotaSummary HTTP/1.1",
         "Host: 127.0.0.1:" + QByteArray::number(qint64{*port}), "Content-Type: application/json",
         "Connect-Protocol-Version: 1", "x-codeium-csrf-token: " + daemon->csrfToken->toUtf8(),
+        // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one text.
         "User-Agent: Brimwatch/" BRIMWATCH_VERSION, "Accept-Encoding: identity",
         "Connection: close", "Content-Length: 2"};
     QByteArrayList lines;

@@ -10,6 +10,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <algorithm>
+#include <array>
+
 using namespace brimwatch;
 using namespace brimwatch::platform;
 using namespace Qt::Literals::StringLiterals;
@@ -33,11 +36,9 @@ void xSettings(const QByteArray &bytes)
 
 bool isWithin(const Rgba &color)
 {
-    for (const double component : {color.red, color.green, color.blue, color.alpha}) {
-        if (!(component >= 0 && component <= 1))
-            return false;
-    }
-    return true;
+    // Not a number is out of range too.
+    return std::ranges::all_of(std::to_array({color.red, color.green, color.blue, color.alpha}),
+        [](double component) { return component >= 0 && component <= 1; });
 }
 
 void kdeGlobals(const QByteArray &bytes)

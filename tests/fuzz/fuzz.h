@@ -4,6 +4,7 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -77,12 +78,10 @@ private:
 /// No control character, no line end.
 inline bool isOneLine(const QString &text)
 {
-    for (const QChar c : text) {
-        if (c.category() == QChar::Other_Control || c.category() == QChar::Separator_Line
-            || c.category() == QChar::Separator_Paragraph)
-            return false;
-    }
-    return true;
+    return std::ranges::none_of(text, [](QChar c) {
+        return c.category() == QChar::Other_Control || c.category() == QChar::Separator_Line
+            || c.category() == QChar::Separator_Paragraph;
+    });
 }
 
 } // namespace brimwatch::fuzz

@@ -25,12 +25,12 @@ bool isColor(QStringView text)
 /// an element or an entity and is none.
 bool isPango(QStringView text)
 {
-    constexpr auto span = "<span color=\""_L1;
+    constexpr auto span = R"(<span color=")"_L1;
     QList<QLatin1StringView> open;
     while (!text.isEmpty()) {
         if (text.startsWith(span)) {
             if (text.size() < span.size() + 9 || !isColor(text.sliced(span.size(), 7))
-                || text.sliced(span.size() + 7, 2) != "\">"_L1)
+                || text.sliced(span.size() + 7, 2) != R"(">)"_L1)
                 return false;
             open.append("</span>"_L1);
             text = text.sliced(span.size() + 9);

@@ -113,7 +113,7 @@ QList<Row> rows()
     const auto add = [&rows](Shown shown, const QString &item,
                          std::initializer_list<std::pair<const char *, Value>> values) {
         for (const auto &[property, value] : values)
-            rows.append({shown, item, property, value});
+            rows.append({.shown = shown, .item = item, .property = property, .value = value});
     };
     const auto text = [&](Shown shown, const QString &item, int size, const Value &textColor,
                           std::optional<int> weight = std::nullopt) {

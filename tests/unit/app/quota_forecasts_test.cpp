@@ -316,7 +316,7 @@ private Q_SLOTS:
 private:
     static QDateTime at(int minute)
     {
-        return test::ServiceParts::nineOClock().addSecs(minute * 60);
+        return test::ServiceParts::nineOClock().addSecs(qint64{minute} * 60);
     }
 
     static model::QuotaGroup groupOf(const QString &name, double left)

@@ -1,6 +1,8 @@
 #include "forecast/bucket_forecast.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QTest>
 
 #include <algorithm>

@@ -130,7 +130,7 @@ private Q_SLOTS:
     void aRequestLargerThanTheBuffersIsSentCompletely()
     {
         Server server;
-        const QByteArray request(32 * 1024 * 1024, 'q');
+        const QByteArray request(32LL * 1024 * 1024, 'q');
         const LoopbackConnection connection(server.port(), request, m_listener);
         auto *socket = server.accept();
         // It waits while the server reads nothing.
@@ -151,7 +151,7 @@ private Q_SLOTS:
     {
         Server server;
         const LoopbackConnection connection(
-            server.port(), QByteArray(32 * 1024 * 1024, 'q'), m_listener);
+            server.port(), QByteArray(32LL * 1024 * 1024, 'q'), m_listener);
         auto *socket = server.accept();
         socket->setReadBufferSize(1);
         socket->write("no");
@@ -182,12 +182,12 @@ private Q_SLOTS:
         // Unread, it would make the end a reset.
         QTRY_COMPARE(socket->bytesAvailable(), 1);
         QCOMPARE(socket->readAll(), QByteArray("x"));
-        const QByteArray answer(1024 * 1024, 'a');
+        const QByteArray answer(1024LL * 1024, 'a');
         socket->write(answer);
         socket->disconnectFromHost();
         QTRY_VERIFY(m_listener.ended);
         QCOMPARE(m_listener.answer, answer);
-        QVERIFY(m_listener.largest <= 64 * 1024);
+        QVERIFY(m_listener.largest <= 64LL * 1024);
     }
 
     void destroyedWithinItsCallItTellsNothingMore()
@@ -197,7 +197,7 @@ private Q_SLOTS:
         m_listener.onReceived = [&connection] { connection.reset(); };
         auto *socket = server.accept();
         const QSignalSpy disconnected(socket, &QTcpSocket::disconnected);
-        socket->write(QByteArray(1024 * 1024, 'a'));
+        socket->write(QByteArray(1024LL * 1024, 'a'));
         QTRY_COMPARE(disconnected.size(), 1);
         QVERIFY(!connection);
         QCOMPARE(m_listener.pieces, 1);
@@ -207,7 +207,7 @@ private Q_SLOTS:
     void destroyedBeforeItConnectsItNeverDoes()
     {
         Server server;
-        LoopbackConnection(server.port(), "x", m_listener);
+        std::make_unique<LoopbackConnection>(server.port(), "x", m_listener).reset();
         QCoreApplication::processEvents();
         // A later one is the first that comes.
         const LoopbackConnection connection(server.port(), "second", m_listener);
@@ -223,7 +223,7 @@ private Q_SLOTS:
         for (int i = 0; i < 50; ++i) {
             Listener listener;
             const LoopbackConnection connection(
-                i % 2 ? server.port() : unusedPort(), "x", listener);
+                i % 2 != 0 ? server.port() : unusedPort(), "x", listener);
             if (i % 2 != 0) {
                 const std::unique_ptr<QTcpSocket> socket(server.accept());
                 socket->abort();

@@ -33,6 +33,7 @@ private Q_SLOTS:
         else
             qputenv("HOME", home);
         beginProcess();
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): there is only one thread.
         QCOMPARE(qgetenv("HOME"), QByteArray(::getpwuid(::getuid())->pw_dir));
     }
 

@@ -396,7 +396,7 @@ void MacosAdaptersTest::thePointerReachesTheContentWhileAnotherProgramIsInFront(
         bool eventFilter(QObject * /*window*/, QEvent *event) override
         {
             if (event->type() == QEvent::MouseMove) {
-                const auto *move = static_cast<QMouseEvent *>(event);
+                const auto *move = dynamic_cast<QMouseEvent *>(event);
                 seen.append(u"%1,%2"_s.arg(move->position().x()).arg(move->position().y()));
             } else if (event->type() == QEvent::Leave) {
                 seen.append(u"leave"_s);

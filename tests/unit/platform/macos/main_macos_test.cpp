@@ -11,7 +11,6 @@
 #include <QTest>
 #include <QTimer>
 
-#include <array>
 #include <functional>
 #include <string>
 
@@ -63,6 +62,7 @@ Run run(std::vector<std::string> arguments, std::function<void()> story)
     theRun = &run;
     theStory = std::move(story);
     std::vector<char *> argv;
+    argv.reserve(arguments.size() + 1);
     for (auto &argument : arguments)
         argv.push_back(argument.data());
     argv.push_back(nullptr);

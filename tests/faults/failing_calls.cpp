@@ -102,8 +102,6 @@ BRIMWATCH_OPEN(open64)
 BRIMWATCH_OPENAT(openat)
 BRIMWATCH_OPENAT(openat64)
 
-// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the names of the C library are
-// reserved.
 ssize_t read(int file, void *buffer, size_t size)
 {
     static const auto real = next<ssize_t (*)(int, void *, size_t)>("read");
@@ -151,6 +149,5 @@ int connect(int socket, const sockaddr *address, socklen_t size)
     static const auto real = next<int (*)(int, const sockaddr *, socklen_t)>("connect");
     return fails(Call::Connect, ENETUNREACH) ? -1 : real(socket, address, size);
 }
-// NOLINTEND(readability-inconsistent-declaration-parameter-name)
 }
 #pragma GCC visibility pop

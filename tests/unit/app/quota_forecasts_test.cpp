@@ -105,7 +105,7 @@ private Q_SLOTS:
         start();
         QFile file(folder() + u"/forecasts.json");
         QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("{\"buckets\":{\"five\":{\"window\":7}}}");
+        file.write(R"({"buckets":{"five":{"window":7}}})");
         file.close();
         update(61, 1 - 0.009 * 61);
         QCOMPARE(outlook().verdict, Verdict::RunsOut);

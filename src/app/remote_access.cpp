@@ -59,9 +59,8 @@ void RemoteAccess::publish()
 
 void RemoteAccess::finishRefresh()
 {
-    // The callers that wait find the properties current, which say how the last refresh ended even
-    // when the next one has begun. All but the time of the update were published just before, if
-    // anything of them has changed.
+    // Publish before answering: a caller reads the properties next. Everything but the time of the
+    // update has been published already, with stateChanged().
     if (const auto updated = lastUpdateOf(m_quotaService); updated != m_published.lastUpdate) {
         m_published.lastUpdate = updated;
         m_remoteControl.publish(m_published);

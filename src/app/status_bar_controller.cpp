@@ -135,8 +135,7 @@ void StatusBarController::followRefresh()
 
 void StatusBarController::startMinuteTimer()
 {
-    // Started anew with each refresh, so that the two expire together where both are due, and the
-    // machine wakes only once.
+    // Restarted with each refresh, so that this timer and the refresh timer expire together.
     m_minuteTimer = m_clock.every(std::chrono::minutes(1), [this] { describeStatusItem(); });
 }
 

@@ -156,7 +156,7 @@ QString userDateLocale()
         name = name.section(u'@', 0, 0).section(u'.', 0, 0);
         if (name.isEmpty() || name == "C"_L1 || name == "POSIX"_L1)
             return english;
-        // ICU has the script behind the language: "sr_Latn_RS".
+        // ICU wants the script after the language: "sr_Latn_RS".
         if (!script.isEmpty())
             name.insert(name.section(u'_', 0, 0).size(), u'_' + script);
         return name;

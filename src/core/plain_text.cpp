@@ -27,7 +27,8 @@ QString truncated(const QString &text, qsizetype longest)
     auto end = finder.isAtBoundary() ? longest : finder.toPreviousBoundary();
     if (end <= 0)
         end = longest;
-    // In a text with Burmese letters Qt 6.4 takes the middle of a surrogate pair for a boundary.
+    // After Burmese letters QTextBoundaryFinder of Qt 6.4 reports boundaries within surrogate
+    // pairs.
     if (read[end - 1].isHighSurrogate() && read[end].isLowSurrogate())
         --end;
     return read.left(end);

@@ -12,7 +12,7 @@ enum class ReadFileError {
     NotFound, ///< Also for a link that leads nowhere.
     NotRegular, ///< A folder, a FIFO, a device, ...
     TooLarge, ///< By its size; nothing was read.
-    LargerThanItsSize, ///< It grew, or does not tell its size: one byte more than allowed was read.
+    LargerThanItsSize, ///< More bytes came than its size says, and more than allowed.
     Unreadable,
 };
 

@@ -93,7 +93,7 @@ QList<Entry> listEntries(DIR *directory, qsizetype most)
     QList<Entry> entries;
     qsizetype position = 0;
     // Each scan has a directory stream of its own, which makes readdir safe.
-    while (const dirent *entry = ::readdir(directory)) { // NOLINT(concurrency-mt-unsafe)
+    while (const dirent *entry = ::readdir(directory)) { // NOLINT(concurrency-mt-unsafe): see above
         if (!isCandidateName(QFile::decodeName(entry->d_name)))
             continue;
         struct stat status = {};

@@ -230,11 +230,11 @@ double BucketForecast::chance(const Expectation &expectation, Time now) const
     return m_kind->usersStop ? needsMore * chanceOfGoingOn(expectation, now) : needsMore;
 }
 
-/// That the user has not stopped for this window: less, the longer nothing is used.
+/// The chance that the user goes on in this window. It falls while nothing is used.
 double BucketForecast::chanceOfGoingOn(const Expectation &expectation, Time now) const
 {
     const auto &window = *m_window;
-    // Where the quota is told in steps, nothing is seen of what is used between two of them.
+    // A quota reported in steps shows no use until the next step, so that time is not idle.
     const Seconds betweenSteps(m_smallestRise / expectation.sustained);
     const Seconds idle = std::max(
         Seconds(0), Seconds(now - window.lastRise.value_or(window.start)) - betweenSteps);

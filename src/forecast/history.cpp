@@ -90,7 +90,8 @@ QString monthOf(sys_seconds time)
 
 QString systemError()
 {
-    return QString::fromLocal8Bit(std::strerror(errno)); // NOLINT(concurrency-mt-unsafe)
+    return QString::fromLocal8Bit(
+        std::strerror(errno)); // NOLINT(concurrency-mt-unsafe): main thread only
 }
 
 /// Appends with one write, so that what another program of the user appends stays whole too.

@@ -11,7 +11,7 @@
 
 namespace brimwatch::forecast {
 
-/// What was seen of a bucket when something of it had changed.
+/// A row of the history: the state of a bucket after a change.
 struct HistoryRow {
     std::chrono::sys_seconds time;
     QString bucket; ///< Its id, without control characters and of bounded length.

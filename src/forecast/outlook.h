@@ -14,7 +14,7 @@ enum class Verdict {
     UsedUp, ///< Nothing is left: a fact, and no forecast.
 };
 
-/// What one reading of a bucket tells about the rest of its window.
+/// The forecast for the rest of a window, made from one reading of its bucket.
 struct Outlook {
     Verdict verdict = Verdict::Silent;
     std::optional<double> chance = {}; ///< Of running out before the reset; absent where silent.

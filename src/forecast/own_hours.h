@@ -43,8 +43,8 @@ private:
     double useUpTo(LocalTime time) const;
 
     HoursOfWeek m_window{}; ///< Used in the window under way.
-    HoursOfWeek m_use{}; ///< Of the windows before, faded.
-    HoursOfWeek m_weight{}; ///< How often each hour was covered, faded alike.
+    HoursOfWeek m_use{}; ///< Used in earlier windows; older ones count less.
+    HoursOfWeek m_weight{}; ///< How often each hour was observed, weighted like m_use.
     double m_weeks = 0; ///< Covered so far.
     // Derived from those above.
     HoursOfWeek m_means{};

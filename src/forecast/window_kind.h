@@ -17,9 +17,9 @@ struct WindowKind {
     double spreadWithOwnHours;
     bool usersStop; ///< Who paused for a while often does not come back in this window.
     bool hasOwnHours; ///< It is long enough to know the hours of the week in which the user works.
-    double warnAbove; ///< The steadied chance at which RunsOut begins.
-    double takeBackAt; ///< The steadied chance at which it ends.
-    std::chrono::seconds steadying; ///< The time constant of the steadied chance.
+    double warnAbove; ///< RunsOut begins when the smoothed chance is above this.
+    double takeBackAt; ///< RunsOut ends when the smoothed chance falls to this.
+    std::chrono::seconds steadying; ///< The time constant of that smoothing.
 };
 
 /// The kind of a window as the daemon names it, "5h" or "weekly"; null for any other.

@@ -21,10 +21,13 @@ namespace brimwatch::service {
 
 class SettingsStore;
 
-/// Two alerts that are off unless the settings file has them on, for the buckets of all families:
-/// that a quota is going to run out before its reset, once for each bucket and window, and not when
-/// it is low already; and that one which was low or used up is back, also before its time. Neither
-/// comes while alerts are switched off.
+/// Two alerts for the buckets of all families, both off unless the settings file switches them on.
+///
+/// - A quota is going to run out before its reset. Given once for each bucket and window, and not
+///   for a quota that is low already.
+/// - A quota that was low or used up is full again, also when that is before its reset.
+///
+/// Neither is given while alerts are switched off.
 class ForecastAlerts {
 public:
     /// What is private taken out of a text that leaves the program.

@@ -49,7 +49,8 @@ private:
     /// What is remembered of a bucket.
     struct Followed {
         QString window;
-        std::optional<forecast::BucketForecast> forecast; ///< Absent for other windows.
+        std::optional<forecast::BucketForecast>
+            forecast; ///< Absent for windows of a length that is not forecast.
         forecast::Outlook outlook;
         std::optional<forecast::HistoryRow> recorded; ///< The last one in the history.
         std::optional<forecast::HistoryRow> seen; ///< The last one that brought nothing new.

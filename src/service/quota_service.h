@@ -28,8 +28,8 @@ class QuotaForecasts;
 /// refreshes that keep them current. Everything happens on the main thread.
 ///
 /// Every change is announced by objectWillChange just before it and by the property's own signal
-/// just after, and those of one turn of the event loop that count in revision() once more by
-/// stateChanged. Setting what already holds is no change.
+/// just after. When revision() has changed, stateChanged follows, once per turn of the event loop.
+/// Setting a property to the value that it has is no change.
 class QuotaService final : public QObject {
     Q_OBJECT
     Q_PROPERTY(double refreshInterval READ refreshInterval WRITE setRefreshInterval NOTIFY
@@ -96,8 +96,8 @@ public:
         QuotaService &m_service;
     };
 
-    /// Whether that bucket of the summary lasts until its reset. Silent while offline, and when the
-    /// summary is older than three refresh intervals.
+    /// The forecast for a bucket of the summary. Silent while offline, and when the summary is
+    /// older than three refresh intervals.
     forecast::Outlook outlook(const model::QuotaBucket &bucket) const;
 
     /// Fetches the quota. Does nothing while a fetch is under way.
@@ -232,7 +232,7 @@ private:
     bool m_isRefreshing = false;
     std::optional<QString> m_errorMessage;
     int m_timeWatches = 0;
-    QDateTime m_currentTime; ///< Of the last tick; old while nobody watches.
+    QDateTime m_currentTime; ///< Set by the second tick; out of date while there is no TimeWatch.
     quint64 m_revision = 0;
     mutable std::optional<Derived> m_derived; ///< Absent before the first read.
     bool m_announcementPending = false;

@@ -12,7 +12,7 @@ Item {
     // From 0, the dashboard, to 1, the settings.
     property real turn: model.showingSettings ? 1 : 0
 
-    // A face that is turned to by keyboard shows where the focus is.
+    // After a keyboard shortcut the focus ring is shown.
     function showSettings(byKeyboard: bool) {
         if (root.model.showingSettings)
             return;

@@ -26,8 +26,8 @@ Q_LOGGING_CATEGORY(viewsLog, "brimwatch.views", QtInfoMsg)
 const QString dashboardList = u"groupList"_s;
 const QString settingsList = u"settingsList"_s;
 
-/// The first item of that object name; null without one. An item that was loaded later is no child
-/// object of its parent item.
+/// The first item with that object name among the visual children; null without one. findChild()
+/// would miss items made by a Loader, which are not child objects of their parent item.
 QQuickItem *itemIn(const QQuickItem &parent, const QString &name)
 {
     const auto children = parent.childItems();
@@ -82,7 +82,7 @@ void PopoverWindow::keyPressEvent(QKeyEvent *event)
     if (const auto step = scrollStep(event->key()))
         Q_EMIT m_model.scrollRequested(*step);
     else if (event->isAutoRepeat())
-        // A key that is held acts once, except for scrolling.
+        // Only scrolling repeats while a key is held.
         return;
     else if (isCommand(*event, Qt::Key_R))
         m_model.performRefresh();

@@ -52,7 +52,7 @@ without_file()
         echo "$pattern"
     done
 }
-check "rpmspec reads the spec" test ${#patterns[@]} -gt 5
+check "rpmspec reads the file" test ${#patterns[@]} -gt 5
 check "it is of this version" is "$(rpmspec -q --qf '%{VERSION}\n' "$spec" 2>/dev/null | sort -u)" "$version"
 check "its list names each installed file" is "$(without_pattern)" ''
 check "and no other" is "$(without_file)" ''
@@ -77,11 +77,11 @@ check "it is of this version" is "$(sed -n 's/^\tpkgver = //p' <<<"$info")" "$ve
 # It has no list: its package() is run on our build, and the licence comes to what CMake installs.
 packed()
 {
-    mkdir "$scratch/packed" "$scratch/work"
-    ln -s "$build" "$scratch/work/build"
-    ln -s "$root" "$scratch/work/brimwatch-$version"
+    mkdir "$scratch/packed" "$scratch/tree"
+    ln -s "$build" "$scratch/tree/build"
+    ln -s "$root" "$scratch/tree/brimwatch-$version"
     # shellcheck source=/dev/null
-    (cd "$scratch/work" && . "$arch/PKGBUILD" && pkgdir=$scratch/packed package) >"$scratch/package.log" 2>&1 ||
+    (cd "$scratch/tree" && . "$arch/PKGBUILD" && pkgdir=$scratch/packed package) >"$scratch/package.log" 2>&1 ||
         tail -n 5 "$scratch/package.log"
     # The build may have another prefix.
     (cd "$scratch/packed" && find . -type f -printf '/%P\n' | sed "s|^${prefix:-/usr}/|/usr/|; s|^/${library_folder%/brimwatch}/|/LIB/|" | sort)

@@ -19,8 +19,8 @@ class XConnection;
 
 /// What the environment says of the session before there is an application object.
 struct SessionEnvironment {
-    /// An X server answers at DISPLAY. Not asked, and true once DISPLAY is set, where there is a
-    /// layer shell: the question might start Xwayland.
+    /// An X server answers at DISPLAY. On a compositor with a layer shell it is enough that DISPLAY
+    /// is set: connecting might start Xwayland.
     bool hasX11 = false;
     bool hasWayland = false; ///< A compositor answers at WAYLAND_DISPLAY.
     /// QT_QPA_PLATFORM, by which users choose Qt's platform plugin; absent where they do not.

@@ -38,7 +38,7 @@ using brimwatch::platform::NativePopover;
 
 - (void)follow:(NSEvent *)event
 {
-    // Qt reports it then, and would once more.
+    // Qt reports these moves itself while the program is active.
     if (NSApplication.sharedApplication.isActive)
         return;
     const NSPoint place = [_view convertPoint:event.locationInWindow fromView:nil];

@@ -114,7 +114,7 @@ void MacPopover::open()
 
 void MacPopover::closed()
 {
-    // The system tells of a close after its animation. It may have been opened again meanwhile.
+    // The system reports a close after its animation; by then the popover may be open again.
     if (!isShown()) {
         if (m_window != nullptr)
             m_window->setVisible(false);

@@ -18,7 +18,7 @@ MacSingleInstance::MacSingleInstance(const QString &folder)
 
 bool MacSingleInstance::claim()
 {
-    // Only a lock that another holds means that there is another; an error does not.
+    // Only a lock held by another process counts; an error does not.
     return m_lock.isLocked() || m_lock.tryLock() || m_lock.error() != QLockFile::LockFailedError;
 }
 

@@ -58,7 +58,7 @@ SecureConnection::SecureConnection(
 SecureConnection::~SecureConnection()
 {
     m_socket->disconnect(this);
-    // At once: nothing that still arrives is read.
+    // abort() and not close(), which would wait for data to be sent.
     m_socket->abort();
     // Not deleted here: this may run within one of the socket's own signals.
     m_socket->setParent(nullptr);

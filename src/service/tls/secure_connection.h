@@ -27,7 +27,7 @@ private:
 
     QByteArray m_request;
     ConnectionListener &m_listener;
-    QSslSocket *m_socket; ///< A child for as long as the connection is there.
+    QSslSocket *m_socket; ///< Owned; deleted later by the destructor.
     bool m_closed = false; ///< By the daemon; what it sent before may not be read yet.
     QString m_certificateFault;
 };

@@ -3,7 +3,7 @@ import Brimwatch
 
 // Scrollable content with a scroll bar. It takes part in the tab order if there is something to scroll.
 //
-// Not Flickable: a mouse drags and flings its content, and a wheel that is turned fast scrolls farther than its notches say.
+// Not Flickable: that lets a mouse drag and fling the content, and speeds the wheel up when it is turned fast.
 Item {
     id: root
 
@@ -84,7 +84,7 @@ Item {
         Item {
             id: holder
 
-            // On whole pixels, or texts are blurred.
+            // Positions are rounded to whole pixels; between them text is blurred.
             readonly property real pixels: Screen.devicePixelRatio * Theme.textScale
 
             y: -Math.round(root.contentY * pixels) / pixels

@@ -1,8 +1,8 @@
 import QtQuick
 import Brimwatch
 
-// Shows which part of the content is visible. It scrolls when its thumb is dragged, and by a page when the mouse is pressed
-// beside the thumb. To be hidden if nothing is out of view.
+// Shows which part of the content is visible. Dragging the thumb scrolls; a press beside it scrolls by a page. Hide it when all of
+// the content is visible.
 Item {
     id: root
 
@@ -13,7 +13,7 @@ Item {
     required property real part
     readonly property bool used: area.containsMouse || area.pressed || scrolled.running
 
-    // A position to scroll to; it may be out of range.
+    // Asks to scroll to `position`, which may be out of range.
     signal moved(position: real)
     signal paged(forward: bool)
 

@@ -166,12 +166,12 @@ Item {
         // Qt puts popups outside of the scaled item, so they have to scale themselves.
         popup: T.Popup {
             objectName: root.objectName + "List"
-            // Qt would place it as if it were not scaled.
+            // Set here because Qt ignores the scale when it places a popup.
             y: box.opensUp ? -height - 2 : box.height + 2
             width: box.width
             height: box.count * root.rowHeight + 8
             padding: 4
-            // The press that closes the list does nothing else.
+            // Modal, so that the press which closes the list does not reach what is below it.
             modal: true
             dim: false
             closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside

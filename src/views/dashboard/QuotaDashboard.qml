@@ -29,7 +29,7 @@ FocusScope {
         id: header
 
         width: parent.width
-        // A second line of the status takes its room from the padding, so that the body stays where it is.
+        // The height is that of a status of one line: a second line uses the padding, and the body does not move.
         height: Math.max(28, name.height + titles.spacing + status.lineHeight) + 20
 
         BrimwatchBadge {

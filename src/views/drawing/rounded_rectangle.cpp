@@ -187,7 +187,7 @@ QSGNode *RoundedRectangle::updatePaintNode(QSGNode *node, UpdatePaintNodeData * 
         delete node;
         return nullptr;
     }
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-static-cast-downcast): made here
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-static-cast-downcast): this function made it
     auto reused = std::unique_ptr<Node>(static_cast<Node *>(node));
     if (!reused)
         reused = std::make_unique<Node>(window());

@@ -23,7 +23,7 @@ Column {
             id: icon
 
             anchors.verticalCenter: parent.verticalCenter
-            // Titles share one left edge, however wide their symbols are.
+            // Symbols of any width are centred in 18 pixels, so that all titles are aligned.
             x: 2 + Math.round((18 - width) / 2)
             name: root.symbol
             pointSize: 11

@@ -62,7 +62,7 @@ private Q_SLOTS:
 void TimeZoneTest::initTestCase()
 {
     if (!hasOwnEtc)
-        QSKIP("this machine gives no process an /etc of its own");
+        QSKIP("the kernel lets no process mount an /etc of its own here");
 }
 
 void TimeZoneTest::aNewTimeZoneIsFollowedWithoutANewStart()

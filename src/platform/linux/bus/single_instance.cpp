@@ -93,8 +93,8 @@ void SingleInstance::decideByName()
 
 void SingleInstance::decideByLock()
 {
-    // Only a lock that another holds means that there is another; an error does not, nor does what
-    // stands in its place and cannot be removed.
+    // Only a lock held by another process counts. An error does not, and neither does a lock file
+    // that nobody holds but that cannot be removed.
     if (m_lock && !m_lock->tryLock() && m_lock->error() == QLockFile::LockFailedError
         && isHeld(*m_lock))
         Q_EMIT decided(Outcome::OtherLocked);

@@ -17,10 +17,9 @@ enum class PlasmaVersion : std::uint8_t {
 /// By KDE_SESSION_VERSION, which Plasma sets for all that runs in it.
 PlasmaVersion plasmaVersion();
 
-/// The margins of a layer that keep it off Plasma 6's panels where these float: a floating panel
-/// stands a little away from its edge (seen with 6.3), and the room that it reserves is as if it
-/// did not. None where no panel floats. `plasmashellrc` is the file in which Plasma keeps its
-/// panels.
+/// The margins that keep a layer clear of Plasma 6's floating panels; none where no panel floats.
+/// A floating panel is a little away from the screen's edge (seen with 6.3), but the zone that it
+/// reserves does not include that gap. `plasmashellrc` is the content of Plasma's file of panels.
 QMargins gapOfFloatingPanels(const QByteArray &plasmashellrc);
 
 /// The same, with the user's own file.

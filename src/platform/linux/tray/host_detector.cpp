@@ -125,7 +125,7 @@ void HostDetector::askForWatcher()
 {
     bus::findOwner(m_bus, watcherService, this, bus::usualTimeout,
         [this](const std::optional<QString> &owner) {
-            // A watcher that came meanwhile has announced itself.
+            // A watcher that started since has been noticed by its name on the bus.
             if (!m_watcher.isEmpty() || m_facts.watcherKnown)
                 return;
             if (owner)

@@ -31,6 +31,12 @@ public:
         Q_EMIT changed();
     }
 
+    void setFamily(const QString &name)
+    {
+        family = name;
+        Q_EMIT changed();
+    }
+
     platform::Background background = platform::Background::Light;
     double scale = 1;
     platform::Contrast contrast = platform::Contrast::Usual;

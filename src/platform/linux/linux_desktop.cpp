@@ -30,6 +30,7 @@ LinuxDesktop::LinuxDesktop(const Session &session, RemoteControl &remoteControl)
     : m_session(session)
     , m_remoteControl(remoteControl)
     , m_xSettings(m_xConnection)
+    , m_xScale(m_xConnection, m_xSettings)
     , m_appearance(Session::bus(), m_xConnection.isValid() ? &m_xSettings : nullptr, configHome(),
           session.textScaling())
     , m_loginItem({.configHome = configHome(),
@@ -68,7 +69,7 @@ Desktop LinuxDesktop::desktop()
 std::unique_ptr<StatusItem> LinuxDesktop::makeStatusItem()
 {
     auto item = std::make_unique<PanelStatusItem>(
-        m_xConnection, Session::bus(), m_labelPainter, m_appearance);
+        m_xConnection, Session::bus(), m_labelPainter, m_appearance, m_xScale);
     QObject::connect(
         item.get(), &PanelStatusItem::registered, &m_noPanelNotice, &NoPanelNotice::panelCame);
     return item;

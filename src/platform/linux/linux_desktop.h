@@ -13,6 +13,7 @@
 #include "platform/linux/symbols/svg_symbols.h"
 #include "platform/linux/tray/label_painter.h"
 #include "platform/linux/x11/x_connection.h"
+#include "platform/linux/x11/x_scale.h"
 #include "platform/linux/x11/xsettings.h"
 
 #include <functional>
@@ -42,6 +43,7 @@ private:
     SystemClock m_clock;
     XConnection m_xConnection;
     XSettings m_xSettings;
+    XScale m_xScale;
     DesktopAppearance m_appearance;
     DesktopOpener m_opener;
     AutostartLoginItem m_loginItem;

@@ -4,6 +4,8 @@
 #include "platform/linux/tray/label_painter.h"
 #include "platform/linux/tray/panel_status_item.h"
 #include "platform/linux/x11/x_connection.h"
+#include "platform/linux/x11/x_scale.h"
+#include "platform/linux/x11/xsettings.h"
 #include "support/fake_appearance.h"
 #include "support/fake_watcher.h"
 #include "support/private_display.h"
@@ -78,6 +80,8 @@ private:
     FakeAppearance m_appearance{Background::Dark};
     QString m_watcherProgram; // What this process passes for when it plays the watcher.
     std::unique_ptr<XConnection> m_x;
+    std::unique_ptr<XSettings> m_settings;
+    std::unique_ptr<XScale> m_scale;
     std::unique_ptr<FakeTrayManager> m_manager;
     std::unique_ptr<FakeWatcher> m_watcher;
     std::unique_ptr<PanelStatusItem> m_item;
@@ -94,6 +98,8 @@ void PanelStatusItemTest::init()
     m_watcherProgram.clear();
     m_x = std::make_unique<XConnection>();
     QVERIFY(m_x->isValid());
+    m_settings = std::make_unique<XSettings>(*m_x);
+    m_scale = std::make_unique<XScale>(*m_x, *m_settings);
 }
 
 void PanelStatusItemTest::cleanup()
@@ -102,15 +108,17 @@ void PanelStatusItemTest::cleanup()
     m_item.reset();
     m_watcher.reset();
     m_manager.reset();
+    m_scale.reset();
+    m_settings.reset();
     m_x.reset();
 }
 
 void PanelStatusItemTest::makeItem(const QDBusConnection &bus)
 {
-    m_item
-        = std::make_unique<PanelStatusItem>(*m_x, bus, m_painter, m_appearance, [this](qint64 pid) {
-              return pid == QCoreApplication::applicationPid() ? m_watcherProgram : QString();
-          });
+    m_item = std::make_unique<PanelStatusItem>(
+        *m_x, bus, m_painter, m_appearance, *m_scale, [this](qint64 pid) {
+            return pid == QCoreApplication::applicationPid() ? m_watcherProgram : QString();
+        });
     m_registered = std::make_unique<QSignalSpy>(m_item.get(), &PanelStatusItem::registered);
     show(sampleItem());
 }
@@ -158,7 +166,7 @@ void PanelStatusItemTest::withoutALabelItDoesNotStandThereEmpty()
 {
     m_manager = std::make_unique<FakeTrayManager>(panelOf(u"trayer"_s));
     m_item = std::make_unique<PanelStatusItem>(
-        *m_x, QDBusConnection::sessionBus(), m_painter, m_appearance);
+        *m_x, QDBusConnection::sessionBus(), m_painter, m_appearance, *m_scale);
     settle();
     QVERIFY(m_manager->docked().isEmpty());
     show(sampleItem());

@@ -2,6 +2,7 @@
 #include "platform/linux/tray/label_painter.h"
 #include "platform/linux/tray/sni_presentation.h"
 #include "platform/symbols.h"
+#include "support/fake_appearance.h"
 #include "support/fake_watcher.h"
 
 #include <QDBusConnectionInterface>
@@ -158,6 +159,8 @@ private Q_SLOTS:
     void onlyThePortableFormHasAMenu();
     void theWideFormShowsTheWholeLabel();
     void theWideFormKeepsItsWidthWhileOnlyNumbersChange();
+    void picturesAreInTheDesktopsFontAndFollowIt_data();
+    void picturesAreInTheDesktopsFontAndFollowIt();
     void malformedCallsGetErrors_data();
     void malformedCallsGetErrors();
     void aFloodIsAnsweredToTheEnd();
@@ -170,6 +173,7 @@ private:
 
     SquareSymbols m_symbols;
     LabelPainter m_painter{m_symbols};
+    test::FakeAppearance m_appearance{Background::Dark};
     std::unique_ptr<FakeWatcher> m_watcher;
     std::unique_ptr<SniPresentation> m_item;
     std::unique_ptr<FakeHost> m_host;
@@ -180,6 +184,7 @@ void SniPresentationTest::cleanup()
     m_host.reset();
     m_item.reset();
     m_watcher.reset();
+    m_appearance.family.clear();
     // The next test begins on a bus without any of them.
     OtherProgram other;
     QTRY_VERIFY(other.ownerOf(u"org.kde.StatusNotifierWatcher"_s).isEmpty());
@@ -189,7 +194,7 @@ void SniPresentationTest::start(const PresentedItem &item, SniForm form)
 {
     m_watcher = std::make_unique<FakeWatcher>();
     m_item = std::make_unique<SniPresentation>(
-        form, QDBusConnection::sessionBus(), m_painter, nullptr);
+        form, QDBusConnection::sessionBus(), m_painter, m_appearance, nullptr);
     m_item->present(item);
     QSignalSpy registered(m_item.get(), &Presentation::registered);
     QTRY_COMPARE(registered.size(), 1);
@@ -216,7 +221,8 @@ QString SniPresentationTest::text(const QString &property)
 void SniPresentationTest::itRegistersOnceUnderANameOfItsOwn()
 {
     FakeWatcher watcher;
-    SniPresentation item(SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
+    SniPresentation item(
+        SniForm::Portable, QDBusConnection::sessionBus(), m_painter, m_appearance, nullptr);
     QSignalSpy registered(&item, &Presentation::registered);
     QSignalSpy lost(&item, &Presentation::lost);
     item.present(someItem());
@@ -235,7 +241,8 @@ void SniPresentationTest::itRegistersOnceUnderANameOfItsOwn()
 
 void SniPresentationTest::withoutAWatcherItIsLost()
 {
-    SniPresentation item(SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
+    SniPresentation item(
+        SniForm::Portable, QDBusConnection::sessionBus(), m_painter, m_appearance, nullptr);
     QSignalSpy registered(&item, &Presentation::registered);
     QSignalSpy lost(&item, &Presentation::lost);
     QTRY_COMPARE(lost.size(), 1);
@@ -245,13 +252,14 @@ void SniPresentationTest::withoutAWatcherItIsLost()
 void SniPresentationTest::aWatcherThatComesLaterTakesTheNextOne()
 {
     auto early = std::make_unique<SniPresentation>(
-        SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
+        SniForm::Portable, QDBusConnection::sessionBus(), m_painter, m_appearance, nullptr);
     QSignalSpy lost(early.get(), &Presentation::lost);
     QTRY_COMPARE(lost.size(), 1);
     FakeWatcher watcher;
     early.reset();
 
-    SniPresentation item(SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
+    SniPresentation item(
+        SniForm::Portable, QDBusConnection::sessionBus(), m_painter, m_appearance, nullptr);
     QSignalSpy registered(&item, &Presentation::registered);
     QTRY_COMPARE(registered.size(), 1);
     QCOMPARE(watcher.items().size(), 1);
@@ -260,7 +268,8 @@ void SniPresentationTest::aWatcherThatComesLaterTakesTheNextOne()
 void SniPresentationTest::aWatcherThatRefusesItMeansLost()
 {
     FakeWatcher watcher(FakeWatcher::Manners::RefusesItems);
-    SniPresentation item(SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
+    SniPresentation item(
+        SniForm::Portable, QDBusConnection::sessionBus(), m_painter, m_appearance, nullptr);
     QSignalSpy registered(&item, &Presentation::registered);
     QSignalSpy lost(&item, &Presentation::lost);
     QTRY_COMPARE(lost.size(), 1);
@@ -281,7 +290,7 @@ void SniPresentationTest::aWatcherThatGoesAwayMeansLostOnce()
     first->deleteLater();
     QTRY_COMPARE(QDBusConnection::sessionBus().objectRegisteredAt(itemPath), nullptr);
     m_item = std::make_unique<SniPresentation>(
-        SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
+        SniForm::Portable, QDBusConnection::sessionBus(), m_painter, m_appearance, nullptr);
     QSignalSpy registered(m_item.get(), &Presentation::registered);
     QTRY_COMPARE(registered.size(), 1);
     QCOMPARE(m_watcher->items().size(), 1);
@@ -299,7 +308,8 @@ void SniPresentationTest::aWatcherThatIsReplacedMeansLost()
                      QDBusConnectionInterface::AllowReplacement)
                  .value(),
         QDBusConnectionInterface::ServiceRegistered);
-    SniPresentation item(SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
+    SniPresentation item(
+        SniForm::Portable, QDBusConnection::sessionBus(), m_painter, m_appearance, nullptr);
     QSignalSpy lost(&item, &Presentation::lost);
     OtherProgram second;
     QCOMPARE(second.bus()
@@ -319,7 +329,7 @@ void SniPresentationTest::aBusThatGoesAwayMeansLost()
     const auto bus = QDBusConnection::connectToBus(address, u"mortal"_s);
     QVERIFY(bus.isConnected());
     {
-        SniPresentation item(SniForm::Portable, bus, m_painter, nullptr);
+        SniPresentation item(SniForm::Portable, bus, m_painter, m_appearance, nullptr);
         QSignalSpy lost(&item, &Presentation::lost);
         daemon.terminate();
         QTRY_COMPARE(lost.size(), 1);
@@ -337,7 +347,8 @@ void SniPresentationTest::whereTheNameIsRefusedTheConnectionsOwnNameDoes()
     QVERIFY(thief.takeName(nameNumbered(next)));
     m_item.reset();
 
-    SniPresentation item(SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
+    SniPresentation item(
+        SniForm::Portable, QDBusConnection::sessionBus(), m_painter, m_appearance, nullptr);
     QSignalSpy registered(&item, &Presentation::registered);
     QTRY_COMPARE(registered.size(), 1);
     QCOMPARE(m_watcher->items().constLast(), QDBusConnection::sessionBus().baseService());
@@ -348,7 +359,7 @@ void SniPresentationTest::theSecondOneOnAConnectionIsLostAndLeavesTheFirstAlone(
     start(someItem());
     {
         SniPresentation second(
-            SniForm::Portable, QDBusConnection::sessionBus(), m_painter, nullptr);
+            SniForm::Portable, QDBusConnection::sessionBus(), m_painter, m_appearance, nullptr);
         QSignalSpy lost(&second, &Presentation::lost);
         QTRY_COMPARE(lost.size(), 1);
         second.present(withTitle(u"second"_s));
@@ -766,6 +777,35 @@ void SniPresentationTest::theWideFormKeepsItsWidthWhileOnlyNumbersChange()
     const int wide = widthFor(u"5h: 100%"_s);
     QVERIFY(wide > narrow);
     QCOMPARE(widthFor(u"5h: 7%"_s), wide);
+}
+
+void SniPresentationTest::picturesAreInTheDesktopsFontAndFollowIt_data()
+{
+    QTest::addColumn<SniForm>("form");
+    QTest::newRow("wide") << SniForm::Wide;
+    QTest::newRow("badge") << SniForm::Badge;
+    QTest::newRow("portable") << SniForm::Portable;
+}
+
+void SniPresentationTest::picturesAreInTheDesktopsFontAndFollowIt()
+{
+    QFETCH(SniForm, form);
+    PresentedItem item = someItem();
+    item.label.badge.numbers = {{.text = u"80"_s}, {.text = u"7"_s}};
+    const auto pictures
+        = [this] { return qdbus_cast<SniPixmaps>(m_host->readAll().value(u"IconPixmap"_s)); };
+    m_appearance.setFamily(u"DejaVu Serif"_s);
+    start(item, form);
+    const SniPixmaps serif = pictures();
+    m_appearance.setFamily(u"DejaVu Sans Mono"_s);
+    QTRY_COMPARE(m_host->heard(), QStringList{u"NewIcon"_s});
+    const SniPixmaps mono = pictures();
+    QVERIFY(mono != serif);
+    // What else the desktop changes of its look is none of the pictures' business.
+    m_appearance.setDark(false);
+    m_appearance.setFamily(u"DejaVu Serif"_s);
+    QTRY_COMPARE(m_host->heard(), (QStringList{u"NewIcon"_s, u"NewIcon"_s}));
+    QVERIFY(pictures() == serif);
 }
 
 void SniPresentationTest::malformedCallsGetErrors_data()

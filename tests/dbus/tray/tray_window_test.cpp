@@ -124,7 +124,7 @@ private:
     void dock(int width)
     {
         QSignalSpy docked(m_window.get(), &TrayWindow::docked);
-        m_window->dock(width);
+        m_window->dock({width, TrayWindow::usualHeight});
         QTRY_COMPARE(docked.size(), 1);
         QVERIFY(m_window->isDocked());
         QTRY_COMPARE(m_window->slot(), m_manager->slot().size());

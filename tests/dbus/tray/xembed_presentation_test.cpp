@@ -3,8 +3,11 @@
 #include "platform/linux/symbols/svg_symbols.h"
 #include "platform/linux/tray/xembed_presentation.h"
 #include "platform/linux/x11/x_connection.h"
+#include "platform/linux/x11/x_scale.h"
+#include "platform/linux/x11/xsettings.h"
 #include "support/fake_appearance.h"
 #include "support/private_display.h"
+#include "support/settings_manager.h"
 
 #include <QGuiApplication>
 #include <QSignalSpy>
@@ -37,6 +40,30 @@ QRect inkOf(const QImage &image)
         }
     }
     return ink;
+}
+
+/// The rectangle of the green text.
+QRect greenOf(const QImage &image)
+{
+    const QColor green = toColor(systemColor(ColorToken::AdaptiveHealthyGreen, Background::Dark));
+    QRect text;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor color = image.pixelColor(x, y);
+            constexpr int mostly = 128;
+            if (color.alpha() >= mostly && std::abs(color.hue() - green.hue()) < 4)
+                text |= QRect(x, y, 1, 1);
+        }
+    }
+    return text;
+}
+
+/// What a desktop announces that enlarges its windows by `factor`, and its texts by `scale`.
+QVariantMap scaled(double scale, int factor)
+{
+    constexpr double usual = 96.0 * 1024;
+    return {
+        {u"Xft/DPI"_s, static_cast<int>(usual * scale)}, {u"Gdk/WindowScalingFactor"_s, factor}};
 }
 
 QWindow *shownToolTip()
@@ -79,6 +106,11 @@ private Q_SLOTS:
     void aSlotLargerThanARequestIsDrawnWhole();
     void aLabelThatGrowsGetsAWiderSlot();
     void aLabelThatShrinksGetsANarrowerSlot();
+    void theLabelIsAsLargeAsTheDesktopDrawsItsTexts_data();
+    void theLabelIsAsLargeAsTheDesktopDrawsItsTexts();
+    void largeTextStaysWithinTheHeightOfThePanel();
+    void theLabelFollowsTheDesktopsScale();
+    void onlyLargerWindowsAskForMoreHeight();
     void aPanelThatScalesWhatIsAskedForStillGivesAFittingSlot();
     void otherPanelsMayShrinkBelowTheHeightThatTheyGave();
     void aLabelWhoseNumbersShrinkKeepsItsSlot();
@@ -126,6 +158,8 @@ private:
     FakeAppearance m_appearance{Background::Dark};
     Pointer m_pointer;
     std::unique_ptr<XConnection> m_x;
+    std::unique_ptr<XSettings> m_settings;
+    std::unique_ptr<XScale> m_scale;
     std::unique_ptr<FakeTrayManager> m_manager;
     std::unique_ptr<XembedPresentation> m_item;
     std::unique_ptr<QSignalSpy> m_registered;
@@ -139,6 +173,8 @@ void XembedPresentationTest::init()
     m_pointer.moveTo(elsewhere);
     m_x = std::make_unique<XConnection>();
     QVERIFY(m_x->isValid());
+    m_settings = std::make_unique<XSettings>(*m_x);
+    m_scale = std::make_unique<XScale>(*m_x, *m_settings);
 }
 
 void XembedPresentationTest::cleanup()
@@ -150,6 +186,8 @@ void XembedPresentationTest::cleanup()
     m_lost.reset();
     m_item.reset();
     m_manager.reset();
+    m_scale.reset();
+    m_settings.reset();
     m_x.reset();
 }
 
@@ -157,7 +195,7 @@ void XembedPresentationTest::dock(const FakeTrayManager::Manners &manners, Xembe
 {
     m_manager = std::make_unique<FakeTrayManager>(manners);
     m_item = std::make_unique<XembedPresentation>(
-        form, *m_x, m_manager->window(), m_painter, m_appearance);
+        form, *m_x, m_manager->window(), m_painter, m_appearance, *m_scale);
     m_registered = std::make_unique<QSignalSpy>(m_item.get(), &Presentation::registered);
     m_pressed = std::make_unique<QSignalSpy>(m_item.get(), &Presentation::pressed);
     m_clicked = std::make_unique<QSignalSpy>(m_item.get(), &Presentation::clicked);
@@ -326,6 +364,85 @@ void XembedPresentationTest::aLabelWhoseNumbersShrinkKeepsItsSlot()
     settle();
     QTRY_VERIFY(isDrawn());
     QCOMPARE(m_manager->slot(), wide);
+}
+
+void XembedPresentationTest::theLabelIsAsLargeAsTheDesktopDrawsItsTexts_data()
+{
+    QTest::addColumn<double>("scale");
+    QTest::addColumn<int>("factor");
+    QTest::newRow("1") << 1.0 << 1;
+    QTest::newRow("1.25") << 1.25 << 1;
+    QTest::newRow("1.5") << 1.5 << 1;
+    QTest::newRow("2") << 2.0 << 2;
+    QTest::newRow("3") << 3.0 << 3;
+}
+
+void XembedPresentationTest::theLabelIsAsLargeAsTheDesktopDrawsItsTexts()
+{
+    QFETCH(double, scale);
+    QFETCH(int, factor);
+    dock();
+    QTRY_VERIFY(isDrawn());
+    const QRect usual = greenOf(m_manager->picture());
+    m_item.reset();
+    m_manager.reset();
+
+    const SettingsManager settings(scaled(scale, factor));
+    QTRY_COMPARE(m_scale->value(), scale);
+    dock({.symbols = {}, .height = static_cast<int>(28 * scale), .program = {}});
+    QTRY_VERIFY(isDrawn());
+    QTRY_COMPARE(m_manager->slot().width(), m_manager->hintedSize().width());
+    const QRect text = greenOf(m_manager->picture());
+    // Both are whole pixels, and so are the sizes of fonts.
+    QVERIFY2(std::abs(text.height() - usual.height() * scale) <= scale + 1,
+        qPrintable(u"%1 high, and %2 at scale 1"_s.arg(text.height()).arg(usual.height())));
+    QVERIFY(std::abs(text.width() - usual.width() * scale) <= 4 * scale);
+    // In the middle of the panel.
+    QVERIFY(std::abs(text.top() + text.bottom() + 1 - m_manager->slot().height()) <= 2 * scale);
+}
+
+void XembedPresentationTest::largeTextStaysWithinTheHeightOfThePanel()
+{
+    const SettingsManager settings(scaled(3, 1));
+    QTRY_COMPARE(m_scale->value(), 3.0);
+    dock();
+    QTRY_VERIFY(isDrawn());
+    QTRY_COMPARE(m_manager->slot().width(), m_manager->hintedSize().width());
+    const QRect text = greenOf(m_manager->picture());
+    QVERIFY2(text.top() >= 4 && text.bottom() < 28 - 4, "the text touches the panel's edges");
+    QVERIFY2(text.height() > 12, "there is room for larger text");
+}
+
+void XembedPresentationTest::theLabelFollowsTheDesktopsScale()
+{
+    SettingsManager settings(scaled(1, 1));
+    dock({.symbols = {}, .height = 56, .program = {}});
+    QTRY_VERIFY(isDrawn());
+    settle();
+    const QRect before = greenOf(m_manager->picture());
+    settings.change(scaled(2, 2));
+    QTRY_VERIFY(greenOf(m_manager->picture()).height() > before.height() * 3 / 2);
+    QTRY_COMPARE(m_manager->slot().width(), m_manager->hintedSize().width());
+    settings.change(scaled(1, 1));
+    QTRY_COMPARE(greenOf(m_manager->picture()).height(), before.height());
+    QCOMPARE(m_manager->docked().size(), 1);
+}
+
+void XembedPresentationTest::onlyLargerWindowsAskForMoreHeight()
+{
+    SettingsManager settings(scaled(2, 1));
+    QTRY_COMPARE(m_scale->value(), 2.0);
+    dock();
+    QTRY_VERIFY(isDrawn());
+    QCOMPARE(m_manager->hintedSize().height(), 22);
+    m_item.reset();
+    m_manager.reset();
+
+    settings.change(scaled(2, 2));
+    QTRY_COMPARE(m_scale->windowFactor(), 2);
+    dock();
+    QTRY_VERIFY(isDrawn());
+    QCOMPARE(m_manager->hintedSize().height(), 44);
 }
 
 void XembedPresentationTest::aPanelThatScalesWhatIsAskedForStillGivesAFittingSlot()

@@ -15,6 +15,30 @@
 
 namespace brimwatch::platform {
 
+namespace {
+
+// How far the pointer may be from where it was clicked by the time that we hear of it.
+constexpr int near = 100;
+
+bool areNear(QPoint a, QPoint b)
+{
+    return (a - b).manhattanLength() <= near;
+}
+
+/// Where the item was clicked, in device-independent pixels, by what the panel tells of it. Panels
+/// on a scaled screen tell it in native pixels (Plasma) or in their own (LXQt, with Qt's scale
+/// factor), so the pointer decides where it agrees with either. It does not when the item was
+/// chosen by a key.
+QPoint placeOfClick(QPoint told)
+{
+    const QScreen *screen = screenAtNative(told);
+    const QPoint scaled = screen != nullptr ? fromNative(told, screen) : told;
+    const QPoint pointer = QCursor::pos();
+    return areNear(pointer, scaled) || areNear(pointer, told) ? pointer : scaled;
+}
+
+} // namespace
+
 PlacedPopover::PlacedPopover(PopoverContentFactory factory, WindowSurroundings surroundings,
     Qt::WindowFlags flags, QObject *parent)
     : Popover(parent)
@@ -65,11 +89,13 @@ void PlacedPopover::show(const ItemAnchor &anchor)
         showBeside(QRect(cursor, QSize(1, 1)), QGuiApplication::screenAt(cursor));
         return;
     }
-    const QPoint pointer = anchor.pointer ? *anchor.pointer : anchor.bounds->center();
-    QScreen *screen = screenAtNative(pointer);
-    const QRect item = anchor.bounds ? fromNative(*anchor.bounds, screen)
-                                     : QRect(fromNative(pointer, screen), QSize(1, 1));
-    showBeside(item, screen);
+    if (!anchor.bounds) {
+        const QPoint place = placeOfClick(*anchor.pointer);
+        showBeside(QRect(place, QSize(1, 1)), QGuiApplication::screenAt(place));
+        return;
+    }
+    QScreen *screen = screenAtNative(anchor.pointer.value_or(anchor.bounds->center()));
+    showBeside(fromNative(*anchor.bounds, screen), screen);
 }
 
 void PlacedPopover::showUnclicked(const std::optional<QRect> &item)

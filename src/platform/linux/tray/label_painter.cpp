@@ -18,8 +18,7 @@ namespace {
 
 // Room at an end where no image brings its own.
 constexpr double endMargin = 4;
-// Heights below this one scale the label down: text of 12 needs as much to stand clear of both
-// edges.
+// The height that text of 12 needs to stand clear of both edges: a lower label is scaled down.
 constexpr double comfortableHeight = 18;
 
 SymbolWeight toWeight(model::FontWeight weight)
@@ -38,7 +37,7 @@ public:
     Layout(const SymbolSource &symbols, const LabelLook &look)
         : m_symbols(symbols)
         , m_look(look)
-        , m_scale(std::min(1.0, look.height / comfortableHeight))
+        , m_scale(std::min(look.scale, look.height / comfortableHeight))
         , m_font(font())
         , m_metrics(m_font)
     {
@@ -55,11 +54,11 @@ public:
         if (label.image)
             addImage(*label.image);
         else
-            m_x += endMargin;
+            m_x += endMargin * m_scale;
         for (const auto &run : label.title)
             std::visit([this](const auto &part) { add(part); }, run);
         if (!label.title.isEmpty())
-            m_x += endMargin;
+            m_x += endMargin * m_scale;
         return m_x;
     }
 
@@ -91,11 +90,10 @@ private:
     /// As high as `box`, and no wider.
     void drawNumber(const model::BadgeNumber &number, QPainter *painter, const QRectF &box) const
     {
-        // Of capitals and digits in most fonts.
-        constexpr double digitHeight = 0.73;
         QFont font = m_font;
         font.setWeight(QFont::Bold);
-        font.setPixelSize(std::max(1, static_cast<int>(std::lround(box.height() / digitHeight))));
+        font.setPixelSize(
+            std::max(1, static_cast<int>(std::lround(box.height() / relativeCapHeight(font)))));
         const QFontMetricsF metrics(font);
         const double width = metrics.horizontalAdvance(number.text);
         const double squeezed = std::min(1.0, box.width() / width);
@@ -111,11 +109,23 @@ private:
         painter->save();
         painter->setFont(font);
         painter->setPen(ink);
-        painter->translate(
-            std::round(box.center().x() - width * squeezed / 2), std::round(box.bottom()));
+        painter->translate(std::round(box.center().x() - width * squeezed / 2),
+            std::round(box.center().y() + metrics.capHeight() / 2));
         painter->scale(squeezed, 1);
         painter->drawText(QPointF(0, 0), number.text);
         painter->restore();
+    }
+
+    /// The height of capitals and digits in a font, for each unit of its size.
+    static double relativeCapHeight(QFont font)
+    {
+        // Of most fonts, for those that do not tell it.
+        constexpr double usual = 0.73;
+        // Large, as metrics are whole pixels.
+        constexpr int size = 100;
+        font.setPixelSize(size);
+        const double height = QFontMetricsF(font).capHeight() / size;
+        return height > 0 ? height : usual;
     }
 
     QFont font() const
@@ -170,7 +180,9 @@ private:
     void drawText(const QString &text, double inset, double advance)
     {
         if (m_painter != nullptr) {
-            const double baseline = std::round((m_look.height + m_metrics.capHeight()) / 2);
+            const double ratio = m_look.devicePixelRatio;
+            const double baseline
+                = std::round((m_look.height + m_metrics.capHeight()) / 2 * ratio) / ratio;
             m_painter->drawText(QPointF(m_x + inset, baseline), text);
         }
         m_x += advance;

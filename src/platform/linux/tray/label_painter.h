@@ -16,8 +16,11 @@ struct LabelLook {
     Background background = Background::Dark;
     QString fontFamily = {}; ///< Empty: Qt's default.
     double devicePixelRatio = 1;
+    /// Device-independent pixels for a point of the design: above 1 where nothing else scales, as
+    /// in the windows of X11.
+    double scale = 1;
     int height = 22; ///< In device-independent pixels; text and symbols shrink with a height that
-                     ///< is too small for them.
+                     ///< is too small for them at that scale.
 
     bool operator==(const LabelLook &) const = default;
 };

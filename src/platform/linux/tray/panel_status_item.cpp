@@ -23,18 +23,19 @@ constexpr std::chrono::milliseconds slowestRetry = 1min;
 } // namespace
 
 PanelStatusItem::PanelStatusItem(XConnection &x, QDBusConnection bus, const LabelPainter &painter,
-    Appearance &appearance, QObject *parent)
-    : PanelStatusItem(x, std::move(bus), painter, appearance, executableOfProcess, parent)
+    Appearance &appearance, const XScale &scale, QObject *parent)
+    : PanelStatusItem(x, std::move(bus), painter, appearance, scale, executableOfProcess, parent)
 {
 }
 
 PanelStatusItem::PanelStatusItem(XConnection &x, QDBusConnection bus, const LabelPainter &painter,
-    Appearance &appearance, ExecutableOf executableOf, QObject *parent)
+    Appearance &appearance, const XScale &scale, ExecutableOf executableOf, QObject *parent)
     : StatusItem(parent)
     , m_x(x)
     , m_bus(std::move(bus))
     , m_painter(painter)
     , m_appearance(appearance)
+    , m_scale(scale)
     , m_detector(x, m_bus, std::move(executableOf))
 {
     m_retry.setSingleShot(true);
@@ -140,10 +141,10 @@ std::unique_ptr<Presentation> PanelStatusItem::makePresentation()
 {
     const auto embedded = [this](XembedForm form) {
         return std::make_unique<XembedPresentation>(
-            form, m_x, host().trayManager, m_painter, m_appearance);
+            form, m_x, host().trayManager, m_painter, m_appearance, m_scale);
     };
     const auto announced = [this](SniForm form) {
-        return std::make_unique<SniPresentation>(form, m_bus, m_painter, nullptr);
+        return std::make_unique<SniPresentation>(form, m_bus, m_painter, m_appearance, nullptr);
     };
     switch (host().presentation) {
     case PresentationKind::XembedWide:

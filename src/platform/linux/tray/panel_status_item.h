@@ -16,6 +16,7 @@ namespace brimwatch::platform {
 class Appearance;
 class LabelPainter;
 class XConnection;
+class XScale;
 
 /// The item on the panel that is there, once. Keeps what it shows for the panel that comes next.
 class PanelStatusItem final : public StatusItem {
@@ -23,10 +24,11 @@ class PanelStatusItem final : public StatusItem {
 
 public:
     PanelStatusItem(XConnection &x, QDBusConnection bus, const LabelPainter &painter,
-        Appearance &appearance, QObject *parent = nullptr);
+        Appearance &appearance, const XScale &scale, QObject *parent = nullptr);
     /// With other knowledge of who runs which program.
     PanelStatusItem(XConnection &x, QDBusConnection bus, const LabelPainter &painter,
-        Appearance &appearance, ExecutableOf executableOf, QObject *parent = nullptr);
+        Appearance &appearance, const XScale &scale, ExecutableOf executableOf,
+        QObject *parent = nullptr);
 
     /// Always: what it is given now is shown by the panel that comes.
     bool hasButton() const override { return true; }
@@ -52,6 +54,7 @@ private:
     QDBusConnection m_bus;
     const LabelPainter &m_painter;
     Appearance &m_appearance;
+    const XScale &m_scale;
     HostDetector m_detector;
     std::unique_ptr<Presentation> m_presentation;
     PresentedItem m_item;

@@ -1,6 +1,7 @@
 #include "platform/linux/tray/sni_presentation.h"
 
 #include "core/plain_text.h"
+#include "platform/appearance.h"
 #include "platform/linux/bus/bus_calls.h"
 #include "platform/linux/tray/dbus_menu.h"
 #include "platform/linux/tray/item_menu.h"
@@ -106,12 +107,14 @@ int nextNumber()
 
 } // namespace
 
-SniPresentation::SniPresentation(
-    SniForm form, const QDBusConnection &bus, const LabelPainter &painter, QObject *parent)
+SniPresentation::SniPresentation(SniForm form, const QDBusConnection &bus,
+    const LabelPainter &painter, Appearance &appearance, QObject *parent)
     : Presentation(parent)
     , m_form(form)
     , m_bus(bus)
     , m_painter(painter)
+    , m_appearance(appearance)
+    , m_shownFont(appearance.fontFamily())
     , m_item(bus, hasMenu(form) ? SniItem::Menu::Yes : SniItem::Menu::No, textsOf(m_wanted),
           [this] { return draw(); })
     , m_watcher(watcherService, bus, QDBusServiceWatcher::WatchForOwnerChange)
@@ -130,6 +133,7 @@ SniPresentation::SniPresentation(
     m_bus.connect({}, u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,
         u"Disconnected"_s, this, SLOT(lose()));
 
+    connect(&m_appearance, &Appearance::changed, this, &SniPresentation::followFont);
     connect(&m_item, &SniItem::activated, this,
         [this](QPoint place) { Q_EMIT clicked({.bounds = {}, .pointer = globalPoint(place)}); });
 
@@ -159,15 +163,28 @@ void SniPresentation::present(const PresentedItem &item)
     if (m_lost || item == m_wanted)
         return;
     m_wanted = item;
+    announceSoon();
+}
+
+void SniPresentation::followFont()
+{
+    if (!m_lost && m_appearance.fontFamily() != m_shownFont)
+        announceSoon();
+}
+
+void SniPresentation::announceSoon()
+{
     if (!m_pause.isActive())
         announce();
 }
 
 void SniPresentation::announce()
 {
-    const bool labelChanged = m_shownLabel != m_wanted.label;
+    const QString font = m_appearance.fontFamily();
+    const bool pictureChanged = m_shownLabel != m_wanted.label || m_shownFont != font;
     m_shownLabel = m_wanted.label;
-    if (m_item.update(textsOf(m_wanted), labelChanged))
+    m_shownFont = font;
+    if (m_item.update(textsOf(m_wanted), pictureChanged))
         m_pause.start();
 }
 
@@ -203,7 +220,7 @@ SniPixmaps SniPresentation::draw()
 QImage SniPresentation::drawWide(int height)
 {
     // Laid out once, at the usual height: all pictures have the same proportions.
-    LabelLook look{.height = wideHeights.front()};
+    LabelLook look{.fontFamily = m_shownFont, .height = wideHeights.front()};
     const int width = m_steadyWidth.of(m_shownLabel, m_painter, look);
     look.devicePixelRatio = static_cast<double>(height) / look.height;
     QImage picture(
@@ -223,8 +240,8 @@ QImage SniPresentation::drawSquare(int side) const
     // Numbers take all the room there is; a symbol stands clear of the edges.
     const int margin = m_shownLabel.badge.numbers.isEmpty() ? std::max(1, side / 10) : side / 16;
     // A look's default background is dark.
-    painter.drawImage(
-        margin, margin, m_painter.squareImage(m_shownLabel, LabelLook{}, side - 2 * margin));
+    painter.drawImage(margin, margin,
+        m_painter.squareImage(m_shownLabel, {.fontFamily = m_shownFont}, side - 2 * margin));
     return square;
 }
 

@@ -12,6 +12,7 @@
 
 namespace brimwatch::platform {
 
+class Appearance;
 class LabelPainter;
 
 /// How a StatusNotifierItem shows the label.
@@ -25,8 +26,8 @@ enum class SniForm {
 /// and, for hosts that know it, beside the icon (Ayatana's XAyatanaLabel).
 ///
 /// Pictures have a dark rounded background of their own, as the protocol does not say what the
-/// panel's is. IconName stays empty: hosts prefer it to the pictures, and it would hide what they
-/// show. Texts are safe for hosts that take them for markup.
+/// panel's is, and the desktop's interface font. IconName stays empty: hosts prefer it to the
+/// pictures, and it would hide what they show. Texts are safe for hosts that take them for markup.
 ///
 /// Changes are signalled at most once a second; between, the properties stay as signalled, and the
 /// last state always arrives.
@@ -43,8 +44,8 @@ class SniPresentation final : public Presentation {
 public:
     /// The name that watchers know the item by is org.kde.StatusNotifierItem-PID-N, another N each
     /// time.
-    SniPresentation(
-        SniForm form, const QDBusConnection &bus, const LabelPainter &painter, QObject *parent);
+    SniPresentation(SniForm form, const QDBusConnection &bus, const LabelPainter &painter,
+        Appearance &appearance, QObject *parent);
     ~SniPresentation() override;
 
     void present(const PresentedItem &item) override;
@@ -59,6 +60,8 @@ private:
     SniPixmaps draw();
     QImage drawWide(int height);
     QImage drawSquare(int side) const;
+    void followFont();
+    void announceSoon();
     void announce();
     void addMenu();
     void requestName();
@@ -68,9 +71,11 @@ private:
     SniForm m_form;
     QDBusConnection m_bus;
     const LabelPainter &m_painter;
+    Appearance &m_appearance;
     SteadyWidth m_steadyWidth;
     PresentedItem m_wanted;
     model::LabelComposition m_shownLabel;
+    QString m_shownFont; ///< Its family.
     SniItem m_item;
     QDBusServiceWatcher m_watcher;
     QString m_name;

@@ -75,7 +75,7 @@ TrayWindow::~TrayWindow()
     m_x.flush();
 }
 
-void TrayWindow::dock(int width)
+void TrayWindow::dock(QSize asked)
 {
     if (!m_x.isValid() || exists())
         return;
@@ -89,8 +89,9 @@ void TrayWindow::dock(int width)
         return;
     }
     m_format = *format;
-    m_askedWidth = width;
-    m_slot = {boundedWidth(width), m_askedHeight};
+    m_askedWidth = asked.width();
+    m_askedHeight = std::clamp(asked.height(), 1, largestDrawing.height());
+    m_slot = {boundedWidth(m_askedWidth), m_askedHeight};
     createWindow();
     setProperties();
     writeSizeHints();

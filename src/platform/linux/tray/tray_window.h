@@ -30,7 +30,7 @@ class TrayWindow final : public QObject {
 public:
     /// No panel is higher; a slot that is gets a drawing in its top left corner.
     static constexpr QSize largestDrawing{4096, 512};
-    /// The height asked for. Panels give their own.
+    /// The height to ask for where panels are as large as usual. They give their own.
     static constexpr int usualHeight = 22;
 
     /// For the tray manager with that window. `x` outlives it.
@@ -38,7 +38,7 @@ public:
     ~TrayWindow() override;
 
     /// Makes the window and asks the tray to take it. Without a visual to draw for there is none.
-    void dock(int width);
+    void dock(QSize asked);
     bool exists() const { return m_window != XCB_WINDOW_NONE; }
     /// Whether the tray has taken it.
     bool isDocked() const { return m_docked; }

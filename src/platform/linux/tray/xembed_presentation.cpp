@@ -1,6 +1,7 @@
 #include "platform/linux/tray/xembed_presentation.h"
 
 #include "platform/appearance.h"
+#include "platform/linux/x11/x_scale.h"
 
 #include <QLoggingCategory>
 #include <QPainter>
@@ -24,11 +25,12 @@ bool isClick(std::uint8_t button)
 } // namespace
 
 XembedPresentation::XembedPresentation(XembedForm form, XConnection &x, xcb_window_t manager,
-    const LabelPainter &painter, Appearance &appearance, QObject *parent)
+    const LabelPainter &painter, Appearance &appearance, const XScale &scale, QObject *parent)
     : Presentation(parent)
     , m_form(form)
     , m_painter(painter)
     , m_appearance(appearance)
+    , m_scale(scale)
     , m_window(x, manager)
     , m_background(appearance)
     , m_toolTip(appearance, [this] { return place().value_or(QRect()); })
@@ -58,6 +60,7 @@ XembedPresentation::XembedPresentation(XembedForm form, XConnection &x, xcb_wind
     connect(&m_window, &TrayWindow::pointerLeft, &m_toolTip, &ToolTipWindow::pointerLeft);
     connect(&m_window, &TrayWindow::lost, this, &XembedPresentation::lose);
     connect(&m_appearance, &Appearance::changed, this, &XembedPresentation::followTheme);
+    connect(&m_scale, &XScale::changed, this, &XembedPresentation::adapt);
 }
 
 void XembedPresentation::present(const PresentedItem &item)
@@ -72,7 +75,7 @@ void XembedPresentation::present(const PresentedItem &item)
             : description.lines);
     if (!m_window.exists()) {
         readSymbolColors();
-        m_window.dock(neededWidth());
+        m_window.dock({neededWidth(), usualHeight()});
     } else if (labelDiffers) {
         // A bar that changes its colour need not expose us: it is looked at with each new label.
         m_behind = {};
@@ -118,12 +121,18 @@ void XembedPresentation::lose()
 LabelLook XembedPresentation::look() const
 {
     const QSize slot = m_window.slot();
-    const int height
-        = m_window.isDocked() && !slot.isEmpty() ? slot.height() : TrayWindow::usualHeight;
+    const int height = m_window.isDocked() && !slot.isEmpty() ? slot.height() : usualHeight();
     return {.background = m_background.value(),
         .fontFamily = m_appearance.fontFamily(),
         .devicePixelRatio = 1,
+        .scale = m_scale.value(),
         .height = std::min(height, TrayWindow::largestDrawing.height())};
+}
+
+int XembedPresentation::usualHeight() const
+{
+    // Larger text alone makes no panel higher, and some grow with what is asked for.
+    return TrayWindow::usualHeight * m_scale.windowFactor();
 }
 
 void XembedPresentation::readSymbolColors()
@@ -141,6 +150,11 @@ int XembedPresentation::neededWidth()
 void XembedPresentation::followTheme()
 {
     m_background.followTheme();
+    adapt();
+}
+
+void XembedPresentation::adapt()
+{
     if (!m_window.exists())
         return;
     askForWidth();

@@ -22,6 +22,7 @@ namespace brimwatch::platform {
 
 class Appearance;
 class XConnection;
+class XScale;
 
 /// How an embedded item shows the label.
 enum class XembedForm {
@@ -30,8 +31,9 @@ enum class XembedForm {
 };
 
 /// The label in a window of our own that the panel takes into its tray: what is drawn there, which
-/// clicks count, and a tooltip, which such panels show for nobody. A slot that stays narrower than
-/// the label gets its badge.
+/// clicks count, and a tooltip, which such panels show for nobody. Text and symbols are as large as
+/// the desktop draws its own, follow that, and stay within the height of the slot. A slot that
+/// stays narrower than the label gets its badge.
 class XembedPresentation final : public Presentation {
     Q_OBJECT
 
@@ -42,7 +44,8 @@ public:
     /// For the tray manager with that window. It is asked to take the item with the first
     /// present().
     XembedPresentation(XembedForm form, XConnection &x, xcb_window_t manager,
-        const LabelPainter &painter, Appearance &appearance, QObject *parent = nullptr);
+        const LabelPainter &painter, Appearance &appearance, const XScale &scale,
+        QObject *parent = nullptr);
 
     void present(const PresentedItem &item) override;
     std::optional<QRect> place() const override { return m_window.place(); }
@@ -54,8 +57,10 @@ private:
     void lose();
 
     LabelLook look() const;
+    int usualHeight() const;
     void readSymbolColors();
     void followTheme();
+    void adapt();
     int neededWidth();
     void askForWidth();
     void readBehind();
@@ -66,6 +71,7 @@ private:
     XembedForm m_form;
     const LabelPainter &m_painter;
     Appearance &m_appearance;
+    const XScale &m_scale;
     TrayWindow m_window;
     PanelBackground m_background;
     ToolTipWindow m_toolTip;

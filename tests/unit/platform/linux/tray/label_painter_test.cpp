@@ -58,6 +58,20 @@ int inkOf(const QImage &image, const Rgba &color)
     return count;
 }
 
+/// The rectangle of the pixels that are mostly ink.
+QRect inkRect(const QImage &image)
+{
+    const QImage plain = image.convertToFormat(QImage::Format_ARGB32);
+    QRect ink;
+    for (int y = 0; y < plain.height(); ++y) {
+        for (int x = 0; x < plain.width(); ++x) {
+            if (qAlpha(plain.pixel(x, y)) > 127)
+                ink |= QRect(x, y, 1, 1);
+        }
+    }
+    return ink;
+}
+
 bool hasInkAtEdge(const QImage &image)
 {
     const QImage plain = image.convertToFormat(QImage::Format_ARGB32);
@@ -129,6 +143,68 @@ private Q_SLOTS:
                 = m_painter.image(label, {.devicePixelRatio = ratio, .height = height});
             QCOMPARE(image.height(), static_cast<int>(std::ceil(height * ratio)));
             QVERIFY(!hasInkAtEdge(image));
+        }
+    }
+
+    void theLabelGrowsWithItsScaleAndStaysInTheMiddle_data()
+    {
+        QTest::addColumn<QString>("family");
+        QTest::addColumn<double>("scale");
+        for (const auto &family : {u"DejaVu Sans"_s, u"DejaVu Serif"_s}) {
+            for (const double scale : {1.0, 1.25, 1.5, 2.0, 3.0})
+                QTest::addRow("%s at %g", qPrintable(family), scale) << family << scale;
+        }
+    }
+    void theLabelGrowsWithItsScaleAndStaysInTheMiddle()
+    {
+        QFETCH(QString, family);
+        QFETCH(double, scale);
+        const LabelComposition label = labelOf(u"1234567890"_s);
+        const int height = static_cast<int>(std::lround(22 * scale));
+        const QRect usual = inkRect(m_painter.image(label, {.fontFamily = family}));
+        const QRect ink = inkRect(
+            m_painter.image(label, {.fontFamily = family, .scale = scale, .height = height}));
+        // Whole pixels, here and there.
+        QVERIFY(std::abs(ink.height() - usual.height() * scale) <= scale + 1);
+        QVERIFY(std::abs(ink.width() - usual.width() * scale) <= 2 + 2 * scale);
+        // The digits are as high as capitals; half a pixel more is the baseline's.
+        QVERIFY(std::abs(ink.top() + ink.bottom() + 1 - height) <= 2);
+
+        // As many pixels by the ratio of a screen as by the scale.
+        const QRect dense
+            = inkRect(m_painter.image(label, {.fontFamily = family, .devicePixelRatio = scale}));
+        QVERIFY(std::abs(dense.height() - ink.height()) <= 2);
+        QVERIFY(std::abs(dense.top() + dense.bottom() + 1 - 22 * scale) <= 2 + scale);
+    }
+
+    void aLabelIsNoLargerThanItsHeightAllows()
+    {
+        const LabelComposition label = labelOf(u"1234567890"_s);
+        const QSize low = m_painter.size(label, {.scale = 3, .height = 27});
+        QCOMPARE(low, m_painter.size(label, {.scale = 1.5, .height = 27}));
+        QVERIFY(!hasInkAtEdge(m_painter.image(label, {.scale = 3, .height = 27})));
+    }
+
+    void theNumbersOfABadgeStandInTheMiddleOfTheirLines_data()
+    {
+        QTest::addColumn<QString>("family");
+        for (const auto &family : {u"DejaVu Sans"_s, u"DejaVu Serif"_s, u"DejaVu Sans Mono"_s})
+            QTest::addRow("%s", qPrintable(family)) << family;
+    }
+    void theNumbersOfABadgeStandInTheMiddleOfTheirLines()
+    {
+        QFETCH(QString, family);
+        for (const int side : {22, 24, 32, 48, 64}) {
+            const QRect one = inkRect(
+                m_painter.squareImage(badgeOf({{.text = u"42"_s}}), {.fontFamily = family}, side));
+            QVERIFY(std::abs(one.top() + one.bottom() + 1 - side) <= 2);
+            const QImage two = m_painter.squareImage(
+                badgeOf({{.text = u"42"_s}, {.text = u"17"_s}}), {.fontFamily = family}, side);
+            const int half = side / 2;
+            const QRect upper = inkRect(two.copy(0, 0, side, half));
+            const QRect lower = inkRect(two.copy(0, half, side, half));
+            QVERIFY(std::abs(upper.top() + upper.bottom() + 1 - half) <= 2);
+            QVERIFY(std::abs(lower.top() + lower.bottom() + 1 - half) <= 2);
         }
     }
 

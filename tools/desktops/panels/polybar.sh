@@ -6,6 +6,8 @@ FACTS=(protocol=xembed form=badge restarts=yes bus=unused)
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"
 
+# Deliberate: no `wm-restack`. It lowers the bar before openbox has put it into a frame, and the tray above the bar; the
+# frame then lies over the tray for good. A bar with `override-redirect` gets no frame; a managed one needs no restacking.
 configure()
 {
     local modules=date bottom=false
@@ -22,7 +24,6 @@ font-0 = DejaVu Sans:size=10
 modules-right = $modules
 tray-position = right
 tray-maxsize = 24
-wm-restack = generic
 [module/date]
 type = internal/date
 date = %H:%M

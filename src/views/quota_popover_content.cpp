@@ -1,6 +1,7 @@
 #include "views/quota_popover_content.h"
 
 #include "platform/popover.h"
+#include "views/accessible_items.h"
 #include "views/drawing/popover_shadow.h"
 
 #include <QGuiApplication>
@@ -248,6 +249,7 @@ brimwatch::platform::PopoverContent *brimwatch_make_popover_content(
     const QString software = u"software"_s;
     if (QQuickWindow::sceneGraphBackend() != software)
         QQuickWindow::setSceneGraphBackend(software);
+    brimwatch::views::makeItemsAccessible();
     auto content = std::make_unique<brimwatch::views::QuotaPopoverContent>(dependencies);
     return content->isComplete() ? content.release() : nullptr;
 }

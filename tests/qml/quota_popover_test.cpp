@@ -586,7 +586,7 @@ void QuotaPopoverTest::madeAndLetGoItLeavesNothingBehind()
         = [] { return QDir(u"/proc/self/fd"_s).entryList(QDir::AllEntries | QDir::System).size(); };
     // In use of the heap; the sanitizers, which look for leaks themselves, have another.
     const auto heap = [] { return static_cast<qint64>(::mallinfo2().uordblks); };
-    constexpr int rounds = 20;
+    constexpr int rounds = 40;
     for (int i = 0; i < rounds; ++i)
         openAndLetGo();
     const auto descriptorsBefore = descriptors();
@@ -595,9 +595,9 @@ void QuotaPopoverTest::madeAndLetGoItLeavesNothingBehind()
         openAndLetGo();
     QCOMPARE(QGuiApplication::allWindows().size(), 0);
     QCOMPARE(descriptors(), descriptorsBefore);
-    // Qt 6.4 itself keeps some 3 KiB; an engine, a window or a face would be hundreds.
-    constexpr qint64 perRound = 8LL * 1024;
-    QVERIFY2(heap() - heapBefore <= rounds * perRound,
+    // What the QML engine's thread happens to hold, however many rounds there are.
+    constexpr qint64 most = 32LL * 1024;
+    QVERIFY2(heap() - heapBefore <= most,
         qPrintable(QString::number((heap() - heapBefore) / rounds) + u" bytes a round"));
 }
 

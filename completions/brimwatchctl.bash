@@ -9,12 +9,17 @@ _brimwatchctl()
         current=''
     fi
     if [ "$COMP_CWORD" = 1 ]; then
-        words='status refresh toggle settings diagnostics --version --help'
+        words='status history refresh toggle settings diagnostics --version --help'
     elif [ "${COMP_WORDS[1]}" = status ]; then
         case $previous in
             --format) words='text json waybar i3blocks template' ;;
             --template) ;;
             *) words='--format --template --watch' ;;
+        esac
+    elif [ "${COMP_WORDS[1]}" = history ]; then
+        case $previous in
+            --format) words='text json csv svg html' ;;
+            *) words='--format --score --open --clear' ;;
         esac
     fi
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")

@@ -1,6 +1,7 @@
 # fish completion for brimwatchctl
 complete -c brimwatchctl -f
 complete -c brimwatchctl -n __fish_use_subcommand -a status -d 'Print what is left'
+complete -c brimwatchctl -n __fish_use_subcommand -a history -d 'Print what was used, window by window'
 complete -c brimwatchctl -n __fish_use_subcommand -a refresh -d 'Ask for the quota anew'
 complete -c brimwatchctl -n __fish_use_subcommand -a toggle -d 'Open the popover, or close it'
 complete -c brimwatchctl -n __fish_use_subcommand -a settings -d 'Open the popover with the settings'
@@ -10,3 +11,7 @@ complete -c brimwatchctl -n __fish_use_subcommand -l help -s h -d 'Print the hel
 complete -c brimwatchctl -n '__fish_seen_subcommand_from status' -l format -x -a 'text json waybar i3blocks template' -d 'The form of the output'
 complete -c brimwatchctl -n '__fish_seen_subcommand_from status' -l template -x -d 'Text with fields to fill in'
 complete -c brimwatchctl -n '__fish_seen_subcommand_from status' -l watch -d 'Print a line at each change'
+complete -c brimwatchctl -n '__fish_seen_subcommand_from history' -l format -x -a 'text json csv svg html' -d 'The form of the output'
+complete -c brimwatchctl -n '__fish_seen_subcommand_from history' -l score -d 'Print how often the forecasts were right'
+complete -c brimwatchctl -n '__fish_seen_subcommand_from history' -l open -d 'Open it as a page in the browser'
+complete -c brimwatchctl -n '__fish_seen_subcommand_from history' -l clear -d 'Delete it'

@@ -8,8 +8,16 @@
 
 namespace brimwatch::cli {
 
-enum class Command { Status, Refresh, Toggle, Settings, Diagnostics, Version, Help };
-enum class Format { Text, Json, Waybar, I3blocks, Template };
+enum class Command { Status, Refresh, Toggle, Settings, Diagnostics, History, Version, Help };
+enum class Format { Text, Json, Waybar, I3blocks, Template, Csv, Svg, Html };
+
+/// What is done with the history.
+enum class HistoryTask {
+    Print,
+    Score, ///< Prints how often the forecasts were right.
+    Open, ///< Opens it as a page in the browser.
+    Clear, ///< Deletes it.
+};
 
 /// What was asked on the command line.
 struct Options {
@@ -17,6 +25,7 @@ struct Options {
     Format format = Format::Text;
     Template formatTemplate = {}; ///< Empty unless the format is Format::Template.
     bool watch = false;
+    HistoryTask historyTask = HistoryTask::Print;
 
     bool operator==(const Options &) const = default;
 };

@@ -1,6 +1,8 @@
 #include "cli/command_line.h"
 #include "cli/exit_status.h"
 #include "cli/fetch_library.h"
+#include "cli/history/forms.h"
+#include "cli/history/usage.h"
 #include "cli/output/render.h"
 #include "cli/terminal.h"
 #include "cli/watch.h"
@@ -10,6 +12,7 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDateTime>
+#include <QProcess>
 
 #include <csignal>
 
@@ -101,6 +104,79 @@ ExitStatus printDiagnostics(const RunningProgram &program)
     return print(*report);
 }
 
+ExitStatus printCsv(const forecast::History &history)
+{
+    auto written = Written::All;
+    writeHistoryCsv(history, [&written](const QString &text) {
+        written = writeOut(text);
+        return written == Written::All;
+    });
+    return written == Written::Failed ? ExitStatus::Offline : ExitStatus::Success;
+}
+
+QString render(Format format, const QList<BucketUsage> &usages, const QDateTime &now)
+{
+    switch (format) {
+    case Format::Json:
+        return renderHistoryJson(usages);
+    case Format::Svg:
+        return renderHistorySvg(usages, now);
+    case Format::Html:
+        return renderHistoryHtml(usages, now);
+    default:
+        return renderHistory(usages, now, lookOfStandardOutput());
+    }
+}
+
+/// Opens it as the program opens pages, with xdg-open.
+ExitStatus openPage(forecast::History history)
+{
+    const auto now = QDateTime::currentDateTime();
+    const auto page = history.keepPage(renderHistoryHtml(usageOf(history, now), now).toUtf8());
+    if (!page)
+        return failed(u"the page cannot be written: %1"_s.arg(page.error()));
+    if (!QProcess::startDetached(u"xdg-open"_s, {*page}))
+        return failed(u"xdg-open cannot be started; the page is %1"_s.arg(*page));
+    return ExitStatus::Success;
+}
+
+/// What a running program remembers goes too: at its next refresh, which is asked for.
+ExitStatus clear(forecast::History history, const RunningProgram &program)
+{
+    const auto done = history.clear();
+    if (!done)
+        return failed(u"the history cannot be deleted: %1"_s.arg(done.error()));
+    static_cast<void>(program.refresh());
+    return ExitStatus::Success;
+}
+
+ExitStatus runHistory(const Options &options, const RunningProgram &program)
+{
+    const forecast::History history(forecast::historyFolder());
+    switch (options.historyTask) {
+    case HistoryTask::Open:
+        return openPage(history);
+    case HistoryTask::Clear:
+        return clear(history, program);
+    case HistoryTask::Score:
+    case HistoryTask::Print:
+        break;
+    }
+    // What can be read is printed all the same.
+    const auto readable = history.check();
+    const auto ended
+        = [&readable](ExitStatus status) { return readable ? status : failed(readable.error()); };
+    if (options.format == Format::Csv)
+        return ended(printCsv(history));
+    const auto now = QDateTime::currentDateTime();
+    const auto usages = usageOf(history, now);
+    if (options.historyTask == HistoryTask::Print)
+        return ended(print(render(options.format, usages, now)));
+    return ended(
+        print(options.format == Format::Json ? renderScoreJson(usages)
+                                             : renderScore(usages, lookOfStandardOutput())));
+}
+
 ExitStatus run(const Options &options)
 {
     const auto bus = QDBusConnection::sessionBus();
@@ -112,6 +188,8 @@ ExitStatus run(const Options &options)
         return exitStatusOf(program.toggle());
     case Command::Settings:
         return exitStatusOf(program.showSettings());
+    case Command::History:
+        return runHistory(options, program);
     case Command::Diagnostics:
         return printDiagnostics(program);
     default:

@@ -52,6 +52,11 @@ BucketForecast::BucketForecast(const WindowKind &kind)
 {
 }
 
+std::optional<sys_seconds> BucketForecast::windowStart() const
+{
+    return m_window ? std::optional(m_window->start) : std::nullopt;
+}
+
 std::optional<sys_seconds> BucketForecast::lastReading() const
 {
     return m_window ? std::optional(m_window->lastReading) : std::nullopt;
@@ -60,7 +65,7 @@ std::optional<sys_seconds> BucketForecast::lastReading() const
 Outlook BucketForecast::see(const Reading &reading)
 {
     m_utcOffset = reading.utcOffset;
-    follow(reading, 1 - std::clamp(reading.left, 0.0, 1.0));
+    follow(reading);
     auto &window = *m_window;
     if (window.used >= 1)
         return {.verdict = Verdict::UsedUp};
@@ -88,18 +93,19 @@ LocalTime BucketForecast::local(Time time) const
     return LocalTime(time.time_since_epoch() + m_utcOffset);
 }
 
-bool BucketForecast::beginsWindow(const Reading &reading, double used) const
+bool BucketForecast::beginsWindow(const Reading &reading) const
 {
     if (!m_window)
         return true;
     return std::chrono::abs(reading.reset - m_window->reset) > m_kind->length / 4
-        || m_window->used - used >= leastRefill - inexact;
+        || m_window->used - reading.used() >= leastRefill - inexact;
 }
 
-void BucketForecast::follow(const Reading &reading, double used)
+void BucketForecast::follow(const Reading &reading)
 {
+    const double used = reading.used();
     const Time begin = reading.reset - m_kind->length;
-    if (beginsWindow(reading, used)) {
+    if (beginsWindow(reading)) {
         const Time notBefore = m_window ? m_window->lastReading : begin;
         if (m_window)
             endWindow(reading.time);

@@ -6,6 +6,7 @@
 
 #include <QJsonObject>
 
+#include <algorithm>
 #include <chrono>
 #include <deque>
 #include <optional>
@@ -19,6 +20,8 @@ struct Reading {
     std::chrono::sys_seconds reset;
     /// Of the user's clock from UTC, east is positive. It tells the hours of the week.
     std::chrono::seconds utcOffset{0};
+
+    double used() const { return 1 - std::clamp(left, 0.0, 1.0); }
 };
 
 /// Follows one bucket reading by reading and tells whether it runs out before its reset: how the
@@ -33,6 +36,12 @@ public:
     /// taken too.
     Outlook see(const Reading &reading);
 
+    /// Whether this reading begins a window: it is the first, the reset has moved by more than it
+    /// jitters, or the provider has filled up.
+    bool beginsWindow(const Reading &reading) const;
+    /// When the window under way began; absent before the first reading. While nothing is used it
+    /// moves along with the clock.
+    std::optional<std::chrono::sys_seconds> windowStart() const;
     /// The time of the last reading; absent before the first.
     std::optional<std::chrono::sys_seconds> lastReading() const;
     const OwnHours &ownHours() const { return m_ownHours; }
@@ -78,8 +87,7 @@ private:
     };
 
     LocalTime local(Time time) const;
-    bool beginsWindow(const Reading &reading, double used) const;
-    void follow(const Reading &reading, double used);
+    void follow(const Reading &reading);
     void endWindow(Time now);
     void addSample(Sample sample);
     double usedAt(Time time) const;

@@ -9,6 +9,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QMap>
 #include <QRegularExpression>
 #include <QSet>
@@ -33,7 +35,6 @@ using std::chrono::sys_seconds;
 
 namespace {
 
-constexpr auto header = "time,bucket,left,reset\n";
 /// A month has less than half a megabyte; whoever fills it with lines makes us read no more.
 constexpr qint64 largestMonth = 64LL * 1024 * 1024;
 constexpr qint64 largestKept = 4LL * 1024 * 1024;
@@ -53,20 +54,11 @@ std::optional<HistoryRow> rowOf(QByteArrayView line)
     if (!time || !left || *left < 0 || *left > 1 || (!reset && !fields->at(3).isEmpty()))
         return std::nullopt;
     const auto bucket = QString::fromUtf8(fields->at(1));
-    if (bucket.size() > History::longestBucketId)
+    const bool isPlain = std::none_of(
+        bucket.begin(), bucket.end(), [](QChar c) { return c.category() == QChar::Other_Control; });
+    if (!isPlain || bucket.size() > History::longestBucketId)
         return std::nullopt;
     return HistoryRow{.time = *time, .bucket = bucket, .left = *left, .reset = reset};
-}
-
-QByteArray lineOf(const HistoryRow &row)
-{
-    constexpr int digits = 6;
-    const auto number = [](sys_seconds time) {
-        return QByteArray::number(qlonglong{time.time_since_epoch().count()});
-    };
-    return number(row.time) + ',' + csvField(row.bucket.toUtf8()) + ','
-        + QByteArray::number(row.left, 'g', digits) + ','
-        + (row.reset ? number(*row.reset) : QByteArray()) + '\n';
 }
 
 /// Calls `visit(line)` for each line that was written to its end.
@@ -108,7 +100,7 @@ Result<void, QString> appendTo(const QString &path, const QByteArray &lines)
     if (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
         result = fail(u"it is no regular file"_s);
     } else {
-        QByteArray text = status.st_size == 0 ? QByteArray(header) + lines : lines;
+        QByteArray text = status.st_size == 0 ? csvHeader + ('\n' + lines) : lines;
         // A line that was torn before must not take the next one along.
         char last = '\n';
         const int reader = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
@@ -153,15 +145,26 @@ std::optional<QByteArray> thinned(const QByteArray &content, sys_seconds limit)
     }
     if (std::find(goes.begin(), goes.end(), true) == goes.end())
         return std::nullopt;
-    QByteArray text = header;
+    QByteArray text = QByteArray(csvHeader) + '\n';
     for (std::size_t i = 0; i < rows.size(); ++i) {
         if (!goes[i])
-            text += lineOf(rows[i]);
+            text += csvLine(rows[i]) + '\n';
     }
     return text;
 }
 
 } // namespace
+
+QByteArray csvLine(const HistoryRow &row)
+{
+    constexpr int digits = 6;
+    const auto number = [](sys_seconds time) {
+        return QByteArray::number(qlonglong{time.time_since_epoch().count()});
+    };
+    return number(row.time) + ',' + csvField(row.bucket.toUtf8()) + ','
+        + QByteArray::number(row.left, 'g', digits) + ','
+        + (row.reset ? number(*row.reset) : QByteArray());
+}
 
 QString historyFolder()
 {
@@ -213,13 +216,27 @@ void History::read(const Visit &visit) const
     }
 }
 
+Result<void, QString> History::check() const
+{
+    const QFileInfo folder(m_folder);
+    if (folder.exists() && !(folder.isDir() && folder.isReadable() && folder.isExecutable()))
+        return fail(u"the history cannot be read: %1"_s.arg(m_folder));
+    const auto paths = months();
+    for (const auto &path : paths) {
+        const auto content = readFile(path, largestMonth);
+        if (!content && content.error() != ReadFileError::NotFound)
+            return fail(u"the history cannot be read: %1"_s.arg(path));
+    }
+    return {};
+}
+
 Result<void, QString> History::append(const QList<HistoryRow> &rows)
 {
-    if (!QDir().mkpath(m_folder))
-        return fail(u"the folder cannot be made"_s);
+    if (auto done = makeFolder(); !done)
+        return done;
     QMap<QString, QByteArray> lines;
     for (const auto &row : rows)
-        lines[monthOf(row.time)] += lineOf(row);
+        lines[monthOf(row.time)] += csvLine(row) + '\n';
     for (auto month = lines.cbegin(); month != lines.cend(); ++month) {
         if (auto done = appendTo(m_folder + u'/' + month.key() + u".csv", month.value()); !done)
             return done;
@@ -254,11 +271,48 @@ QByteArray History::kept() const
 
 Result<void, QString> History::keep(const QByteArray &content)
 {
+    return replace(keptFile(), content);
+}
+
+QMap<QString, QString> History::keptWindows() const
+{
+    QMap<QString, QString> windows;
+    const auto buckets = QJsonDocument::fromJson(kept()).object()["buckets"_L1].toObject();
+    for (auto bucket = buckets.begin(); bucket != buckets.end(); ++bucket)
+        windows.insert(bucket.key(), bucket.value()["kind"_L1].toString());
+    return windows;
+}
+
+QString History::pageFile() const
+{
+    return m_folder + u"/usage.html"_s;
+}
+
+Result<QString, QString> History::keepPage(const QByteArray &content)
+{
+    return replace(pageFile(), content).map([this] { return pageFile(); });
+}
+
+/// Makes the folder, for its owner alone, where there is none.
+Result<void, QString> History::makeFolder()
+{
+    if (QFileInfo(m_folder).isDir())
+        return {};
     if (!QDir().mkpath(m_folder))
         return fail(u"the folder cannot be made"_s);
-    auto done = replaceFile(keptFile(), content);
+    QFile::setPermissions(
+        m_folder, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    return {};
+}
+
+/// Gives a file of the folder this content, for its owner alone.
+Result<void, QString> History::replace(const QString &path, const QByteArray &content)
+{
+    if (auto done = makeFolder(); !done)
+        return done;
+    auto done = replaceFile(path, content);
     if (done)
-        QFile::setPermissions(keptFile(), QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     return done;
 }
 
@@ -270,8 +324,10 @@ bool History::isEmpty() const
 Result<void, QString> History::clear()
 {
     auto paths = months();
-    if (QFileInfo::exists(keptFile()))
-        paths.append(keptFile());
+    for (const auto &path : {keptFile(), pageFile()}) {
+        if (QFileInfo::exists(path))
+            paths.append(path);
+    }
     for (const auto &path : std::as_const(paths)) {
         QFile file(path);
         if (!file.remove())

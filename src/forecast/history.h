@@ -2,7 +2,9 @@
 
 #include "core/result.h"
 
+#include <QByteArray>
 #include <QList>
+#include <QMap>
 #include <QString>
 
 #include <chrono>
@@ -21,13 +23,19 @@ struct HistoryRow {
     bool operator==(const HistoryRow &) const = default;
 };
 
+/// A row as the files have it, without the end of its line.
+QByteArray csvLine(const HistoryRow &row);
+/// The names of its columns.
+inline constexpr auto csvHeader = "time,bucket,left,reset";
+
 /// The user's state folder for it: $XDG_STATE_HOME/brimwatch/history, or below ~/.local/state. On
 /// macOS a folder of the application's support files.
 QString historyFolder();
 
 /// The course of what was left, in a folder of its own: a file of comma-separated values for each
 /// month of UTC, "2026-11.csv", that only its owner may read. Rows are "time,bucket,left,reset",
-/// times in seconds since the epoch. Beside them stands what the forecasts keep, "forecasts.json".
+/// times in seconds since the epoch. Beside them stand what the forecasts keep, "forecasts.json",
+/// and the page that was opened last, "usage.html".
 class History {
 public:
     /// So long rows are kept in full, and one an hour after that.
@@ -42,6 +50,9 @@ public:
     /// takes does not depend on what is there.
     void read(const Visit &visit) const;
 
+    /// Whether all of it can be read; the error names what cannot.
+    Result<void, QString> check() const;
+
     /// Appends the rows with one write for each month. The error is told for people; what was
     /// written of a row then is skipped when it is read.
     Result<void, QString> append(const QList<HistoryRow> &rows);
@@ -53,15 +64,23 @@ public:
     /// What was kept, empty when there is nothing.
     QByteArray kept() const;
     Result<void, QString> keep(const QByteArray &content);
+    /// The window of each bucket, as what is kept has it: {"buckets": {ID: {"kind": "5h"}}}.
+    QMap<QString, QString> keptWindows() const;
+
+    /// A page with pictures of it, which stands beside it. Returns its path.
+    Result<QString, QString> keepPage(const QByteArray &content);
 
     /// Whether there are rows.
     bool isEmpty() const;
-    /// Deletes rows and what is kept.
+    /// Deletes rows, what is kept, and the page.
     Result<void, QString> clear();
 
 private:
     QStringList months() const;
     QString keptFile() const;
+    QString pageFile() const;
+    Result<void, QString> makeFolder();
+    Result<void, QString> replace(const QString &path, const QByteArray &content);
 
     QString m_folder;
 };

@@ -36,13 +36,13 @@ int hourOfWeek(LocalTime time)
     return static_cast<int>(hour < 0 ? hour + hoursOfWeek : hour);
 }
 
-void OwnHours::addUse(LocalTime from, LocalTime to, double used)
+void addUse(HoursOfWeek &sums, LocalTime from, LocalTime to, double used)
 {
     // A longer gap than a week is none of a window; it must not take longer either.
     from = std::max<LocalTime>(from, to - week);
     const double perHour = used / (duration<double>(to - from) / 1h);
     visitHours(from, to, [&](int hour, double share) {
-        m_window.at(static_cast<std::size_t>(hour)) += perHour * share;
+        sums.at(static_cast<std::size_t>(hour)) += perHour * share;
     });
 }
 

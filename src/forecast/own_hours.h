@@ -17,13 +17,19 @@ using LocalTime = std::chrono::local_seconds;
 /// 0 to 167, counted from Thursday 0:00, the day on which the epoch began.
 int hourOfWeek(LocalTime time);
 
+/// Adds what was used between two moments, spread evenly over the hours between. Nothing when the
+/// second is not later; of more than a week the last one counts.
+void addUse(HoursOfWeek &sums, LocalTime from, LocalTime to, double used);
+
 /// What the user's mean week uses in each of its hours, learned window by window. A week's weight
 /// halves in three weeks.
 class OwnHours {
 public:
-    /// Something of the window under way was used between two moments: spread evenly over the hours
-    /// between. Nothing when the second is not later.
-    void addUse(LocalTime from, LocalTime to, double used);
+    /// Something of the window under way was used between two moments.
+    void addUse(LocalTime from, LocalTime to, double used)
+    {
+        forecast::addUse(m_window, from, to, used);
+    }
     /// The window under way is over, and becomes history for the time that it covered.
     void endWindow(LocalTime from, LocalTime to);
 

@@ -20,8 +20,9 @@ check()
 
 is() { [ "$1" = "$2" ] || { printf 'got: %s\nnot: %s\n' "$1" "$2" >&2; return 1; }; }
 
-commands='diagnostics refresh settings status toggle'
+commands='diagnostics history refresh settings status toggle'
 formats='i3blocks json template text waybar'
+history_formats='csv html json svg text'
 
 # in_bash WORD...: what the shell offers for the last word.
 in_bash()
@@ -63,6 +64,10 @@ check "bash offers the options of status alone" is "$(in_bash brimwatchctl statu
 check "and none to the others" is "$(in_bash brimwatchctl toggle --)" ''
 check "bash offers the formats" is "$(in_bash brimwatchctl status --format '')" "$formats"
 check "also behind an equals sign" is "$(in_bash brimwatchctl status --format = wa)" waybar
+check "bash offers the options of history" is "$(in_bash brimwatchctl history --)" "--clear --format --open --score"
+check "bash offers the formats of history" is "$(in_bash brimwatchctl history --format '')" "$history_formats"
+check "fish offers the formats of history" is "$(in_fish 'brimwatchctl history --format ')" "$history_formats"
+check "fish offers the options of history" is "$(in_fish 'brimwatchctl history --')" "--clear --format --open --score"
 check "fish offers the commands" is "$(in_fish 'brimwatchctl ')" "$commands"
 check "fish offers the formats" is "$(in_fish 'brimwatchctl status --format ')" "$formats"
 check "fish offers the options of status" is "$(in_fish 'brimwatchctl status --')" "--format --template --watch"
@@ -78,9 +83,14 @@ for format in $formats; do
     check "zsh offers the format $format" grep -qsw -- "$format" "$scratch/formats"
 done
 
+in_zsh "$scratch/history_formats" 'brimwatchctl history --format=' >/dev/null 2>&1
+for format in $history_formats; do
+    check "zsh offers the format $format of history" grep -qsw -- "$format" "$scratch/history_formats"
+done
+
 check "the manual page has no fault" mandoc -T lint -W warning "$page"
 help=$("$ctl" --help)
-for word in $commands $formats --format --template --watch --version --help; do
+for word in $commands $formats $history_formats --format --template --watch --score --open --clear --version --help; do
     check "the help has $word" grep -qw -- "$word" <<<"$help"
     check "the manual page has $word" grep -qw -- "$word" <(sed 's/\\-/-/g' "$page")
 done

@@ -87,6 +87,7 @@ done < <(grep -o -- '--[a-z]*' <<<"$help" | sort -u)
 
 # The programs ---------------------------------------------------------------------------------------
 own_home
+unset XDG_STATE_HOME
 export XDG_DATA_DIRS=$prefix/share:/usr/share
 mv "$scratch/staged/opt/brimwatch" "$scratch/moved"
 check "the program runs where the folder was moved to" is "$("$scratch/moved/bin/brimwatch" --version)" "$("$build/src/app/brimwatch" --version)"
@@ -94,6 +95,30 @@ check "the program runs where the folder was moved to" is "$("$scratch/moved/bin
 own_daemon --speed 0
 check "brimwatchctl finds its library for asking the daemon itself" is \
     "$("$prefix/bin/brimwatchctl" status --template '{source}')" daemon
+
+# action NAME: starts what the desktop entry has for that action, as a desktop does.
+action()
+{
+    local exec
+    exec=$(sed -n "/^\[Desktop Action $1\]/,\$s/^Exec=//p" "$entry" | head -n 1)
+    eval "$exec"
+}
+
+# What opens the page is asked for by its name.
+mkdir "$scratch/openers"
+cat >"$scratch/openers/xdg-open" <<END
+#!/bin/sh
+echo "\$1" >"$scratch/opened"
+END
+chmod +x "$scratch/openers/xdg-open"
+opened() { [ -s "$scratch/opened" ]; }
+page=$HOME/.local/state/brimwatch/history/usage.html
+usage_history() { PATH=$scratch/openers:$PATH action history; }
+check "the action for the history ends well" usage_history
+check "and opens a page" wait_for 30 opened
+check "which stands beside the history" is "$(cat "$scratch/opened")" "$page"
+check "for its owner alone" is "$(stat -c %a "$page")" 600
+check "and is one without scripts" is "$(grep -c '<script' "$page") $(grep -c '<h1>Usage History</h1>' "$page")" '0 1'
 
 own_display
 # Only what is installed here is started by this bus.
@@ -105,14 +130,6 @@ HELPERS=$("$root/tools/desktops/lib/helpers.sh")
 
 shown() { popover_open "$program_pid"; }
 hidden() { popover_closed "$program_pid"; }
-# action NAME: starts what the desktop entry has for that action, as a desktop does.
-action()
-{
-    local exec
-    exec=$(sed -n "/^\[Desktop Action $1\]/,\$s/^Exec=//p" "$entry" | head -n 1)
-    eval "$exec"
-}
-
 if check "the action of the desktop entry starts the program over the bus" action popover && wait_for 30 runs; then
     check "it is the installed one" is "$(readlink "/proc/$program_pid/exe")" "$prefix/bin/brimwatch"
     check "and its popover opens" wait_for 30 shown

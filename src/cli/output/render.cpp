@@ -15,6 +15,9 @@ QString render(
         return renderI3blocks(status, layout) + u'\n';
     case Format::Template:
         return options.formatTemplate.render(status, now) + u'\n';
+    case Format::Csv: // These three are the history's alone.
+    case Format::Svg:
+    case Format::Html:
     case Format::Text:
         break;
     }

@@ -1,9 +1,8 @@
+#include "cli/output/columns.h"
 #include "cli/output/forms.h"
-#include "core/plain_text.h"
 #include "model/percent.h"
 
 #include <algorithm>
-#include <cwchar>
 
 namespace brimwatch::cli {
 
@@ -11,60 +10,8 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-using model::QuotaTier;
 using platform::PublishedBucket;
 using platform::PublishedGroup;
-
-/// The escape sequence that begins the color of a tier.
-QString escapeOf(QuotaTier tier)
-{
-    switch (tier) {
-    case QuotaTier::healthy:
-        return u"\x1b[32m"_s;
-    case QuotaTier::warning:
-        return u"\x1b[33m"_s;
-    case QuotaTier::critical:
-        break;
-    }
-    return u"\x1b[31m"_s;
-}
-
-constexpr auto escapeBold = "\x1b[1m"_L1;
-constexpr auto escapeFaint = "\x1b[2m"_L1;
-constexpr auto escapeEnd = "\x1b[0m"_L1;
-
-/// Columns that a terminal takes for it.
-int columnsOf(const QString &text)
-{
-    int columns = 0;
-    const auto codePoints = text.toUcs4();
-    for (const uint codePoint : codePoints)
-        columns += std::max(0, ::wcwidth(static_cast<wchar_t>(codePoint)));
-    return columns;
-}
-
-QString padded(const QString &text, int columns)
-{
-    return text + QString(std::max(0, columns - columnsOf(text)), u' ');
-}
-
-/// The beginning of `text` that fits, with "…" for what does not.
-QString fitted(const QString &text, int columns)
-{
-    if (columnsOf(text) <= columns)
-        return text;
-    QString beginning = text;
-    while (!beginning.isEmpty() && columnsOf(beginning) >= columns)
-        beginning = truncated(beginning, beginning.size() - 1);
-    return beginning + u'…';
-}
-
-QString barOf(double percentage, int columns, TextLook::Bars bars)
-{
-    const int full = qRound(percentage / 100.0 * columns);
-    const bool blocks = bars == TextLook::Bars::Blocks;
-    return QString(full, blocks ? u'█' : u'#') + QString(columns - full, blocks ? u'░' : u'-');
-}
 
 constexpr int gap = 2; // Before each column.
 constexpr int percentageColumns = 6; // "100.0%"

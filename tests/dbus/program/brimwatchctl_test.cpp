@@ -8,6 +8,7 @@
 #include <QDBusMetaType>
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
@@ -419,6 +420,126 @@ private Q_SLOTS:
         }
     }
 
+    void theHistoryNeedsNeitherProgramNorBus()
+    {
+        const auto empty = ask({u"history"_s}, terminalWithoutBus());
+        QCOMPARE(empty.status, 0);
+        QCOMPARE(empty.output, u"No history yet\n"_s);
+        {
+            test::SampleDaemonProcess daemon;
+            QVERIFY(startDaemon(daemon, 0.75));
+            const Program program;
+            QTRY_VERIFY_WITH_TIMEOUT(!owner().isEmpty(), timeout);
+            QCOMPARE(ask({u"refresh"_s}).status, 0);
+        }
+        for (const auto *format : {"text", "json", "csv", "svg", "html"}) {
+            const auto ended = ask(
+                {u"history"_s, u"--format"_s, QLatin1StringView(format)}, terminalWithoutBus());
+            QCOMPARE(ended.status, 0);
+            QVERIFY2(ended.output.contains(u"five hours"_s) || ended.output.contains(u",g,0.75,"_s)
+                    || json(ended.output)[u"buckets"_s][0][u"id"_s] == u"g"_s,
+                qPrintable(ended.output));
+            QCOMPARE(ended.errors, QString());
+        }
+        const auto score
+            = ask({u"history"_s, u"--score"_s, u"--format"_s, u"json"_s}, terminalWithoutBus());
+        QCOMPARE(json(score.output)[u"scores"_s].toArray().size(), 2);
+    }
+
+    void clearingTheHistoryMakesARunningProgramForget()
+    {
+        test::SampleDaemonProcess daemon;
+        QVERIFY(startDaemon(daemon, 0.75));
+        const Program program;
+        QTRY_VERIFY_WITH_TIMEOUT(!owner().isEmpty(), timeout);
+        QCOMPARE(ask({u"refresh"_s}).status, 0);
+        QVERIFY(writeSummary(0.5));
+        QCOMPARE(ask({u"refresh"_s}).status, 0);
+        const QStringList rows{u"history"_s, u"--format"_s, u"csv"_s};
+        const auto ofGemini = [&rows] { return ask(rows).output.count(u",g,"_s); };
+        QCOMPARE(ofGemini(), 2);
+        const auto ended = ask({u"history"_s, u"--clear"_s});
+        QCOMPARE(ended.status, 0);
+        QCOMPARE(ended.output + ended.errors, QString());
+        // What the program sees from then on is a new beginning.
+        QCOMPARE(ofGemini(), 1);
+        QVERIFY(ask(rows).output.contains(u",g,0.5,"_s));
+    }
+
+    void clearingNeedsNoProgramAndDeletesAll()
+    {
+        QVERIFY(writeHistory());
+        const QString folder = historyFolder();
+        QCOMPARE(ask({u"history"_s, u"--clear"_s}, terminalWithoutBus()).status, 0);
+        QVERIFY(!QFileInfo::exists(folder));
+        QCOMPARE(ask({u"history"_s, u"--clear"_s}, terminalWithoutBus()).status, 0);
+    }
+
+    void aHistoryThatCannotBeReadIsSaid()
+    {
+        QVERIFY(writeHistory());
+        const QString other = historyFolder() + "/2026-12.csv"_L1;
+        QVERIFY(QDir().mkpath(historyFolder()));
+        QVERIFY(QFile::link(u"/dev/zero"_s, other));
+        const auto ended = ask({u"history"_s, u"--format"_s, u"csv"_s}, terminalWithoutBus());
+        QCOMPARE(ended.status, 2);
+        QVERIFY(ended.output.contains(u"1795348800,gemini-5h,0.5,1795352400\n"_s));
+        QCOMPARE(
+            ended.errors, QString("brimwatchctl: the history cannot be read: "_L1 + other + u'\n'));
+    }
+
+    void aLongHistoryMayBeCutByItsReader()
+    {
+        QVERIFY(writeHistory());
+        QFile file(historyFolder() + "/2026-11.csv"_L1);
+        QVERIFY(file.open(QIODevice::Append));
+        for (int i = 0; i < 100'000; ++i)
+            file.write("1795348801,gemini-5h,0.4,1795352400\n");
+        file.close();
+        const auto ended = run(u"/bin/bash"_s,
+            {u"-c"_s, u"set -o pipefail; \"$0\" history --format csv | head -n 1"_s, ctl()},
+            terminalWithoutBus());
+        QCOMPARE(ended.status, 0);
+        QCOMPARE(ended.output, u"time,bucket,left,reset\n"_s);
+        QCOMPARE(ended.errors, QString());
+    }
+
+    void thePageIsOpenedForItsOwnerAlone()
+    {
+        QVERIFY(writeHistory());
+        const QString folder = QDir::homePath() + "/openers"_L1;
+        QVERIFY(QDir().mkpath(folder));
+        const QString opened = folder + "/opened"_L1;
+        auto environment = terminalWithoutBus();
+        environment.insert(u"PATH"_s, folder);
+        const QStringList command{u"history"_s, u"--open"_s};
+        const auto missing = ask(command, environment);
+        QCOMPARE(missing.status, 2);
+        const QString page = historyFolder() + "/usage.html"_L1;
+        QCOMPARE(missing.errors,
+            QString("brimwatchctl: xdg-open cannot be started; the page is "_L1 + page + u'\n'));
+
+        const QString opener = folder + "/xdg-open"_L1;
+        QVERIFY(write(opener, "#!/bin/sh\necho \"$1\" >'" + opened.toUtf8() + "'\n"));
+        QVERIFY(
+            QFile::setPermissions(opener, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        QCOMPARE(ask(command, environment).status, 0);
+        const auto content = [](const QString &path) {
+            QFile file(path);
+            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        };
+        QTRY_COMPARE_WITH_TIMEOUT(content(opened), (page + u'\n').toUtf8(), timeout);
+        QVERIFY(content(page).contains("gemini-5h"));
+        const auto forOwner
+            = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser;
+        QCOMPARE(QFile::permissions(page), forOwner);
+        // The next one takes its place, and none stays when the history is cleared.
+        QCOMPARE(ask(command, environment).status, 0);
+        QCOMPARE(QDir(historyFolder()).entryList({u"*.html*"_s}, QDir::Files).size(), 1);
+        QCOMPARE(ask({u"history"_s, u"--clear"_s}, terminalWithoutBus()).status, 0);
+        QVERIFY(!QFileInfo::exists(page));
+    }
+
     void watchEndsBySignalWithoutAnError_data()
     {
         QTest::addColumn<int>("signal");
@@ -500,6 +621,16 @@ private:
     {
         QFile file(path);
         return file.open(QIODevice::WriteOnly) && file.write(text) == text.size();
+    }
+    static QString historyFolder()
+    {
+        return QDir::homePath() + "/.local/state/brimwatch/history"_L1;
+    }
+    static bool writeHistory()
+    {
+        return QDir().mkpath(historyFolder())
+            && write(historyFolder() + "/2026-11.csv"_L1,
+                "time,bucket,left,reset\n1795348800,gemini-5h,0.5,1795352400\n");
     }
     static QString summaryFile() { return QDir::homePath() + "/summary.json"_L1; }
     static bool writeSummary(double fiveHours) { return write(summaryFile(), quota(fiveHours)); }

@@ -33,6 +33,15 @@ private Q_SLOTS:
         row("toggle", {.command = Command::Toggle});
         row("settings", {.command = Command::Settings});
         row("diagnostics", {.command = Command::Diagnostics});
+        row("history", {.command = Command::History});
+        row("history --format csv", {.command = Command::History, .format = Format::Csv});
+        row("history --format=html", {.command = Command::History, .format = Format::Html});
+        row("history --clear", {.command = Command::History, .historyTask = HistoryTask::Clear});
+        row("history --open", {.command = Command::History, .historyTask = HistoryTask::Open});
+        row("history --score --format json",
+            {.command = Command::History,
+                .format = Format::Json,
+                .historyTask = HistoryTask::Score});
         row("--version", {.command = Command::Version});
         row("--help", {.command = Command::Help});
         row("-h", {.command = Command::Help});
@@ -60,6 +69,16 @@ private Q_SLOTS:
         row({u""_s}, u"unknown command ''"_s);
         row({u"configure"_s}, u"unknown command 'configure'"_s);
         row({u"--watch"_s}, u"a command is missing"_s);
+        row({u"status"_s, u"--clear"_s}, u"unknown argument '--clear'"_s);
+        row({u"status"_s, u"--format"_s, u"csv"_s}, u"unknown format 'csv'"_s);
+        row({u"history"_s, u"--watch"_s}, u"unknown argument '--watch'"_s);
+        row({u"history"_s, u"--format"_s, u"waybar"_s}, u"unknown format 'waybar'"_s);
+        row({u"history"_s, u"--clear"_s, u"--format"_s, u"csv"_s},
+            u"--open and --clear take no --format"_s);
+        row({u"history"_s, u"--score"_s, u"--format"_s, u"html"_s},
+            u"--score has the formats text and json alone"_s);
+        row({u"history"_s, u"--score"_s, u"--clear"_s},
+            u"--score, --open and --clear exclude each other"_s);
         row({u"toggle"_s, u"now"_s}, u"unknown argument 'now'"_s);
         row({u"toggle"_s, u"--watch"_s}, u"unknown argument '--watch'"_s);
         row({u"status"_s, u"--color"_s}, u"Unknown option 'color'."_s);

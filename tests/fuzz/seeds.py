@@ -94,6 +94,26 @@ def http_reader():
         yield b"\1\5" + text
 
 
+def history():
+    head = b"\x3c" + struct.pack("<I", 1794915000)
+    rows = "time,bucket,left,reset\n"
+    for day in range(6):
+        for step in range(6):
+            time = 1793869200 + day * 86400 + step * 1800
+            rows += "%d,five,%g,%d\n" % (time, 1 - step * (0.02 + day % 5 * 0.03), time - step * 1800 + 18000)
+            rows += "%d,week,%g,%d\n" % (time, 1 - (day * 8 + step) / 60, 1793869200 + (1 + day // 7) * 604800)
+    kept = {"buckets": {"five": {"kind": "5h"}, "week": {"kind": "weekly"}}}
+    window = {"start": 1793869200, "reset": 1793887200, "used": 0.5, "lastReading": 1793876400, "notBefore": 1793869200,
+              "steadied": 0.3, "isWarned": True, "wasWarned": True, "judged": 1793876400, "lastRise": 1793876400,
+              "samples": [[1793869200, 0], [1793876400, 0.5]]}
+    five = {"finalUses": [0.5, 1], "smallestRise": 0.01, "window": window}
+    week = five | {"ownHours": {"window": [0] * 168, "use": [0.1] * 168, "weight": [1] * 168, "weeks": 3}}
+    for json_kept in ({}, kept, five, week):
+        yield head + json.dumps(json_kept).encode() + b"\0" + rows.encode()
+    yield head + b"\0" + b'1793869200,"a ""b"", c",0.5,\r\n1793869200,x,0.5,1793869200\n1,x,1,5\n0,x,0,253402300799\n253402300799,x,0.5,0\n'
+    yield b"\0" * 5 + b"\0" + rows.encode()[:700] + b"1793869200,fi"
+
+
 def outputs():
     for text in (b"{title}", b"{gemini.5h}", b"{gemini.5h.color} {{}} \\n", b"{lowest}", b"{", b"}", b"{state} {error} {port}",
                  b"{percentage} {tier} {countdown} {reset} {name} {fraction}", b"{updated}{source}"):

@@ -117,7 +117,8 @@ void FakeTrayManager::giveSlot(QSize asked)
     const int width = m_manners.proportional && asked.height() > 0
         ? asked.width() * m_manners.height / asked.height()
         : asked.width();
-    setSlotSize({std::min(width, m_manners.widest), m_manners.height});
+    setSlotSize(
+        {std::min(width, m_manners.widest) / m_manners.unit * m_manners.unit, m_manners.height});
 }
 
 QSize FakeTrayManager::hintedSize()

@@ -27,6 +27,7 @@ public:
         int height = 28; ///< What it gives each item.
         int widest = 600;
         bool proportional = false; ///< Scales what an item asks for to its height, as XFCE does.
+        int unit = 1; ///< Gives widths in multiples of it, no more than asked for, as GTK does.
         bool savesItems = false; ///< Its end leaves the items on the bare screen, as toolkits do.
         QString program; ///< The name on its window.
     };

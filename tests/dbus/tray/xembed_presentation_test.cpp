@@ -110,6 +110,8 @@ private Q_SLOTS:
     void theLabelIsAsLargeAsTheDesktopDrawsItsTexts();
     void largeTextStaysWithinTheHeightOfThePanel();
     void theLabelFollowsTheDesktopsScale();
+    void aPanelThatCountsInLargerUnitsGivesAFittingSlot_data();
+    void aPanelThatCountsInLargerUnitsGivesAFittingSlot();
     void onlyLargerWindowsAskForMoreHeight();
     void aPanelThatScalesWhatIsAskedForStillGivesAFittingSlot();
     void otherPanelsMayShrinkBelowTheHeightThatTheyGave();
@@ -426,6 +428,27 @@ void XembedPresentationTest::theLabelFollowsTheDesktopsScale()
     settings.change(scaled(1, 1));
     QTRY_COMPARE(greenOf(m_manager->picture()).height(), before.height());
     QCOMPARE(m_manager->docked().size(), 1);
+}
+
+void XembedPresentationTest::aPanelThatCountsInLargerUnitsGivesAFittingSlot_data()
+{
+    QTest::addColumn<QString>("text");
+    // Of every width.
+    for (const auto &text : {u""_s, u"i"_s, u"ii"_s, u"iii"_s, u"iiii"_s, u"W"_s, u"m"_s})
+        QTest::addRow("behind '%s'", qPrintable(text)) << text;
+}
+
+void XembedPresentationTest::aPanelThatCountsInLargerUnitsGivesAFittingSlot()
+{
+    QFETCH(QString, text);
+    const SettingsManager settings(scaled(3, 3));
+    QTRY_COMPARE(m_scale->windowFactor(), 3);
+    dock({.symbols = {}, .height = 84, .unit = 3, .program = {}});
+    m_item->present(sampleItem(text + u"5h: 80%"_s));
+    QTRY_VERIFY(isDrawn());
+    settle();
+    QTRY_COMPARE(m_manager->slot().width(), m_manager->hintedSize().width());
+    QCOMPARE(m_manager->slot().width() % 3, 0);
 }
 
 void XembedPresentationTest::onlyLargerWindowsAskForMoreHeight()

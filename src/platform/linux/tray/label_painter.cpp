@@ -19,7 +19,7 @@ namespace {
 // Room at an end where no image brings its own.
 constexpr double endMargin = 4;
 // The height that text of 12 needs to stand clear of both edges: a lower label is scaled down.
-constexpr double comfortableHeight = 18;
+constexpr double comfortableHeight = 17;
 
 SymbolWeight toWeight(model::FontWeight weight)
 {

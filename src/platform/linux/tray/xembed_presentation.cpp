@@ -143,8 +143,12 @@ void XembedPresentation::readSymbolColors()
 int XembedPresentation::neededWidth()
 {
     const LabelLook current = look();
-    return m_form == XembedForm::Wide ? m_steadyWidth.of(m_item.label, m_painter, current)
-                                      : current.height;
+    const int width = m_form == XembedForm::Wide
+        ? m_steadyWidth.of(m_item.label, m_painter, current)
+        : current.height;
+    // GTK counts in its own units: of what is no multiple of them, panels leave the rest out.
+    const int unit = m_scale.windowFactor();
+    return (width + unit - 1) / unit * unit;
 }
 
 void XembedPresentation::followTheme()

@@ -180,9 +180,11 @@ private Q_SLOTS:
     void aLabelIsNoLargerThanItsHeightAllows()
     {
         const LabelComposition label = labelOf(u"1234567890"_s);
-        const QSize low = m_painter.size(label, {.scale = 3, .height = 27});
-        QCOMPARE(low, m_painter.size(label, {.scale = 1.5, .height = 27}));
-        QVERIFY(!hasInkAtEdge(m_painter.image(label, {.scale = 3, .height = 27})));
+        const LabelLook low{.scale = 3, .height = 34};
+        QCOMPARE(m_painter.size(label, low), m_painter.size(label, {.scale = 2, .height = 34}));
+        QVERIFY(m_painter.size(label, low).width()
+            > m_painter.size(label, {.scale = 1.5, .height = 34}).width());
+        QVERIFY(!hasInkAtEdge(m_painter.image(label, low)));
     }
 
     void theNumbersOfABadgeStandInTheMiddleOfTheirLines_data()

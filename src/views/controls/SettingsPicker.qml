@@ -61,6 +61,8 @@ Item {
         model: root.options
         currentIndex: root.index
         focusPolicy: Qt.TabFocus
+        // Without a theme plugin Qt believes that the desktop wants no such effects.
+        hoverEnabled: true
 
         // Qt 6.4 reports to screen readers neither the chosen option nor how to open the list.
         Accessible.name: root.caption + " " + (box.displayText !== "" ? box.displayText : "nothing chosen")
@@ -118,6 +120,7 @@ Item {
 
             width: ListView.view.width
             height: root.rowHeight
+            hoverEnabled: true
             highlighted: box.highlightedIndex === option.index
             text: option.modelData
 

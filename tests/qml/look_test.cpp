@@ -208,7 +208,8 @@ public:
     }
     void prominent(const QString &button, const QString &label)
     {
-        const QString text = button + u">="_s + label, ground = button + u">#RoundedRectangle"_s;
+        const QString text = button + u">="_s + label;
+        const QString ground = button + u">#RoundedRectangle"_s;
         this->text(text, 11, color(&views::Theme::onAccent), medium);
         add(text, {{"y", is(4)}});
         add(ground,
@@ -220,7 +221,8 @@ public:
     }
     void push(const QString &button, const QString &label)
     {
-        const QString text = button + u">="_s + label, ground = button + u">#RoundedRectangle"_s;
+        const QString text = button + u">="_s + label;
+        const QString ground = button + u">#RoundedRectangle"_s;
         this->text(text, 11, color(&views::Theme::label));
         add(text, {{"x", is(8)}, {"y", is(4)}});
         add(ground,
@@ -238,7 +240,8 @@ public:
     /// A switch that is on or not, with a symbol before its text or without.
     void toggle(const QString &name, const QString &label, bool on, const QString &picture = {})
     {
-        const QString text = name + u">="_s + label, track = name + u">#RoundedRectangle"_s;
+        const QString text = name + u">="_s + label;
+        const QString track = name + u">#RoundedRectangle"_s;
         this->text(text, 12, color(&views::Theme::label));
         add(text,
             {{"x", is(picture.isEmpty() ? 0 : 18)},
@@ -259,9 +262,10 @@ public:
     }
     void picker(const QString &name, const QString &caption, int width)
     {
-        const QString box = name + u"Box"_s, caption_ = name + u">="_s + caption;
-        text(caption_, 12, color(&views::Theme::label));
-        add(caption_, {{"width", as(box, "x", -8)}});
+        const QString box = name + u"Box"_s;
+        const QString label = name + u">="_s + caption;
+        text(label, 12, color(&views::Theme::label));
+        add(label, {{"width", as(box, "x", -8)}});
         add(box, {{"width", is(width)}, {"height", [](const Look &look) {
                                              return std::ceil(lineHeight(look, 11)) + 8;
                                          }}});
@@ -269,7 +273,8 @@ public:
             {{"radius", is(5)}, {"outlineWidth", is(1)},
                 {"color", color(&views::Theme::controlBackground)},
                 {"outlineColor", color(&views::Theme::controlOutline)}});
-        const QString chosen = box + u">#Label"_s, arrow = box + u">@chevron.left"_s;
+        const QString chosen = box + u">#Label"_s;
+        const QString arrow = box + u">@chevron.left"_s;
         text(chosen, 11, color(&views::Theme::label));
         add(chosen,
             {{"leftPadding", is(8)}, {"rightPadding", is(22)}, {"minimumPixelSize", is(8)}});
@@ -432,6 +437,7 @@ void addDashboard(Table &table)
     table.add(u"quitButton"_s, {{"right", is(14)}});
 
     table.at = Shown::Many;
+    table.add(u"groupList>scrollThumb"_s, {{"height", is(24)}});
     for (const auto &more : {u"moreGroups"_s, u"moreRows"_s}) {
         table.text(more, 10, secondary);
         table.add(more, {{"horizontalAlignment", is(centred)}});
@@ -543,8 +549,9 @@ void addSettings(Table &table)
         {u"#DiagnosticsSection"_s, u"Antigravity Daemon Diagnostics"_s, u"network"_s},
         {u"#SupportSection"_s, u"Support & Feedback"_s, u"envelope"_s}};
     for (const auto &[section, title, picture] : sections) {
-        const QString heading = section + u">="_s + title, symbol = section + u">@"_s + picture;
-        const QString frame = section + u">sectionFrame"_s, rows = frame + u">#QQuickColumn"_s;
+        const QString heading = section + u">="_s + title;
+        const QString symbol = section + u">@"_s + picture;
+        const QString frame = section + u">sectionFrame"_s;
         table.text(heading, 12, label, semibold);
         table.symbol(symbol, 11, accent, semiboldLines);
         // One left edge, however wide the symbol is.
@@ -556,8 +563,9 @@ void addSettings(Table &table)
                 {"color", color(&Theme::cardBackground)},
                 {"outlineColor", color(&Theme::cardOutline)},
                 {"height", [frame](const Look &look) {
-                     const auto rows = find(look.fixture, frame)->childItems().constFirst();
-                     return rows->height() + 16;
+                     const QQuickItem *content
+                         = find(look.fixture, frame)->childItems().constFirst();
+                     return content->height() + 16;
                  }}});
     }
     // Each section's rows are 8 within its frame and 6 apart.
@@ -660,7 +668,8 @@ void addSettings(Table &table)
     table.text(u"noDaemonNote"_s, 11, secondary);
 
     table.at = Shown::List;
-    const QString chosen = u"pickerOption"_s, other = u"pickerOption[1]"_s;
+    const QString chosen = u"pickerOption"_s;
+    const QString other = u"pickerOption[1]"_s;
     for (const auto &option : {chosen, other}) {
         table.add(option, {{"height", as(u"labelStyleBox"_s, "height")}, {"width", is(180 - 8)}});
         table.add(option + u">#RoundedRectangle"_s, {{"radius", is(4)}});
@@ -694,26 +703,30 @@ void show(PopoverFixture &fixture, Shown shown)
     case Shown::Loading:
         return;
     case Shown::Offline:
-        return fixture.fail(u"no"_s);
+        fixture.fail(u"no"_s);
+        return;
     case Shown::Many: {
         auto summary = test::manyGroups(views::PopoverModel::maximumGroups + 1);
         for (int i = 0; i < views::PopoverModel::maximumRows; ++i)
             summary.groups.first().buckets.append(
                 test::sampleBucket(QString::number(i), u"Bucket"_s, std::nullopt, 1, std::nullopt));
         fixture.answer(summary);
-        return fixture.awaitCards(views::PopoverModel::maximumGroups);
+        fixture.awaitCards(views::PopoverModel::maximumGroups);
+        return;
     }
     case Shown::Stale:
         fixture.answer(test::sampleSummary());
         fixture.service.refresh();
-        return fixture.fail(u"no"_s);
+        fixture.fail(u"no"_s);
+        return;
     case Shown::Approval:
         fixture.service.setShowGeminiInToolbar(false);
         fixture.service.setShowArgonInToolbar(false);
         fixture.service.setShowClaudeInToolbar(false);
         fixture.fail(u"no"_s);
         fixture.showSettings();
-        return fixture.setLoginItem(platform::LoginItem::Status::requiresApproval);
+        fixture.setLoginItem(platform::LoginItem::Status::requiresApproval);
+        return;
     case Shown::Dashboard:
     case Shown::Settings:
     case Shown::List:
@@ -731,6 +744,7 @@ void show(PopoverFixture &fixture, Shown shown)
             &fixture.window(), Qt::LeftButton, {}, fixture.middle(u"labelStyleBox"_s));
         QTRY_COMPARE(fixture.items(u"pickerOption"_s).size(), 3);
     } else if (shown == Shown::ToolTip) {
+        QTest::mouseMove(&fixture.window(), QPoint(190, 100));
         QTest::mouseMove(&fixture.window(), fixture.middle(u"settingsButton"_s));
         QTRY_VERIFY(fixture.item(u"toolTip"_s) != nullptr);
     }
@@ -756,19 +770,24 @@ private Q_SLOTS:
     void everyItemIsAsTheDesignGivesIt_data()
     {
         QTest::addColumn<Shown>("shown");
+        QTest::addColumn<bool>("dark");
         for (const auto &[name, shown] :
             {std::pair("dashboard", Shown::Dashboard), std::pair("loading", Shown::Loading),
                 std::pair("offline", Shown::Offline), std::pair("settings", Shown::Settings),
                 std::pair("more than is shown", Shown::Many), std::pair("stale", Shown::Stale),
                 std::pair("approval", Shown::Approval), std::pair("list", Shown::List),
-                std::pair("tooltip", Shown::ToolTip)})
-            QTest::newRow(name) << shown;
+                std::pair("tooltip", Shown::ToolTip)}) {
+            QTest::addRow("%s, light", name) << shown << false;
+            QTest::addRow("%s, dark", name) << shown << true;
+        }
     }
     void everyItemIsAsTheDesignGivesIt()
     {
         QFETCH(const Shown, shown);
+        QFETCH(const bool, dark);
         PopoverFixture fixture;
         fixture.appearance.still = true;
+        fixture.appearance.setDark(dark);
         fixture.service.setNotifyOnLowQuota(true);
         show(fixture, shown);
         const views::Theme theme(fixture.appearance, fixture.symbols);
@@ -783,6 +802,7 @@ private Q_SLOTS:
         QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join(u'\n')));
     }
 
+    void aLongTooltipLeavesRoomBesideIt();
     void whatIsPointedAtOrFocusedIsMarked();
     void facesSlideAndTheIconTurnsAsLongAsTheDesignGives();
     void coloursHaveTheOpacityOfTheDesign();
@@ -800,8 +820,9 @@ private Q_SLOTS:
                                .toAlignedRect();
         const auto bars = [&fixture, &body] {
             QImage picture = fixture.window().grabWindow();
-            const qreal ratio = picture.devicePixelRatio();
-            const int top = static_cast<int>(body.top() * ratio);
+            const qreal ratio = qreal(picture.width()) / fixture.window().width();
+            // A row between them may be of both at a ratio that is no whole number.
+            const int top = static_cast<int>(body.top() * ratio) - 1;
             const int bottom = static_cast<int>(body.bottom() * ratio) + 2;
             return std::pair(picture.copy(0, 0, picture.width(), top),
                 picture.copy(0, bottom, picture.width(), picture.height() - bottom));
@@ -841,6 +862,21 @@ QString LookTest::wrongAt(const PopoverFixture &fixture, const views::Theme &the
                 name + u": "_s + found.toString() + u" instead of "_s + expected.toString());
     }
     return wrong.join(u'\n');
+}
+
+void LookTest::aLongTooltipLeavesRoomBesideIt()
+{
+    PopoverFixture fixture;
+    fixture.show();
+    const QString error = u"word "_s.repeated(60).trimmed();
+    fixture.fail(error);
+    QTest::mouseMove(&fixture.window(), QPoint(190, 100));
+    QTest::mouseMove(&fixture.window(), fixture.middle(u"statusText"_s));
+    QTRY_VERIFY(fixture.item(u"toolTip"_s) != nullptr);
+    const QQuickItem *toolTip = fixture.item(u"toolTip"_s);
+    QCOMPARE(toolTip->x(), 8.0);
+    QCOMPARE(toolTip->width(), 380.0 - 2 * 8);
+    QVERIFY(!find(fixture, u"toolTip>#Label"_s)->property("truncated").toBool());
 }
 
 void LookTest::whatIsPointedAtOrFocusedIsMarked()
@@ -934,11 +970,17 @@ void LookTest::whatIsPointedAtOrFocusedIsMarked()
     list->setProperty("contentY", 0);
     reveal(u"openFolder"_s);
     const QQuickItem *folder = fixture.item(u"openFolder"_s);
-    QCOMPARE(folder->mapToItem(list, QPointF(0, folder->height())).y(), list->height() - 8);
+    const double folderEnd = folder->mapToItem(list, QPointF(0, folder->height())).y();
+    QVERIFY(std::abs(folderEnd - list->height() + 8) < 1);
     lights(u"backButton"_s, 4, 6);
     prominent(u"doneButton"_s);
     pointAt(u"openFolder"_s);
-    check(u"openFolder>#RoundedRectangle[1]"_s, {{"color", color(&Theme::hovered)}});
+    const QString folderGround = u"openFolder>#RoundedRectangle[1]"_s;
+    check(folderGround, {{"color", color(&Theme::hovered)}});
+    QTest::mousePress(&fixture.window(), Qt::LeftButton, {}, fixture.middle(u"openFolder"_s));
+    check(folderGround, {{"color", color(&Theme::pressed)}});
+    QTest::mouseMove(&fixture.window(), QPoint(190, 3));
+    QTest::mouseRelease(&fixture.window(), Qt::LeftButton, {}, QPoint(190, 3));
     reveal(u"labelStyleBox"_s);
     pointAt(u"labelStyleBox"_s);
     check(u"labelStyleBox>#RoundedRectangle"_s, {{"color", color(&Theme::hovered)}});
@@ -971,8 +1013,8 @@ void LookTest::facesSlideAndTheIconTurnsAsLongAsTheDesignGives()
     const auto animation
         = [root](const QString &name) { return root->findChild<const QObject *>(name); };
     // That of "ease in, ease out", as a cubic curve from 0,0 to 1,1.
-    const auto easesInAndOut = [](const QObject &animation) {
-        const auto easing = animation.property("easing").value<QEasingCurve>();
+    const auto easesInAndOut = [](const QObject &moving) {
+        const auto easing = moving.property("easing").value<QEasingCurve>();
         return easing.type() == QEasingCurve::BezierSpline
             && easing.toCubicSpline()
             == QList<QPointF>{QPointF(0.42, 0), QPointF(0.58, 1), QPointF(1, 1)};

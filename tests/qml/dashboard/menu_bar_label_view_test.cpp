@@ -6,6 +6,8 @@
 #include <QQmlEngine>
 #include <QTest>
 
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch;
 using test::PopoverFixture;
@@ -35,6 +37,8 @@ public:
     }
 
     bool hasIcon() const { return m_root->findChild<QQuickItem *>(u"labelIcon"_s)->isVisible(); }
+
+    const QQuickItem *root() const { return m_root.get(); }
 
     QColor iconColor() const
     {
@@ -71,6 +75,7 @@ private Q_SLOTS:
     void theIconCanBeSwitchedOffBesideText();
     void itFollowsTheSettings();
     void theIconHasTheTint();
+    void symbolsAndTextsHaveTheirSizes();
 };
 
 void MenuBarLabelViewTest::withoutDataItIsTheIconAlone()
@@ -128,6 +133,47 @@ void MenuBarLabelViewTest::theIconHasTheTint()
     QTRY_COMPARE(label.iconColor(), label.theme().color(fixture.service.menuBarTint()));
     fixture.service.setUseColoredStatusIndicator(false);
     QTRY_COMPARE(label.iconColor(), label.theme().label());
+}
+
+void MenuBarLabelViewTest::symbolsAndTextsHaveTheirSizes()
+{
+    PopoverFixture fixture;
+    const Label label(fixture);
+    fixture.answer(test::sampleSummary());
+    fixture.service.setToolbarLabelStyle(u"icon"_s);
+    QTRY_COMPARE(label.texts().size(), 3);
+    const QQuickItem *icon = label.root()->findChild<QQuickItem *>(u"labelIcon"_s);
+    QCOMPARE(icon->property("name"), u"sparkles"_s);
+    QCOMPARE(icon->property("pointSize").toDouble(), 13.0);
+    QList<const QQuickItem *> texts;
+    QList<const QQuickItem *> rest{label.root()};
+    while (!rest.isEmpty()) {
+        const QQuickItem *item = rest.takeFirst();
+        if (item->objectName() == "labelText"_L1)
+            texts.append(item);
+        const auto children = item->childItems();
+        for (const QQuickItem *child : children)
+            rest.append(child);
+    }
+    QCOMPARE(texts.size(), 2);
+    for (const QQuickItem *text : std::as_const(texts)) {
+        QCOMPARE(text->property("pixelSize").toDouble(), 12.0);
+        QCOMPARE(text->property("weight").toInt(), int(QFont::Medium));
+        const QQuickItem *pair = text->parentItem();
+        QCOMPARE(pair->property("spacing").toDouble(), 2.0);
+        const QQuickItem *symbol = pair->childItems().constFirst();
+        QCOMPARE(symbol->property("pointSize").toDouble(), 11.0);
+        QCOMPARE(symbol->property("weight").toInt(), 1); // Medium.
+        const QQuickItem *item = pair->parentItem();
+        QCOMPARE(item->property("spacing").toDouble(), 4.0);
+        const QQuickItem *dot = item->childItems().constFirst();
+        QCOMPARE(dot->property("text"), u"·"_s);
+        QCOMPARE(dot->property("color").value<QColor>(), label.theme().secondaryLabel());
+        const auto font = dot->property("font").value<QFont>();
+        QCOMPARE(font.pixelSize(), 12);
+        QCOMPARE(font.weight(), QFont::Medium);
+        QCOMPARE(item->parentItem()->property("spacing").toDouble(), 4.0);
+    }
 }
 
 QTEST_MAIN(MenuBarLabelViewTest)

@@ -15,6 +15,7 @@ pictures.sh [NAME...]   takes the pictures of the documentation anew, from the r
   desktop   the label and the popover on the Xfce panel, light and dark
   faces     the settings, and the popover while the daemon does not answer
   bars      waybar, i3blocks, polybar and tmux with the examples for them
+  history   the page of the history of a simulated user, light, dark and narrow
 
 Without NAMEs all of them. They go to $BRIMWATCH_PICTURES (default docs/pictures). Packages that are missing are
 installed, given root or sudo without a password.
@@ -28,10 +29,10 @@ if [ "${1:-}" = --inside ] && [ $# = 2 ]; then
     set -- faces
 fi
 names=("$@")
-[ ${#names[@]} -gt 0 ] || names=(desktop faces bars)
+[ ${#names[@]} -gt 0 ] || names=(desktop faces bars history)
 for name in "${names[@]}"; do
     case $name in
-        desktop | faces | bars) ;;
+        desktop | faces | bars | history) ;;
         *)
             usage >&2
             exit 2
@@ -41,6 +42,7 @@ done
 bars=(waybar i3blocks polybar tmux)
 purposes=(build run panel-xfce4)
 [[ " ${names[*]} " != *" bars "* ]] || purposes+=(bars)
+[[ " ${names[*]} " != *" history "* ]] || purposes+=(pictures-history)
 [[ " ${names[*]} " != *" faces "* ]] || purposes+=(panel-trayer)
 [ -n "${BRIMWATCH_PACKAGES_CHECKED:-}$inside" ] || "$root/tools/lib/packages.sh" "${purposes[@]}"
 
@@ -138,6 +140,26 @@ bars()
         convert "$work/bars/$bar/pictures/running.png" -crop "$place" +repage "$work/$bar.png"
         keep "$work/$bar.png" "bar-$bar"
     done
+}
+
+# shoot_page WIDTHxHEIGHT NAME [OPTION]: the page in a browser, with few enough colours to be small.
+shoot_page()
+{
+    HOME=$work timeout 60 chromium --headless=new --no-sandbox --disable-gpu --hide-scrollbars --user-data-dir="$work/browser" \
+        --window-size="${1/x/,}" ${3:+"$3"} --screenshot="$work/$2.png" "file://$work/history.html" >"$work/log" 2>&1 ||
+        die "no picture: $(tail -n 3 "$work/log")"
+    convert "$work/$2.png" +dither -colors 64 "PNG8:$work/$2-small.png"
+    keep "$work/$2-small.png" "$2"
+}
+
+history()
+{
+    build_programs
+    "$root/tools/forecast/sample-history.py" "$work/state/brimwatch/history"
+    XDG_STATE_HOME=$work/state "$build/src/cli/brimwatchctl" history --format html >"$work/history.html"
+    shoot_page 1100x1300 history-light
+    shoot_page 1100x1300 history-dark --blink-settings=preferredColorScheme=0
+    shoot_page 500x1300 history-narrow
 }
 
 if [ -n "$inside" ]; then

@@ -89,7 +89,9 @@ void FakeTrayManager::handle(const xcb_generic_event_t *event)
         m_docked.append(item);
         if (m_manners.savesItems)
             xcb_change_save_set(c, XCB_SET_MODE_INSERT, item);
-        xcb_reparent_window(c, item, m_panel, 0, 0);
+        if (m_manners.squares)
+            m_square = createSquare();
+        xcb_reparent_window(c, item, m_manners.squares ? m_square : m_panel, 0, 0);
         m_x.selectInput(item, XCB_EVENT_MASK_PROPERTY_CHANGE);
         giveSlot(hintedSize());
         xcb_map_window(c, item);
@@ -110,6 +112,20 @@ void FakeTrayManager::handle(const xcb_generic_event_t *event)
     default:
         break;
     }
+}
+
+xcb_window_t FakeTrayManager::createSquare()
+{
+    xcb_connection_t *c = m_x.connection();
+    const xcb_window_t square = xcb_generate_id(c);
+    const auto side = static_cast<std::uint16_t>(m_manners.height);
+    const std::array<std::uint32_t, 2> values{
+        pixelOf(m_manners.background), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT};
+    xcb_create_window(c, XCB_COPY_FROM_PARENT, square, m_panel, 0, 0, side, side, 0,
+        XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL | XCB_CW_EVENT_MASK,
+        values.data());
+    xcb_map_window(c, square);
+    return square;
 }
 
 void FakeTrayManager::giveSlot(QSize asked)
@@ -133,18 +149,33 @@ QSize FakeTrayManager::hintedSize()
 
 QRect FakeTrayManager::slot()
 {
-    const XcbPointer<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(
-        m_x.connection(), xcb_get_geometry(m_x.connection(), m_docked.last()), nullptr));
-    return geometry ? QRect(panelPlace + QPoint(geometry->x, geometry->y),
-                          QSize(geometry->width, geometry->height))
-                    : QRect();
+    const auto placeOf = [this](xcb_window_t window) {
+        const XcbPointer<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(
+            m_x.connection(), xcb_get_geometry(m_x.connection(), window), nullptr));
+        return geometry ? QRect(geometry->x, geometry->y, geometry->width, geometry->height)
+                        : QRect();
+    };
+    QRect place = placeOf(m_docked.last());
+    if (m_square != XCB_WINDOW_NONE)
+        place &= QRect(QPoint(0, 0), placeOf(m_square).size());
+    return place.isValid() ? place.translated(panelPlace) : QRect();
 }
 
 void FakeTrayManager::setSlotSize(QSize size)
 {
+    resize(m_docked.last(), size);
+}
+
+void FakeTrayManager::setSquareSize(QSize size)
+{
+    resize(m_square, size);
+}
+
+void FakeTrayManager::resize(xcb_window_t window, QSize size)
+{
     const std::array values{
         static_cast<std::uint32_t>(size.width()), static_cast<std::uint32_t>(size.height())};
-    xcb_configure_window(m_x.connection(), m_docked.last(),
+    xcb_configure_window(m_x.connection(), window,
         XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, values.data());
     m_x.flush();
 }

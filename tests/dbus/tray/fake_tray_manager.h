@@ -28,6 +28,7 @@ public:
         int widest = 600;
         bool proportional = false; ///< Scales what an item asks for to its height, as XFCE does.
         int unit = 1; ///< Gives widths in multiples of it, no more than asked for, as GTK does.
+        bool squares = false; ///< Puts each item into a square of its height, as GNOME Shell 48.
         bool savesItems = false; ///< Its end leaves the items on the bare screen, as toolkits do.
         QString program; ///< The name on its window.
     };
@@ -43,10 +44,12 @@ public:
     QList<xcb_window_t> docked() const { return m_docked; }
     /// The size that the last item asked for in its hints.
     QSize hintedSize();
-    /// The last item's place on the screen.
+    /// The last item's place on the screen, as far as it is seen.
     QRect slot();
 
     void setSlotSize(QSize size);
+    /// Of the window around the last item, where there is one.
+    void setSquareSize(QSize size);
     void setSymbols(QColor color);
     /// Changes what is behind the items, without a word to them.
     void setBackground(QColor color);
@@ -66,6 +69,8 @@ public:
 private:
     void handle(const xcb_generic_event_t *event);
     void giveSlot(QSize asked);
+    xcb_window_t createSquare();
+    void resize(xcb_window_t window, QSize size);
     void announceColors(const QList<QColor> &colors);
     xcb_visualid_t transparentVisual() const;
 
@@ -73,6 +78,7 @@ private:
     Manners m_manners;
     xcb_window_t m_selectionWindow = XCB_WINDOW_NONE;
     xcb_window_t m_panel = XCB_WINDOW_NONE;
+    xcb_window_t m_square = XCB_WINDOW_NONE; ///< Around the last item.
     QList<xcb_window_t> m_docked;
 };
 

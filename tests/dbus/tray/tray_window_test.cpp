@@ -65,6 +65,22 @@ private Q_SLOTS:
         QVERIFY(!resized.isEmpty());
     }
 
+    void theSlotIsWhatAnEnclosingWindowShows()
+    {
+        m_manager = std::make_unique<FakeTrayManager>(
+            FakeTrayManager::Manners{.symbols = {}, .height = 16, .squares = true, .program = {}});
+        m_window = std::make_unique<TrayWindow>(*m_x, m_manager->window());
+        dock(77);
+        QCOMPARE(m_window->slot(), QSize(16, 16));
+        QCOMPARE(m_window->place(), m_manager->slot());
+        QSignalSpy resized(m_window.get(), &TrayWindow::resized);
+        m_manager->setSquareSize({40, 16});
+        QTRY_COMPARE(m_window->slot(), QSize(40, 16));
+        QCOMPARE(resized.size(), 1);
+        m_manager->setSquareSize({400, 400});
+        QTRY_COMPARE(m_window->slot(), QSize(77, 16));
+    }
+
     void whatIsDrawnIsShown()
     {
         dock(40);

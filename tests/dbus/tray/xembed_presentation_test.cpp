@@ -118,6 +118,7 @@ private Q_SLOTS:
     void aLabelWhoseNumbersShrinkKeepsItsSlot();
     void aSlotThatStaysTooNarrowShowsTheSquare();
     void aSlotThatStaysTooNarrowShowsTheNumbers();
+    void aWideWindowInASquareOneShowsTheNumbers();
     void theBadgeAsksForASquare();
     void aSlotThatIsWidenedLaterShowsTheLabelAgain();
     void damageIsRepaired();
@@ -506,6 +507,19 @@ void XembedPresentationTest::aSlotThatStaysTooNarrowShowsTheNumbers()
     QVERIFY(countPixels(m_manager->picture(), ColorToken::SystemOrange, Background::Dark) > 20);
 }
 
+void XembedPresentationTest::aWideWindowInASquareOneShowsTheNumbers()
+{
+    dock({.symbols = {}, .squares = true, .program = {}});
+    m_item->present(withBadge());
+    QTRY_VERIFY(
+        countPixels(m_manager->picture(), ColorToken::AdaptiveHealthyGreen, Background::Dark) > 20);
+    QVERIFY(countPixels(m_manager->picture(), ColorToken::SystemOrange, Background::Dark) > 20);
+    QCOMPARE(m_manager->slot().size(), QSize(28, 28));
+    m_manager->setSquareSize({300, 28});
+    QTRY_VERIFY(m_manager->picture().width() > 40);
+    QTRY_VERIFY(isDrawn());
+}
+
 void XembedPresentationTest::theBadgeAsksForASquare()
 {
     dock({.symbols = {}, .height = 24, .program = {}}, XembedForm::Badge);
@@ -543,6 +557,8 @@ void XembedPresentationTest::aNewLabelStandsOnThePanelsNewColour()
     QTRY_VERIFY(isDrawn());
     settle();
     m_manager->setBackground(Qt::white);
+    // Two connections: the server may otherwise see to our reading first.
+    settle();
     m_item->present(sampleItem(u"5h: 79%"_s));
     QTRY_VERIFY(isDrawn(Background::Light));
     QCOMPARE(m_manager->picture().pixelColor(0, 0), QColor(Qt::white));

@@ -1,12 +1,12 @@
 #!/bin/bash
-# GNOME Shell 43 with its AppIndicator extension as a Wayland compositor, drawing into a window on Xvfb; Xwayland with it.
+# GNOME Shell with its AppIndicator extension as a Wayland compositor, drawing into a window on Xvfb; Xwayland with it.
 # The shell is compositor and panel in one: it cannot be ended alone. EXTENSION=1|0
 # shellcheck source=../lib/desktop.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../lib/desktop.sh"
 # shellcheck source=gnome.sh
 . "$DESKTOPS/panels/gnome.sh"
 NAME=gnome-wayland
-FACTS=(protocol=xembed form=wide restarts=no bus=needed item=copy weight=heavy)
+FACTS=(protocol=xembed "form=$FORM" restarts=no bus=needed item=copy weight=heavy)
 
 session_start()
 {

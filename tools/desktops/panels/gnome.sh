@@ -1,9 +1,14 @@
 #!/bin/bash
-# GNOME Shell 43 with its AppIndicator extension, an X11 session on Xvfb.
+# GNOME Shell with its AppIndicator extension, an X11 session on Xvfb.
 # The shell is window manager and panel in one: it cannot be ended alone. EXTENSION=1|0
 NAME=gnome
+# The extension on GNOME 43 makes room for the whole label; that on GNOME 48 puts each item into a square.
+case $(gnome-shell --version 2>/dev/null) in
+    *' 43.'*) FORM=wide ;;
+    *) FORM=badge ;;
+esac
 # It shows a copy of the item.
-FACTS=(protocol=xembed form=wide restarts=no bus=needed item=copy weight=heavy)
+FACTS=(protocol=xembed "form=$FORM" restarts=no bus=needed item=copy weight=heavy)
 SERVICES="org.gnome.Shell.Notifications org.gnome.ScreenSaver org.gnome.Shell.HotplugSniffer"
 READY_S=60
 # shellcheck source=../lib/desktop.sh

@@ -91,7 +91,8 @@ void TrayWindow::dock(QSize asked)
     m_format = *format;
     m_askedWidth = asked.width();
     m_askedHeight = std::clamp(asked.height(), 1, largestDrawing.height());
-    m_slot = {boundedWidth(m_askedWidth), m_askedHeight};
+    m_size = {boundedWidth(m_askedWidth), m_askedHeight};
+    m_slot = m_size;
     createWindow();
     setProperties();
     writeSizeHints();
@@ -222,8 +223,13 @@ void TrayWindow::handle(const xcb_generic_event_t *event)
     }
     case XCB_CONFIGURE_NOTIFY: {
         const auto *configure = reinterpret_cast<const xcb_configure_notify_event_t *>(event);
-        if (configure->window == m_window)
-            handleConfigure({configure->width, configure->height});
+        const QSize size(configure->width, configure->height);
+        if (configure->window == m_window) {
+            handleConfigure(size);
+        } else if (configure->window == m_parent && !size.isEmpty()) {
+            m_parentSize = size;
+            updateSlot();
+        }
         break;
     }
     case XCB_REPARENT_NOTIFY: {
@@ -286,9 +292,18 @@ void TrayWindow::handleConfigure(QSize size)
 {
     Q_EMIT moved();
     // Whoever sends an event may write any size into it. No window is empty.
-    if (size == m_slot || size.isEmpty())
+    if (size.isEmpty())
         return;
-    m_slot = size;
+    m_size = size;
+    updateSlot();
+}
+
+void TrayWindow::updateSlot()
+{
+    const QSize slot = m_parentSize.isValid() ? m_size.boundedTo(m_parentSize) : m_size;
+    if (slot == m_slot)
+        return;
+    m_slot = slot;
     Q_EMIT resized();
     // XFCE scales what was asked for to its own height (seen with 4.18), so the label would stand
     // in too wide a slot. Other panels are never asked for the height that they gave: they would
@@ -317,6 +332,18 @@ void TrayWindow::handleReparent(xcb_window_t parent)
     Q_EMIT reparented();
     if (!std::exchange(m_docked, true))
         Q_EMIT docked();
+    followParent(parent);
+}
+
+void TrayWindow::followParent(xcb_window_t parent)
+{
+    m_parent = parent;
+    // Before the size is asked for, so that no change is missed.
+    m_x.selectInput(parent, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    const XcbPointer<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(
+        m_x.connection(), xcb_get_geometry(m_x.connection(), parent), nullptr));
+    m_parentSize = geometry ? QSize(geometry->width, geometry->height) : QSize();
+    updateSlot();
 }
 
 void TrayWindow::lose()

@@ -44,7 +44,8 @@ public:
     bool isDocked() const { return m_docked; }
     bool isTransparent() const { return m_format.isTransparent(); }
 
-    /// What the panel gives, in native pixels; before it has, what was asked for.
+    /// What the panel gives, in native pixels; before it has, what was asked for. Where the panel
+    /// puts the window into a smaller one, as GNOME Shell 48 does, that is the part that is seen.
     QSize slot() const { return m_slot; }
     /// Absent while it is in no tray.
     std::optional<QRect> place() const;
@@ -86,6 +87,8 @@ private:
     void handleButton(const xcb_button_press_event_t &event, bool isPress);
     void handleConfigure(QSize size);
     void handleReparent(xcb_window_t parent);
+    void followParent(xcb_window_t parent);
+    void updateSlot();
     void lose();
     void createWindow();
     void setProperties();
@@ -101,6 +104,9 @@ private:
     xcb_gcontext_t m_gc = XCB_NONE;
     bool m_docked = false;
     bool m_lost = false;
+    xcb_window_t m_parent = XCB_WINDOW_NONE; ///< The panel's window that we are in.
+    QSize m_parentSize; ///< Invalid while not known.
+    QSize m_size; ///< The window's own, of which the parent may show only a part.
     QSize m_slot;
     int m_askedWidth = 0;
     int m_askedHeight = usualHeight;

@@ -31,7 +31,15 @@ bare_debian()
     [ "$codename" = "$ours" ] || targets="$mirror $codename main"
     # What this machine needs to reach it, a proxy above all, is what debootstrap and the bare one need too.
     proxy=$(apt-config dump --format '%v' Acquire::http::Proxy)
-    http_proxy=${proxy:-${http_proxy:-}} debootstrap --variant=minbase "$codename" "${bare:?}" "$mirror" >"$log" 2>&1 ||
+    local -x http_proxy=${proxy:-${http_proxy:-}}
+    # debootstrap itself would try for hours.
+    case $mirror in
+        http*)
+            wget -q --spider --timeout=20 --tries=2 "${mirror%/}/dists/$codename/Release" ||
+                { echo "        $mirror, from which $codename would come, does not answer or does not have it"; return 1; }
+            ;;
+    esac
+    debootstrap --variant=minbase "$codename" "${bare:?}" "$mirror" >"$log" 2>&1 ||
         { tail -n 5 "$log"; return 1; }
     printf 'deb %s\n' "${targets//$'\n'/$'\n'deb }" >"$bare/etc/apt/sources.list"
     apt-config dump Acquire >"$bare/etc/apt/apt.conf.d/00machine"

@@ -49,7 +49,7 @@ void ImageItem::componentComplete()
 void ImageItem::itemChange(ItemChange change, const ItemChangeData &data)
 {
     if (change == ItemDevicePixelRatioHasChanged
-        || (change == ItemVisibleHasChanged && data.boolValue && m_stale))
+        || (change == ItemVisibleHasChanged && isVisible() && m_stale))
         redraw();
     QQuickItem::itemChange(change, data);
 }

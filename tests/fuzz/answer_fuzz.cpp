@@ -6,50 +6,17 @@
 #include "model/label_composition.h"
 #include "model/quota_json.h"
 #include "platform/linux/bus/bus_state.h"
+#include "published_bounds.h"
 #include "service/quota_service.h"
 #include "support/service_fixture.h"
 
 #include <QCoreApplication>
 #include <QJsonDocument>
 
-#include <cmath>
-
 using namespace brimwatch;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-void requireLine(const QString &text, qsizetype longest)
-{
-    fuzz::require(text.size() <= longest, "a text is within its bound");
-    fuzz::require(fuzz::isOneLine(text), "a text is one line");
-    fuzz::require(text.isValidUtf16(), "a text is valid UTF-16");
-}
-
-void requireBounds(const platform::PublishedState &state)
-{
-    using platform::PublishedState;
-    fuzz::require(state.items.size() <= PublishedState::mostItems
-            && state.groups.size() <= PublishedState::mostGroups,
-        "there are at most so many items and groups");
-    requireLine(state.title, PublishedState::longestText);
-    requireLine(state.error, PublishedState::longestText);
-    for (const auto &item : state.items)
-        requireLine(item.text, PublishedState::longestName);
-    qsizetype buckets = 0;
-    for (const auto &group : state.groups) {
-        requireLine(group.name, PublishedState::longestName);
-        for (const auto &bucket : group.buckets) {
-            requireLine(bucket.id, PublishedState::longestName);
-            requireLine(bucket.name, PublishedState::longestName);
-            requireLine(bucket.window, PublishedState::longestName);
-            fuzz::require(bucket.percentage >= 0 && bucket.percentage <= 100,
-                "a percentage is between 0 and 100");
-            ++buckets;
-        }
-    }
-    fuzz::require(buckets <= PublishedState::mostBuckets, "there are at most so many buckets");
-}
 
 /// The service of a program, which is given one answer after the other.
 class Program {
@@ -114,15 +81,15 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const auto description = app::describeItem(service, home);
     fuzz::require(description.lines.size() <= platform::ItemDescription::mostLines,
         "a tooltip has at most so many lines");
-    requireLine(description.title, platform::ItemDescription::longestLine);
+    fuzz::requireLine(description.title, platform::ItemDescription::longestLine);
     for (const auto &line : description.lines) {
-        requireLine(line, platform::ItemDescription::longestLine);
+        fuzz::requireLine(line, platform::ItemDescription::longestLine);
         fuzz::require(!line.contains(Program::token) && !line.contains(home),
             "a tooltip has nothing private");
     }
 
     const auto state = app::describeState(service, home);
-    requireBounds(state);
+    fuzz::requireBounds(state);
     fuzz::require(!state.title.contains(Program::token) && !state.title.contains(home),
         "the bus has nothing private");
     fuzz::require(platform::fromBusProperties(platform::toBusProperties(state)) == state,

@@ -1,6 +1,7 @@
 // What a program on the bus says in the place of ours: within the bounds, one line each.
 #include "fuzz.h"
 #include "platform/linux/bus/bus_state.h"
+#include "published_bounds.h"
 #include "random_properties.h"
 
 #include <QCoreApplication>
@@ -9,50 +10,11 @@
 #include <QDBusMessage>
 #include <QDBusServer>
 
-#include <cmath>
-
 using namespace brimwatch;
 using namespace Qt::Literals::StringLiterals;
 using platform::PublishedState;
 
 namespace {
-
-void requireLine(const QString &text, qsizetype longest)
-{
-    fuzz::require(text.size() <= longest, "a text is within its bound");
-    fuzz::require(fuzz::isOneLine(text), "a text is one line");
-}
-
-void requireBounds(const PublishedState &state)
-{
-    fuzz::require(state.items.size() <= PublishedState::mostItems
-            && state.groups.size() <= PublishedState::mostGroups,
-        "there are at most so many items and groups");
-    requireLine(state.title, PublishedState::longestText);
-    requireLine(state.error, PublishedState::longestText);
-    for (const auto &item : state.items)
-        requireLine(item.text, PublishedState::longestName);
-    qsizetype buckets = 0;
-    const auto requireBucket = [](const platform::PublishedBucket &bucket) {
-        requireLine(bucket.id, PublishedState::longestName);
-        requireLine(bucket.name, PublishedState::longestName);
-        requireLine(bucket.window, PublishedState::longestName);
-        fuzz::require(std::isfinite(bucket.fraction), "a fraction is finite");
-        fuzz::require(bucket.percentage >= 0 && bucket.percentage <= 100,
-            "a percentage is between 0 and 100");
-    };
-    if (state.lowest)
-        requireBucket(*state.lowest);
-    for (const auto &group : state.groups) {
-        requireLine(group.name, PublishedState::longestName);
-        requireLine(group.family, PublishedState::longestName);
-        for (const auto &bucket : group.buckets) {
-            requireBucket(bucket);
-            ++buckets;
-        }
-    }
-    fuzz::require(buckets <= PublishedState::mostBuckets, "there are at most so many buckets");
-}
 
 /// Two ends of a connection without a bus between them: what goes over it has its wire format.
 class Wire : public QObject {
@@ -116,7 +78,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const auto properties = fuzz::randomProperties(input, 4);
     const auto state
         = platform::fromBusProperties(sent ? wire.overTheWire(properties) : properties);
-    requireBounds(state);
+    fuzz::requireBounds(state);
     fuzz::require(platform::fromBusProperties(platform::toBusProperties(state)) == state,
         "what was read is read again");
     return 0;

@@ -1,29 +1,10 @@
-#include "checks.h"
-#include "fakes/fake_appkit.h"
-#include "platform/macos/native_popover.h"
-#include "platform/macos/native_status_item.h"
+#include "popover_bar.h"
 
 #include <memory>
 
 using namespace brimwatch::platform;
-
-namespace {
-
-NSView *viewOf(const NativePopover &popover)
-{
-    return (__bridge NSView *)reinterpret_cast<void *>(popover.contentView());
-}
-
-/// The item and the popover under it, put together as the program does it.
-struct Bar {
-    NativeStatusItem item{[] { }};
-    int closed = 0;
-    std::vector<std::optional<NativePoint>> hovers = {};
-    NativePopover popover{380, 490, [this] { return item.button(); }, [this] { ++closed; },
-        [this](std::optional<NativePoint> place) { hovers.push_back(place); }};
-};
-
-} // namespace
+using brimwatch::test::Bar;
+using brimwatch::test::viewOf;
 
 BRIMWATCH_SENTENCE(thePopoverIsTransientAnimatedAndAsLargeAsItsContent)
 {
@@ -140,14 +121,6 @@ BRIMWATCH_SENTENCE(oneThatIsShownIsNotShownAgain)
     CHECK(fake::timesRecorded("popover.show 0,0 60x22 edge 1 of the button") == 1);
 }
 
-BRIMWATCH_SENTENCE(withoutAButtonItDoesNotShow)
-{
-    fake::world().statusItemHasButton = false;
-    Bar bar;
-    bar.popover.show();
-    CHECK(!bar.popover.isShown());
-}
-
 BRIMWATCH_SENTENCE(itFollowsTheSizeOfItsContent)
 {
     Bar bar;
@@ -195,36 +168,6 @@ BRIMWATCH_SENTENCE(theContentIsNotItsToEnd)
         CHECK(content.superview == viewOf(bar.popover));
     }
     CHECK(content.superview == nil);
-}
-
-BRIMWATCH_SENTENCE(thePointerIsFollowedWhileAnotherProgramIsInFront)
-{
-    Bar bar;
-    bar.popover.setContentSize(380, 490);
-    bar.popover.show();
-    fake::enterView(viewOf(bar.popover), NSMakePoint(20, 480));
-    fake::movePointer(viewOf(bar.popover), NSMakePoint(30, 470));
-    fake::leaveView(viewOf(bar.popover));
-    CHECK((bar.hovers
-        == std::vector<std::optional<NativePoint>>{
-            NativePoint{.x = 20, .y = 10}, NativePoint{.x = 30, .y = 20}, std::nullopt}));
-}
-
-BRIMWATCH_SENTENCE(thePointerIsQtsWhileTheProgramIsInFront)
-{
-    Bar bar;
-    bar.popover.show();
-    fake::world().active = true;
-    fake::enterView(viewOf(bar.popover), NSMakePoint(20, 480));
-    fake::movePointer(viewOf(bar.popover), NSMakePoint(30, 470));
-    fake::leaveView(viewOf(bar.popover));
-    CHECK(bar.hovers.empty());
-    // It became so with the pointer inside: what was entered is left.
-    fake::world().active = false;
-    fake::movePointer(viewOf(bar.popover), NSMakePoint(30, 470));
-    fake::world().active = true;
-    fake::leaveView(viewOf(bar.popover));
-    CHECK(bar.hovers.size() == 2 && !bar.hovers.back());
 }
 
 BRIMWATCH_SENTENCE(aCloseIsToldAfterItsAnimationWhateverWasOpenedMeanwhile)

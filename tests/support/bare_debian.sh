@@ -7,6 +7,9 @@
 #   script_arguments   set before, where the script has any: they are handed on when it starts over as root
 #   inside_binds       may be set: folders of this machine that are seen inside, FOLDER=PLACE or FOLDER=PLACE:ro
 
+# shellcheck source=../../tools/lib/mirror.sh
+. "$(dirname "${BASH_SOURCE[0]}")/../../tools/lib/mirror.sh"
+
 inside_variables=() inside_binds=()
 
 # as_root NAME=VALUE...: starts the script over as root, with those variables, where it is not.
@@ -21,14 +24,10 @@ as_root()
 # bare_debian CODENAME LOGS: makes it, with an apt that reaches what this machine's does. What debootstrap said is in LOGS.
 bare_debian()
 {
-    local codename=$1 log=$2/debootstrap.log ours targets mirror proxy
-    ours=$(. /etc/os-release && echo "${VERSION_CODENAME:-}")
-    # shellcheck disable=SC2016
-    targets=$(apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' | sort -u |
-        awk -v c="$ours" '$3 == "main" && ($2 == c || $2 == c "-updates" || $2 == c "-security")')
-    mirror=$(awk -v c="$ours" '$2 == c { print $1; exit }' <<<"$targets")
-    [ -n "$mirror" ] || die "this machine's apt knows no mirror of $ours"
-    [ "$codename" = "$ours" ] || targets="$mirror $codename main"
+    local codename=$1 log=$2/debootstrap.log targets mirror proxy
+    targets=$(main_targets)
+    mirror=$(mirror) || exit
+    [ "$codename" = "$(. /etc/os-release && echo "${VERSION_CODENAME:-}")" ] || targets="$mirror $codename main"
     # What this machine needs to reach it, a proxy above all, is what debootstrap and the bare one need too.
     proxy=$(apt-config dump --format '%v' Acquire::http::Proxy)
     local -x http_proxy=${proxy:-${http_proxy:-}}

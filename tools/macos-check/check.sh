@@ -18,6 +18,7 @@ Steps, all of them when none is named:
   compile        the .mm files for both architectures at the deployment target, as ARC, warnings as errors
   link           universal, against stubs of the frameworks; every symbol has to come from one that we link
   sources        the program's other sources for the Mac, as CMake has them for it, and the link of all of it
+  newer-qt       the same sources with the headers of Debian 13's Qt, or of $BRIMWATCH_QT_RELEASE's
   plist          Info.plist and the entitlements
   bundle         what the packaging script says of bundles that lack a library
   lint           clang-tidy and the static analyzer's checkers for Objective-C
@@ -52,7 +53,7 @@ while [ $# -gt 0 ]; do
     esac
     shift
 done
-[ ${#steps[@]} -gt 0 ] || steps=(compile link sources plist bundle lint run declarations)
+[ ${#steps[@]} -gt 0 ] || steps=(compile link sources newer-qt plist bundle lint run declarations)
 
 mkdir -p "$root/build"
 work=$(mktemp -d "$root/build/macos-check.XXXXXX")
@@ -259,14 +260,17 @@ run_step()
         echo "FAIL  the tests run on x86-64 alone"
         return
     fi
-    local test tests=() popover='' panel=''
+    local test tests=() of_panel=()
     mkdir -p "$work/linux"
     for test in "$root"/tests/macos/*_test.mm; do
         check "$(basename "$test") compiles" prepare_one "$test"
-        popover=$prepared/$(basename "${test%.*}").o
         case $test in
-            */native_popover_panel_test.mm) panel=$popover ;;
-            *) tests+=("$popover") ;;
+            */native_popover_panel_test.mm) of_panel+=("$prepared/native_popover_panel_test.o") ;;
+            */any_popover_test.mm)
+                of_panel+=("$prepared/any_popover_test.o")
+                tests+=("$prepared/any_popover_test.o")
+                ;;
+            *) tests+=("$prepared/$(basename "${test%.*}").o") ;;
         esac
     done
     local support
@@ -277,7 +281,7 @@ run_step()
     check "the layer compiles for the fakes" each_source run_one
     check "tests of the layer with the system's popover" link_and_run popover native_popover_panel "${tests[@]}"
     [ ! -f "$work/popover.log" ] || tail -n 1 "$work/popover.log" | sed 's/^/      /'
-    check "tests of the layer with a panel of our own" link_and_run panel native_popover "$panel"
+    check "tests of the layer with a panel of our own" link_and_run panel native_popover "${of_panel[@]}"
     [ ! -f "$work/panel.log" ] || tail -n 1 "$work/panel.log" | sed 's/^/      /'
 }
 
@@ -353,11 +357,21 @@ sources_step()
     check_sources
 }
 
+newer_qt_step()
+{
+    # shellcheck source=tools/macos-check/sources.sh
+    . "$here/sources.sh"
+    # shellcheck source=tools/macos-check/newer_qt.sh
+    . "$here/newer_qt.sh"
+    check_newer_qt
+}
+
 for step in "${steps[@]}"; do
     case $step in
         compile) compile_step ;;
         link) link_step ;;
         sources) sources_step ;;
+        newer-qt) newer_qt_step ;;
         plist) plist_step ;;
         bundle) bundle_step ;;
         lint) lint_step ;;

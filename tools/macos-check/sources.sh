@@ -12,11 +12,10 @@ configure_for_mac()
 {
     local library here=${here:?} minimum=${minimum:?} sysroot=$root/build/macos-check/sysroot portable=$root/build/macos-check/headers
     mkdir -p "$portable"
-    for library in unicode fmt tl; do ln -sfn "/usr/include/$library" "$portable/$library"; done
+    for library in unicode fmt tl zlib.h zconf.h; do ln -sfn "/usr/include/$library" "$portable/$library"; done
     "$here/stubs/make-stubs.sh" "$sysroot" || return
     cmake -G Ninja -S "$root" -B "$tree" -DCMAKE_TOOLCHAIN_FILE="$here/toolchain.cmake" \
-        -DCMAKE_PROJECT_INCLUDE="$here/stand-ins.cmake" -DCMAKE_BUILD_TYPE=Debug -DBRIMWATCH_SAMPLE_DAEMON=OFF \
-        -DBRIMWATCH_WARNINGS_ARE_ERRORS=ON \
+        -DCMAKE_PROJECT_INCLUDE="$here/stand-ins.cmake" -DCMAKE_BUILD_TYPE=Debug -DBRIMWATCH_TESTS=ON -DBRIMWATCH_WARNINGS_ARE_ERRORS=ON \
         -DMACOS_CHECK="$here" -DMACOS_SYSROOT="$sysroot" -DMACOS_HEADERS="$portable" -DMACOS_MINIMUM="$minimum"
 }
 

@@ -122,8 +122,11 @@ void ReadFileTest::whatIsNoSuchFileIsAnError()
 
 void ReadFileTest::aFileThatDoesNotTellItsSizeIsBounded()
 {
-    QCOMPARE(QFileInfo(u"/proc/self/status"_s).size(), 0);
-    QVERIFY(readFile(u"/proc/self/status"_s, largest) == fail(ReadFileError::LargerThanItsSize));
+    const QString file = u"/proc/self/status"_s;
+    if (!QFileInfo::exists(file))
+        QSKIP("this system has no file of that kind");
+    QCOMPARE(QFileInfo(file).size(), 0);
+    QVERIFY(readFile(file, largest) == fail(ReadFileError::LargerThanItsSize));
 }
 
 void ReadFileTest::aFifoThatTakesTheFilesPlaceIsNotWaitedFor()

@@ -75,9 +75,7 @@ void resetOnClose(const QTcpSocket &socket)
 
 qsizetype openDescriptors()
 {
-    return QDir(u"/proc/self/fd"_s)
-        .entryList(QDir::Files | QDir::System | QDir::NoDotAndDotDot)
-        .size();
+    return QDir(u"/dev/fd"_s).entryList(QDir::Files | QDir::System | QDir::NoDotAndDotDot).size();
 }
 
 } // namespace

@@ -66,9 +66,8 @@ ScriptedDaemon::Answer write(const QByteArray &bytes)
     return [bytes](QTcpSocket &socket) { socket.write(bytes); };
 }
 
-const QByteArray goodAnswer
-    = "HTTP/1.1 200 OK\r\nContent-Length: 13\r\n\r\n{\"groups\":[]}"; // Without "Connection:
-                                                                      // close".
+// Without "Connection: close".
+const QByteArray goodAnswer = "HTTP/1.1 200 OK\r\nContent-Length: 13\r\n\r\n{\"groups\":[]}";
 
 } // namespace
 
@@ -79,8 +78,11 @@ private Q_SLOTS:
     // First, before anything of this program asks securely.
     void theTlsLibraryIsNotLoadedForPlainHttp()
     {
-        const auto mapped = [] {
-            QFile maps(u"/proc/self/maps"_s);
+        const QString file = u"/proc/self/maps"_s;
+        if (!QFileInfo::exists(file))
+            QSKIP("this system does not tell what a program has loaded");
+        const auto mapped = [&file] {
+            QFile maps(file);
             return maps.open(QIODevice::ReadOnly) ? maps.readAll() : QByteArray();
         };
         // The test itself uses Qt Network, and that of Debian 13 links libproxy, which links

@@ -13,4 +13,6 @@ struct sockaddr { unsigned char sa_len; sa_family_t sa_family; char sa_data[14];
 int socket(int, int, int); int connect(int, const struct sockaddr *, socklen_t);
 int getsockopt(int, int, int, void *, socklen_t *); int setsockopt(int, int, int, const void *, socklen_t);
 ssize_t send(int, const void *, size_t, int); ssize_t recv(int, void *, size_t, int);
+struct linger { int l_onoff, l_linger; };
+#define SO_LINGER 0x80
 _MIN_END

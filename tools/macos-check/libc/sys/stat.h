@@ -9,5 +9,5 @@ struct stat { dev_t st_dev; mode_t st_mode; unsigned short st_nlink; ino_t st_in
 #define S_IWUSR 0000200
 #define S_ISREG(m) (((m) & S_IFMT) == 0100000)
 #define S_ISDIR(m) (((m) & S_IFMT) == 0040000)
-int stat(const char *, struct stat *); int fstat(int, struct stat *); int lstat(const char *, struct stat *); int fstatat(int, const char *, struct stat *, int); int chmod(const char *, mode_t); int mkdir(const char *, mode_t);
+int stat(const char *, struct stat *); int fstat(int, struct stat *); int lstat(const char *, struct stat *); int fstatat(int, const char *, struct stat *, int); int mkfifo(const char *, mode_t); mode_t umask(mode_t); int chmod(const char *, mode_t); int mkdir(const char *, mode_t);
 _MIN_END

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""pages.py ROOT   links between pages lead somewhere, and docs/settings.md tells of the settings that there are."""
+"""pages.py ROOT   links between pages lead somewhere, files that they name are there, and docs/settings.md tells of the settings
+that there are."""
 
 import pathlib
 import re
@@ -35,6 +36,19 @@ def broken_links():
             yield f"no page leads to docs/{page.name}"
 
 
+def missing_files():
+    """Files of ours by their paths; NAME in one stands for any."""
+    pages = [ROOT / "README.md", ROOT / "CONTRIBUTING.md", *sorted((ROOT / "docs").glob("*.md")), *sorted(ROOT.glob("[a-z]*/*/README.md"))]
+    files = 0
+    for page in pages:
+        for path in re.findall(r"`((?:benchmarks|cmake|examples|packaging|src|tests|tools)/[\w./-]*\w)`", page.read_text(encoding="utf-8")):
+            files += 1
+            if not (ROOT / path).exists() and "NAME" not in path:
+                yield f"{page.relative_to(ROOT)}: there is no {path}"
+    if files < 30:
+        yield f"only {files} files were found: the search is broken"
+
+
 def wrong_settings():
     source = (ROOT / "src/service/settings.h").read_text(encoding="utf-8")
     known = {key: default.strip('"') for key, default in
@@ -59,8 +73,8 @@ def wrong_settings():
 
 
 def main():
-    wrong = [*broken_links(), *wrong_settings()]
-    print("\n".join(wrong) or "all links lead somewhere, all settings are told of")
+    wrong = [*broken_links(), *missing_files(), *wrong_settings()]
+    print("\n".join(wrong) or "all links lead somewhere, all files are there, all settings are told of")
     return 1 if wrong else 0
 
 

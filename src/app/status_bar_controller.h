@@ -28,7 +28,7 @@ public:
     /// not open it again.
     static constexpr std::chrono::milliseconds reopenGuard{250};
 
-    /// So long after it was used, the content of the popover is let go.
+    /// The content of a popover that has not been used for this long is let go.
     static constexpr std::chrono::minutes contentKept{5};
 
     /// What the controller uses. References outlive it.

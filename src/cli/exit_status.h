@@ -8,7 +8,7 @@ namespace brimwatch::cli {
 enum class ExitStatus {
     Success = 0,
     Critical = 1, ///< The lowest bucket of the label is critical.
-    Offline = 2, ///< Nobody answered, or what was asked failed.
+    Offline = 2, ///< No program and no daemon answered, or the command failed.
     WrongUsage = 3,
 };
 

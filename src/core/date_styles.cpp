@@ -62,6 +62,7 @@ struct DateStyles::Formats {
         if (U_FAILURE(status) != 0)
             return;
         const auto date = generator->getBestPattern(u"yMMMd", status);
+        // By "j" hours are counted as the locale counts them, to 12 or to 24.
         const auto time = generator->getBestPattern(u"jm", status);
         const auto timeWithSeconds = generator->getBestPattern(u"jms", status);
         // The medium form has a comma where the long one says "at".

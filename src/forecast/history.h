@@ -38,7 +38,7 @@ QString historyFolder();
 /// and the page that was opened last, "usage.html".
 class History {
 public:
-    /// So long rows are kept in full, and one an hour after that.
+    /// Younger rows are all kept; of older ones one an hour for each bucket.
     static constexpr std::chrono::hours keptInFull{35 * 24};
     static constexpr qsizetype longestBucketId = 128;
 

@@ -85,7 +85,8 @@ struct LabelInput {
 /// Whether the desktop has a symbol of that name.
 using SymbolExists = std::function<bool(const QString &name)>;
 
-/// The label of the status item. On a desktop without the sparkle symbol the image is that of
+/// The label of the status item. Without items it is the sparkle alone, whatever the settings say.
+/// On a desktop without the sparkle symbol the image is that of
 /// `previous`; without a model's symbol the item shows its text.
 LabelComposition composeLabel(
     const LabelInput &input, const LabelComposition &previous, const SymbolExists &exists);

@@ -20,8 +20,8 @@ QString countdownText(const QDateTime &now, const QDateTime &reset);
 /// A countdown for a text that is not updated each second: "12m" for "12m 5s".
 QString withoutSeconds(const QString &countdown);
 
-/// The color of a tier in the label. Healthy is AdaptiveHealthyGreen, which adapts to light and
-/// dark.
+/// The color of a tier in the label: green, orange or red. The green is AdaptiveHealthyGreen, which
+/// differs on light and dark panels.
 ColorToken labelColor(QuotaTier tier);
 
 /// One quota window of a group of models, as the daemon gives it.

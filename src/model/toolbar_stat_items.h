@@ -50,7 +50,8 @@ std::optional<QuotaBucket> lowestSelectedBucket(
 enum class StarAtStart { No, Yes };
 enum class ConnectionPhase { Connecting, Settled };
 
-/// The label as one line of text.
+/// The title of the item, a line of text. It is not what the panel draws: without a summary it is
+/// "✦ ...", or "✦ Gemini" once that is settled.
 QString menuBarTitle(const std::optional<QuotaSummary> &summary,
     const QList<ToolbarStatItem> &items, StarAtStart star, ConnectionPhase phase);
 

@@ -12,7 +12,6 @@
 
 using namespace brimwatch;
 using namespace Qt::Literals::StringLiterals;
-using platform::PublishedState;
 
 namespace {
 

@@ -13,8 +13,8 @@ int startAround(int middle, int length, int total)
     return std::max(0, std::min(middle - length / 2, total - length));
 }
 
-/// Anchors what may be too high for the room between the panels to both edges: no compositor says
-/// how much room there is, but then it gives all of it.
+/// A popover that may be higher than the room between the panels is anchored to top and bottom. The
+/// compositor never tells how much room there is, but then it gives all of it.
 LayerPlace fitted(LayerPlace place, const QSize &screen)
 {
     constexpr int largestPanels = 128;

@@ -5,9 +5,9 @@
 
 namespace brimwatch::platform {
 
-/// The place of a popover of `size`: below `item` when the item is in the upper half of `screen`,
-/// else above it, centred on it, within `workArea`; beside a vertical panel, centred on the item's
-/// height. All in one coordinate system. It is no larger than `workArea`.
+/// The place of a popover of `size`, which is cut to that of `workArea` where it is larger: below
+/// `item` when the item is in the upper half of `screen`, else above it, centred on it, within
+/// `workArea`; beside a vertical panel, centred on the item's height. All in one coordinate system.
 QRect popoverPlace(
     const QRect &item, const QSize &size, const QRect &screen, const QRect &workArea);
 

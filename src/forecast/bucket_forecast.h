@@ -33,9 +33,8 @@ public:
     explicit BucketForecast(const WindowKind &kind);
 
     /// Takes the next reading. One that is older than the last, because the clock was set back, is
-    /// taken too. Silent while less than 3 % of the window has passed or
-    /// less than 2 % is used, and when the reset has passed or is further off than the window is
-    /// long.
+    /// taken too. Silent while less than 3 % of the window has passed or less than 2 % is used, and
+    /// when the reset has passed or is further off than the window is long.
     Outlook see(const Reading &reading);
 
     /// Whether this reading begins a window: it is the first, the reset has moved by more than it

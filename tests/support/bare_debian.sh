@@ -27,7 +27,7 @@ bare_debian()
     local codename=$1 log=$2/debootstrap.log targets mirror proxy
     targets=$(main_targets)
     mirror=$(mirror) || exit
-    [ "$codename" = "$(. /etc/os-release && echo "${VERSION_CODENAME:-}")" ] || targets="$mirror $codename main"
+    [ "$codename" = "$(own_release)" ] || targets="$mirror $codename main"
     # What this machine needs to reach it, a proxy above all, is what debootstrap and the bare one need too.
     proxy=$(apt-config dump --format '%v' Acquire::http::Proxy)
     local -x http_proxy=${proxy:-${http_proxy:-}}

@@ -122,6 +122,25 @@ click_its_edges()
     click $((x + width / 4)) $((y + height - 4))
 }
 
+# shoot_popover NAME: as it is, wherever it is.
+shoot_popover()
+{
+    # shellcheck disable=SC2046
+    shot "$1" "$(geometry_of $(popover_place))"
+}
+
+# looks_other_than NAME: more of the popover than the time since the last update.
+looks_other_than()
+{
+    local changed
+    shoot_popover keys
+    # A number of many digits has an exponent.
+    changed=$(compare -metric AE -fuzz 8% "$out/pictures/$1.png" "$out/pictures/keys.png" null: 2>&1)
+    [ "$(printf '%.0f' "$changed")" -ge 3000 ]
+}
+
+looks_as() { ! looks_other_than "$1"; }
+
 # Coming and going -------------------------------------------------------------------------------
 restarts_wanted=${BRIMWATCH_PANEL_RESTARTS:-5}
 # What the program may have grown by then, in KiB of what it alone has written to. The allocator keeps some of what was
@@ -210,6 +229,22 @@ if check "a left click opens the popover" wait_for 30 shown; then
     check "clicks within its edges leave it open" shown
     asked=$(requests)
     check "it has the keyboard: Ctrl+R refreshes" wait_for 30 refreshed
+    shoot_popover dashboard
+    key Down
+    key Down
+    check "the arrows scroll" wait_for 10 looks_other_than dashboard
+    key Up
+    key Up
+    check "back and forth" wait_for 10 looks_as dashboard
+    # Past "Refresh" to the gear.
+    key Tab
+    key Tab
+    key Return
+    check "Tab and Return open the settings" wait_for 10 looks_other_than dashboard
+    shoot_popover settings
+    key Escape
+    check "Escape goes back to the dashboard" wait_for 10 looks_other_than settings
+    check "and leaves the popover open" shown
     key Escape
     check "Escape closes it" wait_for 30 hidden
     past_the_guard

@@ -12,7 +12,7 @@ usage()
     cat <<'END'
 pictures.sh [NAME...]   takes the pictures of the documentation anew, from the real program
 
-  desktop   the label and the popover on the Xfce panel, light and dark
+  desktop   the label and the popover on the Xfce panel at scale 2, light and dark
   faces     the settings, and the popover while the daemon does not answer
   bars      waybar, i3blocks, polybar and tmux with the examples for them
   history   the page of the history of a simulated user, light, dark and narrow
@@ -62,25 +62,30 @@ build_programs() { [ -n "${BRIMWATCH_BUILD:-}" ] || build_preset release || exit
 # keep FILE.png NAME: as one of the documentation's, without what would differ from day to day but the picture.
 keep()
 {
-    convert "$1" -strip -define png:compression-level=9 -define png:exclude-chunks=date,time "$out/$2.png"
+    # No dithering: it speckles what is plain.
+    convert "$1" -strip +dither -colors 250 -define png:compression-level=9 -define png:exclude-chunks=date,time "PNG8:$out/$2.png"
     say "$out/$2.png"
 }
 
 desktop()
 {
     build_programs
-    BRIMWATCH_BUILD=$build "$root/tools/show.sh" --demo "$work/desktop" >"$work/log" 2>&1 || {
+    BRIMWATCH_BUILD=$build BRIMWATCH_SCALE=2 "$root/tools/show.sh" --demo "$work/desktop" >"$work/log" 2>&1 || {
         tail -n 20 "$work/log" >&2
         die "tools/show.sh took no pictures"
     }
     local name
+    # The end of the panel, and the popover under it.
+    for name in light dark; do
+        convert "$work/desktop/screen-$name.png" -crop 860x1080+1700+0 +repage "$work/desktop/popover-$name.png"
+    done
     for name in label-light label-dark popover-light popover-dark; do keep "$work/desktop/$name.png" "$name"; done
 }
 
 # in_a_session COMMAND...: on a display and a bus of their own.
 in_a_session()
 {
-    BRIMWATCH_PACKAGES_CHECKED=1 "$root/tools/desktops/panels/trayer.sh" run "$work/session" -- "$@" >>"$work/log" 2>&1 ||
+    SIZE=2560x1440 BRIMWATCH_SCALE=2 BRIMWATCH_PACKAGES_CHECKED=1 "$root/tools/desktops/panels/trayer.sh" run "$work/session" -- "$@" >>"$work/log" 2>&1 ||
         die "no picture: $(tail -n 3 "$work/log")"
 }
 
@@ -92,6 +97,7 @@ take_faces()
     # shellcheck source=desktops/lib/item.sh
     . "$root/tools/desktops/lib/item.sh"
     mkdir -p "$HOME/.gemini/antigravity/daemon"
+    export QT_SCALE_FACTOR=$BRIMWATCH_SCALE
     logs=$work
     trap end_processes EXIT
     trap 'exit 130' INT TERM

@@ -13,7 +13,7 @@ usage()
 show.sh [--demo] DIR   shows Brimwatch on a virtual display with the Xfce panel, and leaves pictures of the label and of the
                        open popover in DIR, light and dark; with --demo against the sample daemon
 
-The programs are those of $BRIMWATCH_BUILD (default build/release).
+The programs are those of $BRIMWATCH_BUILD (default build/release); $BRIMWATCH_SCALE is the scale of the desktop (default 1).
 END
 }
 
@@ -30,6 +30,8 @@ mkdir -p "$1"
 pictures=$(cd "$1" && pwd)
 build=${BRIMWATCH_BUILD:-$root/build/release}
 begin_work show
+export BRIMWATCH_SCALE=${BRIMWATCH_SCALE:-1}
+export SIZE=$((1280 * BRIMWATCH_SCALE))x$((720 * BRIMWATCH_SCALE))
 xfce4=$root/tools/desktops/panels/xfce4.sh session=$logs/session users_home=$HOME
 
 shot() { "$root/tools/desktops/lib/shot.sh" "$@" 2>>"$logs/pictures.log" || die "no picture, see $logs/pictures.log"; }
@@ -104,7 +106,8 @@ mkfifo "$logs/settings"
 exec 8<>"$logs/settings"
 # The shell gives what runs in the background no input but its own redirection.
 # shellcheck disable=SC2016
-spawn settings sh -c 'exec "$0" Net/ThemeName=Adwaita <"$1"' "$HELPERS/x-settings" "$logs/settings"
+spawn settings sh -c 'exec "$0" Net/ThemeName=Adwaita "$2" "$3" "$4" <"$1"' "$HELPERS/x-settings" "$logs/settings" \
+    "Gdk/WindowScalingFactor=#$BRIMWATCH_SCALE" "Gdk/UnscaledDPI=#$((96 * 1024))" "Xft/DPI=#$((96 * 1024 * BRIMWATCH_SCALE))"
 wait_for 30 grep -q '^ready' "$logs/settings.log" || die "no settings: $(cat "$logs/settings.log")"
 "$xfce4" panel "$session" || die "the panel did not start, see $session/log"
 

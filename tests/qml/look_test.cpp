@@ -252,6 +252,7 @@ public:
         add(track,
             {{"width", is(30)}, {"height", is(17)}, {"radius", is(8.5)}, {"outlineWidth", is(1)},
                 {"x", as(name, "width", -30)},
+                {"y", [name](const Look &look) { return (look.height(name) - 17) / 2; }},
                 {"color", color(on ? &views::Theme::accent : &views::Theme::track)}});
         add(track + u">#RoundedRectangle"_s,
             {{"width", is(13)}, {"height", is(13)}, {"radius", is(6.5)}, {"y", is(2)},
@@ -991,6 +992,7 @@ void LookTest::whatIsPointedAtOrFocusedIsMarked()
     QTest::mouseMove(&fixture.window(), second.toPoint());
     check(u"pickerOption[1]>#RoundedRectangle"_s, {{"color", color(&Theme::accentFill)}});
     check(u"pickerOption>#RoundedRectangle"_s, {{"color", is(QColor(Qt::transparent))}});
+    check(u"chosenMark"_s, {{"color", color(&Theme::label)}});
     QTest::keyClick(&fixture.window(), Qt::Key_Escape);
     QTRY_VERIFY(fixture.items(u"pickerOption"_s).isEmpty());
     reveal(u"threshold"_s);

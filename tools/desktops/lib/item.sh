@@ -4,9 +4,12 @@
 #
 # A place is `X Y WIDTH HEIGHT` in pixels of the screen. Nothing here knows where a panel puts items.
 
-# How large the popover is. Where windows may be seen through, its own has a shadow around it.
-POPOVER_WIDTH=380 POPOVER_HEIGHT=490
-SHADOW_LEFT=14 SHADOW_TOP=10 SHADOW_WIDTH=28 SHADOW_HEIGHT=28
+# How large the popover is on a desktop of scale $BRIMWATCH_SCALE. Where windows may be seen through, its own has a shadow
+# around it.
+BRIMWATCH_SCALE=${BRIMWATCH_SCALE:-1}
+POPOVER_WIDTH=$((380 * BRIMWATCH_SCALE)) POPOVER_HEIGHT=$((490 * BRIMWATCH_SCALE))
+SHADOW_LEFT=$((14 * BRIMWATCH_SCALE)) SHADOW_TOP=$((10 * BRIMWATCH_SCALE))
+SHADOW_WIDTH=$((28 * BRIMWATCH_SCALE)) SHADOW_HEIGHT=$((28 * BRIMWATCH_SCALE))
 
 # windows_of PID KIND: the places of its windows that can be seen and are of that kind.
 windows_of()

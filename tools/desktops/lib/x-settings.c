@@ -1,5 +1,6 @@
 /* x-settings [NAME=VALUE...]   is the settings manager of the display (XSETTINGS): publishes text
- *                              settings such as Net/ThemeName=Adwaita-dark for as long as it runs.
+ *                              settings such as Net/ThemeName=Adwaita-dark, and numbers such as
+ *                              Gdk/WindowScalingFactor=#2, for as long as it runs.
  *
  * A line NAME=VALUE on standard input changes or adds one; `ready` is printed when the first
  * settings stand, `changed` after each change. Ends with the display, with the end of its input, or
@@ -73,7 +74,7 @@ static void publish(void)
 {
     static unsigned char data[MaxSettings * (2 * MaxText + 16) + 12];
     const uint16_t one = 1;
-    const unsigned char order = *(const unsigned char *)&one == 1 ? 0 : 1, text_type = 1;
+    const unsigned char order = *(const unsigned char *)&one == 1 ? 0 : 1;
     const uint32_t n = (uint32_t)count;
     unsigned char *at = put(data, &order, 1, 4);
     at = put(at, &serial, 4, 4);
@@ -81,10 +82,16 @@ static void publish(void)
     for (size_t i = 0; i < count; i++) {
         const uint16_t name_length = (uint16_t)strlen(settings[i].name);
         const uint32_t value_length = (uint32_t)strlen(settings[i].value);
-        at = put(at, &text_type, 1, 2);
+        const unsigned char is_text = settings[i].value[0] != '#';
+        const int32_t number = is_text ? 0 : (int32_t)strtol(settings[i].value + 1, NULL, 10);
+        at = put(at, &is_text, 1, 2);
         at = put(at, &name_length, 2, 2);
         at = put(at, settings[i].name, name_length, up(name_length));
         at = put(at, &settings[i].serial, 4, 4);
+        if (!is_text) {
+            at = put(at, &number, 4, 4);
+            continue;
+        }
         at = put(at, &value_length, 4, 4);
         at = put(at, settings[i].value, value_length, up(value_length));
     }

@@ -1077,6 +1077,7 @@ void LookTest::coloursHaveTheOpacityOfTheDesign()
             expected.alpha *= opacity;
             QVERIFY2((theme.*color)() == platform::toColor(expected), name);
         }
+        QCOMPARE(theme.onAccent(), QColor(Qt::white));
         theme.setFloating(true);
         QCOMPARE(theme.cornerRadius(), 10);
         QCOMPARE(theme.shadowStrength(), dark ? 0.6 : 0.3);

@@ -71,6 +71,7 @@ class QuotaPopoverTest : public QObject {
 private Q_SLOTS:
     void theWindowIs380By490();
     void largerTextMakesTheWholePopoverLarger();
+    void smallerTextCutsNothingOff();
     void aTranslucentPopoverHasRoundCornersAndAShadow();
     void onADarkBackgroundTheShadowIsDarker();
     void aPressOnTheShadowCloses();
@@ -146,6 +147,16 @@ void QuotaPopoverTest::largerTextMakesTheWholePopoverLarger()
     fixture.appearance.scale = 1;
     Q_EMIT fixture.appearance.changed();
     QTRY_COMPARE(fixture.window().size(), QSize(380, 490));
+}
+
+void QuotaPopoverTest::smallerTextCutsNothingOff()
+{
+    PopoverFixture fixture;
+    fixture.appearance.scale = 0.75;
+    fixture.show();
+    QCOMPARE(fixture.window().size(), QSize(380, 490));
+    QCOMPARE(fixture.item(u"body"_s)->width(), 380.0);
+    QCOMPARE(fixture.item(u"body"_s)->mapRectToScene(QRectF(0, 0, 380, 1)).width(), 380.0);
 }
 
 void QuotaPopoverTest::aTranslucentPopoverHasRoundCornersAndAShadow()

@@ -3,6 +3,7 @@
 #include "qml/samples.h"
 #include "views/models/theme.h"
 
+#include <QLocale>
 #include <QQuickItem>
 #include <QTest>
 
@@ -35,6 +36,7 @@ private Q_SLOTS:
     void aBucketWithoutWindowShowsOnlyItsName();
     void aBucketWithoutResetTimeIsActiveAndHasNoTimestamp();
     void aResetTodayShowsItsTime();
+    void aResetOnAnotherDayShowsItsDateToo();
     void whatIsCutOffIsInATooltip_data();
     void whatIsCutOffIsInATooltip();
     void aNameThatFitsHasNoTooltip();
@@ -185,6 +187,18 @@ void CardsAndRowsTest::aResetTodayShowsItsTime()
     fixture.show();
     fixture.answer(oneGroup({test::sampleBucket(u"a"_s, u"A"_s, u"5h"_s, 0.5, 3600)}));
     QTRY_COMPARE(fixture.text(u"timestamp"_s), u"1:00 PM"_s);
+}
+
+void CardsAndRowsTest::aResetOnAnotherDayShowsItsDateToo()
+{
+    PopoverFixture fixture;
+    fixture.show();
+    constexpr int day = 24 * 3600;
+    fixture.answer(oneGroup({test::sampleBucket(u"a"_s, u"A"_s, u"weekly"_s, 0.5, 2 * day)}));
+    const QString date
+        = QLocale(u"en_US"_s).toString(test::sampleNow().addDays(2).date(), u"MMM d, yyyy"_s);
+    QTRY_COMPARE(fixture.text(u"timestamp"_s), date + u" at 12:00 PM"_s);
+    QVERIFY(!fixture.item(u"timestamp"_s)->property("truncated").toBool());
 }
 
 void CardsAndRowsTest::whatIsCutOffIsInATooltip_data()

@@ -199,8 +199,8 @@ check "the start opens no window" no_window_is_open
 check "it shows a healthy quota in green" wait_for 30 label_has green
 check "it shows a low quota in orange" wait_for 30 label_has orange
 [ "$form" != wide ] || check "the label is drawn in its whole width" label_is_wide
-# Where the panel draws a wide label itself, a clipped one cannot be told from a whole one.
-if [ "$form" = badge ] || item_is_a_window; then
+# Where the panel draws a wide label itself, or a copy of our window, a clipped one cannot be told from a whole one.
+if item_is_a_window || { [ "$form" = badge ] && [ "$protocol" = sni ]; }; then
     check "nothing of the label is cut off" wait_for 30 nothing_is_clipped
 fi
 [ "$protocol" != sni ] || check "the item has its own name on the bus" registered_under_its_own_name

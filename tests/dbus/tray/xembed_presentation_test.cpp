@@ -130,6 +130,7 @@ private Q_SLOTS:
     void theMiddleButtonAndTheWheelDoNothing();
     void lettingGoOutsideIsNoClick();
     void lettingGoHereOfAPressElsewhereIsNoClick();
+    void clicksThatTheWindowManagerSendsCount_data();
     void clicksThatTheWindowManagerSendsCount();
     void theEndOfThePanelIsReportedOnce();
     void itemsLeftOnTheScreenByAnEndingPanelAreTakenAway();
@@ -678,10 +679,20 @@ void XembedPresentationTest::lettingGoHereOfAPressElsewhereIsNoClick()
     QTRY_COMPARE(m_clicked->count(), 1);
 }
 
+void XembedPresentationTest::clicksThatTheWindowManagerSendsCount_data()
+{
+    QTest::addColumn<bool>("squares");
+    QTest::addColumn<QPoint>("local");
+    QTest::newRow("within a whole label") << false << QPoint(5, 6);
+    QTest::newRow("in the hidden middle of a cut one") << true << QPoint(50, 6);
+}
+
 void XembedPresentationTest::clicksThatTheWindowManagerSendsCount()
 {
-    dock();
-    QTRY_VERIFY(isDrawn());
+    QFETCH(const bool, squares);
+    QFETCH(const QPoint, local);
+    dock({.symbols = {}, .squares = squares, .program = {}});
+    QTRY_VERIFY(!inkOf(m_manager->picture()).isEmpty());
     XConnection sender;
     for (const std::uint8_t type :
         {std::uint8_t{XCB_BUTTON_PRESS}, std::uint8_t{XCB_BUTTON_RELEASE}}) {
@@ -690,8 +701,8 @@ void XembedPresentationTest::clicksThatTheWindowManagerSendsCount()
         event.detail = left;
         event.event = m_manager->docked().last();
         event.root = sender.screen()->root;
-        event.event_x = 5;
-        event.event_y = 6;
+        event.event_x = static_cast<std::int16_t>(local.x());
+        event.event_y = static_cast<std::int16_t>(local.y());
         event.root_x = 305;
         event.root_y = 16;
         xcb_send_event(sender.connection(), 0, event.event, XCB_EVENT_MASK_BUTTON_PRESS,

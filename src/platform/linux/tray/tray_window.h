@@ -47,6 +47,8 @@ public:
     /// What the panel gives, in native pixels; before it has, what was asked for. Where the panel
     /// puts the window into a smaller one, as GNOME Shell 48 does, that is the part that is seen.
     QSize slot() const { return m_slot; }
+    /// The window's own size, of which slot() is a part or the whole.
+    QSize size() const { return m_size; }
     /// Absent while it is in no tray.
     std::optional<QRect> place() const;
 

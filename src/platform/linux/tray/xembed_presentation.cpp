@@ -98,7 +98,9 @@ void XembedPresentation::buttonReleased(std::uint8_t button, QPoint local, QPoin
     if (m_pressed != button)
         return;
     m_pressed.reset();
-    if (QRect(QPoint(0, 0), m_window.slot()).contains(local))
+    // Not the slot: GNOME Shell 48 sends clicks with the middle of the window as their place, also
+    // where it shows less than half of it.
+    if (QRect(QPoint(0, 0), m_window.size()).contains(local))
         Q_EMIT clicked({.bounds = place(), .pointer = global});
 }
 

@@ -40,7 +40,9 @@ void appendItem(QList<LabelRun> &title, const ToolbarStatItem &item, const Label
     const auto color = input.colored ? item.nsColor : ColorToken::Label;
     const QString symbol = sfSymbolName(item.model);
     if (drawsModelsAsSymbols(input) && exists(symbol)) {
-        title.append(SymbolRun{{.name = symbol, .pointSize = 10, .weight = FontWeight::Semibold}});
+        title.append(
+            SymbolRun{.symbol = {.name = symbol, .pointSize = 10, .weight = FontWeight::Semibold},
+                .text = iconSymbol(item.model)});
         title.append(TextRun{.text = u' ' + item.formattedValue, .color = color});
     } else {
         title.append(TextRun{.text = item.text, .color = color});
@@ -58,6 +60,14 @@ QString LabelComposition::plainTitle() const
         else
             text += QChar(QChar::ObjectReplacementCharacter);
     }
+    return text;
+}
+
+QString LabelComposition::titleInTexts() const
+{
+    QString text;
+    for (const auto &run : title)
+        text += std::visit([](const auto &part) { return part.text; }, run);
     return text;
 }
 

@@ -49,6 +49,7 @@ struct TextRun {
 /// the panel's texts.
 struct SymbolRun {
     LabelSymbol symbol;
+    QString text = {}; ///< What stands for it where there are only texts: "✦".
 
     bool operator==(const SymbolRun &) const = default;
 };
@@ -68,6 +69,8 @@ struct LabelComposition {
 
     /// The title's texts, a symbol as the object replacement character U+FFFC.
     QString plainTitle() const;
+    /// The title's texts, and of its symbols those that stand for them.
+    QString titleInTexts() const;
 
     bool operator==(const LabelComposition &) const = default;
 };

@@ -33,6 +33,9 @@ public:
     virtual double textScale() const = 0;
     /// Whether the user wants no animations.
     virtual bool reducesMotion() const = 0;
+    /// Whether what is drawn in colours other than those of color() needs more contrast. Not on
+    /// macOS, where the system draws the label.
+    virtual bool raisesContrast() const { return false; }
 
 Q_SIGNALS:
     /// Something of the above is different now.

@@ -24,10 +24,16 @@ public:
     QString fontFamily() const override { return family; }
     double textScale() const override { return scale; }
     bool reducesMotion() const override { return still; }
+    bool raisesContrast() const override { return contrast == platform::Contrast::Higher; }
 
     void setDark(bool dark)
     {
         background = dark ? platform::Background::Dark : platform::Background::Light;
+        Q_EMIT changed();
+    }
+    void setContrast(platform::Contrast wanted)
+    {
+        contrast = wanted;
         Q_EMIT changed();
     }
 

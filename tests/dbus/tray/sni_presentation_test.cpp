@@ -136,7 +136,8 @@ private Q_SLOTS:
     void eachPropertyCanBeReadAlone();
     void picturesAreSquareAndInNetworkByteOrder();
     void picturesShowTheSymbolOfTheLabel();
-    void theLabelIsTextWithoutSymbols();
+    void picturesFollowTheContrastThatTheUserWants();
+    void theLabelsTextStandsForItsSymbols();
     void beforeAnythingIsPresentedItCanBeShown();
     void textsHoldNothingThatHostsTakeForMarkup_data();
     void textsHoldNothingThatHostsTakeForMarkup();
@@ -181,6 +182,7 @@ private:
 
 void SniPresentationTest::cleanup()
 {
+    m_appearance.contrast = Contrast::Usual;
     m_host.reset();
     m_item.reset();
     m_watcher.reset();
@@ -465,13 +467,29 @@ void SniPresentationTest::picturesShowTheSymbolOfTheLabel()
     }
 }
 
-void SniPresentationTest::theLabelIsTextWithoutSymbols()
+void SniPresentationTest::picturesFollowTheContrastThatTheUserWants()
+{
+    start(someItem(), SniForm::Wide);
+    const auto picture = [this] {
+        return qdbus_cast<SniPixmaps>(m_host->readAll().value(u"IconPixmap"_s)).last().bytes;
+    };
+    const QByteArray usual = picture();
+    m_appearance.setContrast(Contrast::Higher);
+    QTRY_COMPARE(m_host->heard(), QStringList{u"NewIcon"_s});
+    QVERIFY(picture() != usual);
+    m_appearance.setContrast(Contrast::Usual);
+    QTRY_COMPARE(m_host->heard().size(), 2);
+    QCOMPARE(picture(), usual);
+}
+
+void SniPresentationTest::theLabelsTextStandsForItsSymbols()
 {
     PresentedItem item = someItem();
-    item.label.title.prepend(model::SymbolRun{.symbol = {.name = u"brain"_s, .pointSize = 11}});
+    item.label.title.prepend(
+        model::SymbolRun{.symbol = {.name = u"brain"_s, .pointSize = 11}, .text = u"🧠 "_s});
     start(item);
-    QCOMPARE(text(u"XAyatanaLabel"_s), u"5h: 80% · W: 7%"_s);
-    QCOMPARE(text(u"XAyatanaLabelGuide"_s), u"5h: 100% · W: 100%"_s);
+    QCOMPARE(text(u"XAyatanaLabel"_s), u"🧠 5h: 80% · W: 7%"_s);
+    QCOMPARE(text(u"XAyatanaLabelGuide"_s), u"🧠 5h: 100% · W: 100%"_s);
 }
 
 void SniPresentationTest::beforeAnythingIsPresentedItCanBeShown()

@@ -102,6 +102,7 @@ private Q_SLOTS:
     void coloursFromBeforeThePanelHasReadItsThemeDoNotCount();
     void aPanelOfTheThemesKindFollowsTheTheme();
     void aPanelOfAnotherKindThanTheThemeStaysAsItIs();
+    void faintTextsAreAsStrongAsTheUserWants();
     void aHigherSlotIsDrawnAnewInItsMiddle();
     void aSlotLargerThanARequestIsDrawnWhole();
     void aLabelThatGrowsGetsAWiderSlot();
@@ -183,6 +184,7 @@ void XembedPresentationTest::init()
 
 void XembedPresentationTest::cleanup()
 {
+    m_appearance.contrast = Contrast::Usual;
     m_appearance.setDark(true);
     m_registered.reset();
     m_clicked.reset();
@@ -302,6 +304,23 @@ void XembedPresentationTest::aPanelOfAnotherKindThanTheThemeStaysAsItIs()
     m_appearance.setDark(false);
     settle();
     QVERIFY(isDrawn(Background::Dark));
+}
+
+void XembedPresentationTest::faintTextsAreAsStrongAsTheUserWants()
+{
+    PresentedItem item = sampleItem();
+    item.label.image.reset();
+    item.label.title = {model::TextRun{.text = u"HHEE##||"_s, .color = ColorToken::SecondaryLabel}};
+    dock();
+    m_item->present(item);
+    const auto drawnAs = [this](ColorToken token) {
+        return countPixels(m_manager->picture(), token, Background::Dark);
+    };
+    QTRY_VERIFY(drawnAs(ColorToken::SecondaryLabel) > 0);
+    QCOMPARE(drawnAs(ColorToken::Label), 0);
+    m_appearance.setContrast(Contrast::Higher);
+    QTRY_VERIFY(drawnAs(ColorToken::Label) > 0);
+    QCOMPARE(drawnAs(ColorToken::SecondaryLabel), 0);
 }
 
 void XembedPresentationTest::aHigherSlotIsDrawnAnewInItsMiddle()

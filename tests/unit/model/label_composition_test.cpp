@@ -54,9 +54,10 @@ LabelRun text(const QString &text, ColorToken color)
     return TextRun{.text = text, .color = color};
 }
 
-LabelRun symbol(const QString &name)
+LabelRun symbol(const QString &name, const QString &text)
 {
-    return SymbolRun{{.name = name, .pointSize = 10, .weight = FontWeight::Semibold}};
+    return SymbolRun{
+        .symbol = {.name = name, .pointSize = 10, .weight = FontWeight::Semibold}, .text = text};
 }
 
 BadgeComposition greenOverOrange()
@@ -98,6 +99,7 @@ private Q_SLOTS:
     void aDesktopWithoutAModelsSymbolShowsTheItemsText();
 
     void thePlainTitleIsTheTexts();
+    void theTitleInTextsNamesTheModels();
     void equalInputsGiveEqualLabels();
 
     void theViewShowsTheSameItems();
@@ -126,9 +128,9 @@ void LabelCompositionTest::theWorkedExampleWithSymbols()
     const LabelComposition expected{
         .image = sparkle(),
         .imagePosition = ImagePosition::Leading,
-        .title
-        = {gap(), symbol(u"sparkles"_s), text(u" 5h: 80%"_s, ColorToken::AdaptiveHealthyGreen),
-            dot(), symbol(u"sparkles"_s), text(u" W: 55%"_s, ColorToken::SystemOrange)},
+        .title = {gap(), symbol(u"sparkles"_s, u"✦"_s),
+            text(u" 5h: 80%"_s, ColorToken::AdaptiveHealthyGreen), dot(),
+            symbol(u"sparkles"_s, u"✦"_s), text(u" W: 55%"_s, ColorToken::SystemOrange)},
         .badge = greenOverOrange(),
     };
     QVERIFY(composed(twoItems(u"icon"_s)) == expected);
@@ -211,9 +213,9 @@ void LabelCompositionTest::everyModelHasItsSymbol()
     input.items[1].model = ToolbarModel::argon;
     input.items[2].model = ToolbarModel::claude;
     const auto label = composed(input);
-    QVERIFY(label.title.at(1) == symbol(u"sparkles"_s));
-    QVERIFY(label.title.at(4) == symbol(u"cpu"_s));
-    QVERIFY(label.title.at(7) == symbol(u"brain"_s));
+    QVERIFY(label.title.at(1) == symbol(u"sparkles"_s, u"✦"_s));
+    QVERIFY(label.title.at(4) == symbol(u"cpu"_s, u"⚡"_s));
+    QVERIFY(label.title.at(7) == symbol(u"brain"_s, u"🧠"_s));
 }
 
 void LabelCompositionTest::aDesktopWithoutTheSparkleKeepsTheImageThereWas()
@@ -245,7 +247,7 @@ void LabelCompositionTest::aDesktopWithoutAModelsSymbolShowsTheItemsText()
     input.items[1].model = ToolbarModel::argon;
     const auto label
         = composeLabel(input, {}, [](const QString &name) { return name != u"cpu"_s; });
-    const QList<LabelRun> expected{gap(), symbol(u"sparkles"_s),
+    const QList<LabelRun> expected{gap(), symbol(u"sparkles"_s, u"✦"_s),
         text(u" 5h: 80%"_s, ColorToken::AdaptiveHealthyGreen), dot(),
         text(u"✦ W: 55%"_s, ColorToken::SystemOrange)};
     QVERIFY(label.title == expected);
@@ -257,6 +259,13 @@ void LabelCompositionTest::thePlainTitleIsTheTexts()
     QCOMPARE(composed(twoItems()).plainTitle(), u" G 5h: 80% · G W: 55%"_s);
     QCOMPARE(composed(twoItems(u"icon"_s)).plainTitle(), u" \uFFFC 5h: 80% · \uFFFC W: 55%"_s);
     QCOMPARE(LabelComposition{}.plainTitle(), QString());
+}
+
+void LabelCompositionTest::theTitleInTextsNamesTheModels()
+{
+    QCOMPARE(composed(twoItems()).titleInTexts(), u" G 5h: 80% · G W: 55%"_s);
+    QCOMPARE(composed(twoItems(u"icon"_s)).titleInTexts(), u" ✦ 5h: 80% · ✦ W: 55%"_s);
+    QCOMPARE(LabelComposition{}.titleInTexts(), QString());
 }
 
 void LabelCompositionTest::equalInputsGiveEqualLabels()

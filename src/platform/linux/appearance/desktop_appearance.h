@@ -38,6 +38,7 @@ public:
     QString fontFamily() const override { return m_look.fontFamily; }
     double textScale() const override { return m_look.textScale; }
     bool reducesMotion() const override { return m_look.reducesMotion; }
+    bool raisesContrast() const override { return m_look.higherContrast; }
 
 private:
     struct Look {

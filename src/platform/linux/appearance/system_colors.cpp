@@ -53,6 +53,11 @@ constexpr Pair pairOf(model::ColorToken token)
 
 } // namespace
 
+Contrast contrastOf(const Appearance &appearance)
+{
+    return appearance.raisesContrast() ? Contrast::Higher : Contrast::Usual;
+}
+
 Rgba systemColor(model::ColorToken token, Background background, Contrast contrast)
 {
     const bool isFaint

@@ -10,6 +10,9 @@ enum class Background { Light, Dark };
 
 enum class Contrast { Usual, Higher };
 
+/// What the user wants.
+Contrast contrastOf(const Appearance &appearance);
+
 /// The system colours, a fixed pair each. Text colours keep the contrast that people with weak
 /// sight need (4.5 : 1 for primary texts on window backgrounds); the adaptive green is the design's
 /// own pair. With higher contrast secondary texts and lines are as strong as primary texts.

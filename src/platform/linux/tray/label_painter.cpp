@@ -97,14 +97,14 @@ private:
         const QFontMetricsF metrics(font);
         const double width = metrics.horizontalAdvance(number.text);
         const double squeezed = std::min(1.0, box.width() / width);
-        QColor ink = toColor(systemColor(number.color, m_look.background));
+        QColor ink = color(number.color);
         if (number.isCritical) {
             // Light on dark turned round, so that it shows without colours.
             painter->setPen(Qt::NoPen);
             painter->setBrush(ink);
             const double radius = box.height() / 5;
             painter->drawRoundedRect(box.adjusted(0, -0.5, 0, 0.5), radius, radius);
-            ink = toColor(systemColor(model::ColorToken::WindowBackground, m_look.background));
+            ink = color(model::ColorToken::WindowBackground);
         }
         painter->save();
         painter->setFont(font);
@@ -126,6 +126,11 @@ private:
         font.setPixelSize(size);
         const double height = QFontMetricsF(font).capHeight() / size;
         return height > 0 ? height : usual;
+    }
+
+    QColor color(model::ColorToken token) const
+    {
+        return toColor(systemColor(token, m_look.background, m_look.contrast));
     }
 
     QFont font() const
@@ -157,8 +162,7 @@ private:
     void add(const model::TextRun &run)
     {
         if (m_painter != nullptr)
-            m_painter->setPen(toColor(
-                systemColor(run.color.value_or(model::ColorToken::Label), m_look.background)));
+            m_painter->setPen(color(run.color.value_or(model::ColorToken::Label)));
         qsizetype at = 0;
         while (at < run.text.size()) {
             if (isDigit(run.text[at])) {
@@ -195,7 +199,7 @@ private:
             const QImage image = m_symbols.image({.name = name,
                 .pointSize = pointSize,
                 .weight = weight,
-                .color = toColor(systemColor(model::ColorToken::Label, m_look.background)),
+                .color = color(model::ColorToken::Label),
                 .devicePixelRatio = m_look.devicePixelRatio});
             // On whole pixels, or it blurs.
             const double ratio = m_look.devicePixelRatio;

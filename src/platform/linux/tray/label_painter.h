@@ -14,6 +14,7 @@ class SymbolSource;
 /// What a label is drawn for.
 struct LabelLook {
     Background background = Background::Dark;
+    Contrast contrast = Contrast::Usual;
     QString fontFamily = {}; ///< Empty: Qt's default.
     double devicePixelRatio = 1;
     /// Device-independent pixels for a point of the design: above 1 where nothing else scales, as

@@ -115,6 +115,7 @@ SniPresentation::SniPresentation(SniForm form, const QDBusConnection &bus,
     , m_painter(painter)
     , m_appearance(appearance)
     , m_shownFont(appearance.fontFamily())
+    , m_shownContrast(contrastOf(appearance))
     , m_item(bus, hasMenu(form) ? SniItem::Menu::Yes : SniItem::Menu::No, textsOf(m_wanted),
           [this] { return draw(); })
     , m_watcher(watcherService, bus, QDBusServiceWatcher::WatchForOwnerChange)
@@ -133,7 +134,7 @@ SniPresentation::SniPresentation(SniForm form, const QDBusConnection &bus,
     m_bus.connect({}, u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,
         u"Disconnected"_s, this, SLOT(lose()));
 
-    connect(&m_appearance, &Appearance::changed, this, &SniPresentation::followFont);
+    connect(&m_appearance, &Appearance::changed, this, &SniPresentation::followAppearance);
     connect(&m_item, &SniItem::activated, this,
         [this](QPoint place) { Q_EMIT clicked({.bounds = {}, .pointer = globalPoint(place)}); });
 
@@ -166,9 +167,11 @@ void SniPresentation::present(const PresentedItem &item)
     announceSoon();
 }
 
-void SniPresentation::followFont()
+void SniPresentation::followAppearance()
 {
-    if (!m_lost && m_appearance.fontFamily() != m_shownFont)
+    const bool isAsShown
+        = m_appearance.fontFamily() == m_shownFont && contrastOf(m_appearance) == m_shownContrast;
+    if (!m_lost && !isAsShown)
         announceSoon();
 }
 
@@ -181,9 +184,12 @@ void SniPresentation::announceSoon()
 void SniPresentation::announce()
 {
     const QString font = m_appearance.fontFamily();
-    const bool pictureChanged = m_shownLabel != m_wanted.label || m_shownFont != font;
+    const Contrast contrast = contrastOf(m_appearance);
+    const bool pictureChanged
+        = m_shownLabel != m_wanted.label || m_shownFont != font || m_shownContrast != contrast;
     m_shownLabel = m_wanted.label;
     m_shownFont = font;
+    m_shownContrast = contrast;
     if (m_item.update(textsOf(m_wanted), pictureChanged))
         m_pause.start();
 }
@@ -198,7 +204,7 @@ SniItem::Texts SniPresentation::textsOf(const PresentedItem &item)
     if (texts.title.isEmpty())
         texts.title = u"Brimwatch"_s;
     texts.toolTip = description.lines.isEmpty() ? texts.title : safeLines(description.lines);
-    texts.label = safeLine(item.label.plainTitle());
+    texts.label = safeLine(item.label.titleInTexts());
     texts.labelGuide = texts.label;
     texts.labelGuide.replace(percentage, u"100%"_s);
     return texts;
@@ -220,7 +226,8 @@ SniPixmaps SniPresentation::draw()
 QImage SniPresentation::drawWide(int height)
 {
     // Laid out once, at the usual height: all pictures have the same proportions.
-    LabelLook look{.fontFamily = m_shownFont, .height = wideHeights.front()};
+    LabelLook look{
+        .contrast = m_shownContrast, .fontFamily = m_shownFont, .height = wideHeights.front()};
     const int width = m_steadyWidth.of(m_shownLabel, m_painter, look);
     look.devicePixelRatio = static_cast<double>(height) / look.height;
     QImage picture(
@@ -241,7 +248,8 @@ QImage SniPresentation::drawSquare(int side) const
     const int margin = m_shownLabel.badge.numbers.isEmpty() ? std::max(1, side / 10) : side / 16;
     // A look's default background is dark.
     painter.drawImage(margin, margin,
-        m_painter.squareImage(m_shownLabel, {.fontFamily = m_shownFont}, side - 2 * margin));
+        m_painter.squareImage(m_shownLabel,
+            {.contrast = m_shownContrast, .fontFamily = m_shownFont}, side - 2 * margin));
     return square;
 }
 

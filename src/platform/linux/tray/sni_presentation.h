@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/appearance/system_colors.h"
 #include "platform/linux/tray/presentation.h"
 #include "platform/linux/tray/sni_item.h"
 #include "platform/linux/tray/steady_width.h"
@@ -26,8 +27,9 @@ enum class SniForm {
 /// and, for hosts that know it, beside the icon (Ayatana's XAyatanaLabel).
 ///
 /// Pictures have a dark rounded background of their own, as the protocol does not say what the
-/// panel's is, and the desktop's interface font. IconName stays empty: hosts prefer it to the
-/// pictures, and it would hide what they show. Texts are safe for hosts that take them for markup.
+/// panel's is, the desktop's interface font, and more contrast where the user wants it. IconName
+/// stays empty: hosts prefer it to the pictures, and it would hide what they show. Texts are safe
+/// for hosts that take them for markup.
 ///
 /// Changes are signalled at most once a second; between, the properties stay as signalled, and the
 /// last state always arrives.
@@ -60,7 +62,7 @@ private:
     SniPixmaps draw();
     QImage drawWide(int height);
     QImage drawSquare(int side) const;
-    void followFont();
+    void followAppearance();
     void announceSoon();
     void announce();
     void addMenu();
@@ -76,6 +78,7 @@ private:
     PresentedItem m_wanted;
     model::LabelComposition m_shownLabel;
     QString m_shownFont; ///< Its family.
+    Contrast m_shownContrast;
     SniItem m_item;
     QDBusServiceWatcher m_watcher;
     QString m_name;

@@ -125,6 +125,7 @@ LabelLook XembedPresentation::look() const
     const QSize slot = m_window.slot();
     const int height = m_window.isDocked() && !slot.isEmpty() ? slot.height() : usualHeight();
     return {.background = m_background.value(),
+        .contrast = contrastOf(m_appearance),
         .fontFamily = m_appearance.fontFamily(),
         .devicePixelRatio = 1,
         .scale = m_scale.value(),

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <utility>
 
 namespace brimwatch::service {
@@ -120,6 +121,9 @@ void QuotaService::apply(const FetchResult &result)
 {
     m_refreshEnded = true;
     announceLater();
+    // After a suspend the refresh may end before the first tick, and the clock has jumped.
+    if (m_timeWatches > 0 && std::abs(m_currentTime.secsTo(m_clock.now())) > 1)
+        setCurrentTime();
     // The order of the assignments is part of the promise: observers read between them.
     if (result) {
         changeState(&QuotaService::m_quotaSummary, std::optional(result->summary),

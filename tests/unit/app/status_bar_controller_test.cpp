@@ -2,7 +2,6 @@
 #include "app/remote_access.h"
 #include "app/status_bar_controller.h"
 #include "core/date_styles.h"
-#include "platform/application_presence.h"
 #include "service/diagnostics.h"
 #include "support/fake_popover.h"
 #include "support/fake_remote_control.h"
@@ -418,6 +417,31 @@ private Q_SLOTS:
         QCOMPARE(m_item->descriptions.last().lines.first(),
             u"Gemini Models, Five hours: 80.0%, resets in 11m"_s);
         QCOMPARE(m_item->labels.size(), labels);
+    }
+
+    void afterAJumpOfTheClockTheDescriptionCountsFromTheNewTime_data()
+    {
+        QTest::addColumn<bool>("isWatched");
+        QTest::newRow("nobody looks") << false;
+        QTest::newRow("the popover is open") << true;
+    }
+    void afterAJumpOfTheClockTheDescriptionCountsFromTheNewTime()
+    {
+        QFETCH(const bool, isWatched);
+        std::optional<service::QuotaService::TimeWatch> watch;
+        if (isWatched)
+            watch.emplace(m_fixture->service);
+        auto summary = summaryWith(0.8, 0.55);
+        summary.groups[0].buckets[1].resetTime = inSeconds(10h + 30s);
+        m_fixture->answer(summary);
+        QTRY_COMPARE(m_item->descriptions.last().lines.first(),
+            u"Gemini Models, Five hours: 80.0%, resets in 10h 0m"_s);
+        // A night's sleep, after which the timers go on and the resume refreshes.
+        m_fixture->clock.setNow(m_fixture->clock.now().addSecs(std::chrono::seconds(8h).count()));
+        m_fixture->service.refresh();
+        m_fixture->answer(summary);
+        QTRY_COMPARE(m_item->descriptions.last().lines.first(),
+            u"Gemini Models, Five hours: 80.0%, resets in 2h 0m"_s);
     }
 
     void aResetThatHasPassedIsNotCountedTo()

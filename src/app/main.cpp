@@ -1,6 +1,7 @@
 #include "app/app_delegate.h"
 #include "app/command_line.h"
 #include "app/views_library.h"
+#include "core/plain_text.h"
 #include "platform/linux/bus/bus_return.h"
 #include "platform/linux/bus/bus_service.h"
 #include "platform/linux/bus/single_instance.h"
@@ -39,8 +40,10 @@ private:
     app::AppDelegate m_delegate;
 };
 
-/// Says what a second start has done, and returns its exit status.
-app::ExitStatus endSecondStart(platform::SingleInstance::Outcome outcome)
+/// Says what a second start has done, and returns its exit status. `otherDisplay` is that of the
+/// first one's popover, empty when it is not known.
+app::ExitStatus endSecondStart(
+    platform::SingleInstance::Outcome outcome, const QString &otherDisplay)
 {
     using Outcome = platform::SingleInstance::Outcome;
     switch (outcome) {
@@ -56,7 +59,12 @@ app::ExitStatus endSecondStart(platform::SingleInstance::Outcome outcome)
     case Outcome::First:
         break;
     }
-    std::fputs("brimwatch: already running; its popover is open now\n", stderr);
+    if (otherDisplay.isEmpty() || platform::Session::isOnDisplay(otherDisplay))
+        std::fputs("brimwatch: already running; its popover is open now\n", stderr);
+    else
+        std::fprintf(stderr,
+            "brimwatch: already running on display '%s'; its popover is open there\n",
+            qPrintable(asOneLine(otherDisplay, 100)));
     return app::ExitStatus::Success;
 }
 
@@ -72,7 +80,7 @@ int run(const platform::SessionEnvironment &environment, int argc, char **argv, 
     const platform::Session session(environment);
     // On the bus before the name is ours, so that nobody finds the name without it.
     platform::BusService busService(
-        platform::Session::bus(), QCoreApplication::applicationVersion());
+        platform::Session::bus(), QCoreApplication::applicationVersion(), session.display());
     platform::SingleInstance singleInstance(
         platform::Session::bus(), platform::Session::runtimeFolder());
     std::optional<FirstInstance> first;
@@ -81,7 +89,8 @@ int run(const platform::SessionEnvironment &environment, int argc, char **argv, 
             if (outcome == platform::SingleInstance::Outcome::First)
                 first.emplace(session, busService);
             else
-                QCoreApplication::exit(static_cast<int>(endSecondStart(outcome)));
+                QCoreApplication::exit(
+                    static_cast<int>(endSecondStart(outcome, singleInstance.otherDisplay())));
         });
     platform::BusReturn busReturn(platform::Session::bus());
     QObject::connect(&busReturn, &platform::BusReturn::returned, application.get(),

@@ -7,6 +7,7 @@
 #include "platform/linux/popover/x11_popover.h"
 #include "platform/linux/x11/kwin_panels.h"
 #include "platform/linux/x11/work_area.h"
+#include "platform/linux/x11/x_connection.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -28,6 +29,23 @@ bool xServerAnswers()
     const bool answers = xcb_connection_has_error(connection) == 0;
     xcb_disconnect(connection);
     return answers;
+}
+
+/// ":0.0" and ":0" are screens of one display.
+QString x11Display()
+{
+    char *host = nullptr;
+    int display = 0;
+    int screen = 0;
+    if (xcb_parse_display(nullptr, &host, &display, &screen) == 0)
+        return {};
+    const XcbPointer<char> owner(host);
+    return QString::fromLocal8Bit(host) + u':' + QString::number(display);
+}
+
+QString waylandDisplay()
+{
+    return qEnvironmentVariable("WAYLAND_DISPLAY");
 }
 
 bool alwaysComposited()
@@ -127,6 +145,18 @@ TextScaling Session::textScaling() const
         break;
     }
     return TextScaling::Brimwatch;
+}
+
+QString Session::display() const
+{
+    const bool isX11 = m_kind == SessionKind::X11 || m_kind == SessionKind::Xwayland
+        || waylandDisplay().isEmpty();
+    return isX11 ? x11Display() : waylandDisplay();
+}
+
+bool Session::isOnDisplay(const QString &display)
+{
+    return !display.isEmpty() && (display == x11Display() || display == waylandDisplay());
 }
 
 std::unique_ptr<Popover> Session::makePopover(PopoverContentFactory factory, XConnection &x) const

@@ -67,6 +67,11 @@ public:
 
     TextScaling textScaling() const;
     std::unique_ptr<Popover> makePopover(PopoverContentFactory factory, XConnection &x) const;
+    /// The display on which the popover opens: that of DISPLAY without a screen, or of
+    /// WAYLAND_DISPLAY.
+    QString display() const;
+    /// Whether the environment names that display. It may name one of each kind.
+    static bool isOnDisplay(const QString &display);
 
     /// The session bus; not connected where there is none.
     static QDBusConnection bus() { return QDBusConnection::sessionBus(); }

@@ -97,7 +97,7 @@ private Q_SLOTS:
     void init()
     {
         m_fixture.emplace();
-        m_bus = std::make_unique<BusService>(QDBusConnection::sessionBus(), u"1.2.3"_s);
+        m_bus = std::make_unique<BusService>(QDBusConnection::sessionBus(), u"1.2.3"_s, u":7"_s);
         m_diagnostics = std::make_unique<service::Diagnostics>(m_fixture->service,
             platform::AppInformation{
                 .version = u"1.2.3"_s, .build = {}, .systemVersion = u"Debian"_s},
@@ -120,9 +120,10 @@ private Q_SLOTS:
         answer(0.5, 0.15);
         const auto properties = m_reader->properties();
         QCOMPARE(sortedKeys(properties),
-            (QStringList{u"Error"_s, u"Groups"_s, u"Items"_s, u"LastUpdate"_s, u"Lowest"_s,
-                u"Port"_s, u"State"_s, u"Title"_s, u"Version"_s}));
+            (QStringList{u"Display"_s, u"Error"_s, u"Groups"_s, u"Items"_s, u"LastUpdate"_s,
+                u"Lowest"_s, u"Port"_s, u"State"_s, u"Title"_s, u"Version"_s}));
         QCOMPARE(properties[u"Version"_s], QVariant(u"1.2.3"_s));
+        QCOMPARE(properties[u"Display"_s], QVariant(u":7"_s));
         QCOMPARE(properties[u"State"_s], QVariant(u"connected"_s));
         QCOMPARE(properties[u"Port"_s], QVariant(4711U));
         QCOMPARE(properties[u"LastUpdate"_s], QVariant(m_fixture->clock.now().toSecsSinceEpoch()));

@@ -15,6 +15,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -314,6 +315,33 @@ private Q_SLOTS:
         QVERIFY(third.waitForEnd());
         QCOMPARE(third.exitCode(), 0);
         QCOMPARE(popovers(), 1);
+    }
+
+    void aSecondStartOnAnotherDisplayNamesTheOneWithThePopover()
+    {
+        const QString first = qEnvironmentVariable("DISPLAY");
+        const Program program;
+        QTRY_VERIFY_WITH_TIMEOUT(!m_caller.owner().isEmpty(), timeout);
+        // Another screen of one display is the same display.
+        auto environment = Program::usual();
+        environment.insert(u"DISPLAY"_s, first + ".0"_L1);
+        Program second(environment);
+        QVERIFY(second.waitForEnd());
+        QCOMPARE(second.errors(), u"brimwatch: already running; its popover is open now\n"_s);
+
+        const auto back = qScopeGuard([&] { qputenv("DISPLAY", first.toLocal8Bit()); });
+        const test::PrivateDisplay other;
+        QVERIFY(qEnvironmentVariable("DISPLAY") != first);
+        Program third;
+        QVERIFY(third.waitForEnd());
+        const QString said = third.errors();
+        const int status = third.exitCode();
+        qputenv("DISPLAY", first.toLocal8Bit());
+        QCOMPARE(said,
+            QString("brimwatch: already running on display '"_L1 + first
+                + "'; its popover is open there\n"_L1));
+        QCOMPARE(status, 0);
+        QTRY_COMPARE_WITH_TIMEOUT(popovers(), 1, timeout);
     }
 
     void startsAtTheSameTimeLeaveOneProgram()

@@ -17,10 +17,11 @@ namespace brimwatch::platform {
 
 using namespace Qt::Literals::StringLiterals;
 
-BusService::BusService(QDBusConnection bus, QString version, QObject *parent)
+BusService::BusService(QDBusConnection bus, QString version, QString display, QObject *parent)
     : RemoteControl(parent)
     , m_bus(std::move(bus))
     , m_version(std::move(version))
+    , m_display(std::move(display))
     , m_properties(toBusProperties(m_published))
 {
     new BusServiceAdaptor(this);

@@ -18,6 +18,7 @@ namespace brimwatch::platform {
 class BusService final : public RemoteControl, protected QDBusContext {
     Q_OBJECT
     Q_PROPERTY(QString Version READ version CONSTANT FINAL)
+    Q_PROPERTY(QString Display READ display CONSTANT FINAL)
     Q_PROPERTY(QString State READ state FINAL)
     Q_PROPERTY(uint Port READ port FINAL)
     Q_PROPERTY(qlonglong LastUpdate READ lastUpdate FINAL)
@@ -31,7 +32,8 @@ public:
     static constexpr qsizetype mostWaiting = 128;
     static constexpr qsizetype mostWaitingOfOneCaller = 16;
 
-    BusService(QDBusConnection bus, QString version, QObject *parent = nullptr);
+    /// `display` is the one on which the popover opens.
+    BusService(QDBusConnection bus, QString version, QString display, QObject *parent = nullptr);
     ~BusService() override;
 
     void publish(const PublishedState &state) override;
@@ -39,6 +41,7 @@ public:
     void setReport(Report report) override;
 
     QString version() const { return m_version; }
+    QString display() const { return m_display; }
     QString state() const;
     uint port() const;
     qlonglong lastUpdate() const;
@@ -65,6 +68,7 @@ private:
 
     QDBusConnection m_bus;
     QString m_version;
+    QString m_display;
     Report m_report;
     PublishedState m_published;
     QVariantMap m_properties; ///< Those of m_published.

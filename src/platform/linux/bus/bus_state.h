@@ -6,7 +6,7 @@
 
 namespace brimwatch::platform {
 
-/// The state as the properties of app.brimwatch.Brimwatch1, all of them but Version.
+/// The state as the properties of app.brimwatch.Brimwatch1, all of them but Version and Display.
 QVariantMap toBusProperties(const PublishedState &state);
 
 /// The state from properties on the bus, which any program may have sent: what is missing or of

@@ -4,6 +4,7 @@
 #include "platform/linux/bus/bus_names.h"
 
 #include <QDBusMessage>
+#include <QDBusVariant>
 #include <QFileInfo>
 #include <QLockFile>
 #include <QTimer>
@@ -75,10 +76,23 @@ void SingleInstance::askOther()
     show.setAutoStartService(false);
     bus::whenAnswered(m_bus, show, this, timeout, [this](const QDBusMessage &answer) {
         if (answer.type() == QDBusMessage::ReplyMessage)
-            Q_EMIT decided(Outcome::OtherShown);
+            askForDisplay();
         else
             // It may have been about to end: then the name is free now.
             requestName(Attempt::AfterSilence);
+    });
+}
+
+void SingleInstance::askForDisplay()
+{
+    auto read = QDBusMessage::createMethodCall(
+        bus::service, bus::path, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+    read << QString(bus::interface) << u"Display"_s;
+    read.setAutoStartService(false);
+    bus::whenAnswered(m_bus, read, this, timeout, [this](const QDBusMessage &answer) {
+        // A program of an earlier version has no such property.
+        m_otherDisplay = answer.arguments().value(0).value<QDBusVariant>().variant().toString();
+        Q_EMIT decided(Outcome::OtherShown);
     });
 }
 

@@ -38,6 +38,10 @@ public:
     /// should be on the bus by now.
     void claim();
 
+    /// Of OtherShown: the display on which the other one opens its popover; empty when it does not
+    /// say.
+    const QString &otherDisplay() const { return m_otherDisplay; }
+
 Q_SIGNALS:
     void decided(brimwatch::platform::SingleInstance::Outcome outcome);
 
@@ -46,10 +50,12 @@ private:
 
     void requestName(Attempt attempt);
     void askOther();
+    void askForDisplay();
     void decideByName();
     void decideByLock();
 
     QDBusConnection m_bus;
+    QString m_otherDisplay;
     std::unique_ptr<QLockFile> m_lock; ///< Null where no folder can hold it.
 };
 

@@ -1,3 +1,4 @@
+#include "dbus/desktop/fake_mail_portal.h"
 #include "platform/linux/desktop/desktop_opener.h"
 #include "service/diagnostics.h"
 #include "support/private_display.h"
@@ -80,6 +81,57 @@ private Q_SLOTS:
         opener.openUrl(url);
         QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(m_received), timeout);
         QCOMPARE(received(), (QStringList{kind, QString::fromLatin1(url.toEncoded())}));
+    }
+
+    void whereThereIsAMailPortalItGetsTheDraft()
+    {
+        const QString address = u"support+reports@brimwatch.example"_s;
+        const QString body
+            = u"Hi,\n\n[x] 100% sure? a+b/c==&d;e 'f' \"g\" $HOME `id` \\n é 🧠 #h\n"_s.repeated(
+                50);
+        test::FakeMailPortal portal;
+        platform::DesktopOpener opener;
+        opener.openUrl(service::mailUrl(address, u"Brimwatch & more"_s, body));
+        QTRY_COMPARE_WITH_TIMEOUT(portal.drafts.size(), 1, timeout);
+        const QVariantMap &draft = portal.drafts.constFirst();
+        QCOMPARE(draft.value(u"address"_s), QVariant(address));
+        QCOMPARE(draft.value(u"subject"_s), QVariant(u"Brimwatch & more"_s));
+        QCOMPARE(draft.value(u"body"_s), QVariant(body));
+        // The command line of the page's handler is the first that there is.
+        opener.openUrl(QUrl(u"http://127.0.0.1:4711/"_s));
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(m_received), timeout);
+        QCOMPARE(received().constFirst(), u"web"_s);
+    }
+
+    void aDraftThatThePortalCannotOpenReachesTheMailProgram_data()
+    {
+        QTest::addColumn<test::FakeMailPortal::Manners>("manners");
+        QTest::newRow("refuses") << test::FakeMailPortal::Manners::Refuses;
+        QTest::newRow("fails later") << test::FakeMailPortal::Manners::Fails;
+        QTest::newRow("is silent") << test::FakeMailPortal::Manners::IsSilent;
+    }
+    void aDraftThatThePortalCannotOpenReachesTheMailProgram()
+    {
+        QFETCH(test::FakeMailPortal::Manners, manners);
+        test::FakeMailPortal portal(manners);
+        platform::DesktopOpener opener;
+        const QUrl mail
+            = service::mailUrl(u"support@brimwatch.example"_s, u"Brimwatch"_s, u"a b"_s);
+        opener.openUrl(mail);
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(m_received), timeout);
+        QCOMPARE(received(), (QStringList{u"mail"_s, QString::fromLatin1(mail.toEncoded())}));
+        QCOMPARE(portal.drafts.size(), 1);
+    }
+
+    void aDraftThatTheUserDeclinesIsNotOpenedInAnotherWay()
+    {
+        test::FakeMailPortal portal(test::FakeMailPortal::Manners::IsDeclined);
+        platform::DesktopOpener opener;
+        opener.openUrl(service::mailUrl(u"support@brimwatch.example"_s, u"Brimwatch"_s, u"a b"_s));
+        QTRY_COMPARE_WITH_TIMEOUT(portal.drafts.size(), 1, timeout);
+        opener.openUrl(QUrl(u"http://127.0.0.1:4711/"_s));
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(m_received), timeout);
+        QCOMPARE(received().constFirst(), u"web"_s);
     }
 
     void aFolderReachesTheFileBrowser_data()

@@ -60,9 +60,11 @@ QStringList installedPaths()
         u"/Applications/Antigravity.app"_s, u"/Applications/Google Antigravity.app"_s};
 }
 
-DesktopOpener::DesktopOpener(QStringList paths, std::function<QStringList()> directories)
+DesktopOpener::DesktopOpener(
+    QStringList paths, std::function<QStringList()> directories, const QDBusConnection &bus)
     : m_paths(std::move(paths))
     , m_directories(std::move(directories))
+    , m_mailPortal(bus)
 {
 }
 
@@ -86,7 +88,10 @@ void DesktopOpener::openUrl(const QUrl &url)
     // The desktop's opener would show a window saying that the file is missing.
     if (url.isLocalFile() && !QFileInfo::exists(url.toLocalFile()))
         return;
-    QDesktopServices::openUrl(url);
+    if (url.scheme() == "mailto"_L1)
+        m_mailPortal.compose(url, [url] { QDesktopServices::openUrl(url); });
+    else
+        QDesktopServices::openUrl(url);
 }
 
 } // namespace brimwatch::platform

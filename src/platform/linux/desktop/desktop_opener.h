@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/desktop/mail_portal.h"
 #include "platform/opener.h"
 
 #include <QString>
@@ -36,9 +37,10 @@ QStringList installedPaths();
 class DesktopOpener final : public Opener {
 public:
     /// The IDE is the first of `paths` that exists, or else that of its desktop entry, looked for
-    /// in `directories` each time.
+    /// in `directories` each time. Mails are drafted by the portal of `bus` where there is one.
     explicit DesktopOpener(QStringList paths = installedPaths(),
-        std::function<QStringList()> directories = applicationDirectories);
+        std::function<QStringList()> directories = applicationDirectories,
+        const QDBusConnection &bus = QDBusConnection::sessionBus());
 
     bool openAntigravity() override;
     void openUrl(const QUrl &url) override;
@@ -46,6 +48,7 @@ public:
 private:
     QStringList m_paths;
     std::function<QStringList()> m_directories;
+    MailPortal m_mailPortal;
 };
 
 } // namespace brimwatch::platform

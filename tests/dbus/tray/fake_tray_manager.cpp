@@ -53,8 +53,8 @@ FakeTrayManager::FakeTrayManager(Manners manners)
     const QByteArray name = m_manners.program.toUtf8();
     xcb_change_property(c, XCB_PROP_MODE_REPLACE, m_selectionWindow, XCB_ATOM_WM_NAME,
         XCB_ATOM_STRING, 8, static_cast<std::uint32_t>(name.size()), name.constData());
-    if (m_manners.transparent) {
-        const xcb_visualid_t visual = transparentVisual();
+    if (m_manners.transparent || m_manners.visual) {
+        const xcb_visualid_t visual = m_manners.visual.value_or(transparentVisual());
         xcb_change_property(c, XCB_PROP_MODE_REPLACE, m_selectionWindow,
             m_x.atom("_NET_SYSTEM_TRAY_VISUAL"), XCB_ATOM_VISUALID, 32, 1, &visual);
     }
@@ -63,14 +63,21 @@ FakeTrayManager::FakeTrayManager(Manners manners)
 
     const xcb_atom_t selection = m_x.atom("_NET_SYSTEM_TRAY_S0");
     xcb_set_selection_owner(c, m_selectionWindow, selection, XCB_CURRENT_TIME);
+    announce();
+}
+
+void FakeTrayManager::announce()
+{
+    const xcb_atom_t selection = m_x.atom("_NET_SYSTEM_TRAY_S0");
+    const xcb_window_t root = m_x.screen()->root;
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
-    message.window = screen->root;
+    message.window = root;
     message.type = m_x.atom("MANAGER");
     message.data.data32[1] = selection;
     message.data.data32[2] = m_selectionWindow;
-    xcb_send_event(c, 0, screen->root, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+    xcb_send_event(m_x.connection(), 0, root, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
         reinterpret_cast<const char *>(&message));
     // It stands when this returns.
     m_x.selectionOwner(selection);
@@ -86,6 +93,8 @@ void FakeTrayManager::handle(const xcb_generic_event_t *event)
         if (message->type != m_x.atom("_NET_SYSTEM_TRAY_OPCODE") || message->data.data32[1] != dock)
             return;
         const xcb_window_t item = message->data.data32[2];
+        if (!m_manners.docks)
+            return;
         m_docked.append(item);
         if (m_manners.savesItems)
             xcb_change_save_set(c, XCB_SET_MODE_INSERT, item);
@@ -198,6 +207,31 @@ void FakeTrayManager::sendSize(QSize size)
     event.height = static_cast<std::uint16_t>(size.height());
     xcb_send_event(m_x.connection(), 0, m_docked.last(), XCB_EVENT_MASK_NO_EVENT,
         reinterpret_cast<const char *>(&event));
+    m_x.flush();
+}
+
+void FakeTrayManager::sendEnds()
+{
+    const xcb_window_t item = m_docked.last();
+    const auto send = [&](const auto &event) {
+        // What is sent has 32 bytes, whatever the event has.
+        std::array<char, 32> bytes{};
+        std::memcpy(bytes.data(), &event, sizeof event);
+        xcb_send_event(m_x.connection(), 0, item, XCB_EVENT_MASK_NO_EVENT, bytes.data());
+    };
+    for (const xcb_window_t window : {item, m_selectionWindow}) {
+        xcb_destroy_notify_event_t destroy{};
+        destroy.response_type = XCB_DESTROY_NOTIFY;
+        destroy.event = window;
+        destroy.window = window;
+        send(destroy);
+    }
+    xcb_reparent_notify_event_t reparent{};
+    reparent.response_type = XCB_REPARENT_NOTIFY;
+    reparent.event = item;
+    reparent.window = item;
+    reparent.parent = m_x.screen()->root;
+    send(reparent);
     m_x.flush();
 }
 

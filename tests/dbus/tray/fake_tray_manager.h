@@ -29,6 +29,9 @@ public:
         bool proportional = false; ///< Scales what an item asks for to its height, as XFCE does.
         int unit = 1; ///< Gives widths in multiples of it, no more than asked for, as GTK does.
         bool squares = false; ///< Puts each item into a square of its height, as GNOME Shell 48.
+        bool docks = true; ///< Else it takes no item.
+        /// Offered instead of one of the server's.
+        std::optional<xcb_visualid_t> visual = {};
         bool savesItems = false; ///< Its end leaves the items on the bare screen, as toolkits do.
         QString program; ///< The name on its window.
     };
@@ -55,6 +58,11 @@ public:
     void setBackground(QColor color);
     /// Tells the last item of a size that it does not have, as any program may.
     void sendSize(QSize size);
+    /// Tells the last item of things that have not happened, as any program may: that it is gone,
+    /// that its panel is, and that it stands on the bare screen.
+    void sendEnds();
+    /// Says once more that it manages the tray.
+    void announce();
     /// Tells its colours: those of its symbols, of errors, warnings and success.
     void setColors(const QList<QColor> &colors);
     /// Puts the last item out of the tray.

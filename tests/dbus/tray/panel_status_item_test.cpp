@@ -48,6 +48,7 @@ private Q_SLOTS:
     void withoutAPanelItWaits();
     void aTrayManagerTakesTheItemOnce();
     void withoutALabelItDoesNotStandThereEmpty();
+    void aTrayManagerThatAnnouncesItselfAgainHasTheItemOnce();
     void aTrayManagerThatStartsLateTakesTheItem();
     void aTrayManagerThatRestartsTakesTheItemOnceMore();
     void withoutASessionBusItStillEmbeds();
@@ -160,6 +161,19 @@ void PanelStatusItemTest::aTrayManagerTakesTheItemOnce()
     QTRY_VERIFY(isDrawn());
     settle();
     QCOMPARE(m_manager->docked().size(), 1);
+}
+
+void PanelStatusItemTest::aTrayManagerThatAnnouncesItselfAgainHasTheItemOnce()
+{
+    m_manager = std::make_unique<FakeTrayManager>(panelOf(xfceTray));
+    makeItem();
+    show(sampleItem());
+    QTRY_VERIFY_WITH_TIMEOUT(isDrawn(), timeout);
+    for (int i = 0; i < 3; ++i)
+        m_manager->announce();
+    settle();
+    QCOMPARE(m_manager->docked().size(), 1);
+    QVERIFY(isDrawn());
 }
 
 void PanelStatusItemTest::withoutALabelItDoesNotStandThereEmpty()

@@ -125,6 +125,9 @@ private Q_SLOTS:
     void damageIsRepaired();
     void aNewLabelStandsOnThePanelsNewColour();
     void sizesThatNoWindowHasTakeNothingDown();
+    void endsThatOthersTellOfAreNone();
+    void aPanelThatNeverTakesTheItemIsNoHarm();
+    void aVisualThatTheServerDoesNotHaveIsNotUsed();
     void theSameItemIsNotDrawnAgain();
     void anotherDescriptionAloneIsNotDrawn();
     void leftAndRightClicksCountWhenTheButtonIsLetGo();
@@ -601,6 +604,45 @@ void XembedPresentationTest::sizesThatNoWindowHasTakeNothingDown()
     QTRY_VERIFY(isDrawn());
     QCOMPARE(m_manager->hintedSize(), asked);
     QCOMPARE(m_lost->count(), 0);
+}
+
+void XembedPresentationTest::endsThatOthersTellOfAreNone()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    m_manager->sendEnds();
+    settle();
+    QCOMPARE(m_lost->count(), 0);
+    m_item->present(sampleItem(u"5h: 100%"_s));
+    QTRY_COMPARE(m_manager->slot().width(), m_manager->hintedSize().width());
+    QTRY_VERIFY(isDrawn());
+    // Nor is the window left behind.
+    m_item.reset();
+    QTRY_COMPARE(m_manager->slot(), QRect());
+}
+
+void XembedPresentationTest::aPanelThatNeverTakesTheItemIsNoHarm()
+{
+    dock({.symbols = {}, .docks = false, .program = {}});
+    for (const QString &text : {u"5h: 79%"_s, u"5h: 100%"_s, u"5h: 7%"_s}) {
+        m_item->present(sampleItem(text));
+        settle();
+    }
+    QVERIFY(m_manager->docked().isEmpty());
+    QVERIFY(!m_item->place());
+    QCOMPARE(m_registered->count(), 0);
+    QCOMPARE(m_lost->count(), 0);
+    m_manager.reset();
+    QTRY_COMPARE(m_lost->count(), 1);
+}
+
+void XembedPresentationTest::aVisualThatTheServerDoesNotHaveIsNotUsed()
+{
+    const QColor background(0x20, 0x40, 0x60);
+    constexpr xcb_visualid_t nobodys = 0xdeadbeef;
+    dock({.symbols = {}, .background = background, .visual = nobodys, .program = {}});
+    QTRY_VERIFY(isDrawn());
+    QCOMPARE(m_manager->picture().pixelColor(0, 0), background);
 }
 
 void XembedPresentationTest::theSameItemIsNotDrawnAgain()

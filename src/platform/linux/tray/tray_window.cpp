@@ -214,6 +214,11 @@ void TrayWindow::handle(const xcb_generic_event_t *event)
     // The topmost bit is set in what other programs send, as the window manager of GNOME does with
     // clicks.
     const int type = event->response_type & 0x7f;
+    // The server alone knows of the end of a window and of its parent. Whoever says that they have
+    // changed would leave a dead window in the tray.
+    const bool isFromServer = type == event->response_type;
+    if (!isFromServer && (type == XCB_DESTROY_NOTIFY || type == XCB_REPARENT_NOTIFY))
+        return;
     switch (type) {
     case XCB_EXPOSE: {
         const auto *expose = reinterpret_cast<const xcb_expose_event_t *>(event);

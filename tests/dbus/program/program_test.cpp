@@ -1,3 +1,4 @@
+#include "dbus/desktop/fake_notification_server.h"
 #include "dbus/program/program_process.h"
 #include "platform/linux/bus/bus_names.h"
 #include "platform/linux/bus/bus_state.h"
@@ -92,10 +93,12 @@ int popovers()
     return count;
 }
 
-QByteArray quota(double fiveHours, const QByteArray &name = "Gemini Models")
+QByteArray quota(double fiveHours, const QByteArray &name = "Gemini Models",
+    const QByteArray &bucketName = "Five hours")
 {
     return R"({"response":{"groups":[{"displayName":")" + name
-        + R"(","buckets":[{"bucketId":"gemini-5h","displayName":"Five hours","window":"5h",)"
+        + R"(","buckets":[{"bucketId":"gemini-5h","displayName":")" + bucketName
+        + R"(","window":"5h",)"
           R"("remainingFraction":)"
         + QByteArray::number(fiveHours) + "}]}]}}";
 }
@@ -523,7 +526,8 @@ private Q_SLOTS:
     {
         const QByteArray token = "token-that-nobody-may-see";
         const QByteArray home = QDir::homePath().toUtf8();
-        QVERIFY(writeSummary(quota(0.75, "Gemini " + token + " at " + home + "/x")));
+        const QByteArray name = token + " at " + home + "/x";
+        QVERIFY(writeSummary(quota(0.1, "Gemini " + name, "Limit " + name)));
         test::SampleDaemonProcess daemon;
         QVERIFY2(
             daemon.start({u"--summary"_s, summaryFile(), u"--token"_s, QString::fromLatin1(token)}),
@@ -539,6 +543,9 @@ private Q_SLOTS:
         // It listens once it has logged a call.
         QTRY_VERIFY_WITH_TIMEOUT((m_caller.owner(), logged("GetNameOwner")), timeout);
 
+        // All who listen: a server for the alert that is due, a panel that reads title and tooltip.
+        test::FakeNotificationServer server;
+        test::FakeWatcher watcher;
         const Program program;
         QTRY_COMPARE_WITH_TIMEOUT(m_caller.state(), u"connected"_s, timeout);
         QVERIFY(m_caller.call(u"Diagnostics"_s)
@@ -546,6 +553,25 @@ private Q_SLOTS:
                 .value(0)
                 .toString()
                 .contains(u"Daemon CSRF: token-th...\n"_s));
+        QTRY_COMPARE_WITH_TIMEOUT(server.calls.size(), 1, timeout);
+        QVERIFY(server.calls.constFirst().body.startsWith(u"Limit … at ~/x has dropped to "_s));
+        QTRY_VERIFY_WITH_TIMEOUT(!watcher.items().isEmpty(), timeout);
+        test::FakeHost panel(watcher.items().constFirst(), u"/StatusNotifierItem"_s,
+            u"org.kde.StatusNotifierItem"_s, {});
+        const auto toolTip = [&panel] {
+            const auto argument = panel.readAll().value(u"ToolTip"_s).value<QDBusArgument>();
+            QString icon;
+            QString title;
+            argument.beginStructure();
+            argument >> icon;
+            argument.beginArray();
+            argument.endArray();
+            argument >> title;
+            argument.endStructure();
+            return title;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(
+            toolTip().startsWith(u"Gemini … at ~/x, Limit … at ~/x: "_s), timeout);
         QVERIFY(daemon.terminate());
         QCOMPARE(m_caller.call(u"Refresh"_s).type(), QDBusMessage::ErrorMessage);
         QTRY_VERIFY_WITH_TIMEOUT(logged("RefreshFailed"), timeout);

@@ -352,6 +352,18 @@ private Q_SLOTS:
         QVERIFY(m_popover->shown);
     }
 
+    void aClickIsNoneUntilAQuarterOfASecondAfterTheClose()
+    {
+        Q_EMIT m_item->clicked({});
+        m_popover->close();
+        m_fixture->clock.advance(249ms);
+        Q_EMIT m_item->clicked({});
+        QVERIFY(!m_popover->shown);
+        m_fixture->clock.advance(1ms);
+        Q_EMIT m_item->clicked({});
+        QVERIFY(m_popover->shown);
+    }
+
     void aClockSetBackDoesNotLockThePopover()
     {
         Q_EMIT m_item->clicked({});

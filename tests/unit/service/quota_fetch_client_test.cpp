@@ -199,10 +199,30 @@ private Q_SLOTS:
         QVERIFY(m_daemons->announce(u"ls_b.json"_s, {{u"csrfToken"_s, u"t"_s}}));
         QVERIFY(
             m_daemons->announce(u"ls_c.json"_s, {{u"httpPort"_s, -1}, {u"csrfToken"_s, u"t"_s}}));
+        // 16 bits of it are the port of the other.
+        QVERIFY(m_daemons->announce(
+            u"ls_d.json"_s, {{u"httpPort"_s, other.port() + 65'536}, {u"csrfToken"_s, u"t"_s}}));
         const auto result = fetch();
         QVERIFY(result.has_value());
         QCOMPARE(result->daemon.filePath, daemon.filePath());
         QCOMPARE(other.connections, 0);
+    }
+
+    void afterOneThatAnswersNoOtherIsAsked()
+    {
+        ScriptedDaemon older(write(goodAnswer));
+        ScriptedDaemon newer(write(goodAnswer));
+        const auto keys = [](quint16 port) {
+            return QJsonObject{{u"httpPort"_s, port}, {u"csrfToken"_s, u"t"_s}};
+        };
+        QVERIFY(m_daemons->announce(u"ls_a.json"_s, keys(older.port())));
+        QVERIFY(m_daemons->askLast(m_daemons->pathOf(u"ls_a.json"_s)));
+        QVERIFY(m_daemons->announce(u"ls_b.json"_s, keys(newer.port())));
+        const auto result = fetch();
+        QVERIFY(result.has_value());
+        QCOMPARE(result->daemon.httpPort, newer.port());
+        QCOMPARE(newer.requests, 1);
+        QCOMPARE(older.connections, 0);
     }
 
     void aCandidateWithBothPortsIsAskedOnThePlainOneOnly()

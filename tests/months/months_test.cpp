@@ -542,6 +542,9 @@ Measures Months::rest()
     m_daemon.manners = PlannedDaemon::Manners::Answers;
     if (!m_daemon.isRunning())
         m_daemon.start();
+    // What an answer took at its largest is given back with the popover's content.
+    openAndClose();
+    m_told.join();
     m_clock.advance(contentKept + 1min);
     for (int minute = 0; minute < 10; ++minute)
         refresh();

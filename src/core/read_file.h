@@ -3,7 +3,10 @@
 #include "core/result.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
+
+#include <functional>
 
 namespace brimwatch {
 
@@ -21,7 +24,12 @@ enum class ReadFileError {
 /// opens nothing but a regular file, even where one takes the place of another meanwhile.
 Result<QByteArray, ReadFileError> readFile(const QString &path, qint64 largest);
 
-/// The same for a name in an open folder.
+/// The same in pieces of some kilobytes, so that the memory which it takes does not depend on the
+/// file. After an error those that came stay visited.
+Result<void, ReadFileError> readPieces(
+    const QString &path, qint64 largest, const std::function<void(QByteArrayView)> &visit);
+
+/// The same as the first for a name in an open folder.
 Result<QByteArray, ReadFileError> readFile(int folder, const QByteArray &name, qint64 largest);
 
 } // namespace brimwatch

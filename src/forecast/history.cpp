@@ -9,10 +9,10 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMap>
-#include <QRegularExpression>
 #include <QSet>
 #include <QStringList>
 
@@ -23,9 +23,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <map>
 #include <utility>
-#include <vector>
 
 namespace brimwatch::forecast {
 
@@ -61,23 +59,46 @@ std::optional<HistoryRow> rowOf(QByteArrayView line)
     return HistoryRow{.time = *time, .bucket = bucket, .left = *left, .reset = reset};
 }
 
-/// Calls `visit(line)` for each line that was written to its end.
-template <typename VisitLine> void visitLines(const QByteArray &content, VisitLine visit)
+/// Calls `visit(row)` for each row that was written to its end. False when the file cannot be read.
+template <typename VisitRow> bool visitRows(const QString &path, VisitRow visit)
 {
-    qsizetype at = 0;
-    for (auto end = content.indexOf('\n'); end >= 0; end = content.indexOf('\n', at)) {
-        auto line = QByteArrayView(content).sliced(at, end - at);
-        if (line.endsWith('\r'))
-            line.chop(1);
-        visit(line);
-        at = end + 1;
-    }
+    QByteArray line; // The beginning of one that goes on in the next piece.
+    bool isTooLong = false;
+    const auto done = readPieces(path, largestMonth, [&](QByteArrayView piece) {
+        while (!piece.isEmpty()) {
+            const auto end = piece.indexOf('\n');
+            const auto part = piece.first(end < 0 ? piece.size() : end);
+            isTooLong = isTooLong || line.size() + part.size() > longestLine;
+            if (!isTooLong)
+                line += part;
+            if (end < 0)
+                return;
+            if (line.endsWith('\r'))
+                line.chop(1);
+            if (const auto row = isTooLong ? std::nullopt : rowOf(line))
+                visit(*row);
+            line.clear();
+            isTooLong = false;
+            piece = piece.sliced(end + 1);
+        }
+    });
+    return done || done.error() == ReadFileError::NotFound;
 }
 
 QString monthOf(sys_seconds time)
 {
     return QDateTime::fromSecsSinceEpoch(time.time_since_epoch().count(), Qt::UTC)
         .toString(u"yyyy-MM"_s);
+}
+
+/// "2026-11.csv". Not by a regular expression: compiling one takes memory that stays.
+bool isMonth(const QString &name)
+{
+    constexpr auto pattern = "0000-00.csv"_L1;
+    return name.size() == pattern.size()
+        && std::equal(name.begin(), name.end(), pattern.begin(), [](QChar c, char expected) {
+               return expected == '0' ? c >= u'0' && c <= u'9' : c == QLatin1Char(expected);
+           });
 }
 
 QString systemError()
@@ -120,37 +141,64 @@ Result<void, QString> appendTo(const QString &path, const QByteArray &lines)
     return result;
 }
 
-/// The rows of a file, with those before `limit` thinned to the one with least left of each hour.
-/// Absent when nothing goes.
-std::optional<QByteArray> thinned(const QByteArray &content, sys_seconds limit)
+std::int64_t hourOf(const HistoryRow &row)
 {
-    std::vector<HistoryRow> rows;
-    visitLines(content, [&rows](QByteArrayView line) {
-        if (auto row = rowOf(line))
-            rows.push_back(*std::move(row));
+    return row.time.time_since_epoch() / 1h;
+}
+
+/// Whether an hour before `limit` has several rows of a bucket. It takes little memory, for it is
+/// asked of each file each day, and of all but one there is nothing to thin.
+bool hasTooMany(const QString &path, sys_seconds limit)
+{
+    constexpr qsizetype mostBuckets = 256;
+    QHash<QString, std::int64_t> hours; // Of the last row of each bucket.
+    bool found = false;
+    visitRows(path, [&](const HistoryRow &row) {
+        if (row.time >= limit || hours.size() > mostBuckets)
+            return;
+        const auto hour = hourOf(row);
+        const auto last = hours.constFind(row.bucket);
+        found = found || (last != hours.cend() && *last == hour);
+        hours[row.bucket] = hour;
     });
-    std::map<std::pair<QString, std::int64_t>, std::size_t> lowest;
-    std::vector<bool> goes(rows.size());
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        if (rows[i].time >= limit)
-            continue;
-        const auto hour = rows[i].time.time_since_epoch() / 1h;
-        const auto [found, isNew] = lowest.try_emplace({rows[i].bucket, hour}, i);
-        if (isNew)
-            continue;
-        const bool isLower = rows[i].left <= rows[found->second].left;
-        goes[isLower ? found->second : i] = true;
-        if (isLower)
-            found->second = i;
-    }
-    if (std::find(goes.begin(), goes.end(), true) == goes.end())
+    return found;
+}
+
+/// The rows of a file, with those before `limit` thinned to the one with least left of each hour.
+/// Absent when nothing goes. The file is read twice, so that its rows need not be kept.
+std::optional<QByteArray> thinned(const QString &path, sys_seconds limit)
+{
+    if (!hasTooMany(path, limit))
         return std::nullopt;
+    struct Lowest {
+        double left = 1;
+        qsizetype row = 0;
+    };
+    QHash<QString, int> numbers; // Of the buckets.
+    QHash<std::pair<int, std::int64_t>, Lowest> lowest; // By bucket and hour.
+    qsizetype row = 0;
+    const auto place = [&](const HistoryRow &each) {
+        const auto number = static_cast<int>(numbers.size());
+        return std::pair(
+            numbers.emplace(each.bucket, numbers.value(each.bucket, number)).value(), hourOf(each));
+    };
+    bool isRead = visitRows(path, [&](const HistoryRow &each) {
+        const qsizetype number = row++;
+        if (each.time >= limit)
+            return;
+        const auto key = place(each);
+        const auto found = lowest.constFind(key);
+        if (found == lowest.cend() || each.left <= found->left)
+            lowest.insert(key, {.left = each.left, .row = number});
+    });
+    row = 0;
     QByteArray text = QByteArray(csvHeader) + '\n';
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        if (!goes[i])
-            text += csvLine(rows[i]) + '\n';
-    }
-    return text;
+    isRead = isRead && visitRows(path, [&](const HistoryRow &each) {
+        const qsizetype number = row++;
+        if (each.time >= limit || lowest.value(place(each)).row == number)
+            text += csvLine(each) + '\n';
+    });
+    return isRead ? std::optional(text) : std::nullopt;
 }
 
 } // namespace
@@ -187,11 +235,10 @@ History::History(QString folder)
 /// The paths of the files, the oldest first.
 QStringList History::months() const
 {
-    static const QRegularExpression isMonth(u"^\\d{4}-\\d{2}\\.csv$"_s);
     QStringList paths;
     const auto names = QDir(m_folder).entryList(QDir::Files, QDir::Name);
     for (const auto &name : names) {
-        if (isMonth.match(name).hasMatch())
+        if (isMonth(name))
             paths.append(m_folder + u'/' + name);
     }
     return paths;
@@ -205,15 +252,8 @@ QString History::keptFile() const
 void History::read(const Visit &visit) const
 {
     const auto paths = months();
-    for (const auto &path : paths) {
-        const auto content = readFile(path, largestMonth);
-        if (!content)
-            continue;
-        visitLines(*content, [&visit](QByteArrayView line) {
-            if (const auto row = rowOf(line))
-                visit(*row);
-        });
-    }
+    for (const auto &path : paths)
+        visitRows(path, visit);
 }
 
 Result<void, QString> History::check() const
@@ -223,8 +263,7 @@ Result<void, QString> History::check() const
         return fail(u"the history cannot be read: %1"_s.arg(m_folder));
     const auto paths = months();
     for (const auto &path : paths) {
-        const auto content = readFile(path, largestMonth);
-        if (!content && content.error() != ReadFileError::NotFound)
+        if (!visitRows(path, [](const HistoryRow &) { }))
             return fail(u"the history cannot be read: %1"_s.arg(path));
     }
     return {};
@@ -252,10 +291,7 @@ Result<void, QString> History::thin(sys_seconds now)
         // By the name, so that months that are kept in full are not read.
         if (QFileInfo(path).completeBaseName() > monthOf(limit))
             break;
-        const auto content = readFile(path, largestMonth);
-        if (!content)
-            continue;
-        const auto text = thinned(*content, limit);
+        const auto text = thinned(path, limit);
         if (!text)
             continue;
         if (auto done = replaceFile(path, *text); !done)

@@ -45,6 +45,7 @@ private Q_SLOTS:
     void aFileUpToTheBoundIsReadWhole();
     void aLinkToAFileIsFollowed();
     void aNameInAnOpenFolderIsRead();
+    void aFileIsReadInPieces();
     void whatIsNoSuchFileIsAnError_data();
     void whatIsNoSuchFileIsAnError();
     void aFileThatDoesNotTellItsSizeIsBounded();
@@ -84,6 +85,29 @@ void ReadFileTest::aNameInAnOpenFolderIsRead()
     QCOMPARE(readFile(folder, "inside", largest).value_or("none"), "inside");
     QVERIFY(readFile(folder, "outside", largest) == fail(ReadFileError::NotFound));
     ::close(folder);
+}
+
+void ReadFileTest::aFileIsReadInPieces()
+{
+    QByteArray content;
+    for (int i = 0; i < 20'000; ++i)
+        content += QByteArray::number(i);
+    write(path(u"file"_s), content);
+    QByteArray read;
+    int pieces = 0;
+    const auto visit = [&](QByteArrayView piece) {
+        read += piece;
+        ++pieces;
+    };
+    QVERIFY(readPieces(path(u"file"_s), content.size(), visit));
+    QCOMPARE(read, content);
+    QVERIFY(pieces > 2);
+    QVERIFY(
+        readPieces(path(u"file"_s), content.size() - 1, visit) == fail(ReadFileError::TooLarge));
+    QVERIFY(readPieces(path(u"missing"_s), largest, visit) == fail(ReadFileError::NotFound));
+    makeFifo(path(u"queue"_s));
+    QVERIFY(readPieces(path(u"queue"_s), largest, visit) == fail(ReadFileError::NotRegular));
+    QCOMPARE(read, content);
 }
 
 void ReadFileTest::whatIsNoSuchFileIsAnError_data()

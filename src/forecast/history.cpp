@@ -354,7 +354,11 @@ Result<void, QString> History::replace(const QString &path, const QByteArray &co
 
 bool History::isEmpty() const
 {
-    return months().isEmpty();
+    // Asked with each answer. Mostly what was there still is, which is seen without listing all.
+    if (!m_someMonth.isNull() && QFileInfo::exists(m_someMonth))
+        return false;
+    m_someMonth = months().value(0);
+    return m_someMonth.isNull();
 }
 
 Result<void, QString> History::clear()

@@ -83,6 +83,7 @@ private:
     Result<void, QString> replace(const QString &path, const QByteArray &content);
 
     QString m_folder;
+    mutable QString m_someMonth; ///< A file that was there; null before one was.
 };
 
 } // namespace brimwatch::forecast

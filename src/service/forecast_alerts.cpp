@@ -35,6 +35,7 @@ void ForecastAlerts::check(
     const model::QuotaSummary &summary, const OutlookOf &outlookOf, const QDateTime &now)
 {
     const bool alertsAreOn = m_settings.value(settings::notifyOnLowQuota);
+    const bool tellsRunOut = alertsAreOn && m_settings.value(settings::notifyOnRunOut);
     const double threshold = m_settings.value(settings::lowQuotaThreshold);
     for (const auto &group : summary.groups) {
         for (const auto &bucket : group.buckets) {
@@ -50,9 +51,9 @@ void ForecastAlerts::check(
                 m_lowest.remove(key);
             else if (wasLow || m_lowest.size() < LowQuotaAlerts::longestMemory)
                 m_lowest[key] = wasLow ? std::min(*lowest, percentage) : percentage;
-            const auto outlook = outlookOf(bucket);
-            if (outlook.isFirstWarning && percentage > threshold && alertsAreOn
-                && m_settings.value(settings::notifyOnRunOut))
+            if (percentage <= threshold || !tellsRunOut)
+                continue;
+            if (const auto outlook = outlookOf(bucket); outlook.isFirstWarning)
                 warn(bucket, key, outlook, now);
         }
     }

@@ -1,16 +1,29 @@
 #include "service/quota_fetch_client.h"
 
+#include "core/when_done.h"
 #include "service/quota_exchange.h"
 #include "service/quota_request.h"
 
 #include <QPromise>
 
+#include <memory>
 #include <utility>
 
 namespace brimwatch::service {
 
 using discovery::DaemonError;
 using discovery::DaemonInfo;
+
+namespace {
+
+using Answer = Result<model::QuotaSummary, DecodingError>;
+
+/// Decoding more takes longer than the event loop may be kept.
+constexpr qsizetype largestUsual = 64LL * 1024;
+/// JSON may be nested 1024 levels deep, more than the threads of macOS have room for by themselves.
+constexpr uint decoderStack = 8U * 1024 * 1024;
+
+} // namespace
 
 /// One walk through the candidates. A child of the client, gone when it has its result.
 class QuotaFetchClient::Fetch final : public QObject {
@@ -69,15 +82,48 @@ private:
     void handle(const QuotaExchange::Outcome &outcome)
     {
         if (const auto *answer = std::get_if<QuotaExchange::Answered>(&outcome)) {
-            if (auto summary = model::decodeAnswer(answer->body)) {
-                m_client.m_discovery.setLastSuccessfulUpdate(m_client.m_clock.now());
-                finish(FetchedQuota{.summary = *std::move(summary), .daemon = m_asked});
-                return;
-            }
-        } else if (const auto *failed = std::get_if<QuotaExchange::Failed>(&outcome)) {
-            m_transportError = failed->reason;
+            decode(answer->body);
+            return;
         }
+        if (const auto *failed = std::get_if<QuotaExchange::Failed>(&outcome))
+            m_transportError = failed->reason;
         askNext();
+    }
+
+    void decode(const QByteArray &body)
+    {
+        auto &latest = m_client.m_latest;
+        if (latest && latest->body == body) {
+            succeed(latest->summary);
+        } else if (body.size() > largestUsual) {
+            latest.reset();
+            const auto promise = std::make_shared<QPromise<Answer>>();
+            promise->start();
+            whenDone(promise->future(), this, [this](const Answer &answer) { handle(answer); });
+            m_client.m_decoders.start([promise, body] {
+                promise->addResult(model::decodeAnswer(body));
+                promise->finish();
+            });
+        } else {
+            const auto answer = model::decodeAnswer(body);
+            if (answer)
+                latest = {.body = body, .summary = *answer};
+            handle(answer);
+        }
+    }
+
+    void handle(const Answer &answer)
+    {
+        if (answer)
+            succeed(*answer);
+        else
+            askNext();
+    }
+
+    void succeed(const model::QuotaSummary &summary)
+    {
+        m_client.m_discovery.setLastSuccessfulUpdate(m_client.m_clock.now());
+        finish(FetchedQuota{.summary = summary, .daemon = m_asked});
     }
 
     FetchResult failure(DaemonError::Kind kind, const QString &message = {}) const
@@ -115,6 +161,8 @@ QuotaFetchClient::QuotaFetchClient(discovery::DaemonDiscoveryService &discovery,
     , m_limits(limits)
     , m_authorities(std::move(authorities))
 {
+    m_decoders.setMaxThreadCount(1);
+    m_decoders.setStackSize(decoderStack);
 }
 
 QuotaFetchClient::QuotaFetchClient(

@@ -91,10 +91,14 @@ void QuotaForecasts::update(const model::QuotaSummary &summary, const QDateTime 
     std::set<QString> keys;
     for (const auto &group : summary.groups) {
         for (const auto &bucket : group.buckets) {
+            if (keys.size() >= mostBuckets) {
+                m_keys[bucket.bucketId] = QString();
+                continue;
+            }
             const QString key = keyOf(m_redact(bucket.bucketId));
             // Of two buckets with one id nobody knows which is which.
             const bool isKnown = m_keys.contains(bucket.bucketId) || keys.contains(key);
-            m_keys[bucket.bucketId] = isKnown || keys.size() >= mostBuckets ? QString() : key;
+            m_keys[bucket.bucketId] = isKnown ? QString() : key;
             keys.insert(key);
         }
     }

@@ -58,6 +58,9 @@ private Q_SLOTS:
                        "1795348860,gemini-5h,0.123456,1795352460\n"
                        "1795348920,\"a \"\"b\"\", c\",0,1795352520\n"
                        "1795348980,\xc3\xbc,1,\n"));
+        // By somebody else.
+        QVERIFY(QFile::remove(m_path + u"/2026-11.csv"));
+        QVERIFY(history.isEmpty());
     }
 
     void aMonthHasAFileOfItsOwnForItsOwnerAlone()

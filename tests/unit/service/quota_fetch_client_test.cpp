@@ -66,6 +66,14 @@ ScriptedDaemon::Answer write(const QByteArray &bytes)
     return [bytes](QTcpSocket &socket) { socket.write(bytes); };
 }
 
+QByteArray withGroups(int count, const QByteArray &name)
+{
+    QByteArrayList groups;
+    for (int i = 0; i < count; ++i)
+        groups.append(R"({"displayName":")" + name + R"(","buckets":[]})");
+    return R"({"groups":[)" + groups.join(',') + "]}";
+}
+
 // Without "Connection: close".
 const QByteArray goodAnswer = "HTTP/1.1 200 OK\r\nContent-Length: 13\r\n\r\n{\"groups\":[]}";
 
@@ -716,6 +724,46 @@ private Q_SLOTS:
         }
     }
 
+    void theSameBytesAreDecodedOnce()
+    {
+        QByteArray name = "One";
+        ScriptedDaemon daemon([&name](QTcpSocket &socket) {
+            socket.write("HTTP/1.1 200 OK\r\n\r\n" + withGroups(1, name));
+            socket.disconnectFromHost();
+        });
+        QVERIFY(m_daemons->announce(
+            u"ls_a.json"_s, {{u"httpPort"_s, daemon.port()}, {u"csrfToken"_s, u"t"_s}}));
+        QuotaFetchClient client(m_daemons->discovery(), m_clock);
+        const auto first = fetch(client);
+        const auto same = fetch(client);
+        QVERIFY(first && same);
+        QVERIFY(same->summary.groups.isSharedWith(first->summary.groups));
+        name = "Two";
+        const auto other = fetch(client);
+        QVERIFY(other.has_value());
+        QCOMPARE(other->summary.groups.constFirst().displayName, u"Two"_s);
+    }
+
+    void aLargeAnswerIsDecodedAsASmallOne()
+    {
+        constexpr int groups = 10'000;
+        for (const bool isWhole : {true, false}) {
+            ScriptedDaemon daemon([isWhole](QTcpSocket &socket) {
+                socket.write("HTTP/1.1 200 OK\r\n\r\n" + withGroups(groups, "A name")
+                    + (isWhole ? "" : "}"));
+                socket.disconnectFromHost();
+            });
+            QVERIFY(m_daemons->announce(
+                u"ls_a.json"_s, {{u"httpPort"_s, daemon.port()}, {u"csrfToken"_s, u"t"_s}}));
+            const auto result = fetch();
+            QCOMPARE(result.has_value(), isWhole);
+            if (isWhole)
+                QCOMPARE(result->summary.groups.size(), groups);
+            else
+                QCOMPARE(errorOf(result).kind, DaemonError::Kind::noDaemonFound);
+        }
+    }
+
     // Overlaps and ends
 
     void fetchesThatOverlapKnowNothingOfEachOther()
@@ -729,6 +777,25 @@ private Q_SLOTS:
         QVERIFY(first.result().has_value());
         QVERIFY(second.result().has_value());
         QCOMPARE(daemon.stats()->requests, 2);
+    }
+
+    void aLargeAnswerOfAClientThatIsGoneIsHarmless()
+    {
+        bool isSent = false;
+        ScriptedDaemon daemon([&isSent](QTcpSocket &socket) {
+            connect(&socket, &QTcpSocket::disconnected, &socket, [&isSent] { isSent = true; });
+            socket.write("HTTP/1.1 200 OK\r\n\r\n" + withGroups(10'000, "A name"));
+            socket.disconnectFromHost();
+        });
+        QVERIFY(m_daemons->announce(
+            u"ls_a.json"_s, {{u"httpPort"_s, daemon.port()}, {u"csrfToken"_s, u"t"_s}}));
+        QFuture<FetchResult> future;
+        {
+            QuotaFetchClient client(m_daemons->discovery(), m_clock);
+            future = client.fetchQuotaSummary({});
+            QTRY_VERIFY(isSent || future.isFinished());
+        }
+        QVERIFY(future.isFinished());
     }
 
     void aFetchThatItsClientLeavesBehindEndsAsNoDaemonFound()

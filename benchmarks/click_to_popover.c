@@ -1,17 +1,19 @@
-/* click_to_popover -p PID [-n CLICKS]     real clicks on the item of a process, timed
- * click_to_popover -p PID -r [-n TIMES]   from a request at the daemon to the new label, timed
+/* click_to_popover -p PID [-n CLICKS] [-d MS]   real clicks on the item of a process, timed
+ * click_to_popover -p PID -r [-n TIMES]         from a request at the daemon to the new label,
+ * timed
  *
- * Clicks: presses and releases the left button over the item (XTest) and watches the screen. A
- * click's time runs from the press to the first moment at which the popover's window (380 x 490)
+ * Clicks: presses the left button over the item (XTest), holds it for MS milliseconds, 0 unless
+ * said otherwise, releases it and watches the screen. A click's time runs from the release to the
+ * first moment at which the popover's window (380 x 490)
  * shows what it shows once it has come to rest: at every change of the screen the picture is read
  * back, and the earliest one that equals the last one counts. A countdown's digits may differ: one
  * pixel in 200 may differ, but none among the buttons, the right half of the lowest 40 rows.
- * Those rows must also hold something. Prints `first MS` and `later MS` lines. The popover is closed
- * with a press of Escape each time.
+ * Those rows must also hold something. Prints `first MS` and `later MS` lines. The popover is
+ * closed with a press of Escape each time.
  *
- * Requests: reads lines `request ... at MS` from standard input (the sample daemon's log, whose time
- * is the monotonic clock's) and prints `label MS` from each to the first change of the screen inside
- * the item that follows it. */
+ * Requests: reads lines `request ... at MS` from standard input (the sample daemon's log, whose
+ * time is the monotonic clock's) and prints `label MS` from each to the first change of the screen
+ * inside the item that follows it. */
 #include <errno.h>
 #include <poll.h>
 #include <stdint.h>
@@ -42,7 +44,7 @@ struct place {
 static xcb_connection_t *x;
 static xcb_screen_t *screen;
 static uint8_t damage_event;
-static long pid;
+static long pid, held;
 
 struct frame {
     double at;
@@ -205,17 +207,21 @@ static double one_click(const struct place *item)
     free(xcb_get_input_focus_reply(x, xcb_get_input_focus(x), NULL));
     pause_for(50);
 
-    const double pressed = now();
     fake(XCB_BUTTON_PRESS, 1, px, py);
+    if (held > 0) {
+        xcb_flush(x);
+        pause_for((double)held);
+    }
+    const double released = now();
     fake(XCB_BUTTON_RELEASE, 1, px, py);
     xcb_flush(x);
-    double rest = pressed + GiveUpMs;
+    double rest = released + GiveUpMs;
     while (changed(rest, NULL)) {
         const double at = now();
         if (!is_open) {
             is_open = find(screen->root, 1, 0, &popover);
             if (!is_open) {
-                if (at > pressed + GiveUpMs)
+                if (at > released + GiveUpMs)
                     break;
                 continue;
             }
@@ -226,7 +232,7 @@ static double one_click(const struct place *item)
         }
         rest = at + SettleMs;
         /* A spinning icon never rests: what counts was seen long before. */
-        if (at > pressed + 4 * SettleMs || count == MaxFrames)
+        if (at > released + 4 * SettleMs || count == MaxFrames)
             break;
     }
     if (!is_open || count == 0)
@@ -237,7 +243,7 @@ static double one_click(const struct place *item)
     int first = count - 1;
     while (first > 0 && same(frames[first - 1].pixels, last))
         first--;
-    return frames[first].at - pressed;
+    return frames[first].at - released;
 }
 
 static void close_popover(uint8_t escape)
@@ -311,13 +317,16 @@ int main(int argc, char **argv)
     long times = 20;
     int option, labels = 0;
     struct place item;
-    while ((option = getopt(argc, argv, "p:n:r")) != -1) {
+    while ((option = getopt(argc, argv, "p:n:d:r")) != -1) {
         switch (option) {
         case 'p':
             pid = strtol(optarg, NULL, 10);
             break;
         case 'n':
             times = strtol(optarg, NULL, 10);
+            break;
+        case 'd':
+            held = strtol(optarg, NULL, 10);
             break;
         case 'r':
             labels = 1;
@@ -327,8 +336,8 @@ int main(int argc, char **argv)
             optind = argc;
         }
     }
-    if (pid <= 0 || times <= 0 || optind != argc) {
-        fprintf(stderr, "usage: click_to_popover -p PID [-n TIMES] [-r]\n");
+    if (pid <= 0 || times <= 0 || held < 0 || optind != argc) {
+        fprintf(stderr, "usage: click_to_popover -p PID [-n TIMES] [-d MS] [-r]\n");
         return 2;
     }
     x = xcb_connect(NULL, NULL);

@@ -31,6 +31,8 @@ _brimwatch_suite_test(package COMMAND "${CMAKE_CURRENT_LIST_DIR}/package/package
     TIMEOUT 7200 COST 2000 LOCK desktop)
 _brimwatch_suite_test(forecast COMMAND "${CMAKE_CURRENT_LIST_DIR}/forecast/score_test.sh" "${PROJECT_BINARY_DIR}"
     TIMEOUT 1800 COST 3000)
+_brimwatch_suite_test(benchmarks COMMAND "${CMAKE_CURRENT_LIST_DIR}/benchmarks/instructions_test.sh"
+    TIMEOUT 3600 COST 1000 LOCK release)
 _brimwatch_suite_test(other-packages COMMAND "${CMAKE_CURRENT_LIST_DIR}/package/other_packages_test.sh"
     TIMEOUT 600 COST 1000 LOCK install)
 # They compile for long, without a desktop of this machine, and so one at a time beside the rest.

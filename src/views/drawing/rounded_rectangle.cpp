@@ -26,6 +26,15 @@ struct Look {
     QColor outlineColor;
 };
 
+/// How far a corner of that radius extends along the sides. With this side it has the exponent 3;
+/// where there is less room it becomes a circle.
+qreal cornerSide(const QRectF &rect, qreal radius)
+{
+    constexpr qreal continuousSide = 1.42;
+    const qreal half = std::min(rect.width(), rect.height()) / 2;
+    return std::min(continuousSide * std::min(radius, half), half);
+}
+
 /// The outline of a rectangle with continuous corners: superellipses that come as close to the
 /// corner as a circle of that radius.
 QPainterPath shape(const QRectF &rect, qreal radius)
@@ -37,9 +46,7 @@ QPainterPath shape(const QRectF &rect, qreal radius)
         path.addRect(rect);
         return path;
     }
-    // With this side a corner has the exponent 3; where there is less room it becomes a circle.
-    constexpr qreal continuousSide = 1.42;
-    const qreal side = std::min(continuousSide * r, half);
+    const qreal side = cornerSide(rect, radius);
     const qreal inset = r * (1 - 1 / std::numbers::sqrt2);
     const qreal exponent = -1 / std::log2(1 - inset / side);
 
@@ -69,7 +76,35 @@ QPainterPath shape(const QRectF &rect, qreal radius)
     return path;
 }
 
-void draw(QPainter &painter, const QRectF &rect, const Look &look)
+enum class Edges { Anywhere, OnPixels };
+
+/// Fills the outline `outer` of such a rectangle.
+void fill(
+    QPainter &painter, const QRectF &rect, const QPainterPath &outer, const Look &look, Edges edges)
+{
+    const qreal ends = std::ceil(cornerSide(rect, look.radius));
+    if (edges == Edges::Anywhere || rect.height() <= 4 * ends) {
+        painter.fillPath(outer, look.color);
+        return;
+    }
+    // A path takes time for each row that it has, and most rows have no corner.
+    const QRectF middle = rect.adjusted(0, ends, 0, -ends);
+    painter.fillRect(middle, look.color);
+    if (ends == 0)
+        return;
+    const QRectF shorter(rect.topLeft(), QSizeF(rect.width(), 2 * ends));
+    const QPainterPath both = shape(shorter, look.radius);
+    painter.save();
+    painter.setClipRect(QRectF(rect.topLeft(), QSizeF(rect.width(), ends)), Qt::IntersectClip);
+    painter.fillPath(both, look.color);
+    painter.restore();
+    painter.save();
+    painter.setClipRect(QRectF(middle.bottomLeft(), QSizeF(rect.width(), ends)), Qt::IntersectClip);
+    painter.fillPath(both.translated(0, rect.height() - 2 * ends), look.color);
+    painter.restore();
+}
+
+void draw(QPainter &painter, const QRectF &rect, const Look &look, Edges edges)
 {
     const QPainterPath outer = shape(rect, look.radius);
     if (look.endColor.isValid()) {
@@ -78,7 +113,7 @@ void draw(QPainter &painter, const QRectF &rect, const Look &look)
         gradient.setColorAt(1, look.endColor);
         painter.fillPath(outer, gradient);
     } else if (look.color.alpha() > 0) {
-        painter.fillPath(outer, look.color);
+        fill(painter, rect, outer, look, edges);
     }
     const qreal width = look.outlineWidth;
     if (width > 0 && look.outlineColor.alpha() > 0) {
@@ -121,7 +156,7 @@ public:
         const QTransform toDevice = matrix()->toTransform() * device;
         if (toDevice.type() > QTransform::TxScale) {
             painter->setTransform(matrix()->toTransform());
-            draw(*painter, rect(), m_look);
+            draw(*painter, rect(), m_look, Edges::Anywhere);
             return;
         }
         // On whole pixels, so that edges are sharp at every scale. All items of one size stay so.
@@ -135,7 +170,7 @@ public:
         if (look.outlineWidth > 0)
             look.outlineWidth = whole(look.outlineWidth * scale);
         painter->setTransform(device.inverted());
-        draw(*painter, onPixels, look);
+        draw(*painter, onPixels, look, Edges::OnPixels);
     }
     StateFlags changedStates() const override { return {}; }
     RenderingFlags flags() const override { return BoundedRectRendering; }

@@ -48,6 +48,7 @@ void BucketEntry::update(const model::QuotaBucket &bucket, const QDateTime &now)
 {
     const model::ColorToken color = m_bucket.statusColor();
     if (assign(m_bucket, bucket)) {
+        m_timestampFor.reset();
         Q_EMIT changed();
         if (m_bucket.statusColor() != color)
             Q_EMIT colorChanged();
@@ -60,7 +61,12 @@ void BucketEntry::setTime(const QDateTime &now)
     const QString countdown = m_bucket.resetCountdownString(now);
     if (assign(m_resetLine, "Resets in "_L1 + countdown))
         Q_EMIT resetLineChanged();
-    if (assign(m_timestampText, m_bucket.resetTimestampText(now)))
+    // Written by ICU, which takes longer than all else here, and the same all day.
+    const auto reset = m_bucket.parsedResetDate();
+    const TimestampFor timestampFor{
+        .day = now.date(), .utcOffset = now.offsetFromUtc(), .isOver = reset && *reset <= now};
+    if (assign(m_timestampFor, std::optional(timestampFor))
+        && assign(m_timestampText, m_bucket.resetTimestampText(now)))
         Q_EMIT timestampTextChanged();
     QString percentage = percentageText();
     percentage.chop(1);

@@ -9,6 +9,8 @@
 #include <QString>
 #include <QtQml/qqmlregistration.h>
 
+#include <optional>
+
 namespace brimwatch::views {
 
 class Theme;
@@ -69,11 +71,21 @@ Q_SIGNALS:
     void accessibleNameChanged();
 
 private:
+    /// What a timestamp depends on beside the bucket.
+    struct TimestampFor {
+        QDate day;
+        int utcOffset = 0; ///< In seconds.
+        bool isOver = false; ///< Whether the reset is past.
+
+        bool operator==(const TimestampFor &) const = default;
+    };
+
     const Theme &m_theme;
     QString m_groupName;
     model::QuotaBucket m_bucket;
     QString m_resetLine;
     QString m_timestampText;
+    std::optional<TimestampFor> m_timestampFor; ///< Absent when m_timestampText is old.
     QString m_accessibleName;
 };
 

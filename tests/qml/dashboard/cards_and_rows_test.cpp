@@ -37,6 +37,7 @@ private Q_SLOTS:
     void aBucketWithoutResetTimeIsActiveAndHasNoTimestamp();
     void aResetTodayShowsItsTime();
     void aResetOnAnotherDayShowsItsDateToo();
+    void aResetTomorrowShowsItsTimeAloneFromMidnightOn();
     void whatIsCutOffIsInATooltip_data();
     void whatIsCutOffIsInATooltip();
     void aNameThatFitsHasNoTooltip();
@@ -199,6 +200,16 @@ void CardsAndRowsTest::aResetOnAnotherDayShowsItsDateToo()
         = QLocale(u"en_US"_s).toString(test::sampleNow().addDays(2).date(), u"MMM d, yyyy"_s);
     QTRY_COMPARE(fixture.text(u"timestamp"_s), date + u" at 12:00 PM"_s);
     QVERIFY(!fixture.item(u"timestamp"_s)->property("truncated").toBool());
+}
+
+void CardsAndRowsTest::aResetTomorrowShowsItsTimeAloneFromMidnightOn()
+{
+    PopoverFixture fixture;
+    fixture.show();
+    fixture.answer(oneGroup({test::sampleBucket(u"a"_s, u"A"_s, u"5h"_s, 0.5, 13 * 3600)}));
+    QTRY_VERIFY(fixture.text(u"timestamp"_s).endsWith(u" at 1:00 AM"_s));
+    fixture.clock.advance(std::chrono::minutes(12 * 60 + 1));
+    QTRY_COMPARE(fixture.text(u"timestamp"_s), u"1:00 AM"_s);
 }
 
 void CardsAndRowsTest::whatIsCutOffIsInATooltip_data()

@@ -122,8 +122,8 @@ last=$(processor_time)
 while [ "$(($(processor_time) - last))" -le 2 ]; do sleep 0.02; done
 sleep 0.4
 count
-sleep 6
-count 'second with the popover open' 6
+sleep 4
+count 'second with the popover open' 4
 fresh
 "$ctl" settings
 quiet

@@ -36,7 +36,7 @@ headers_of_newer_qt()
 {
     local package
     [ ! -e "$qt_folder/complete" ] || return 0
-    (cd "$qt_folder/packages" && apt_of_release download qt6-base-dev qt6-declarative-dev qt6-svg-dev) || return
+    (cd "$qt_folder/packages" && apt_of_release download qt6-{base,declarative}{,-private}-dev qt6-svg-dev) || return
     for package in "$qt_folder"/packages/*.deb; do dpkg-deb -x "$package" "$qt_folder/root" || return; done
     rm -rf "$qt_folder/state" "$qt_folder/cache"
     touch "$qt_folder/complete"

@@ -28,8 +28,13 @@ if len(commands) < (50 if not words else 1):
     sys.exit(f"other_qt.py: only {len(commands)} files")
 
 
+version = re.search(r'QTCORE_VERSION_STR "([\d.]+)"', (include / "QtCore/qtcoreversion.h").read_text())[1]
+
+
 def compile_one(file):
-    arguments = shlex.split(re.sub(r"/usr/include/\S*/qt6", str(include), commands[file]))
+    # Private headers are in folders named after the version.
+    command = re.sub(r"/usr/include/\S*/qt6(\S*)", lambda path: str(include) + re.sub(r"/\d+\.\d+\.\d+\b", "/" + version, path[1]), commands[file])
+    arguments = shlex.split(command)
     # Warnings of a newer Qt are no errors: they stop nobody's build.
     kept = [word for word in arguments if word not in ("-c", "-Werror") and not word.startswith("-M")]
     if "-o" in kept:

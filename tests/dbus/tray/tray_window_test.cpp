@@ -81,6 +81,22 @@ private Q_SLOTS:
         QTRY_COMPARE(m_window->slot(), QSize(77, 16));
     }
 
+    // GTK makes its sockets one pixel high. In an upright panel the item kept that height.
+    void aParentThatIsNotLaidOutSaysNothingOfTheSlot()
+    {
+        m_manager = std::make_unique<FakeTrayManager>(
+            FakeTrayManager::Manners{.symbols = {}, .height = 16, .squares = true, .program = {}});
+        m_window = std::make_unique<TrayWindow>(*m_x, m_manager->window());
+        dock(77);
+        QList<QSize> seen;
+        connect(m_window.get(), &TrayWindow::resized, this,
+            [this, &seen] { seen += m_window->slot(); });
+        m_manager->setSquareSize({30, 1});
+        m_manager->setSquareSize({40, 16});
+        QTRY_COMPARE(m_window->slot(), QSize(40, 16));
+        QCOMPARE(seen, (QList<QSize>{{77, 16}, {40, 16}}));
+    }
+
     void whatIsDrawnIsShown()
     {
         dock(40);

@@ -231,9 +231,8 @@ void TrayWindow::handle(const xcb_generic_event_t *event)
         const QSize size(configure->width, configure->height);
         if (configure->window == m_window) {
             handleConfigure(size);
-        } else if (configure->window == m_parent && !size.isEmpty()) {
-            m_parentSize = size;
-            updateSlot();
+        } else if (configure->window == m_parent) {
+            setParentSize(size);
         }
         break;
     }
@@ -347,7 +346,13 @@ void TrayWindow::followParent(xcb_window_t parent)
     m_x.selectInput(parent, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     const XcbPointer<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(
         m_x.connection(), xcb_get_geometry(m_x.connection(), parent), nullptr));
-    m_parentSize = geometry ? QSize(geometry->width, geometry->height) : QSize();
+    setParentSize(geometry ? QSize(geometry->width, geometry->height) : QSize());
+}
+
+void TrayWindow::setParentSize(QSize size)
+{
+    // One pixel is what GTK's sockets have before they are laid out: it says nothing of the slot.
+    m_parentSize = size.width() > 1 && size.height() > 1 ? size : QSize();
     updateSlot();
 }
 

@@ -90,6 +90,7 @@ private:
     void handleConfigure(QSize size);
     void handleReparent(xcb_window_t parent);
     void followParent(xcb_window_t parent);
+    void setParentSize(QSize size);
     void updateSlot();
     void lose();
     void createWindow();
@@ -107,7 +108,7 @@ private:
     bool m_docked = false;
     bool m_lost = false;
     xcb_window_t m_parent = XCB_WINDOW_NONE; ///< The panel's window that we are in.
-    QSize m_parentSize; ///< Invalid while not known.
+    QSize m_parentSize; ///< Invalid while it is not known or not laid out.
     QSize m_size; ///< The window's own, of which the parent may show only a part.
     QSize m_slot;
     int m_askedWidth = 0;

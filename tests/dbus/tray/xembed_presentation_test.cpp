@@ -142,6 +142,7 @@ private Q_SLOTS:
     void theWindowIsGoneWithThePresentation();
     void aRestingPointerShowsTheDescriptionBesideTheItem();
     void theToolTipHasEveryLineOfTheFullestDescription();
+    void theToolTipIsWideEnoughForAForecast();
     void aPressTakesTheDescriptionAwayUntilThePointerHasLeft();
     void theDescriptionGoesWithTheItem();
 
@@ -859,6 +860,23 @@ void XembedPresentationTest::theToolTipHasEveryLineOfTheFullestDescription()
     QTRY_COMPARE(
         shownToolTip() ? shownToolTip()->height() : 0, ofOneLine + (most - 1) * lineHeight);
     QVERIFY(QRect(0, 0, 1280, 720).contains(shownToolTip()->geometry()));
+}
+
+void XembedPresentationTest::theToolTipIsWideEnoughForAForecast()
+{
+    dock();
+    QTRY_VERIFY(isDrawn());
+    PresentedItem item = sampleItem();
+    const QString line = u"Claude and GPT models, Five-hour limit: 10.0%, resets in 1h 59m"_s;
+    item.description.lines = {line + ", runs out within half an hour"_L1};
+    m_item->present(item);
+    m_pointer.moveTo(itemCentre());
+    QTRY_VERIFY(shownToolTip());
+    const int width = shownToolTip()->width();
+    // Nothing is cut: one letter more takes more room.
+    item.description.lines = {item.description.lines.first() + u'M'};
+    m_item->present(item);
+    QTRY_VERIFY(shownToolTip() && shownToolTip()->width() > width);
 }
 
 void XembedPresentationTest::aPressTakesTheDescriptionAwayUntilThePointerHasLeft()

@@ -24,7 +24,7 @@ namespace {
 constexpr int fontSize = 12;
 constexpr QMargins margins(9, 6, 9, 6);
 constexpr int gap = 4; // Between the item and the tooltip.
-constexpr int widest = 480;
+constexpr double widest = 640; // Of a text in usual size. What is longer is cut in its middle.
 
 } // namespace
 
@@ -45,8 +45,8 @@ public:
         int width = 0;
         for (const QString &line : lines)
             width = std::max(width, metrics.horizontalAdvance(line));
-        const QSize text(
-            std::min(width, widest), metrics.height() * static_cast<int>(lines.size()));
+        const int most = static_cast<int>(std::lround(widest * m_appearance.textScale()));
+        const QSize text(std::min(width, most), metrics.height() * static_cast<int>(lines.size()));
         resize(text.grownBy(margins));
         update();
     }
@@ -67,7 +67,7 @@ protected:
             QSize(all.marginsRemoved(margins).width(), metrics.height()));
         for (const QString &text : std::as_const(m_lines)) {
             painter.drawText(line, Qt::AlignVCenter | Qt::TextSingleLine,
-                metrics.elidedText(text, Qt::ElideRight, line.width()));
+                metrics.elidedText(text, Qt::ElideMiddle, line.width()));
             line.translate(0, metrics.height());
         }
     }

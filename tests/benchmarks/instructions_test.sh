@@ -36,7 +36,7 @@ awk -F '|' -v qt="$qt" '
         delete missing[$1]
         if (!($1 in before)) { printf "%-70s %10.3f M, of which no figure is kept for %s\n", $1, $2, qt; bad = 1; next }
         change = 100 * ($2 / before[$1] - 1)
-        printf "%-70s %10.3f M, %+.1f %%%s\n", $1, $2, change, change > 10 ? ": over a tenth more" : ""
+        printf "%-70s %10.3f M, %+.1f %%%s\n", $1, $2, change, (change > 10 ? ": over a tenth more" : "")
         if (change > 10) bad = 1
     }
     END {

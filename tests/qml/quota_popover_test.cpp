@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace brimwatch;
@@ -597,19 +598,24 @@ void QuotaPopoverTest::madeAndLetGoItLeavesNothingBehind()
         = [] { return QDir(u"/proc/self/fd"_s).entryList(QDir::AllEntries | QDir::System).size(); };
     // In use of the heap; the sanitizers, which look for leaks themselves, have another.
     const auto heap = [] { return static_cast<qint64>(::mallinfo2().uordblks); };
-    constexpr int rounds = 40;
-    for (int i = 0; i < rounds; ++i)
-        openAndLetGo();
+    constexpr int rounds = 30;
+    // Least of all rounds: what the QML engine's thread happens to hold comes and goes.
+    const auto leastHeap = [&] {
+        auto least = std::numeric_limits<qint64>::max();
+        for (int i = 0; i < rounds; ++i) {
+            openAndLetGo();
+            least = std::min(least, heap());
+        }
+        return least;
+    };
+    leastHeap();
     const auto descriptorsBefore = descriptors();
-    const auto heapBefore = heap();
-    for (int i = 0; i < rounds; ++i)
-        openAndLetGo();
+    const qint64 before = leastHeap();
+    const qint64 growth = leastHeap() - before;
     QCOMPARE(QGuiApplication::allWindows().size(), 0);
     QCOMPARE(descriptors(), descriptorsBefore);
-    // What the QML engine's thread happens to hold, however many rounds there are.
     constexpr qint64 most = 32LL * 1024;
-    QVERIFY2(heap() - heapBefore <= most,
-        qPrintable(QString::number((heap() - heapBefore) / rounds) + u" bytes a round"));
+    QVERIFY2(growth <= most, qPrintable(QString::number(growth / rounds) + u" bytes a round"));
 }
 
 void QuotaPopoverTest::theTimeTicksOnlyWhileTheDashboardIsShown()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/x11/x_connection.h"
+#include "support/manager_announcement.h"
 #include "support/xsettings_property.h"
 
 #include <QByteArray>
@@ -25,15 +26,7 @@ public:
         change(settings);
         const xcb_atom_t selection = m_x.atom("_XSETTINGS_S0");
         xcb_set_selection_owner(c, m_window, selection, XCB_CURRENT_TIME);
-        xcb_client_message_event_t message{};
-        message.response_type = XCB_CLIENT_MESSAGE;
-        message.format = 32;
-        message.window = root;
-        message.type = m_x.atom("MANAGER");
-        message.data.data32[1] = selection;
-        message.data.data32[2] = m_window;
-        xcb_send_event(
-            c, 0, root, XCB_EVENT_MASK_STRUCTURE_NOTIFY, reinterpret_cast<const char *>(&message));
+        announceManager(m_x, selection, m_window);
         m_x.flush();
     }
     ~SettingsManager()

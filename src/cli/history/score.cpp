@@ -16,7 +16,7 @@ namespace {
 
 /// With fewer windows, or when all ended alike, a share of them says nothing.
 constexpr int leastWindows = 10;
-/// Of fewer chances nobody can tell whether they were true.
+/// With fewer forecasts in a tenth, nothing can be said of whether its chances were right.
 constexpr std::int64_t leastChances = 20;
 
 constexpr std::array<QLatin1StringView, 2> kinds{"5h"_L1, "weekly"_L1};

@@ -21,11 +21,12 @@ namespace {
 
 /// A history may hold any number of ids.
 constexpr std::size_t mostBuckets = 256;
-/// Points of a course are at least so far apart, as a share of the window.
+/// A course has about this many points at most.
 constexpr int pointsOfCourse = 500;
-/// Between two chances that count, so that many readings weigh no more than few.
+/// At most one forecast in this time is scored, so that frequent readings weigh no more than rare
+/// ones.
 constexpr seconds betweenChances = 5min;
-/// A reset may come so early without cutting the window short.
+/// A reset that is earlier by no more than this does not cut the window short.
 constexpr seconds resetJitter = 10min;
 
 sys_seconds secondsOf(const QDateTime &moment)

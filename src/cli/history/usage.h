@@ -27,8 +27,8 @@ struct WindowUsage {
     std::chrono::sys_seconds reset;
     double peak = 0; ///< The most that was used, 0 to 1.
     std::optional<std::chrono::sys_seconds> ranOut = {}; ///< When all was used.
-    /// From the start to the last row, in the order of time; a straight line between two. Of the
-    /// last window alone.
+    /// From the window's start to the last row, by time; between two points it is a straight line.
+    /// Empty for all windows but the last.
     std::vector<Point> course = {};
 };
 
@@ -40,7 +40,7 @@ struct ForecastScore {
         std::int64_t ranOut = 0; ///< Chances that were said in windows that ran out.
     };
 
-    int windows = 0; ///< Seen to their end, with a forecast.
+    int windows = 0; ///< Windows with a forecast that were followed to their end.
     int ranOut = 0;
     int warnedInTime = 0; ///< Of those that ran out.
     int warnedInVain = 0; ///< Of those that lasted.

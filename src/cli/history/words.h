@@ -19,7 +19,7 @@ QString windowName(const BucketUsage &usage);
 QDateTime momentOf(std::chrono::sys_seconds time, const QDateTime &now);
 /// "Nov 17, 2026 at 9:00 AM", as the user's locale has it.
 QString momentText(std::chrono::sys_seconds time, const QDateTime &now);
-/// "45%" of a share.
+/// A share as a whole percentage: "45%" for 0.45.
 QString percentOf(double share);
 
 /// "34% used, resets in 2h 3m, evenly used it would be 59%" of the window under way; "used up, full

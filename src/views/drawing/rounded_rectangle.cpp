@@ -27,7 +27,7 @@ struct Look {
 };
 
 /// How far a corner of that radius extends along the sides. With this side it has the exponent 3;
-/// where there is less room it becomes a circle.
+/// where there is less room it approaches an arc of a circle.
 qreal cornerSide(const QRectF &rect, qreal radius)
 {
     constexpr qreal continuousSide = 1.42;

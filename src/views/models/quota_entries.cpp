@@ -61,7 +61,7 @@ void BucketEntry::setTime(const QDateTime &now)
     const QString countdown = m_bucket.resetCountdownString(now);
     if (assign(m_resetLine, "Resets in "_L1 + countdown))
         Q_EMIT resetLineChanged();
-    // Written by ICU, which takes longer than all else here, and the same all day.
+    // ICU writes the timestamp, which takes longer than all else here. It stays the same all day.
     const auto reset = m_bucket.parsedResetDate();
     const TimestampFor timestampFor{
         .day = now.date(), .utcOffset = now.offsetFromUtc(), .isOver = reset && *reset <= now};

@@ -1,5 +1,7 @@
 #include "dbus/tray/fake_tray_manager.h"
 
+#include "support/manager_announcement.h"
+
 #include <QByteArray>
 
 #include <xcb/xtest.h>
@@ -69,16 +71,7 @@ FakeTrayManager::FakeTrayManager(Manners manners)
 void FakeTrayManager::announce()
 {
     const xcb_atom_t selection = m_x.atom("_NET_SYSTEM_TRAY_S0");
-    const xcb_window_t root = m_x.screen()->root;
-    xcb_client_message_event_t message{};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = root;
-    message.type = m_x.atom("MANAGER");
-    message.data.data32[1] = selection;
-    message.data.data32[2] = m_selectionWindow;
-    xcb_send_event(m_x.connection(), 0, root, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
-        reinterpret_cast<const char *>(&message));
+    announceManager(m_x, selection, m_selectionWindow);
     // It stands when this returns.
     m_x.selectionOwner(selection);
 }

@@ -119,9 +119,9 @@ private:
     /// The height of capitals and digits in a font, for each unit of its size.
     static double relativeCapHeight(QFont font)
     {
-        // Of most fonts, for those that do not tell it.
+        // What most fonts have, for a font that does not tell its own.
         constexpr double usual = 0.73;
-        // Large, as metrics are whole pixels.
+        // A large font, because metrics are rounded to whole pixels.
         constexpr int size = 100;
         font.setPixelSize(size);
         const double height = QFontMetricsF(font).capHeight() / size;

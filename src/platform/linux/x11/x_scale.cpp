@@ -17,7 +17,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr double usualDpi = 96;
-// The settings count it in 1024ths.
+// Xft/DPI of the settings is in 1024ths of a dot per inch.
 constexpr double dpiUnits = 1024;
 
 /// The number behind "Xft.dpi:" in the X resources; zero where there is none.
@@ -53,7 +53,7 @@ int XScale::windowFactor() const
 
 double XScale::value() const
 {
-    // Below zero it says that nothing is set.
+    // A desktop that has set nothing says -1.
     const double announced = m_settings.value(u"Xft/DPI"_s).toInt() / dpiUnits;
     const double dpi = announced > 0 ? announced : m_resourceDpi;
     double scale = windowFactor();

@@ -7,8 +7,8 @@ namespace brimwatch::platform {
 class XConnection;
 class XSettings;
 
-/// How large the programs of an X11 session draw: desktop scale and text scale together, as the
-/// resolution for texts says them, since X11 itself scales nothing.
+/// How large the programs of an X11 session draw. X11 itself scales nothing: desktop scale and text
+/// scale together are told as a resolution for texts.
 class XScale final : public QObject {
     Q_OBJECT
 
